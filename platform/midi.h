@@ -1,0 +1,51 @@
+// midi.h - MIDI ports of the host: any run of bytes out, one armed buffer in
+//
+// Called by the System Exclusive exchange. Results of type int are 0 for
+// success, otherwise a code for which error_text has words. All functions are
+// called on the main thread; only the function given to on_arrival is called
+// from other threads.
+
+#pragma once
+#include <cstddef>
+
+namespace velmor
+{
+
+struct midi_service {
+	// Number of ports now. Ports are named by their place in the list, so a change of
+	// hardware shifts them. Listing again happens inside these two.
+	int (*outputs)();
+	int (*inputs)();
+	// Name of port index, in a static buffer that the next call overwrites; "" if there is none.
+	const char *(*output_name)(int index);
+	const char *(*input_name)(int index);
+
+	// Open an output. Index -1 is the first one listed.
+	int (*open_output)(int index, int *handle);
+	// Hand over a run of bytes, whole messages or parts of one. The bytes are copied.
+	// A short write is a failure, never silence.
+	int (*write)(int handle, const unsigned char *bytes, std::size_t count);
+	// Bytes written that have not left yet; 0 when all are out, negative when the port failed
+	// (the code is minus the result).
+	long (*leaving)(int handle);
+	void (*close_output)(int handle);
+
+	// Open an input; index -1 fails. Nothing is received before it is armed.
+	int (*open_input)(int index, int *handle);
+	// Receive into buffer, at most capacity bytes, from now until disarm or close_input.
+	// What exceeds the capacity is dropped.
+	int (*arm)(int handle, unsigned char *buffer, std::size_t capacity);
+	// Bytes in the armed buffer at this moment.
+	std::size_t (*received)(int handle);
+	// 0, or the code of what went wrong since arm: an overrun, a port that vanished.
+	int (*input_error)(int handle);
+	void (*disarm)(int handle);
+	void (*close_input)(int handle);
+
+	// wake is called, from any thread, whenever bytes arrived, left, or a port failed.
+	void (*on_arrival)(void (*wake)());
+	// Words for a code, in a static buffer that the next call overwrites; never null.
+	const char *(*error_text)(int code);
+};
+
+} // namespace velmor

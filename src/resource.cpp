@@ -1,0 +1,519 @@
+// resource.cpp - the table of models, note names, and the selection
+
+#include "src/resource.h"
+#include <cstdio>
+#include <cstdlib>
+
+namespace velmor
+{
+
+// clang-format off
+// In the order of the brand list. The S3200 repeats the id of the S3000: every
+// look-up by id finds the S3000 first, and both rows hold the same operations.
+_sampler_type sampler_type[11] = {
+	{
+		.userlevel                = 0,
+		.sampler_brand            = "Generic",
+		.sampler_flags            = 0x00,
+		.lcd_pixel_data_length    = 0,
+		.lcd_control_data_length  = 0,
+		.lcd_width                = 0,
+		.lcd_height               = 0,
+		.default_keyzones         = 0,
+		.sampler_type             = model_generic,
+		.ctrl                     = nullptr,  // no panel
+		.getstatus                = nullptr,
+		.getproglist              = nullptr,
+		.getsamplelist            = nullptr,
+		.getmultilist             = nullptr,
+		.renamesample             = nullptr,
+		.downloadsample           = nullptr,
+		.infosample               = nullptr,
+		.uploadsample             = nullptr,
+		.getplaymode              = nullptr,
+		.getpanel                 = nullptr,
+		.saveprogram              = nullptr,
+		.deleteprogram            = nullptr,
+		.renameprogram            = nullptr,
+		.assignvoice              = nullptr,
+		.assignvoice_callback     = nullptr,
+		.assignpad                = nullptr,
+		.assignpad_callback       = nullptr,
+		.assignqlink              = nullptr,
+		.assignqlink_callback     = nullptr,
+		.assignvelocity           = nullptr,
+		.assignvelocity_callback  = nullptr,
+		.assignprog               = nullptr,
+		.assignprog_callback      = nullptr,
+		.del_keygroup             = nullptr,
+	},
+	{
+		.userlevel                = 0,
+		.sampler_brand            = "Akai S900/950",
+		.sampler_flags            = 0x00,
+		.lcd_pixel_data_length    = 0,
+		.lcd_control_data_length  = 0,
+		.lcd_width                = 0,
+		.lcd_height               = 0,
+		.default_keyzones         = 2,
+		.sampler_type             = model_s900,
+		.ctrl                     = nullptr,  // no panel
+		.getstatus                = nullptr,  // not built yet
+		.getproglist              = nullptr,  // not built yet
+		.getsamplelist            = nullptr,  // not built yet
+		.getmultilist             = nullptr,  // not built yet
+		.renamesample             = nullptr,  // not built yet
+		.downloadsample           = nullptr,  // not built yet
+		.infosample               = nullptr,  // not built yet
+		.uploadsample             = nullptr,  // not built yet
+		.getplaymode              = nullptr,  // not built yet
+		.getpanel                 = nullptr,  // not built yet
+		.saveprogram              = nullptr,  // not built yet
+		.deleteprogram            = nullptr,  // not built yet
+		.renameprogram            = nullptr,  // not built yet
+		.assignvoice              = nullptr,  // not built yet
+		.assignvoice_callback     = nullptr,  // not built yet
+		.assignpad                = nullptr,  // not built yet
+		.assignpad_callback       = nullptr,  // not built yet
+		.assignqlink              = nullptr,  // no model has it
+		.assignqlink_callback     = nullptr,  // no model has it
+		.assignvelocity           = nullptr,  // not built yet
+		.assignvelocity_callback  = nullptr,  // not built yet
+		.assignprog               = nullptr,  // not built yet
+		.assignprog_callback      = nullptr,  // not built yet
+		.del_keygroup             = nullptr,  // not built yet
+	},
+	{
+		.userlevel                = 0,
+		.sampler_brand            = "Akai S1000, S1100",
+		.sampler_flags            = 0x00,
+		.lcd_pixel_data_length    = 0,
+		.lcd_control_data_length  = 0,
+		.lcd_width                = 0,
+		.lcd_height               = 0,
+		.default_keyzones         = 4,
+		.sampler_type             = model_s1000,
+		.ctrl                     = nullptr,  // no panel
+		.getstatus                = nullptr,  // not built yet
+		.getproglist              = nullptr,  // not built yet
+		.getsamplelist            = nullptr,  // not built yet
+		.getmultilist             = nullptr,  // not built yet
+		.renamesample             = nullptr,  // not built yet
+		.downloadsample           = nullptr,  // not built yet
+		.infosample               = nullptr,  // not built yet
+		.uploadsample             = nullptr,  // not built yet
+		.getplaymode              = nullptr,  // not built yet
+		.getpanel                 = nullptr,  // not built yet
+		.saveprogram              = nullptr,  // not built yet
+		.deleteprogram            = nullptr,  // not built yet
+		.renameprogram            = nullptr,  // not built yet
+		.assignvoice              = nullptr,  // not built yet
+		.assignvoice_callback     = nullptr,  // not built yet
+		.assignpad                = nullptr,  // not built yet
+		.assignpad_callback       = nullptr,  // not built yet
+		.assignqlink              = nullptr,  // no model has it
+		.assignqlink_callback     = nullptr,  // no model has it
+		.assignvelocity           = nullptr,  // not built yet
+		.assignvelocity_callback  = nullptr,  // not built yet
+		.assignprog               = nullptr,  // not built yet
+		.assignprog_callback      = nullptr,  // not built yet
+		.del_keygroup             = nullptr,  // not built yet
+	},
+	{
+		.userlevel                = 0,
+		.sampler_brand            = "Akai S2000",
+		.sampler_flags            = flag_multis,
+		.lcd_pixel_data_length    = 0,
+		.lcd_control_data_length  = 0,
+		.lcd_width                = 0,
+		.lcd_height               = 0,
+		.default_keyzones         = 4,
+		.sampler_type             = model_s2000,
+		.ctrl                     = nullptr,  // no panel
+		.getstatus                = nullptr,  // not built yet
+		.getproglist              = nullptr,  // not built yet
+		.getsamplelist            = nullptr,  // not built yet
+		.getmultilist             = nullptr,  // not built yet
+		.renamesample             = nullptr,  // not built yet
+		.downloadsample           = nullptr,  // not built yet
+		.infosample               = nullptr,  // not built yet
+		.uploadsample             = nullptr,  // not built yet
+		.getplaymode              = nullptr,  // not built yet
+		.getpanel                 = nullptr,  // not built yet
+		.saveprogram              = nullptr,  // not built yet
+		.deleteprogram            = nullptr,  // not built yet
+		.renameprogram            = nullptr,  // not built yet
+		.assignvoice              = nullptr,  // not built yet
+		.assignvoice_callback     = nullptr,  // not built yet
+		.assignpad                = nullptr,  // not built yet
+		.assignpad_callback       = nullptr,  // not built yet
+		.assignqlink              = nullptr,  // no model has it
+		.assignqlink_callback     = nullptr,  // no model has it
+		.assignvelocity           = nullptr,  // not built yet
+		.assignvelocity_callback  = nullptr,  // not built yet
+		.assignprog               = nullptr,  // not built yet
+		.assignprog_callback      = nullptr,  // not built yet
+		.del_keygroup             = nullptr,  // not built yet
+	},
+	{
+		.userlevel                = 0,
+		.sampler_brand            = "Akai S2800",
+		.sampler_flags            = flag_multis,
+		.lcd_pixel_data_length    = 0,
+		.lcd_control_data_length  = 0,
+		.lcd_width                = 0,
+		.lcd_height               = 0,
+		.default_keyzones         = 4,
+		.sampler_type             = model_s2800,
+		.ctrl                     = nullptr,  // no panel
+		.getstatus                = nullptr,  // not built yet
+		.getproglist              = nullptr,  // not built yet
+		.getsamplelist            = nullptr,  // not built yet
+		.getmultilist             = nullptr,  // not built yet
+		.renamesample             = nullptr,  // not built yet
+		.downloadsample           = nullptr,  // not built yet
+		.infosample               = nullptr,  // not built yet
+		.uploadsample             = nullptr,  // not built yet
+		.getplaymode              = nullptr,  // not built yet
+		.getpanel                 = nullptr,  // not built yet
+		.saveprogram              = nullptr,  // not built yet
+		.deleteprogram            = nullptr,  // not built yet
+		.renameprogram            = nullptr,  // not built yet
+		.assignvoice              = nullptr,  // not built yet
+		.assignvoice_callback     = nullptr,  // not built yet
+		.assignpad                = nullptr,  // not built yet
+		.assignpad_callback       = nullptr,  // not built yet
+		.assignqlink              = nullptr,  // no model has it
+		.assignqlink_callback     = nullptr,  // no model has it
+		.assignvelocity           = nullptr,  // not built yet
+		.assignvelocity_callback  = nullptr,  // not built yet
+		.assignprog               = nullptr,  // not built yet
+		.assignprog_callback      = nullptr,  // not built yet
+		.del_keygroup             = nullptr,  // not built yet
+	},
+	{
+		.userlevel                = 0,
+		.sampler_brand            = "Akai S3000/S3000XL",
+		.sampler_flags            = flag_multis,
+		.lcd_pixel_data_length    = 0,
+		.lcd_control_data_length  = 0,
+		.lcd_width                = 0,
+		.lcd_height               = 0,
+		.default_keyzones         = 4,
+		.sampler_type             = model_s3000,
+		.ctrl                     = nullptr,  // no panel
+		.getstatus                = nullptr,  // not built yet
+		.getproglist              = nullptr,  // not built yet
+		.getsamplelist            = nullptr,  // not built yet
+		.getmultilist             = nullptr,  // not built yet
+		.renamesample             = nullptr,  // not built yet
+		.downloadsample           = nullptr,  // not built yet
+		.infosample               = nullptr,  // not built yet
+		.uploadsample             = nullptr,  // not built yet
+		.getplaymode              = nullptr,  // not built yet
+		.getpanel                 = nullptr,  // not built yet
+		.saveprogram              = nullptr,  // not built yet
+		.deleteprogram            = nullptr,  // not built yet
+		.renameprogram            = nullptr,  // not built yet
+		.assignvoice              = nullptr,  // not built yet
+		.assignvoice_callback     = nullptr,  // not built yet
+		.assignpad                = nullptr,  // not built yet
+		.assignpad_callback       = nullptr,  // not built yet
+		.assignqlink              = nullptr,  // no model has it
+		.assignqlink_callback     = nullptr,  // no model has it
+		.assignvelocity           = nullptr,  // not built yet
+		.assignvelocity_callback  = nullptr,  // not built yet
+		.assignprog               = nullptr,  // not built yet
+		.assignprog_callback      = nullptr,  // not built yet
+		.del_keygroup             = nullptr,  // not built yet
+	},
+	{
+		.userlevel                = 0,
+		.sampler_brand            = "Akai S3200",
+		.sampler_flags            = flag_multis,
+		.lcd_pixel_data_length    = 0,
+		.lcd_control_data_length  = 0,
+		.lcd_width                = 0,
+		.lcd_height               = 0,
+		.default_keyzones         = 4,
+		.sampler_type             = model_s3000,
+		.ctrl                     = nullptr,  // no panel
+		.getstatus                = nullptr,  // not built yet
+		.getproglist              = nullptr,  // not built yet
+		.getsamplelist            = nullptr,  // not built yet
+		.getmultilist             = nullptr,  // not built yet
+		.renamesample             = nullptr,  // not built yet
+		.downloadsample           = nullptr,  // not built yet
+		.infosample               = nullptr,  // not built yet
+		.uploadsample             = nullptr,  // not built yet
+		.getplaymode              = nullptr,  // not built yet
+		.getpanel                 = nullptr,  // not built yet
+		.saveprogram              = nullptr,  // not built yet
+		.deleteprogram            = nullptr,  // not built yet
+		.renameprogram            = nullptr,  // not built yet
+		.assignvoice              = nullptr,  // not built yet
+		.assignvoice_callback     = nullptr,  // not built yet
+		.assignpad                = nullptr,  // not built yet
+		.assignpad_callback       = nullptr,  // not built yet
+		.assignqlink              = nullptr,  // no model has it
+		.assignqlink_callback     = nullptr,  // no model has it
+		.assignvelocity           = nullptr,  // not built yet
+		.assignvelocity_callback  = nullptr,  // not built yet
+		.assignprog               = nullptr,  // not built yet
+		.assignprog_callback      = nullptr,  // not built yet
+		.del_keygroup             = nullptr,  // not built yet
+	},
+	{
+		.userlevel                = 0,
+		.sampler_brand            = "Akai S5000/6000",
+		.sampler_flags            = flag_multis | flag_usb | flag_unused | flag_lcd,
+		.lcd_pixel_data_length    = 9600,
+		.lcd_control_data_length  = 18,
+		.lcd_width                = 320,
+		.lcd_height               = 240,
+		.default_keyzones         = 4,
+		.sampler_type             = model_s5000,
+		.ctrl                     = nullptr,  // panel not built yet
+		.getstatus                = nullptr,  // not built yet
+		.getproglist              = nullptr,  // not built yet
+		.getsamplelist            = nullptr,  // not built yet
+		.getmultilist             = nullptr,  // not built yet
+		.renamesample             = nullptr,  // not built yet
+		.downloadsample           = nullptr,  // not built yet
+		.infosample               = nullptr,  // not built yet
+		.uploadsample             = nullptr,  // not built yet
+		.getplaymode              = nullptr,  // not built yet
+		.getpanel                 = nullptr,  // not built yet
+		.saveprogram              = nullptr,  // not built yet
+		.deleteprogram            = nullptr,  // not built yet
+		.renameprogram            = nullptr,  // not built yet
+		.assignvoice              = nullptr,  // not built yet
+		.assignvoice_callback     = nullptr,  // not built yet
+		.assignpad                = nullptr,  // not built yet
+		.assignpad_callback       = nullptr,  // not built yet
+		.assignqlink              = nullptr,  // no model has it
+		.assignqlink_callback     = nullptr,  // no model has it
+		.assignvelocity           = nullptr,  // not built yet
+		.assignvelocity_callback  = nullptr,  // not built yet
+		.assignprog               = nullptr,  // not built yet
+		.assignprog_callback      = nullptr,  // not built yet
+		.del_keygroup             = nullptr,  // not built yet
+	},
+	{
+		.userlevel                = 0,
+		.sampler_brand            = "Akai Z4/Z8",
+		.sampler_flags            = flag_multis | flag_usb | flag_unused | flag_lcd,
+		.lcd_pixel_data_length    = 1860,
+		.lcd_control_data_length  = 18,
+		.lcd_width                = 248,
+		.lcd_height               = 60,
+		.default_keyzones         = 4,
+		.sampler_type             = model_z4,
+		.ctrl                     = nullptr,  // panel not built yet
+		.getstatus                = nullptr,  // not built yet
+		.getproglist              = nullptr,  // not built yet
+		.getsamplelist            = nullptr,  // not built yet
+		.getmultilist             = nullptr,  // not built yet
+		.renamesample             = nullptr,  // not built yet
+		.downloadsample           = nullptr,  // not built yet
+		.infosample               = nullptr,  // not built yet
+		.uploadsample             = nullptr,  // not built yet
+		.getplaymode              = nullptr,  // not built yet
+		.getpanel                 = nullptr,  // not built yet
+		.saveprogram              = nullptr,  // not built yet
+		.deleteprogram            = nullptr,  // not built yet
+		.renameprogram            = nullptr,  // not built yet
+		.assignvoice              = nullptr,  // not built yet
+		.assignvoice_callback     = nullptr,  // not built yet
+		.assignpad                = nullptr,  // not built yet
+		.assignpad_callback       = nullptr,  // not built yet
+		.assignqlink              = nullptr,  // no model has it
+		.assignqlink_callback     = nullptr,  // no model has it
+		.assignvelocity           = nullptr,  // not built yet
+		.assignvelocity_callback  = nullptr,  // not built yet
+		.assignprog               = nullptr,  // not built yet
+		.assignprog_callback      = nullptr,  // not built yet
+		.del_keygroup             = nullptr,  // not built yet
+	},
+	{
+		.userlevel                = 0,
+		.sampler_brand            = "Akai MPC 4000",
+		.sampler_flags            = flag_multis | flag_usb | flag_unused | flag_lcd,
+		.lcd_pixel_data_length    = 9600,
+		.lcd_control_data_length  = 18,
+		.lcd_width                = 320,
+		.lcd_height               = 240,
+		.default_keyzones         = 4,
+		.sampler_type             = model_mpc4000,
+		.ctrl                     = nullptr,  // panel not built yet
+		.getstatus                = nullptr,  // not built yet
+		.getproglist              = nullptr,  // not built yet
+		.getsamplelist            = nullptr,  // not built yet
+		.getmultilist             = nullptr,  // not built yet
+		.renamesample             = nullptr,  // not built yet
+		.downloadsample           = nullptr,  // not built yet
+		.infosample               = nullptr,  // not built yet
+		.uploadsample             = nullptr,  // not built yet
+		.getplaymode              = nullptr,  // not built yet
+		.getpanel                 = nullptr,  // not built yet
+		.saveprogram              = nullptr,  // not built yet
+		.deleteprogram            = nullptr,  // not built yet
+		.renameprogram            = nullptr,  // not built yet
+		.assignvoice              = nullptr,  // not built yet
+		.assignvoice_callback     = nullptr,  // not built yet
+		.assignpad                = nullptr,  // not built yet
+		.assignpad_callback       = nullptr,  // not built yet
+		.assignqlink              = nullptr,  // no model has it
+		.assignqlink_callback     = nullptr,  // no model has it
+		.assignvelocity           = nullptr,  // not built yet
+		.assignvelocity_callback  = nullptr,  // not built yet
+		.assignprog               = nullptr,  // not built yet
+		.assignprog_callback      = nullptr,  // not built yet
+		.del_keygroup             = nullptr,  // not built yet
+	},
+	{
+		.userlevel                = 2,
+		.sampler_brand            = nullptr,
+		.sampler_flags            = 0xFF,
+		.lcd_pixel_data_length    = 0,
+		.lcd_control_data_length  = 0,
+		.lcd_width                = 0,
+		.lcd_height               = 0,
+		.default_keyzones         = 0,
+		.sampler_type             = -1,
+		.ctrl                     = nullptr,  // no panel
+		.getstatus                = nullptr,
+		.getproglist              = nullptr,
+		.getsamplelist            = nullptr,
+		.getmultilist             = nullptr,
+		.renamesample             = nullptr,
+		.downloadsample           = nullptr,
+		.infosample               = nullptr,
+		.uploadsample             = nullptr,
+		.getplaymode              = nullptr,
+		.getpanel                 = nullptr,
+		.saveprogram              = nullptr,
+		.deleteprogram            = nullptr,
+		.renameprogram            = nullptr,
+		.assignvoice              = nullptr,
+		.assignvoice_callback     = nullptr,
+		.assignpad                = nullptr,
+		.assignpad_callback       = nullptr,
+		.assignqlink              = nullptr,
+		.assignqlink_callback     = nullptr,
+		.assignvelocity           = nullptr,
+		.assignvelocity_callback  = nullptr,
+		.assignprog               = nullptr,
+		.assignprog_callback      = nullptr,
+		.del_keygroup             = nullptr,
+	},
+
+};
+// clang-format on
+
+_sampler *current_sampler = nullptr;
+i32 current_pgm_index = 0, current_keygroup_index = 0, current_keyzone_index = 0;
+
+_sampler_type *get_sampler(i32 id)
+{
+	for (_sampler_type *row = sampler_type; row->sampler_brand; row++)
+		if (row->sampler_type == id)
+			return row;
+	return nullptr;
+}
+
+int get_sampler_type_count()
+{
+	int count = 0;
+	while (sampler_type[count].sampler_brand)
+		count++;
+	return count;
+}
+
+i32 get_sampler_brand_id(i32 index)
+{
+	return index >= 0 && index < get_sampler_type_count() ? sampler_type[index].sampler_type : 0;
+}
+
+i32 get_sampler_brand_index(i32 id)
+{
+	const _sampler_type *row = get_sampler(id);
+	return row ? static_cast<i32>(row - sampler_type) : 0;
+}
+
+// Texts that live as long as the program: count of them, first to last, then null.
+template <std::size_t count> struct text_table {
+	char text[count][5] = {};
+	constexpr std::array<const char *, count + 1> pointers() const
+	{
+		std::array<const char *, count + 1> list = {};
+		for (std::size_t i = 0; i < count; i++)
+			list[i] = text[i];
+		return list;
+	}
+};
+
+static constexpr void put_number(char *to, int number)
+{
+	int power = 1;
+	if (number < 0) {
+		*to++ = '-';
+		number = -number;
+	}
+	while (number / power >= 10)
+		power *= 10;
+	for (; power; power /= 10)
+		*to++ = static_cast<char>('0' + number / power % 10);
+}
+
+template <std::size_t count> static constexpr text_table<count> numbers_from(int first)
+{
+	text_table<count> table;
+	for (std::size_t i = 0; i < count; i++)
+		put_number(table.text[i], first + static_cast<int>(i));
+	return table;
+}
+
+static constexpr text_table<128> note_names()
+{
+	constexpr const char *letters[] = { "C", "C#", "D", "D#", "E", "F", "F#", "G", "G#", "A",
+		"A#", "B" };
+	text_table<128> table;
+	for (int note = 0; note < 128; note++) {
+		char *to = table.text[note];
+		for (const char *letter = letters[note % 12]; *letter; letter++)
+			*to++ = *letter;
+		put_number(to, note / 12 - 2);
+	}
+	return table;
+}
+
+static constexpr text_table<128> note_texts = note_names();
+static constexpr text_table<16> channel_texts = numbers_from<16>(1);
+static constexpr text_table<129> exclusive_texts = numbers_from<129>(0);
+const std::array<const char *, 129> midi_note = note_texts.pointers();
+const std::array<const char *, 17> midi_channel = channel_texts.pointers();
+const std::array<const char *, 130> sysex_chan = exclusive_texts.pointers();
+
+const char *display_midi_note(int note)
+{
+	static char text[32];
+	std::snprintf(text, sizeof text, "%d (%s)", note, midi_note[note & 0x7F]);
+	return text;
+}
+
+_dev_status *allocate_dev_status()
+{
+	// calloc of this size takes fresh zeroed pages, so only what is touched costs memory.
+	return static_cast<_dev_status *>(std::calloc(1, sizeof(_dev_status)));
+}
+
+void free_sample_data(_sample *sample)
+{
+	std::free(sample->sample_data);
+	std::free(sample->sample_byte);
+	sample->sample_data = nullptr;
+	sample->sample_byte = nullptr;
+}
+
+} // namespace velmor

@@ -1,0 +1,319 @@
+// test_host.cpp - a host for tests: virtual time, a scratch folder, recorded windows
+
+#include "tests/support/test_host.h"
+#include "platform/backends.h"
+#include <algorithm>
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+namespace velmor
+{
+
+test_host *the_test_host = nullptr;
+
+static void pass_time(double seconds)
+{
+	timeline &t = the_test_host->time;
+	const double limit = t.now() + seconds;
+	t.run_until(std::min(t.next(), limit));
+}
+
+static const clock_service test_clock = {
+	.time_of_day = [] { return 1000000000.0 + the_test_host->time.now(); },
+	.counter = [] { return the_test_host->time.now(); },
+	.sleep_ms =
+		[](int milliseconds) {
+			timeline &t = the_test_host->time;
+			t.run_until(t.now() + milliseconds / 1000.0);
+		},
+};
+
+using place = std::pair<int, int>;
+
+static const ui_service test_ui = {
+	.set_text = [](int w, int c, const char *text) { the_test_host->texts[place(w, c)] = text; },
+	.get_text = [](int w, int c) { return the_test_host->texts[place(w, c)]; },
+	.set_list =
+		[](int w, int c, std::span<const std::string> items) {
+			the_test_host->lists[place(w, c)].assign(items.begin(), items.end());
+			the_test_host->selections[place(w, c)] = -1;
+		},
+	.select = [](int w, int c, int index) { the_test_host->selections[place(w, c)] = index; },
+	.selection =
+		[](int w, int c) {
+			auto found = the_test_host->selections.find(place(w, c));
+			return found == the_test_host->selections.end() ? -1 : found->second;
+		},
+	.set_checked = [](int w, int c, bool on) { the_test_host->checks[place(w, c)] = on; },
+	.checked = [](int w, int c) { return the_test_host->checks[place(w, c)]; },
+	.show = [](int w, int c, bool on) { the_test_host->visible[place(w, c)] = on; },
+	.enable = [](int w, int c, bool on) { the_test_host->enabled[place(w, c)] = on; },
+	.exists = [](int, int) { return true; },
+	.set_waveform = [](int, int, const waveform_view *) {},
+	.message =
+		[](const char *text, const char *caption) {
+			the_test_host->boxes.push_back({ text, caption });
+		},
+	.ask =
+		[](const char *text, const char *caption) {
+			the_test_host->boxes.push_back({ text, caption });
+			if (the_test_host->answers.empty())
+				return true;
+			const bool answer = the_test_host->answers.front();
+			the_test_host->answers.pop_front();
+			return answer;
+		},
+	.choose_files = [](const char *, const char *) { return the_test_host->chosen_files; },
+	.choose_folder = [](const char *) { return the_test_host->chosen_folder; },
+	.progress_show =
+		[](const char *caption, int range) {
+			the_test_host->progress.visible = true;
+			the_test_host->progress.caption = caption;
+			the_test_host->progress.range = range;
+		},
+	.progress_set =
+		[](int value, const char *info, const char *) {
+			the_test_host->progress.value = value;
+			the_test_host->progress.infos.push_back(info);
+		},
+	.progress_hide = [] { the_test_host->progress.visible = false; },
+	.pump =
+		[](int max_ms) {
+			if (the_test_host->on_pump)
+				the_test_host->on_pump();
+			pass_time(max_ms / 1000.0);
+		},
+	.wake = [] {},
+	.exit_process = [](int status) { throw process_ended{ status }; },
+};
+
+static const midi_service no_midi = {
+	.outputs = [] { return 0; },
+	.inputs = [] { return 0; },
+	.output_name = [](int) { return ""; },
+	.input_name = [](int) { return ""; },
+	.open_output = [](int, int *) { return 19; },
+	.write = [](int, const unsigned char *, std::size_t) { return 19; },
+	.leaving = [](int) { return -19L; },
+	.close_output = [](int) {},
+	.open_input = [](int, int *) { return 19; },
+	.arm = [](int, unsigned char *, std::size_t) { return 19; },
+	.received = [](int) { return std::size_t{ 0 }; },
+	.input_error = [](int) { return 19; },
+	.disarm = [](int) {},
+	.close_input = [](int) {},
+	.on_arrival = [](void (*)()) {},
+	.error_text = [](int) { return "No such device"; },
+};
+
+static const net_service no_net = {
+	.connect = [](const char *, unsigned short, int *) { return 111; },
+	.connected = [](int) { return -111; },
+	.send = [](int, const unsigned char *, std::size_t) { return -111L; },
+	.receive = [](int, unsigned char *, std::size_t) { return -111L; },
+	.close = [](int) {},
+	.on_arrival = [](void (*)()) {},
+	.error_text = [](int) { return "Connection refused"; },
+};
+
+static const usb_service no_usb = {
+	.list =
+		[](std::vector<usb_device> *devices) {
+			devices->clear();
+			return true;
+		},
+	.open = [](const char *, int *) { return static_cast<int>(usb_no_device); },
+	.claim = [](int, std::uint8_t) { return static_cast<int>(usb_no_device); },
+	.close = [](int) {},
+	.submit = [](int, std::uint8_t, unsigned char *, std::size_t, int,
+		int *) { return static_cast<int>(usb_no_device); },
+	.finished = [](int, std::size_t *) { return static_cast<int>(usb_no_device); },
+	.cancel = [](int) {},
+	.reset_pipe = [](int, std::uint8_t) { return static_cast<int>(usb_no_device); },
+	.on_arrival = [](void (*)()) {},
+	.error_text = [](int) { return "No such device"; },
+};
+
+static const settings_service test_settings = {
+	.load_key =
+		[](const char *name, char *value) {
+			auto found = the_test_host->settings.find(name);
+			if (found == the_test_host->settings.end())
+				return 2;
+			std::snprintf(value, setting_size, "%s", found->second.c_str());
+			return 0;
+		},
+	.save_key =
+		[](const char *name, const char *value) {
+			the_test_host->settings[name] = value;
+			return 0;
+		},
+	.user_root =
+		[] {
+			static std::string root;
+			root = posix_files.system_path(the_test_host->root.c_str());
+			return root.c_str();
+		},
+	.error_text = [](int code) { return posix_files.error_text(code); },
+};
+
+// The log is written whatever the disk does to the files under test.
+static int log_file = -1;
+
+static int open_with_faults(const char *path, file_mode mode, int *file)
+{
+	const bool log = std::string_view(path).ends_with("velmor.log");
+	if (mode == file_create && the_test_host->disk.open_for_writing && !log)
+		return the_test_host->disk.open_for_writing;
+	const int code = posix_files.open(path, mode, file);
+	if (log && !code)
+		log_file = *file;
+	return code;
+}
+
+static int write_with_faults(int file, const void *bytes, std::size_t count)
+{
+	auto &left = the_test_host->disk.space_left;
+	if (!left || file == log_file)
+		return posix_files.write(file, bytes, count);
+	const std::size_t fits = static_cast<std::size_t>(std::min<std::uint64_t>(*left, count));
+	*left -= fits;
+	const int code = posix_files.write(file, bytes, fits);
+	return code ? code : fits < count ? ENOSPC : 0;
+}
+
+test_host::test_host() : before(host), sampler{}
+{
+	the_test_host = this;
+	char pattern[] = "/tmp/velmor-test-XXXXXX";
+	root = mkdtemp(pattern);
+	working_folder = std::filesystem::current_path();
+	std::filesystem::current_path(root);
+	std::filesystem::create_directories(root + "/VELMOR/CONFIG/sample");
+	config = posix_files.system_path((root + "/VELMOR/CONFIG").c_str());
+
+	static files_service files;
+	files = posix_files;
+	files.open = open_with_faults;
+	files.write = write_with_faults;
+	files.close = [](int file) {
+		const int code = posix_files.close(file);
+		const bool log = file == log_file;
+		if (log)
+			log_file = -1;
+		return the_test_host->disk.close_fails && !log ? EIO : code;
+	};
+	host = { .ui = &test_ui,
+		.midi = &no_midi,
+		.net = &no_net,
+		.usb = &no_usb,
+		.settings = &test_settings,
+		.clock = &test_clock,
+		.files = &files };
+	current_config_path = config;
+	current_sampler = nullptr;
+	current_run_mode = { .diagnostics = true, .multis = true };
+	start_time = test_clock.time_of_day();
+}
+
+test_host::~test_host()
+{
+	if (status)
+		for (_sample &s : status->sample)
+			if (s.sample_data || s.sample_byte)
+				free_sample_data(&s);
+	std::free(status);
+	current_sampler = nullptr;
+	std::filesystem::current_path(working_folder);
+	std::filesystem::remove_all(root);
+	host = before;
+	the_test_host = nullptr;
+}
+
+std::vector<std::string> test_host::log()
+{
+	std::ifstream file(root + "/velmor.log", std::ios::binary);
+	std::stringstream all;
+	all << file.rdbuf();
+	// A text starts with "%.04f [%s:%d]: " and runs to the start of the next.
+	std::vector<std::string> texts_found;
+	std::string line;
+	while (std::getline(all, line)) {
+		const std::size_t bracket = line.find(" [");
+		const std::size_t colon = line.find("]: ");
+		const bool stamped = bracket != line.npos && colon != line.npos && bracket < colon &&
+			line.find_first_not_of("0123456789.-") == bracket &&
+			line.find(".cpp:") < colon;
+		if (stamped)
+			texts_found.push_back(line.substr(colon + 3) + "\n");
+		else if (!texts_found.empty())
+			texts_found.back() += line + "\n";
+	}
+	return texts_found;
+}
+
+void test_host::forget_log()
+{
+	std::filesystem::remove(root + "/velmor.log");
+}
+
+bool test_host::logged(std::string_view line)
+{
+	for (std::string text : log()) {
+		if (text == line)
+			return true;
+		while (text.ends_with("\n") || text.ends_with("\r"))
+			text.pop_back();
+		if (text == line)
+			return true;
+	}
+	return false;
+}
+
+std::optional<std::vector<u8>> test_host::content(const std::string &path)
+{
+	std::ifstream file(posix_files.host_path(path.c_str()), std::ios::binary);
+	if (!file)
+		return std::nullopt;
+	return std::vector<u8>(std::istreambuf_iterator<char>(file), {});
+}
+
+void test_host::put_content(const std::string &path, std::span<const u8> bytes)
+{
+	std::ofstream file(posix_files.host_path(path.c_str()), std::ios::binary);
+	file.write(reinterpret_cast<const char *>(bytes.data()),
+		static_cast<std::streamsize>(bytes.size()));
+}
+
+void test_host::use_sampler(i32 model, u8 exclusive_channel, const char *usb_name)
+{
+	sampler = {};
+	copy_text(sampler.sampler_description, "test sampler");
+	copy_text(sampler.sampler_usbname, usb_name);
+	sampler.sampler_type = static_cast<u32>(model);
+	sampler.sampler_sysex = 1;
+	sampler.sampler_midi = 1;
+	sampler.sampler_sysex_channel = exclusive_channel;
+	if (!status)
+		status = allocate_dev_status();
+	sampler.status = status;
+	current_sampler = &sampler;
+}
+
+std::vector<u8> hex(std::string_view text)
+{
+	std::vector<u8> bytes;
+	std::istringstream words{ std::string(text) };
+	for (std::string word; words >> word;) {
+		const std::size_t star = word.find('*');
+		const std::size_t times = star == word.npos ? 1 : std::stoul(word.substr(star + 1));
+		bytes.insert(bytes.end(), times, static_cast<u8>(std::stoul(word, nullptr, 16)));
+	}
+	return bytes;
+}
+
+} // namespace velmor

@@ -1,0 +1,106 @@
+// test_host.h - a host for tests: virtual time, a scratch folder, recorded windows
+//
+// Construct one at the start of a test (the fixture host_test does). It installs
+// its services, points the system at a scratch folder, and puts everything back at
+// the end. Time jumps: pump and sleep_ms run the timeline, and nothing ever sleeps.
+//
+// Ports and devices are absent until a test plugs its own service tables into
+// host.midi, host.net or host.usb.
+
+#pragma once
+#include "src/velmor.h"
+#include "virtual/timeline.h"
+#include <deque>
+#include <functional>
+#include <gtest/gtest.h>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace velmor
+{
+
+// Thrown by exit_process.
+struct process_ended {
+	int status;
+};
+
+struct shown_box {
+	std::string text, caption;
+	bool operator==(const shown_box &) const = default;
+};
+
+// A disk that fails on purpose. Counts are of bytes written since the test set them.
+struct disk_faults {
+	std::optional<std::uint64_t> space_left; // ENOSPC when it is used up
+	int open_for_writing = 0;                // code that every creation answers
+	bool close_fails = false;
+};
+
+struct shown_progress {
+	bool visible = false;
+	std::string caption;
+	int range = 0, value = 0;
+	std::vector<std::string> infos; // every text of the info line, in order
+};
+
+class test_host
+{
+      public:
+	test_host();
+	~test_host();
+	test_host(const test_host &) = delete;
+
+	timeline time;               // shared with virtual samplers
+	std::string root;            // the scratch folder, host path
+	disk_faults disk;
+	std::map<std::string, std::string> settings;
+
+	std::vector<shown_box> boxes;   // in order, questions too
+	std::deque<bool> answers;       // to questions, in order; OK when it is empty
+	std::vector<std::string> chosen_files; // what choose_files answers
+	std::string chosen_folder;
+	std::function<void()> on_pump;  // what the "user" does while the system waits
+	shown_progress progress;
+	std::map<std::pair<int, int>, std::string> texts;
+	std::map<std::pair<int, int>, std::vector<std::string>> lists;
+	std::map<std::pair<int, int>, int> selections;
+	std::map<std::pair<int, int>, bool> visible, enabled, checks;
+
+	// Everything logged since the start or the last forget_log, without stamps and tags of
+	// source lines, one text an entry ("\r\n" ends kept). Reads velmor.log.
+	std::vector<std::string> log();
+	void forget_log();
+	// True if one logged text equals line (its "\r\n" may be left out).
+	bool logged(std::string_view line);
+
+	// Spool and configuration folder, with backslashes, made and set as current_config_path.
+	std::string config;
+	// Whole content of a file (path with backslashes or slashes), or nothing.
+	std::optional<std::vector<u8>> content(const std::string &path);
+	void put_content(const std::string &path, std::span<const u8> bytes);
+
+	// A loaded sampler of that model, exclusive channel, with an empty _dev_status.
+	void use_sampler(i32 model, u8 exclusive_channel, const char *usb_name = "");
+
+      private:
+	host_services before;
+	_sampler sampler;
+	_dev_status *status = nullptr;
+	std::string working_folder;
+};
+
+// The running test's host.
+extern test_host *the_test_host;
+
+class host_test : public ::testing::Test
+{
+      protected:
+	test_host h;
+};
+
+// Bytes written as hexadecimal words: "F0 47 00*3 F7" is F0 47 00 00 00 F7.
+std::vector<u8> hex(std::string_view text);
+
+} // namespace velmor

@@ -1,0 +1,148 @@
+// controls.h - the windows and controls of the program by their ids
+//
+// An id is unique in its window only. Windows carry the id as a property, so a
+// test finds a control as the system does. What a control does is the command
+// table of velmor_window.cpp.
+
+#pragma once
+
+namespace velmor
+{
+
+enum window_id : int {
+	window_main = 101,
+	window_midi_files = 9015,
+	window_settings = 9502,
+	window_sampler = 10000,
+	window_samples = 13001,
+	window_programs = 13002,
+	window_multis = 13003,
+	window_progress = 16000,
+	window_usb = 20000,
+};
+
+// Every dialog.
+enum : int {
+	control_ok = 1,
+	control_cancel = 2,
+};
+
+enum main_control : int {
+	menu_exit = 9001,
+	menu_settings = 9002,
+	menu_midi_samplers = 9003,
+	menu_usb_samplers = 9004,
+	menu_midi_files = 9005,
+	main_log = 9900,
+	main_sampler_list = 9901,
+	main_load = 12000,
+	main_samples = 12001,
+	main_programs = 12002,
+	main_multis = 12003,
+	main_lcd = 12004,
+};
+
+enum settings_control : int {
+	settings_config_path = 9700,
+	settings_midi_in = 9701,
+	settings_midi_in_mon = 9702,
+	settings_midi_out = 9703,
+	settings_found = 9999, // "MIDI-OUT found: ..."
+};
+
+enum sampler_control : int {
+	sampler_name = 10001,
+	sampler_brand_list = 10002,
+	sampler_midi_list = 10003,
+	sampler_control_list = 10004,
+	sampler_exclusive_list = 10005,
+	sampler_device_info = 10102,
+	sampler_tcp_address = 39001,
+	sampler_tcp_port = 39002,
+	sampler_tcp_on = 39003,
+	sampler_tcp_off = 39004,
+	sampler_tcp_status = 39005,
+};
+
+enum progress_control : int {
+	progress_bar = 16001,
+	progress_info = 16002,
+	progress_time_left = 16003,
+	progress_stop = 16004,
+};
+
+// The sample manager. A side is loaded (on the sampler) or local (in the spool).
+enum samples_control : int {
+	samples_loaded_list = 16100,
+	samples_loaded_search = 16101,
+	samples_download = 16102,
+	samples_loaded_delete = 16103,
+	samples_loaded_rename = 16104,
+	samples_loaded_new_name = 16105,
+	samples_loaded_info = 16106,
+	samples_download_all = 16107,
+	samples_refresh = 16108,
+	samples_local_list = 16200,
+	samples_local_search = 16201,
+	samples_upload = 16202,
+	samples_local_delete = 16203,
+	samples_local_rename = 16204,
+	samples_local_new_name = 16205,
+	samples_local_info = 16206,
+	samples_waveform = 16207,
+	samples_detail_origin = 16300, // what display_sample_information shows, of both sides
+	samples_detail_name = 16301,
+	samples_detail_pitch = 16302,
+	samples_detail_rate = 16303,
+	samples_detail_seconds = 16304,
+	samples_detail_channels = 16305,
+	samples_detail_bits = 16306,
+	samples_detail_playmode = 16307,
+	samples_import = 16400,
+	samples_export = 16401,
+	samples_clear = 16402,
+	samples_bits_keep = 16410,
+	samples_bits_16 = 16411,
+	samples_bits_12 = 16412,
+	samples_bits_24 = 16413,
+	samples_rate_keep = 16420,
+	samples_rate_16000 = 16421,
+	samples_rate_22000 = 16422,
+	samples_rate_32000 = 16423,
+	samples_rate_44100 = 16424,
+	samples_rate_48000 = 16425,
+	samples_rate_96000 = 16426,
+	samples_channels_keep = 16430,
+	samples_channels_1 = 16431,
+	samples_channels_2 = 16432,
+	samples_mix_left = 16440,
+	samples_mix_right = 16441,
+	samples_mix_both_to_one = 16442,
+	samples_mix_both = 16443,
+	samples_mix_files = 16444,
+	samples_import_preview = 16450,
+	samples_work_file = 16510,
+	samples_work_percent = 16511,
+	samples_work_count = 16512,
+	samples_work_outcome = 16513,
+};
+
+enum usb_control : int {
+	usb_update = 30000,
+	usb_device_info = 10102,
+	usb_device_list = 20001,
+	usb_hardware = 21000,
+	usb_version = 21001,
+	usb_name = 21002,
+	usb_exclusive_channel = 21003,
+	usb_midi_channel = 21004,
+	usb_control_channel = 21005,
+};
+
+enum multis_control : int {
+	multis_refresh = control_ok,
+	multis_list = 23000,
+	multis_download = 23001,
+};
+
+} // namespace velmor

@@ -1,0 +1,175 @@
+// velmor_log.cpp - the running log, boxes, and bytes as text
+//
+// Talks to the log control of the main window and to velmor.log in the current
+// directory. The file is opened and closed for each text, so that a crash loses
+// nothing; the control holds about 10000 characters and lets go of five lines at
+// a time. There is no wall-clock time in either: stamps are seconds since start-up.
+//
+// Knows nothing of: what the texts are about.
+
+#include "src/controls.h"
+#include "src/velmor.h"
+#include <cstdarg>
+#include <cstdio>
+#include <cstring>
+
+namespace velmor
+{
+
+run_mode current_run_mode = { .diagnostics = true, .multis = true };
+double start_time = 0;
+
+static constexpr std::size_t screen_log_size = 10000; // characters
+static constexpr int lines_dropped = 5;
+
+static std::string format_list(const char *format, va_list list)
+{
+	va_list again;
+	va_copy(again, list);
+	const int length = std::vsnprintf(nullptr, 0, format, again);
+	va_end(again);
+	if (length <= 0)
+		return {};
+	std::string text(static_cast<std::size_t>(length), '\0');
+	std::vsnprintf(text.data(), text.size() + 1, format, list);
+	return text;
+}
+
+std::string format_text(const char *format, ...)
+{
+	va_list list;
+	va_start(list, format);
+	std::string text = format_list(format, list);
+	va_end(list);
+	return text;
+}
+
+static bool dropped(const char *text)
+{
+	return !current_run_mode.diagnostics && std::strncmp(text, "[D]", 3) == 0;
+}
+
+static void append_to_file(const std::string &line)
+{
+	int file;
+	if (host.files->open("velmor.log", file_append, &file) != 0)
+		return;
+	// A log that cannot be written must not stop what it tells about.
+	(void)host.files->write(file, line.data(), line.size());
+	(void)host.files->close(file);
+}
+
+// What is left of a full screen log: without its oldest lines, as far as it has any.
+static std::string_view newest_lines(std::string_view present)
+{
+	for (int i = 0; i < lines_dropped; i++) {
+		const std::size_t feed = present.find('\n');
+		if (feed == present.npos)
+			break;
+		present.remove_prefix(feed + 1);
+	}
+	return present;
+}
+
+static void append_to_screen(const std::string &stamp, const char *text)
+{
+	if (!host.ui->exists(window_main, 0) || !host.ui->exists(window_main, main_log))
+		return;
+	const std::string present = host.ui->get_text(window_main, main_log);
+	std::string_view kept = present;
+	if (present.size() + std::strlen(text) + 1 > screen_log_size)
+		kept = newest_lines(present);
+	host.ui->set_text(window_main, main_log, (std::string(kept) + stamp + text).c_str());
+}
+
+void _add_scroll_string(const char *file, int line, const char *text)
+{
+	if (dropped(text))
+		return;
+	const double elapsed = host.clock->time_of_day() - start_time;
+	if (!current_run_mode.diagnostics) {
+		append_to_screen(format_text("%.04f: ", elapsed), text);
+		return;
+	}
+	const std::string stamp = format_text("%.04f [%s:%d]: ", elapsed, file, line);
+	append_to_file(stamp + text);
+	append_to_screen(stamp, text);
+}
+
+void add_log_format(const char *file, int line, const char *format, ...)
+{
+	if (dropped(format))
+		return;
+	va_list list;
+	va_start(list, format);
+	const std::string text = format_list(format, list);
+	va_end(list);
+	_add_scroll_string(file, line, text.c_str());
+}
+
+void show_box(const char *caption, const char *format, ...)
+{
+	va_list list;
+	va_start(list, format);
+	const std::string text = format_list(format, list);
+	va_end(list);
+	host.ui->message(text.c_str(), caption);
+}
+
+bool ask_box(const char *caption, const char *format, ...)
+{
+	va_list list;
+	va_start(list, format);
+	const std::string text = format_list(format, list);
+	va_end(list);
+	return host.ui->ask(text.c_str(), caption);
+}
+
+void display_error_text(const char *file, int line, const char *words)
+{
+	const std::string caption = format_text("ERROR (%s:%d)", file, line);
+	if (!words) {
+		std::printf("[%s] FATAL: Could not create ERROR-Text-Message\n", caption.c_str());
+		return;
+	}
+	host.ui->message(std::string(words).c_str(), caption.c_str());
+}
+
+void _display_error(const char *file, int line, int code)
+{
+	display_error_text(file, line, host.files->error_text(code));
+}
+
+const char *_get_error(const char *file, int line, int code)
+{
+	static char text[512];
+	const char *words = host.files->error_text(code);
+	if (words)
+		std::snprintf(text, sizeof text, "(%s:%d) [%s]", file, line, words);
+	else
+		std::snprintf(
+			text, sizeof text, "(%s:%d) Unknown error-code [%d]", file, line, code);
+	return text;
+}
+
+void hexdump(const u8 *data, int len, char *out)
+{
+	static constexpr char digits[] = "0123456789ABCDEF";
+	for (int i = 0; i < len; i++) {
+		if (i)
+			*out++ = ' ';
+		*out++ = digits[data[i] >> 4];
+		*out++ = digits[data[i] & 0x0F];
+	}
+	*out = '\0';
+}
+
+std::string hex_text(std::span<const u8> bytes)
+{
+	std::string text(bytes.size() * 3 + 1, '\0');
+	hexdump(bytes.data(), static_cast<int>(bytes.size()), text.data());
+	text.resize(bytes.empty() ? 0 : bytes.size() * 3 - 1);
+	return text;
+}
+
+} // namespace velmor

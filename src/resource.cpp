@@ -432,7 +432,8 @@ int get_sampler_type_count()
 
 i32 get_sampler_brand_id(i32 index)
 {
-	return index >= 0 && index < get_sampler_type_count() ? sampler_type[index].sampler_type : 0;
+	return index >= 0 && index < get_sampler_type_count() ? sampler_type[index].sampler_type
+							      : 0;
 }
 
 i32 get_sampler_brand_index(i32 id)

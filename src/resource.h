@@ -132,8 +132,10 @@ struct _program {
 	u8 s2000_mono_legato;
 	i32 s1000_tunning_offset; // cents
 	i32 s2000_transpose_offset;
-	i32 s2000_out_mod1_level, s2000_out_mod1_source, s2000_out_mod2_level, s2000_out_mod2_source;
-	i32 s2000_pan_mod1_level, s2000_pan_mod1_source, s2000_pan_mod2_level, s2000_pan_mod2_source;
+	i32 s2000_out_mod1_level, s2000_out_mod1_source, s2000_out_mod2_level,
+		s2000_out_mod2_source;
+	i32 s2000_pan_mod1_level, s2000_pan_mod1_source, s2000_pan_mod2_level,
+		s2000_pan_mod2_source;
 	i32 s2000_pan_mod3_level, s2000_pan_mod3_source;
 	i32 s2000_amp_mod3_source, s2000_flt_mod1_source, s2000_flt_mod2_source,
 		s2000_flt_mod3_source;
@@ -191,8 +193,8 @@ static_assert(sizeof(_multi) == 136);
 // Everything read from one sampler: 129 MB of address space, of which only the
 // touched pages cost memory. allocate_dev_status gives a zeroed one.
 struct _dev_status {
-	i32 status;                 // 0 until a getstatus has succeeded, then 1
-	char version[name_size];    // "%d.%d"
+	i32 status;              // 0 until a getstatus has succeeded, then 1
+	char version[name_size]; // "%d.%d"
 	char sampler_name[name_size];
 	u8 exclusive_channel;
 	_program program[max_programs];
@@ -226,10 +228,10 @@ struct _sampler_ctrl; // a control of the front panel; no panel is built yet
 
 // Bits of sampler_flags.
 enum : u8 {
-	flag_multis = 0x01,  // "Manage Multis" is shown
-	flag_usb = 0x02,     // reached over USB
-	flag_unused = 0x04,  // set on the USB models; nothing tests it
-	flag_lcd = 0x08,     // "View LCD-Display" is shown
+	flag_multis = 0x01, // "Manage Multis" is shown
+	flag_usb = 0x02,    // reached over USB
+	flag_unused = 0x04, // set on the USB models; nothing tests it
+	flag_lcd = 0x08,    // "View LCD-Display" is shown
 };
 
 using list_operation = void (*)(u8 midi_channel, u8 sysex_channel, _dev_status *dev);
@@ -257,14 +259,14 @@ struct _sampler_type {
 	list_operation getsamplelist;
 	list_operation getmultilist;
 	// newname null deletes the sample.
-	void (*renamesample)(u8 midi_channel, u8 sysex_channel, const char *oldname,
-		const char *newname);
+	void (*renamesample)(
+		u8 midi_channel, u8 sysex_channel, const char *oldname, const char *newname);
 	sample_operation downloadsample; // into the spool; takes minutes over MIDI
 	sample_operation infosample;
 	void (*uploadsample)(const char *path); // of a WAV file, without its extension
 	const char *(*getplaymode)(i32 playmode);
-	void (*getpanel)(u8 *panel_data, u32 *_panel_data_length, u8 *ctrl_data,
-		u32 *_ctrl_data_length);
+	void (*getpanel)(
+		u8 *panel_data, u32 *_panel_data_length, u8 *ctrl_data, u32 *_ctrl_data_length);
 	// new_prog null: entry pgm_index of the loaded tree; otherwise of that array.
 	void (*saveprogram)(i32 pgm_index, _program *new_prog);
 	void (*deleteprogram)(i32 pgm_index);

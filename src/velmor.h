@@ -143,8 +143,7 @@ int load_sampler(const char *sampler_name);
 // Store the sampler dialog's entries: 0, or 1 when nothing was stored.
 int save_sampler();
 // Query a sampler described by the dialog alone; what it says is seen in the log.
-void get_device_info(u8 midi_channel, i32 brand_id, u8 sysex_channel, char *result,
-	int *_maxlen);
+void get_device_info(u8 midi_channel, i32 brand_id, u8 sysex_channel, char *result, int *_maxlen);
 // The loaded sampler's _dev_status, allocated on first use; null without a sampler or memory.
 _dev_status *require_dev_status();
 
@@ -166,8 +165,8 @@ void reload_midi_setup(bool verbose);
 // Send a complete message and wait for msg_count end bytes (0xF7), 2 to 3 seconds at most.
 // In: *_input_len is the capacity of input. Out: bytes of answer, 0 for none; unchanged when
 // msg_count is 0 or the port failed. input is cleared first. Diverts to the TCP bridge.
-void send_midi_string_ex(const u8 *output, int output_len, u8 *input, int *_input_len,
-	int msg_count);
+void send_midi_string_ex(
+	const u8 *output, int output_len, u8 *input, int *_input_len, int msg_count);
 // Receive without sending, for timeout seconds at most. An incomplete message counts as none.
 void wait_midi_string_ex(u8 *input, int *_input_len, int msg_count, int timeout);
 // Send without an answer.
@@ -177,9 +176,9 @@ void close_midi_output();
 
 // ---- TCP bridge (velmor_tcp.cpp) ---------------------------------------------------------
 
-extern int use_tcp;            // 1 while the bridge carries the traffic
-extern int tcp_socket;         // its connection
-extern char tcp_address[256];  // dotted IPv4
+extern int use_tcp;           // 1 while the bridge carries the traffic
+extern int tcp_socket;        // its connection
+extern char tcp_address[256]; // dotted IPv4
 extern u16 tcp_port;
 
 void switch_on_tcp();

@@ -69,7 +69,9 @@ void timeline::run_in_real_time()
 	std::lock_guard held(lock);
 	if (real_time)
 		return;
-	real_time = new worker{ .began = steady::now(), .offset = present, .changed = {}, .thread = {} };
+	real_time = new worker{
+		.began = steady::now(), .offset = present, .changed = {}, .thread = {}
+	};
 	real_time->thread = std::thread([this, w = real_time] {
 		std::unique_lock running(lock);
 		while (!w->ended) {
@@ -81,7 +83,8 @@ void timeline::run_in_real_time()
 			if (events.empty())
 				w->changed.wait(running);
 			else
-				w->changed.wait_for(running, std::chrono::duration<double>(due - w->now()));
+				w->changed.wait_for(
+					running, std::chrono::duration<double>(due - w->now()));
 		}
 	});
 }

@@ -16,7 +16,7 @@ namespace velmor
 
 class timeline
 {
-      public:
+public:
 	using action = std::function<void()>;
 
 	// Seconds since the timeline began. In real time it follows the clock.
@@ -40,7 +40,7 @@ class timeline
 	timeline(const timeline &) = delete;
 	timeline &operator=(const timeline &) = delete;
 
-      private:
+private:
 	struct worker;
 	mutable std::recursive_mutex lock;
 	std::multimap<double, action> events;

@@ -120,22 +120,21 @@ const files_service posix_files = {
 	.open = open_file,
 	.read = read_file,
 	.write = write_file,
-	.seek = [](int file, std::uint64_t offset) {
-		return ::lseek(file, static_cast<off_t>(offset), SEEK_SET) < 0 ? errno : 0;
-	},
+	.seek =
+		[](int file, std::uint64_t offset) {
+			return ::lseek(file, static_cast<off_t>(offset), SEEK_SET) < 0 ? errno : 0;
+		},
 	.sync = [](int file) { return code_of(::fsync(file)); },
 	.close = [](int file) { return code_of(::close(file)); },
 	.stat = stat_path,
-	.rename = [](const char *from, const char *to) {
-		return code_of(::rename(host_path(from).c_str(), host_path(to).c_str()));
-	},
+	.rename =
+		[](const char *from, const char *to) {
+			return code_of(::rename(host_path(from).c_str(), host_path(to).c_str()));
+		},
 	.remove = [](const char *path) { return code_of(::unlink(host_path(path).c_str())); },
-	.make_folder = [](const char *path) {
-		return code_of(::mkdir(host_path(path).c_str(), 0777));
-	},
-	.remove_folder = [](const char *path) {
-		return code_of(::rmdir(host_path(path).c_str()));
-	},
+	.make_folder =
+		[](const char *path) { return code_of(::mkdir(host_path(path).c_str(), 0777)); },
+	.remove_folder = [](const char *path) { return code_of(::rmdir(host_path(path).c_str())); },
 	.list = list_folder,
 	.host_path = host_path,
 	.system_path = system_path,

@@ -21,7 +21,8 @@ int main(int count, char **words)
 			if (!entry.is_regular_file())
 				continue;
 			std::ifstream file(entry.path(), std::ios::binary);
-			const std::vector<std::uint8_t> bytes(std::istreambuf_iterator<char>(file), {});
+			const std::vector<std::uint8_t> bytes(
+				std::istreambuf_iterator<char>(file), {});
 			LLVMFuzzerTestOneInput(bytes.data(), bytes.size());
 			inputs++;
 		}

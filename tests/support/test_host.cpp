@@ -35,7 +35,8 @@ static const clock_service test_clock = {
 using place = std::pair<int, int>;
 
 static const ui_service test_ui = {
-	.set_text = [](int w, int c, const char *text) { the_test_host->texts[place(w, c)] = text; },
+	.set_text = [](int w, int c,
+			    const char *text) { the_test_host->texts[place(w, c)] = text; },
 	.get_text = [](int w, int c) { return the_test_host->texts[place(w, c)]; },
 	.set_list =
 		[](int w, int c, std::span<const std::string> items) {
@@ -130,7 +131,7 @@ static const usb_service no_usb = {
 	.claim = [](int, std::uint8_t) { return static_cast<int>(usb_no_device); },
 	.close = [](int) {},
 	.submit = [](int, std::uint8_t, unsigned char *, std::size_t, int,
-		int *) { return static_cast<int>(usb_no_device); },
+			  int *) { return static_cast<int>(usb_no_device); },
 	.finished = [](int, std::size_t *) { return static_cast<int>(usb_no_device); },
 	.cancel = [](int) {},
 	.reset_pipe = [](int, std::uint8_t) { return static_cast<int>(usb_no_device); },
@@ -245,9 +246,10 @@ std::vector<std::string> test_host::log()
 	while (std::getline(all, line)) {
 		const std::size_t bracket = line.find(" [");
 		const std::size_t colon = line.find("]: ");
-		const bool stamped = bracket != line.npos && colon != line.npos && bracket < colon &&
-			line.find_first_not_of("0123456789.-") == bracket &&
-			line.find(".cpp:") < colon;
+		const bool stamped = bracket != line.npos && colon != line.npos &&
+				     bracket < colon &&
+				     line.find_first_not_of("0123456789.-") == bracket &&
+				     line.find(".cpp:") < colon;
 		if (stamped)
 			texts_found.push_back(line.substr(colon + 3) + "\n");
 		else if (!texts_found.empty())

@@ -47,21 +47,21 @@ struct shown_progress {
 
 class test_host
 {
-      public:
+public:
 	test_host();
 	~test_host();
 	test_host(const test_host &) = delete;
 
-	timeline time;               // shared with virtual samplers
-	std::string root;            // the scratch folder, host path
+	timeline time;    // shared with virtual samplers
+	std::string root; // the scratch folder, host path
 	disk_faults disk;
 	std::map<std::string, std::string> settings;
 
-	std::vector<shown_box> boxes;   // in order, questions too
-	std::deque<bool> answers;       // to questions, in order; OK when it is empty
+	std::vector<shown_box> boxes;          // in order, questions too
+	std::deque<bool> answers;              // to questions, in order; OK when it is empty
 	std::vector<std::string> chosen_files; // what choose_files answers
 	std::string chosen_folder;
-	std::function<void()> on_pump;  // what the "user" does while the system waits
+	std::function<void()> on_pump; // what the "user" does while the system waits
 	shown_progress progress;
 	std::map<std::pair<int, int>, std::string> texts;
 	std::map<std::pair<int, int>, std::vector<std::string>> lists;
@@ -84,7 +84,7 @@ class test_host
 	// A loaded sampler of that model, exclusive channel, with an empty _dev_status.
 	void use_sampler(i32 model, u8 exclusive_channel, const char *usb_name = "");
 
-      private:
+private:
 	host_services before;
 	_sampler sampler;
 	_dev_status *status = nullptr;
@@ -96,7 +96,7 @@ extern test_host *the_test_host;
 
 class host_test : public ::testing::Test
 {
-      protected:
+protected:
 	test_host h;
 };
 

@@ -54,7 +54,9 @@ struct usb_service {
 
 	// Begin a transfer on pipe (its top bit gives the direction). The buffer stays the
 	// caller's and must live until finished answers something else than usb_pending.
-	// Transfers of one pipe finish in the order in which they were submitted.
+	// A deadline of 0 is none. Transfers of one pipe finish in the order in which they were
+	// submitted. A read ends with its count or with a short packet; what a packet brings
+	// beyond the count is kept for the next read of the pipe, until reset_pipe.
 	int (*submit)(int handle, std::uint8_t pipe, unsigned char *buffer, std::size_t count,
 		int deadline_ms, int *transfer);
 	// usb_pending, or the outcome, with the bytes moved; the transfer is then forgotten.

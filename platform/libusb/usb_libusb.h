@@ -1,0 +1,16 @@
+// usb_libusb.h - what the parts of the libusb back end share
+
+#pragma once
+#include "platform/usb.h"
+#include <libusb.h>
+
+namespace velmor
+{
+
+// "/dev/bus/usb/001/002": bus and address, which no two devices share.
+std::string libusb_path(libusb_device *device);
+// Interfaces of the active configuration, each in its first setting.
+std::vector<usb_interface> libusb_interfaces(libusb_device *device);
+bool libusb_list(std::vector<usb_device> *devices);
+
+} // namespace velmor

@@ -57,6 +57,7 @@ enum sampler_control : int {
 	sampler_control_list = 10004,
 	sampler_exclusive_list = 10005,
 	sampler_device_info = 10102,
+	sampler_tcp_group = 39000, // holds the others
 	sampler_tcp_address = 39001,
 	sampler_tcp_port = 39002,
 	sampler_tcp_on = 39003,

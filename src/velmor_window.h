@@ -1,0 +1,92 @@
+// velmor_window.h - what each button, menu entry and list of the windows does
+//
+// The windows report every user action by window and id through the three
+// entries below, and read their words from the table of captions. What happens
+// then is one row of the table of commands (velmor_window.cpp). A control whose
+// command is not in that table is not made at all, so no entry is ever dead.
+//
+// Main thread only. Commands may run for minutes; they keep the windows alive
+// through host.ui->pump, and so are entered again from inside themselves. Then
+// everything is refused quietly, except what ends or hides something.
+//
+// Knows nothing of: toolkits, models.
+
+#pragma once
+#include "src/controls.h"
+#include "src/velmor.h"
+#include <span>
+#include <string>
+
+namespace velmor
+{
+
+// The words of one control. Fields and lists have the words of their label.
+struct caption_row {
+	int window, control;
+	const char *caption;
+	const char *tooltip; // null: the caption says it all
+	const char *empty;   // what an empty list or field shows, or null
+};
+
+// Every window (control 0: its title) and control that has words.
+extern const std::span<const caption_row> captions;
+// The row of one control, or null.
+const caption_row *find_caption(int window, int control);
+
+// True if the control does something: the windows leave out what has no command.
+bool has_command(int window, int control);
+
+// A button or menu entry was pressed, or a window's close box (control_cancel; for the main
+// window menu_exit). False if there is no such command or it was refused just now.
+bool velmor_command(int window, int control);
+// Another entry of a list was chosen by the user, or another choice of an option.
+bool velmor_selection(int window, int control);
+// Files were dropped on a list: their paths, with backslashes.
+bool velmor_drop(int window, int control, std::span<const std::string> paths);
+// Files hover over a list; none when they left.
+void velmor_hover(int window, int control, std::span<const std::string> paths);
+
+// True while a command runs.
+bool command_running();
+// Forget a running command and a wish to close; for tests.
+void forget_commands();
+
+// Fill what the windows show from the start. Called once they exist, before the settings are
+// loaded.
+void set_up_windows();
+
+void show_midi_setup();
+void show_sampler_setup();
+
+// ---- Sample manager (velmor_samples.cpp) -----------------------------------------------
+
+// Read the sampler and the spool anew and show both.
+void show_sample_setup();
+// Show one sample in the sample manager; origin is "LOCAL" or "LOADED". The drivers call it
+// when a sampler has told about a sample.
+void display_sample_information(const _sample *sample, const char *origin);
+
+void download_selected_sample();
+void download_all_samples();
+void delete_loaded_sample();
+void rename_loaded_sample();
+void show_loaded_information();
+void upload_selected_sample();
+void delete_local_sample();
+void rename_local_sample();
+void show_local_information();
+void import_samples();
+void import_files(std::span<const std::string> paths);
+void export_spool();
+void clear_spool();
+
+// Another local sample was chosen: its picture, and what an import of it would give.
+void show_local_selection();
+// Say what the import options make of these files. None: of the selected local sample.
+void show_import_preview(std::span<const std::string> paths);
+
+// Seconds that the words of one sample take to the loaded sampler, or to a sampler of that
+// model: over MIDI from the wire's 31250 baud, over USB from full speed.
+double transfer_seconds(const _sampler_type &model, u64 words);
+
+} // namespace velmor

@@ -24,6 +24,8 @@ struct waveform_view {
 
 struct ui_service {
 	// Controls. control 0 is the window itself: show raises it, text is its title.
+	// get_text gives back the same bytes, "\r\n" included, until the user edits them. The log
+	// control shows its last line after each set_text.
 	void (*set_text)(int window, int control, const char *text);
 	std::string (*get_text)(int window, int control);
 	void (*set_list)(int window, int control, std::span<const std::string> items);

@@ -167,11 +167,20 @@ void reload_midi_setup(bool verbose);
 // msg_count is 0 or the port failed. input is cleared first. Diverts to the TCP bridge.
 void send_midi_string_ex(
 	const u8 *output, int output_len, u8 *input, int *_input_len, int msg_count);
+// The same for the S900: through an output opened for this message alone (rmidi.h), and 3 to 4
+// seconds. An output that cannot be opened ends the process.
+void send_midi_string_ex_s900(
+	const u8 *output, int output_len, u8 *input, int *_input_len, int msg_count);
 // Receive without sending, for timeout seconds at most. An incomplete message counts as none.
+// Takes one to two seconds even if the message comes at once.
 void wait_midi_string_ex(u8 *input, int *_input_len, int msg_count, int timeout);
-// Send without an answer.
+// Send without an answer. Allowed while an exchange waits; all others are refused then, and
+// get no answer.
 void send_midi_string(const u8 *midi_data, int len);
-// Close the output, so that the next send opens the port chosen then.
+// The output, opened by whichever send comes first and kept open; -1 while it is closed.
+extern int the_outHandle;
+// Close the output, so that the next send opens the port chosen then. A send also notices by
+// itself that another output was chosen.
 void close_midi_output();
 
 // ---- TCP bridge (velmor_tcp.cpp) ---------------------------------------------------------

@@ -1,0 +1,457 @@
+// velmor_sysex.cpp - a message to the sampler and its answer, over MIDI
+//
+// MIDI 1.0: 31250 baud, ten bits a byte, so a byte takes 320 microseconds; a
+// System Exclusive message runs from 0xF0 to 0xF7. Nothing else of a message
+// is looked at here.
+//
+// For each exchange the input is opened, one block armed, the message sent, and
+// the block watched until enough end bytes are in it. No input is open between
+// exchanges, so that the monitor can have the port and no traffic piles up. The
+// output stays open.
+//
+// Deadlines count whole seconds: "two seconds" is between two and three. Nothing
+// is ever repeated here; retries belong to the drivers.
+//
+// Knows nothing of: models, the content of messages.
+
+#include "src/controls.h"
+#include "src/rmidi.h"
+#include "src/velmor.h"
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+
+namespace velmor
+{
+
+std::vector<std::string> midi_out_interface, midi_in_interface;
+int midi_out_interfaces = 0, midi_in_interfaces = 0;
+int selected_midi_in_interface = -1, selected_midi_out_interface = -1;
+int selected_midi_in_mon_interface = -1;
+int the_outHandle = -1;
+
+static constexpr double byte_seconds = 10 / 31250.0;
+static constexpr int pump_ms = 100; // longest wait for the interface
+static constexpr u8 end_byte = 0xF7;
+
+// ---- The output -----------------------------------------------------------------------
+
+static int opened_interface = -1; // the choice that the_outHandle was opened for
+static bool exchange_running = false;
+
+// One exchange at a time: waiting runs interface events, and a command among them must not
+// start a second exchange inside the first.
+struct exchange_guard {
+	exchange_guard() { exchange_running = true; }
+	~exchange_guard() { exchange_running = false; }
+	exchange_guard(const exchange_guard &) = delete;
+};
+
+static void forget_output()
+{
+	if (the_outHandle >= 0)
+		host.midi->close_output(the_outHandle);
+	the_outHandle = -1;
+}
+
+void close_midi_output()
+{
+	// A message on its way is not cut off; a new choice is noticed by the next send.
+	if (!exchange_running)
+		forget_output();
+}
+
+// Open the chosen output unless it is open already.
+static bool open_output()
+{
+	if (the_outHandle >= 0 && opened_interface != selected_midi_out_interface)
+		forget_output();
+	if (the_outHandle >= 0)
+		return true;
+	const int code = host.midi->open_output(selected_midi_out_interface, &the_outHandle);
+	if (code) {
+		the_outHandle = -1;
+		display_error_text(__FILE_NAME__, __LINE__, host.midi->error_text(code));
+		return false;
+	}
+	opened_interface = selected_midi_out_interface;
+	return true;
+}
+
+// Run the interface until count bytes should have left, a tenth of a second at most.
+static void let_bytes_leave(int handle, long count)
+{
+	const double turn = std::min(count * byte_seconds + 0.001, pump_ms / 1000.0);
+	const double end = host.clock->counter() + turn;
+	do {
+		const double rest = std::max(end - host.clock->counter(), 0.0);
+		host.ui->pump(static_cast<int>(std::ceil(rest * 1000)));
+	} while (host.clock->counter() < end && host.midi->leaving(handle) > 0);
+}
+
+// Wait until all bytes have left. A port that does not move them in the time that the wire
+// needs and two seconds more has failed.
+static bool wait_until_left(int handle, int count)
+{
+	const double bytes = std::max<double>(count, host.midi->leaving(handle));
+	const double deadline = host.clock->counter() + bytes * byte_seconds + 2;
+	for (;;) {
+		const long left = host.midi->leaving(handle);
+		if (left == 0)
+			return true;
+		if (left < 0) {
+			const char *words = host.midi->error_text(static_cast<int>(-left));
+			display_error_text(__FILE_NAME__, __LINE__, words);
+			return false;
+		}
+		if (host.clock->counter() >= deadline) {
+			display_error_text(__FILE_NAME__, __LINE__,
+				"The MIDI output does not send. Is the interface still connected?");
+			return false;
+		}
+		log_line("[D] Still waiting for sending of midi-buffer\r\n");
+		let_bytes_leave(handle, left);
+	}
+}
+
+// Send on the shared output. A port that failed is closed, so that the next send opens
+// whatever is there then.
+static bool send_whole(const u8 *bytes, int count)
+{
+	const int code = host.midi->write(
+		the_outHandle, bytes, static_cast<std::size_t>(std::max(count, 0)));
+	if (code)
+		display_error_text(__FILE_NAME__, __LINE__, host.midi->error_text(code));
+	if (code || !wait_until_left(the_outHandle, count)) {
+		forget_output();
+		return false;
+	}
+	return true;
+}
+
+static void log_message(const u8 *output, int output_len)
+{
+	if (output_len < 32)
+		log_line("[D] MIDI-OUT: %d Bytes (%s)\r\n", output_len,
+			hex_text({ output, static_cast<std::size_t>(output_len) }).c_str());
+}
+
+// ---- The input ------------------------------------------------------------------------
+
+struct give_back {
+	void operator()(void *memory) const { std::free(memory); }
+};
+
+// An open input with the block that it fills. Closed at the end of its scope, whichever way
+// an exchange ends.
+struct armed_input {
+	std::unique_ptr<u8, give_back> block;
+	int capacity = 0;
+	int handle = -1;
+
+	armed_input() = default;
+	armed_input(const armed_input &) = delete;
+	~armed_input()
+	{
+		disarm();
+		if (handle >= 0)
+			host.midi->close_input(handle);
+	}
+	void disarm()
+	{
+		if (armed)
+			host.midi->disarm(handle);
+		armed = false;
+	}
+	int received() const
+	{
+		return std::min(static_cast<int>(host.midi->received(handle)), capacity);
+	}
+
+	bool armed = false;
+};
+
+static void allocate_block(armed_input *in, int capacity)
+{
+	in->capacity = capacity;
+	in->block.reset(static_cast<u8 *>(std::calloc(1, static_cast<std::size_t>(capacity) + 1)));
+	if (in->block)
+		return;
+	show_box("FATAL", "Out of memory at %s:%d", __FILE_NAME__, __LINE__);
+	host.ui->exit_process(0);
+}
+
+// Open the chosen input and receive from now on.
+static bool open_input(armed_input *in)
+{
+	int code = host.midi->open_input(selected_midi_in_interface, &in->handle);
+	if (code)
+		in->handle = -1;
+	else
+		code = host.midi->arm(
+			in->handle, in->block.get(), static_cast<std::size_t>(in->capacity));
+	if (code)
+		display_error_text(__FILE_NAME__, __LINE__, host.midi->error_text(code));
+	else
+		in->armed = true;
+	return code == 0;
+}
+
+// What the ways to wait for an answer differ in.
+struct answer_rules {
+	int seconds;         // counted in whole ones
+	bool log_incomplete; // say what is there of an answer that is not complete
+	bool ends_when_full; // a full block ends the wait
+	bool partial_counts; // what came before the deadline is an answer
+};
+
+static constexpr answer_rules general_rules = { 2, true, true, true };
+static constexpr answer_rules s900_rules = { 3, false, true, true };
+
+static double whole_seconds()
+{
+	return std::floor(host.clock->counter());
+}
+
+// Run the interface once, not beyond the moment when the seconds counted pass deadline.
+static void pump_before(double deadline)
+{
+	const double rest = std::max(deadline + 1 - host.clock->counter(), 0.0);
+	host.ui->pump(static_cast<int>(std::ceil(std::min(rest * 1000, 1.0 * pump_ms))));
+}
+
+static void log_incomplete(const armed_input &in, int count)
+{
+	const std::size_t shown = static_cast<std::size_t>(std::min(count, 32));
+	log_line("[D] Exclusive Data so far received!(%d/%d Bytes) NO F7 FLAGS: 0x%08X[%s%s]\r\n",
+		count, in.capacity, 0u, hex_text({ in.block.get(), shown }).c_str(),
+		count > 32 ? "..." : "");
+}
+
+// Wait for msg_count end bytes. Gives the length up to the last of them or of a full block,
+// 0 when the deadline passed, -1 when the port failed.
+//
+// The count goes on from pass to pass although each pass scans from the start: an end byte
+// that a pass has counted counts again in the next. A wait for two messages can therefore end
+// at the first, when it arrived alone.
+static int await_end_bytes(const armed_input &in, int msg_count, const answer_rules &rules)
+{
+	const double deadline = whole_seconds() + rules.seconds;
+	double next_log = host.clock->counter();
+	for (;;) {
+		pump_before(deadline);
+		if (whole_seconds() > deadline)
+			return 0;
+		const int code = host.midi->input_error(in.handle);
+		if (code) {
+			display_error_text(__FILE_NAME__, __LINE__, host.midi->error_text(code));
+			return -1;
+		}
+		const int count = in.received();
+		for (int i = 0; i < count; i++)
+			if (in.block.get()[i] == end_byte && --msg_count == 0)
+				return i + 1;
+		// Bytes wake the wait one by one; ten lines a second tell enough.
+		if (rules.log_incomplete && count && host.clock->counter() >= next_log) {
+			log_incomplete(in, count);
+			next_log = host.clock->counter() + pump_ms / 1000.0;
+		}
+		if (rules.ends_when_full && count == in.capacity)
+			return count;
+	}
+}
+
+// Wait for the answer and hand it over. A failed port leaves the length as it was, and the
+// answer clear.
+static void receive_answer(
+	armed_input *in, u8 *input, int *_input_len, int msg_count, const answer_rules &rules)
+{
+	const int capacity = *_input_len;
+	*_input_len = 0;
+	const int length = await_end_bytes(*in, msg_count, rules);
+	if (length < 0) {
+		*_input_len = capacity;
+		return;
+	}
+	const int count = in->received();
+	in->disarm();
+	std::memcpy(input, in->block.get(), static_cast<std::size_t>(count));
+	*_input_len = length == 0 && rules.partial_counts ? count : length;
+}
+
+// ---- Exchanges ------------------------------------------------------------------------
+
+// Clear the answer. false when an exchange is under way: the new one gets no answer.
+static bool begin_exchange(u8 *input, int *_input_len, int msg_count)
+{
+	*_input_len = std::max(*_input_len, 0);
+	if (*_input_len)
+		std::memset(input, 0, static_cast<std::size_t>(*_input_len));
+	if (!exchange_running)
+		return true;
+	log_line("[W] MIDI exchange refused: another one is under way\r\n");
+	if (msg_count > 0)
+		*_input_len = 0;
+	return false;
+}
+
+// The bridge knows no count of messages: an answer ends at its first end byte.
+static void exchange_over_tcp(const u8 *output, int output_len, u8 *input, int *_input_len)
+{
+	const int capacity = *_input_len;
+	if (!send_tcp({ output, static_cast<std::size_t>(std::max(output_len, 0)) }) || !capacity)
+		return;
+	*_input_len = 0;
+	*_input_len = receive_tcp(input, capacity);
+}
+
+void send_midi_string_ex(
+	const u8 *output, int output_len, u8 *input, int *_input_len, int msg_count)
+{
+	if (!begin_exchange(input, _input_len, msg_count))
+		return;
+	const exchange_guard running;
+	if (use_tcp) {
+		exchange_over_tcp(output, output_len, input, _input_len);
+		return;
+	}
+	armed_input in;
+	allocate_block(&in, *_input_len);
+	if (!open_output() || (msg_count > 0 && !open_input(&in)))
+		return;
+	log_message(output, output_len);
+	if (!send_whole(output, output_len))
+		return;
+	log_line("[D] Midi-Data sent successfully\r\n");
+	if (msg_count > 0)
+		receive_answer(&in, input, _input_len, msg_count, general_rules);
+}
+
+// The S900's output is opened for the one message and freed before the answer is complete.
+struct freed_port {
+	int port = -1;
+	freed_port() = default;
+	freed_port(const freed_port &) = delete;
+	~freed_port()
+	{
+		if (port >= 0)
+			g_MidiOutPortFreeFunc(port);
+	}
+};
+
+static bool send_through_port(const freed_port &out, const u8 *output, int output_len)
+{
+	const int code = g_MidiOutPortSendFunc(out.port, output, output_len);
+	if (code) {
+		display_error_text(__FILE_NAME__, __LINE__, host.midi->error_text(code));
+		return false;
+	}
+	if (!wait_until_left(out.port, output_len))
+		return false;
+	log_line("[D] Midi-Data sent successfully [%s] %d Bytes...\r\n",
+		hex_text({ output, static_cast<std::size_t>(output_len) }).c_str(), output_len);
+	return true;
+}
+
+void send_midi_string_ex_s900(
+	const u8 *output, int output_len, u8 *input, int *_input_len, int msg_count)
+{
+	if (!begin_exchange(input, _input_len, msg_count))
+		return;
+	const exchange_guard running;
+	if (use_tcp) {
+		exchange_over_tcp(output, output_len, input, _input_len);
+		return;
+	}
+	armed_input in;
+	allocate_block(&in, *_input_len);
+	forget_output(); // a port can be open once only
+	freed_port out;
+	if (g_MidiOutPortOpenFunc(selected_midi_out_interface, &out.port) != 0) {
+		out.port = -1;
+		show_box("FATAL", "Failed to open Midi-Out Device");
+		host.ui->exit_process(0);
+		return;
+	}
+	if (msg_count > 0 && !open_input(&in))
+		return;
+	log_message(output, output_len);
+	if (send_through_port(out, output, output_len) && msg_count > 0)
+		receive_answer(&in, input, _input_len, msg_count, s900_rules);
+}
+
+// A wait lasts at least until the second after the next has begun, even if the message came
+// at once: a sampler that has said it is ready gets that time before more is sent.
+static void rest_after_wait(double began)
+{
+	while (whole_seconds() <= began + 1)
+		pump_before(began + 1);
+}
+
+void wait_midi_string_ex(u8 *input, int *_input_len, int msg_count, int timeout)
+{
+	if (!begin_exchange(input, _input_len, 1))
+		return;
+	const exchange_guard running;
+	armed_input in;
+	allocate_block(&in, *_input_len);
+	if (!open_input(&in))
+		return;
+	const double began = whole_seconds();
+	receive_answer(&in, input, _input_len, msg_count,
+		{ .seconds = timeout,
+			.log_incomplete = false,
+			.ends_when_full = false,
+			.partial_counts = false });
+	rest_after_wait(began);
+}
+
+void send_midi_string(const u8 *midi_data, int len)
+{
+	const std::size_t shown = static_cast<std::size_t>(std::clamp(len, 0, 16));
+	log_line("[D] Sending %d Bytes of Midi-Data() [%s%s] using Device: %d\r\n", len,
+		hex_text({ midi_data, shown }).c_str(), len > 16 ? "..." : "",
+		selected_midi_out_interface);
+	if (use_tcp)
+		send_tcp({ midi_data, static_cast<std::size_t>(std::max(len, 0)) });
+	else if (open_output())
+		send_whole(midi_data, len);
+}
+
+// ---- Device lists -----------------------------------------------------------------------
+
+static void read_devices(int count, const char *(*name)(int), std::vector<std::string> *list)
+{
+	list->clear();
+	for (int i = 0; i < std::min(count, max_midi_devices); i++)
+		list->push_back(name(i));
+}
+
+void reload_midi_setup(bool verbose)
+{
+	read_devices(host.midi->outputs(), host.midi->output_name, &midi_out_interface);
+	midi_out_interfaces = static_cast<int>(midi_out_interface.size());
+	read_devices(host.midi->inputs(), host.midi->input_name, &midi_in_interface);
+	midi_in_interfaces = static_cast<int>(midi_in_interface.size());
+	if (!verbose)
+		return;
+	// Maker, product and version are numbers that this host's ports do not have.
+	for (int i = 0; i < midi_out_interfaces; i++)
+		log_line("[D] MIDI-OUT[%d] --> NAME: [%s](%d,%d) Version: %d\r\n", i,
+			midi_out_interface[i].c_str(), 0, 0, 0);
+	for (int i = 0; i < midi_in_interfaces; i++)
+		log_line("[D] MIDI-IN[%d] --> NAME: [%s](%d,%d) Version: %d\r\n", i,
+			midi_in_interface[i].c_str(), 0, 0, 0);
+	if (!host.ui->exists(window_settings, settings_found)) {
+		log_line("SetDLGItemText failed");
+		return;
+	}
+	host.ui->set_text(window_settings, settings_found,
+		format_text("MIDI-OUT found: %d, MIDI-IN found: %d", midi_out_interfaces,
+			midi_in_interfaces)
+			.c_str());
+}
+
+} // namespace velmor

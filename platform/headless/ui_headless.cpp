@@ -1,0 +1,160 @@
+// ui_headless.cpp - a program without windows
+//
+// Boxes and questions go to standard error, the log to standard output. Controls
+// are places that remember what was put there, so that the system reads back what
+// it wrote. Only places that hold something exist, and the main log.
+
+#include "platform/headless/headless.h"
+#include "platform/ui.h"
+#include <chrono>
+#include <condition_variable>
+#include <cstdio>
+#include <cstdlib>
+#include <map>
+#include <mutex>
+#include <string_view>
+#include <unistd.h>
+#include <utility>
+
+namespace velmor
+{
+
+bool headless_answers = true;
+headless_place headless_log = { 101, 9900 };
+
+struct headless_control {
+	std::string text;
+	std::vector<std::string> items;
+	int selected = -1;
+	bool checked = false;
+};
+static std::map<std::pair<int, int>, headless_control> controls;
+
+static std::mutex wake_lock;
+static std::condition_variable woken;
+static bool wake_pending = false;
+
+// What text has more than the present one, which may have lost its oldest lines in it.
+static std::string_view appended(std::string_view present, std::string_view text)
+{
+	while (!text.starts_with(present)) {
+		const std::size_t feed = present.find('\n');
+		if (feed == present.npos)
+			return text;
+		present.remove_prefix(feed + 1);
+	}
+	return text.substr(present.size());
+}
+
+static void set_text(int window, int control, const char *text)
+{
+	headless_control &place = controls[{ window, control }];
+	if (window == headless_log.window && control == headless_log.control) {
+		for (const char c : appended(place.text, text))
+			if (c != '\r')
+				std::putchar(c);
+		std::fflush(stdout);
+	}
+	place.text = text;
+}
+
+static void set_list(int window, int control, std::span<const std::string> items)
+{
+	headless_control &place = controls[{ window, control }];
+	place.items.assign(items.begin(), items.end());
+	place.selected = -1;
+}
+
+static void select_item(int window, int control, int index)
+{
+	headless_control &place = controls[{ window, control }];
+	const bool there = index >= 0 && static_cast<std::size_t>(index) < place.items.size();
+	place.selected = there ? index : -1;
+}
+
+static bool exists(int window, int control)
+{
+	const bool log =
+		window == headless_log.window && (control == 0 || control == headless_log.control);
+	return log || controls.contains({ window, control });
+}
+
+static void message(const char *text, const char *caption)
+{
+	std::fprintf(stderr, "%s: %s\n", caption ? caption : "", text ? text : "");
+}
+
+static bool ask(const char *text, const char *caption)
+{
+	std::fprintf(stderr, "%s: %s [%s]\n", caption ? caption : "", text ? text : "",
+		headless_answers ? "OK" : "Cancel");
+	return headless_answers;
+}
+
+static void progress_set(int, const char *info, const char *time_left)
+{
+	if (isatty(STDERR_FILENO))
+		std::fprintf(stderr, "\r%s %s\033[K", info ? info : "", time_left ? time_left : "");
+}
+
+static void pump(int max_ms)
+{
+	std::unique_lock hold(wake_lock);
+	woken.wait_for(hold, std::chrono::milliseconds(max_ms), [] { return wake_pending; });
+	wake_pending = false;
+}
+
+static void wake()
+{
+	const std::lock_guard hold(wake_lock);
+	wake_pending = true;
+	woken.notify_all();
+}
+
+extern const ui_service headless_ui;
+const ui_service headless_ui = {
+	.set_text = set_text,
+	.get_text =
+		[](int w, int c) {
+			return exists(w, c) ? controls[{ w, c }].text : "";
+		},
+	.set_list = set_list,
+	.select = select_item,
+	.selection =
+		[](int w, int c) {
+			return exists(w, c) ? controls[{ w, c }].selected : -1;
+		},
+	.set_checked =
+		[](int w, int c, bool on) {
+			controls[{ w, c }].checked = on;
+		},
+	.checked =
+		[](int w, int c) {
+			return exists(w, c) && controls[{ w, c }].checked;
+		},
+	.show = [](int, int, bool) {},
+	.enable = [](int, int, bool) {},
+	.exists = exists,
+	.set_waveform = [](int, int, const waveform_view *) {},
+	.message = message,
+	.ask = ask,
+	// Nobody is there to choose.
+	.choose_files = [](const char *, const char *) { return std::vector<std::string>(); },
+	.choose_folder = [](const char *) { return std::string(); },
+	.progress_show = [](const char *, int) {},
+	.progress_set = progress_set,
+	.progress_hide =
+		[] {
+			if (isatty(STDERR_FILENO))
+				std::fputs("\r\033[K", stderr);
+		},
+	.pump = pump,
+	.wake = wake,
+	.exit_process =
+		[](int status) {
+			std::fflush(nullptr);
+			std::exit(status);
+		},
+};
+
+} // namespace velmor

@@ -1,0 +1,83 @@
+// test_headless.cpp - the program without windows: what it prints, and how it waits
+
+#include "platform/backends.h"
+#include "platform/headless/headless.h"
+#include <chrono>
+#include <gtest/gtest.h>
+#include <thread>
+
+namespace
+{
+
+using namespace velmor;
+using namespace std::chrono_literals;
+using steady = std::chrono::steady_clock;
+
+TEST(headless, boxes_go_to_standard_error_and_questions_follow_the_policy)
+{
+	testing::internal::CaptureStderr();
+	headless_ui.message("Failed to connect IP (SOCKET)", "WARNING");
+	headless_answers = false;
+	EXPECT_FALSE(headless_ui.ask("Overwrite existing sample?", "INFO"));
+	headless_answers = true;
+	EXPECT_TRUE(headless_ui.ask("Overwrite existing sample?", "INFO"));
+	EXPECT_EQ(testing::internal::GetCapturedStderr(),
+		"WARNING: Failed to connect IP (SOCKET)\n"
+		"INFO: Overwrite existing sample? [Cancel]\n"
+		"INFO: Overwrite existing sample? [OK]\n");
+}
+
+TEST(headless, each_text_of_the_log_is_printed_once)
+{
+	testing::internal::CaptureStdout();
+	headless_ui.set_text(101, 9900, "one\r\n");
+	headless_ui.set_text(101, 9900, "one\r\ntwo\r\n");
+	headless_ui.set_text(101, 9900, "two\r\nthree\r\n"); // the oldest line made room
+	headless_ui.set_text(101, 9901, "no log");
+	EXPECT_EQ(testing::internal::GetCapturedStdout(), "one\ntwo\nthree\n");
+	EXPECT_EQ(headless_ui.get_text(101, 9900), "two\r\nthree\r\n");
+}
+
+TEST(headless, controls_remember_and_selections_stay_in_their_list)
+{
+	EXPECT_FALSE(headless_ui.exists(13001, 5));
+	EXPECT_EQ(headless_ui.selection(13001, 5), -1);
+	EXPECT_FALSE(headless_ui.exists(13001, 5)) << "asking made it";
+	const std::vector<std::string> items = { "PIANO C3", "STRINGS" };
+	headless_ui.set_list(13001, 5, items);
+	headless_ui.select(13001, 5, 1);
+	EXPECT_EQ(headless_ui.selection(13001, 5), 1);
+	headless_ui.select(13001, 5, 2);
+	EXPECT_EQ(headless_ui.selection(13001, 5), -1);
+	headless_ui.set_checked(13001, 6, true);
+	EXPECT_TRUE(headless_ui.checked(13001, 6));
+	EXPECT_TRUE(headless_ui.choose_files("Import", "*.wav").empty());
+}
+
+TEST(headless, a_wake_ends_a_pump_even_when_it_came_first)
+{
+	headless_ui.wake();
+	auto begin = steady::now();
+	headless_ui.pump(2000);
+	EXPECT_LT(steady::now() - begin, 1000ms);
+
+	begin = steady::now();
+	headless_ui.pump(20);
+	EXPECT_GE(steady::now() - begin, 19ms) << "one wake ended two pumps";
+
+	std::thread other([] {
+		std::this_thread::sleep_for(10ms);
+		headless_ui.wake();
+	});
+	begin = steady::now();
+	headless_ui.pump(2000);
+	EXPECT_LT(steady::now() - begin, 1000ms);
+	other.join();
+}
+
+TEST(headless, exit_ends_the_process_with_its_status)
+{
+	EXPECT_EXIT(headless_ui.exit_process(7), testing::ExitedWithCode(7), "");
+}
+
+} // namespace

@@ -132,8 +132,6 @@ static void close_application()
 	host.ui->exit_process(0);
 }
 
-// Stop stays asked for: work of several parts begins its next part with a new progress
-// window, so the wish is repeated whenever the interface runs.
 static void leave()
 {
 	if (!commands_running) {
@@ -328,9 +326,14 @@ struct command_row {
 	command_time time;
 };
 
+// A transfer that failed leaves its bar on screen; then there is nothing to stop, and the
+// button puts the bar away.
 static void stop_work()
 {
-	stop_progress();
+	if (commands_running)
+		stop_progress();
+	else
+		hide_progressbar(0);
 }
 
 static void preview_options()
@@ -471,6 +474,11 @@ void velmor_hover(int window, int control, std::span<const std::string> paths)
 bool command_running()
 {
 	return commands_running > 0;
+}
+
+bool close_requested()
+{
+	return close_wanted;
 }
 
 void forget_commands()

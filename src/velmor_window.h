@@ -48,6 +48,8 @@ void velmor_hover(int window, int control, std::span<const std::string> paths);
 
 // True while a command runs.
 bool command_running();
+// True when the main window was closed while a command runs: work ends as soon as it can.
+bool close_requested();
 // Forget a running command and a wish to close; for tests.
 void forget_commands();
 
@@ -80,13 +82,22 @@ void import_files(std::span<const std::string> paths);
 void export_spool();
 void clear_spool();
 
+// What the import options say; 0 keeps what a file has.
+struct import_options {
+	int bits, rate, channels;
+	int mixing; // as import_wave takes it
+};
+import_options chosen_import_options();
+
+// ---- Preview (velmor_preview.cpp) ------------------------------------------------------
+
 // Another local sample was chosen: its picture, and what an import of it would give.
 void show_local_selection();
 // Say what the import options make of these files. None: of the selected local sample.
 void show_import_preview(std::span<const std::string> paths);
 
-// Seconds that the words of one sample take to the loaded sampler, or to a sampler of that
-// model: over MIDI from the wire's 31250 baud, over USB from full speed.
-double transfer_seconds(const _sampler_type &model, u64 words);
+// Seconds that an upload of so many bytes takes to a sampler of that model: over MIDI from the
+// wire's 31250 baud, over USB from full speed.
+double transfer_seconds(const _sampler_type &model, u64 bytes);
 
 } // namespace velmor

@@ -1,0 +1,303 @@
+// midi_alsa.cpp - MIDI ports of ALSA: raw MIDI first, sequencer ports behind
+//
+// A sampler's System Exclusive goes through raw ports: the sequencer moves events
+// through pools and drops what does not fit. Sequencer ports are listed for soft
+// synths and for the kernel's own loop.
+//
+// Codes are errno values and those of ports.h.
+
+#include "platform/alsa/ports.h"
+#include "platform/midi.h"
+#include <alsa/asoundlib.h>
+#include <cerrno>
+#include <chrono>
+#include <cstdio>
+#include <cstring>
+#include <map>
+#include <sys/eventfd.h>
+#include <unistd.h>
+
+namespace velmor
+{
+
+static std::atomic<void (*)()> wake = nullptr;
+// As last listed. Main thread only, like the open ports.
+static std::vector<alsa_port> output_list, input_list;
+static std::map<int, std::unique_ptr<output_port>> open_outputs;
+static std::map<int, std::unique_ptr<input_port>> open_inputs;
+static int last_handle = 0;
+
+// ---- Common to the ports ----------------------------------------------------------------
+
+void wake_the_system()
+{
+	if (void (*call)() = wake)
+		call();
+}
+
+bell::bell() : fd(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {}
+
+bell::~bell()
+{
+	close(fd);
+}
+
+void bell::ring()
+{
+	(void)eventfd_write(fd, 1);
+}
+
+void bell::silence()
+{
+	eventfd_t count;
+	(void)eventfd_read(fd, &count);
+}
+
+void incoming::take(const unsigned char *bytes, std::size_t count)
+{
+	if (!buffer)
+		return;
+	const std::size_t room = capacity - filled;
+	const std::size_t fits = count < room ? count : room;
+	std::memcpy(buffer + filled, bytes, fits);
+	filled += fits;
+}
+
+void incoming::fail(int code)
+{
+	if (!error)
+		error = code;
+}
+
+// ---- Lists ------------------------------------------------------------------------------
+
+// Two interfaces of one kind have one name; the second gets a number.
+static void number_equal_names(std::vector<alsa_port> *ports)
+{
+	std::map<std::string, int> seen;
+	for (alsa_port &port : *ports)
+		if (const int times = ++seen[port.name]; times > 1)
+			port.name += " (" + std::to_string(times) + ")";
+}
+
+static void say_nothing(const char *, int, const char *, int, const char *, ...) {}
+
+static std::vector<alsa_port> list_ports(bool outputs)
+{
+	// A machine without sound is no error, so the library is not to complain about it.
+	static const int silent = snd_lib_error_set_handler(say_nothing);
+	(void)silent;
+	std::vector<alsa_port> raw, soft;
+	list_raw_ports(outputs, &raw);
+	list_sequencer_ports(outputs, raw, &soft);
+	raw.insert(raw.end(), soft.begin(), soft.end());
+	number_equal_names(&raw);
+	return raw;
+}
+
+static const char *name_in(const std::vector<alsa_port> &ports, int index)
+{
+	static char name[256];
+	const bool there = index >= 0 && static_cast<std::size_t>(index) < ports.size();
+	std::snprintf(name, sizeof name, "%s", there ? ports[index].name.c_str() : "");
+	return name;
+}
+
+static int count_outputs()
+{
+	output_list = list_ports(true);
+	return static_cast<int>(output_list.size());
+}
+
+static int count_inputs()
+{
+	input_list = list_ports(false);
+	return static_cast<int>(input_list.size());
+}
+
+// ---- Outputs ----------------------------------------------------------------------------
+
+static int open_output(int index, int *handle)
+{
+	if (output_list.empty())
+		count_outputs();
+	const std::size_t place = index == -1 ? 0 : static_cast<std::size_t>(index);
+	if (index < -1 || place >= output_list.size())
+		return port_not_listed;
+	const alsa_port &port = output_list[place];
+	std::unique_ptr<output_port> opened;
+	const int code = port.device.empty() ? open_sequencer_output(port, &opened)
+					     : open_raw_output(port, &opened);
+	if (code)
+		return code;
+	*handle = ++last_handle;
+	open_outputs[*handle] = std::move(opened);
+	return 0;
+}
+
+static int write_output(int handle, const unsigned char *bytes, std::size_t count)
+{
+	const auto found = open_outputs.find(handle);
+	if (found == open_outputs.end())
+		return EBADF;
+	output_port &port = *found->second;
+	{
+		const std::lock_guard hold(port.out.lock);
+		if (port.out.failed)
+			return port.out.failed;
+		port.out.waiting.insert(port.out.waiting.end(), bytes, bytes + count);
+	}
+	port.changed.ring();
+	return 0;
+}
+
+static long leaving(int handle)
+{
+	const auto found = open_outputs.find(handle);
+	if (found == open_outputs.end())
+		return -EBADF;
+	output_port &port = *found->second;
+	const std::lock_guard hold(port.out.lock);
+	const long on_the_way = port.out.failed ? 0 : port.on_the_way(&port);
+	if (port.out.failed)
+		return -port.out.failed;
+	return static_cast<long>(port.out.waiting.size()) + on_the_way;
+}
+
+// What was written may still be going out. A short while is left for it, then the rest is
+// dropped: a device that takes nothing must not hold up the program.
+static void close_output(int handle)
+{
+	for (int waited = 0; waited < 100 && leaving(handle) > 0; waited++)
+		std::this_thread::sleep_for(std::chrono::milliseconds(1));
+	open_outputs.erase(handle);
+}
+
+// ---- Inputs -----------------------------------------------------------------------------
+
+static int open_input(int index, int *handle)
+{
+	if (input_list.empty())
+		count_inputs();
+	if (index < 0 || static_cast<std::size_t>(index) >= input_list.size())
+		return port_not_listed;
+	const alsa_port &port = input_list[index];
+	std::unique_ptr<input_port> opened;
+	const int code = port.device.empty() ? open_sequencer_input(port, &opened)
+					     : open_raw_input(port, &opened);
+	if (code)
+		return code;
+	*handle = ++last_handle;
+	open_inputs[*handle] = std::move(opened);
+	return 0;
+}
+
+static input_port *input_of(int handle)
+{
+	const auto found = open_inputs.find(handle);
+	return found == open_inputs.end() ? nullptr : found->second.get();
+}
+
+static int arm(int handle, unsigned char *buffer, std::size_t capacity)
+{
+	input_port *port = input_of(handle);
+	if (!port)
+		return EBADF;
+	const std::lock_guard hold(port->in.lock);
+	port->in.buffer = nullptr;
+	port->drop_old(port);
+	// A port that has vanished stays so; an earlier overrun is forgotten.
+	if (port->in.error == input_overrun)
+		port->in.error = 0;
+	port->in.buffer = buffer;
+	port->in.capacity = capacity;
+	port->in.filled = 0;
+	return port->in.error;
+}
+
+static std::size_t received(int handle)
+{
+	input_port *port = input_of(handle);
+	if (!port)
+		return 0;
+	const std::lock_guard hold(port->in.lock);
+	return port->in.filled;
+}
+
+static int input_error(int handle)
+{
+	input_port *port = input_of(handle);
+	if (!port)
+		return EBADF;
+	const std::lock_guard hold(port->in.lock);
+	if (!port->in.error)
+		port->look(port);
+	return port->in.error;
+}
+
+static void disarm(int handle)
+{
+	input_port *port = input_of(handle);
+	if (!port)
+		return;
+	const std::lock_guard hold(port->in.lock);
+	port->in.buffer = nullptr;
+	port->in.filled = 0;
+}
+
+// ---- Words ------------------------------------------------------------------------------
+
+struct code_words {
+	int code;
+	const char *words;
+};
+
+static constexpr code_words words_of[] = {
+	{ input_overrun, "MIDI bytes came faster than they could be read; some are lost" },
+	{ port_not_listed, "There is no such MIDI port. Choose one in the settings" },
+	{ receiver_too_slow, "The program at the other end does not take its MIDI data" },
+	{ EBUSY, "The MIDI port is in use by another program. Close that program and try again" },
+	{ EAGAIN, "The MIDI port is in use by another program. Close that program and try again" },
+	{ EACCES, "You may not open the MIDI port. Add yourself to the group \"audio\", "
+		  "log out and in again" },
+	{ EPERM, "The program at the other end does not let others connect" },
+	{ ENODEV, "The MIDI port is gone. Plug the interface in again, then choose it again" },
+	{ ENOENT, "The MIDI port is gone. Plug the interface in again, then choose it again" },
+	{ ENXIO, "The MIDI port is gone. Plug the interface in again, then choose it again" },
+	{ EBADF, "The MIDI port is not open" },
+};
+
+static const char *error_text(int code)
+{
+	static char text[256];
+	const char *words = nullptr;
+	for (const code_words &row : words_of)
+		if (row.code == code)
+			words = row.words;
+	if (!words)
+		words = strerrordesc_np(code);
+	std::snprintf(text, sizeof text, "%s", words ? words : "Unknown MIDI error");
+	return text;
+}
+
+extern const midi_service alsa_midi;
+const midi_service alsa_midi = {
+	.outputs = count_outputs,
+	.inputs = count_inputs,
+	.output_name = [](int index) { return name_in(output_list, index); },
+	.input_name = [](int index) { return name_in(input_list, index); },
+	.open_output = open_output,
+	.write = write_output,
+	.leaving = leaving,
+	.close_output = close_output,
+	.open_input = open_input,
+	.arm = arm,
+	.received = received,
+	.input_error = input_error,
+	.disarm = disarm,
+	.close_input = [](int handle) { open_inputs.erase(handle); },
+	.on_arrival = [](void (*call)()) { wake = call; },
+	.error_text = error_text,
+};
+
+} // namespace velmor

@@ -1,0 +1,33 @@
+// velmor.cpp - the desktop program on the ports and devices of this computer
+
+#include "platform/backends.h"
+#include "src/velmor.h"
+#include "ui/qt_ui.h"
+#include <QApplication>
+
+using namespace velmor;
+
+static void install_services()
+{
+	host = { .ui = &qt_ui,
+		.midi = &alsa_midi,
+		.net = &posix_net,
+		.usb = &libusb_usb,
+		.settings = &posix_settings,
+		.clock = &posix_clock,
+		.files = &posix_files };
+	host.midi->on_arrival(host.ui->wake);
+	host.net->on_arrival(host.ui->wake);
+	host.usb->on_arrival(host.ui->wake);
+}
+
+int main(int argc, char **argv)
+{
+	QApplication application(argc, argv);
+	QApplication::setApplicationName("velmor");
+	QApplication::setApplicationDisplayName("VELMOR Sysex-Tools");
+	install_services();
+	create_windows();
+	start_velmor();
+	return run_windows();
+}

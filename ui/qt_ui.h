@@ -1,0 +1,29 @@
+// qt_ui.h - the windows of the program in Qt
+//
+// A program installs qt_ui as its ui service, makes a QApplication, creates the
+// windows, starts the system and runs the loop.
+
+#pragma once
+#include "platform/ui.h"
+#include <QObject>
+
+class QWidget;
+
+namespace velmor
+{
+
+extern const ui_service qt_ui;
+
+// Make every window, all hidden. Once, after the QApplication.
+void create_windows();
+// Forget them again; for tests, which make them anew.
+void destroy_windows();
+// Show the main window and run until the process ends.
+int run_windows();
+
+// The window (control 0), widget or menu entry of that id, or null.
+QObject *find_control(int window, int control);
+// The same as a widget, or null.
+QWidget *find_widget(int window, int control);
+
+} // namespace velmor

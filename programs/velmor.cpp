@@ -1,7 +1,7 @@
 // velmor.cpp - the desktop program on the ports and devices of this computer
 
-#include "platform/backends.h"
 #include "src/velmor.h"
+#include "platform/backends.h"
 #include "ui/qt_ui.h"
 #include <QApplication>
 

@@ -99,6 +99,15 @@ template <std::size_t size> void copy_text(char (&field)[size], std::string_view
 // its folder "sample".
 extern std::string current_config_path;
 
+// One value, setting_size bytes of room: 0, 2 when it does not exist, or a system code that
+// was shown.
+int load_key(const char *name, char *value);
+// 0, or a system code that was shown.
+int save_key(const char *name, const char *value);
+
+// Set current_run_mode from the key run_mode: "user" is without diagnostics, "demo" also
+// without multis, everything else has all.
+void load_run_mode();
 // Once, after the device lists are read: device choices, configuration folder, folder tree.
 void load_settings();
 // "&Save settings": take the settings dialog's choices and store them.
@@ -132,8 +141,9 @@ extern std::vector<std::string> conf_sampler;
 // The USB device name that the next save_sampler stores.
 extern char current_usb_name[256];
 
-// Everything from the clock base to the filled windows, in its fixed order. The caller
-// then runs its message loop. Called once.
+// Everything from binding MIDI to the filled windows, in its fixed order (velmor_start.cpp).
+// Called once by a program that has installed its host and created its windows, hidden; the
+// caller then runs its message loop. A failure ends the process.
 void start_velmor();
 
 void load_sampler_list();
@@ -142,8 +152,12 @@ void load_sampler_list();
 int load_sampler(const char *sampler_name);
 // Store the sampler dialog's entries: 0, or 1 when nothing was stored.
 int save_sampler();
+// Write a configuration under its description and make it the current sampler: 0, or 1 when
+// nothing was stored, which a box has said. The file is the old one or the new one at any moment.
+int store_sampler(const _sampler &record);
 // Query a sampler described by the dialog alone; what it says is seen in the log.
-void get_device_info(u8 midi_channel, i32 brand_id, u8 sysex_channel, char *result, int *_maxlen);
+void get_device_info(
+	u8 control_channel, i32 brand_id, u8 sysex_channel, char *result, int *_maxlen);
 // The loaded sampler's _dev_status, allocated on first use; null without a sampler or memory.
 _dev_status *require_dev_status();
 

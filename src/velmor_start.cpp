@@ -1,0 +1,51 @@
+// velmor_start.cpp - the order in which the system starts
+//
+// Calls set-up functions of every module once. A program installs its host and
+// creates its windows before, and runs its message loop after.
+
+#include "src/controls.h"
+#include "src/rmidi.h"
+#include "src/velmor.h"
+#include "src/velmor_window.h"
+
+namespace velmor
+{
+
+// Whatever arrives, on whichever thread, ends the wait of a running pump.
+static void wake_on_arrival()
+{
+	host.midi->on_arrival(host.ui->wake);
+	host.net->on_arrival(host.ui->wake);
+	host.usb->on_arrival(host.ui->wake);
+}
+
+static void start_windows()
+{
+	reload_midi_setup(true);
+	host.ui->set_text(window_main, main_log, "[I] VELMOR started\r\n");
+	set_up_windows();
+	host.ui->show(window_main, 0, true);
+}
+
+void start_velmor()
+{
+	if (init_wrt_midi() != 0) {
+		show_box("FATAL", "Cannot init WRT!");
+		host.ui->exit_process(0);
+		return;
+	}
+	wake_on_arrival();
+	start_time = host.clock->time_of_day();
+	(void)host.files->remove("velmor.log");
+	load_run_mode();
+	current_sampler = nullptr;
+	conf_sampler.clear();
+	start_windows();
+	reload_midi_setup(false);
+	load_settings();
+	load_sampler_list();
+	// Only words: the drive is a program of its own.
+	log_line("[I] WINFSP started...\r\n");
+}
+
+} // namespace velmor

@@ -128,11 +128,13 @@ void show_progressbar(int window, int range, const char *caption);
 // Show a value, and let pending interface events run.
 void set_progressbar(int val);
 void hide_progressbar(int window);
-// True from the press of Stop to the next show_progressbar. Long work asks at every point
-// where it can end and leave sampler and files consistent.
+// True from the press of Stop to the next show_progressbar or forget_stop. Long work asks at
+// every point where it can end and leave sampler and files consistent.
 bool progress_stopped();
 // Stop was pressed.
 void stop_progress();
+// For long work that shows no progress window: forgets an earlier stop, as showing one does.
+void forget_stop();
 
 // ---- Start-up and configurations (velmor.cpp) --------------------------------------------
 

@@ -65,4 +65,9 @@ void stop_progress()
 	stopped = true;
 }
 
+void forget_stop()
+{
+	stopped = false;
+}
+
 } // namespace velmor

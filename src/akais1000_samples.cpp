@@ -1,0 +1,723 @@
+// akais1000_samples.cpp - samples of the S1000 family: headers, words both ways, names
+//
+//   request sample header    F0 47 cc 0A 48 ss SS F7
+//   sample header            F0 47 cc 0B 48 ss SS nibbles F7         also sent to write it
+//   request sample data      F0 47 cc 0C 48 ss SS oo oo oo oo nn 00 00 00 01 01 F7
+//   delete sample            F0 47 cc 14 48 ss SS F7
+//   dump header              F0 7E cc 01 ss SS 10 pp pp pp ll ll ll aa aa aa bb bb bb 00 F7
+//   data packet              F0 7E cc 02 kk (word*3)*40 xx F7        127 bytes, both ways
+//   acknowledgement          F0 7E cc 7F kk F7                       7C: wait
+//
+// The last three are those of the MIDI Sample Dump Standard. A download asks for each packet
+// with a request of its own and acknowledges none; its checksum is not looked at. An upload
+// sends a header and packets, each of which the sampler acknowledges, and then writes the name
+// into the sampler's own header of the sample, because a dump carries none. There is no
+// rename message either: a name changes by sending the header back.
+//
+// What a sampler says is not trusted: a length above what the machines hold is refused.
+//
+// Knows nothing of: the layout of WAV files, windows.
+
+#include "src/akais1000.h"
+#include "src/velmor_window.h"
+#include "src/waveqx.h"
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <limits>
+
+namespace velmor
+{
+
+// SAMPLE HEADER, decoded block
+enum {
+	header_rate_flag = 1,
+	header_pitch = 2,
+	header_loops = 16,
+	header_playback_mode = 19,
+	header_fine_tune = 20,
+	header_semitone_tune = 21,
+	header_length = 26,
+	header_start = 30,
+	header_end = 34,
+	header_loop = 38,
+	header_loop_fine = 42,
+	header_loop_coarse = 44,
+	header_loop_time = 48,
+	header_unknown = 134,
+	header_rate = 138,
+};
+
+// REQUEST SAMPLE DATA                        0     1     2     3     4     5     6
+static constexpr std::array<u8, 18> request_sample_data = //
+	{ 0xF0, 0x47, 0x00, 0x0C, 0x48, 0x00, 0x00,
+		// 7     8     9    10    11    12    13    14    15    16    17
+		0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x01, 0x01, 0xF7 };
+enum {
+	sample_data_offset = 7,
+	sample_data_words = 11
+};
+
+// DELETE SAMPLE                              0     1     2     3     4     5     6     7
+static constexpr std::array<u8, 8> delete_sample = //
+	{ 0xF0, 0x47, 0x00, 0x14, 0x48, 0x00, 0x00, 0xF7 };
+
+// DUMP HEADER                                0     1     2     3     4     5     6
+static constexpr std::array<u8, 21> dump_header = //
+	{ 0xF0, 0x7E, 0x00, 0x01, 0x00, 0x00, 0x10,
+		// 7     8     9    10    11    12    13    14    15    16    17    18    19    20
+		0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00,
+		0xF7 };
+enum {
+	dump_number = 4,
+	dump_period = 7,
+	dump_length = 10,
+	dump_loop_start = 13,
+	dump_loop_end = 16,
+};
+// What three bytes of seven bits can say.
+static constexpr u64 longest_dump = 0x1FFFFF;
+
+// DATA PACKET
+enum {
+	packet_kind = 3,
+	packet_number = 4,
+	packet_words = 5,
+	packet_checksum = 125,
+	packet_size = 127,
+	words_in_packet = 40,
+};
+static_assert(packet_words + 3 * words_in_packet == packet_checksum);
+
+// ACKNOWLEDGEMENT
+enum {
+	ack_size = 6,
+	ack_kind = 3,
+	ack_positive = 0x7F,
+	ack_wait = 0x7C
+};
+
+// 32 MB is the most that any of the machines takes.
+static constexpr u64 most_words = 16 * 1024 * 1024;
+
+// ---- Finding a sample ---------------------------------------------------------------------
+
+// Index of a sample in the loaded list by its exact name. Without one: the list's count, one
+// past the last, which is 0 for an empty list.
+static int find_sample(const char *name, bool log_compares = false)
+{
+	const _dev_status *status = current_sampler ? current_sampler->status : nullptr;
+	const int samples = status ? std::clamp(status->samples, 0, max_samples) : 0;
+	for (int i = 0; i < samples; i++) {
+		if (log_compares)
+			log_line("[D] ##################### S1000 NAME COMPARE: [%%] <> [%s]\r\n",
+				status->sample[i].name);
+		if (std::strcmp(status->sample[i].name, name) == 0)
+			return i;
+	}
+	return samples;
+}
+
+// The sample itself, or null after the box that ends the program.
+static _sample *require_sample(const char *name, bool log_compares)
+{
+	const int index = find_sample(name, log_compares);
+	const _dev_status *status = current_sampler ? current_sampler->status : nullptr;
+	if (status && index < std::min(status->samples, max_samples))
+		return &current_sampler->status->sample[index];
+	show_box("FATAL", "Internal error (akai_s1000 Module) aborting! (Sample index not found)");
+	host.ui->exit_process(0);
+	return nullptr;
+}
+
+static int index_of(const _sample *sample)
+{
+	return static_cast<int>(sample - current_sampler->status->sample);
+}
+
+// ---- Headers ------------------------------------------------------------------------------
+
+static bool is_header_of(const akai_answer &answer, int index)
+{
+	return answer[akai_function] == sample_header_function && answer.number() == index;
+}
+
+static int shown(u64 value)
+{
+	return static_cast<int>(static_cast<u32>(value));
+}
+
+static void log_header(const _sample &sample, bounded_bytes block, u32 loop_fine, u32 coarse)
+{
+	u8 unknown[4];
+	for (std::size_t i = 0; i < sizeof unknown; i++)
+		unknown[i] = block[header_unknown + i];
+	log_line("[D]*** Original Pitch: [%s], Loops: %d, Playback-Mode: %d, Sample-Start: %d, "
+		 "Length (in samples): %d START: %d, END: %d, Loop-Start: %d, DUMMY2: [%s] "
+		 "STATUS-RATE: %d\r\n",
+		midi_note[sample.original_pitch & 0x7F], block[header_loops], sample.playback_mode,
+		shown(sample.absolute_start), shown(sample.sample_length),
+		shown(sample.start_position), shown(sample.end_position), shown(sample.loop_start),
+		hex_text(unknown).c_str(), block[header_rate_flag]);
+	log_line("[D]*** LOOP-START: %d,END: %d, LOOP_FINE_LENGTH: %d, COARSE: %d, TIME: %d, "
+		 "SEMI-TUNE: %d, FINE-TUNE: %d, SAMPLE-RATE: %d\r\n",
+		shown(sample.loop_start), shown(sample.loop_end), shown(loop_fine), shown(coarse),
+		shown(sample.loop_times), sample.semitone_tune, sample.fine_tune,
+		shown(sample.sample_rate));
+}
+
+static void sample_from_header(bounded_bytes block, int index, _sample *sample)
+{
+	sample->number = index;
+	sample->device_index = static_cast<u64>(index);
+	sample->absolute_start = 0;
+	sample->channels = 1;
+	sample->bitspersample = 16;
+	sample->original_pitch = block[header_pitch];
+	sample->playback_mode = block[header_playback_mode];
+	sample->fine_tune = block[header_fine_tune];
+	sample->semitone_tune = block[header_semitone_tune];
+	sample->sample_length = get_akai8_dword(block.from(header_length));
+	sample->start_position = get_akai8_dword(block.from(header_start));
+	sample->end_position = get_akai8_dword(block.from(header_end));
+	sample->loop_end = get_akai8_dword(block.from(header_loop));
+	const u32 fine = get_akai8_word(block.from(header_loop_fine));
+	const u32 coarse = get_akai8_dword(block.from(header_loop_coarse));
+	// A loop that is longer than what lies ahead of its end starts at the beginning.
+	sample->loop_start = sample->loop_end - std::min<u64>(coarse, sample->loop_end);
+	sample->loop_times = get_akai8_word(block.from(header_loop_time));
+	// The header has a rate word too, but it is the flag that counts.
+	sample->sample_rate = get_akai8_word(block.from(header_rate));
+	sample->sample_rate = block[header_rate_flag] ? 44100 : 22050;
+	log_header(*sample, block, fine, coarse);
+}
+
+static void log_s1000_bad_header(const akai_answer &answer)
+{
+	log_line("[F] BAD RESPONSE (INVALID SAMPLE NAME?) Code: %d, LEN: %d Bytes [%s]\r\n",
+		answer[akai_function], answer.size(), hex_text(answer.bytes).c_str());
+}
+
+static void log_s2000_bad_header(const akai_answer &answer)
+{
+	log_line("[D] BAD RESPONSE (INVALID SAMPLE NAME?) Code: %d\r\n", answer[akai_function]);
+}
+
+using bad_header_log = void (*)(const akai_answer &answer);
+
+// Read the header of a sample of the loaded list. Null when it was not read, and the record
+// is then as it was.
+static _sample *read_header(u8 sysex_channel, const char *name, bad_header_log log_bad_header)
+{
+	_sample *sample = require_sample(name, true);
+	if (!sample)
+		return nullptr;
+	const int index = index_of(sample);
+	log_line(
+		"[D] FOUND INDEX: %d for sample: [%s]...requesting Sample-Header\r\n", index, name);
+	const akai_answer answer =
+		ask_akai(akai_message(request_sample_header, sysex_channel, index));
+	if (!is_header_of(answer, index)) {
+		log_bad_header(answer);
+		return nullptr;
+	}
+	sample_from_header(
+		{ akai_bytes_from_nibbles(answer.view().from(akai_block)) }, index, sample);
+	return sample;
+}
+
+void akai_s1000_sample_info(u8, u8 sysex_channel, const char *name)
+{
+	read_header(sysex_channel, name, log_s1000_bad_header);
+}
+
+void akai_s2000_sample_info(u8, u8 sysex_channel, const char *name)
+{
+	read_header(sysex_channel, name, log_s2000_bad_header);
+}
+
+// ---- Download ------------------------------------------------------------------------------
+
+// What the two generations differ in.
+struct download_form {
+	bad_header_log log_bad_header;
+	bool shows_progress;
+	// Ask for a packet again until one of 127 bytes comes; otherwise what came is taken.
+	bool repeats;
+	int pause_ms; // the machine needs it between packets
+};
+
+static constexpr download_form s1000_download = { log_s1000_bad_header, false, false, 80 };
+static constexpr download_form s2000_download = { log_s2000_bad_header, true, true, 50 };
+
+static u64 packets_of(u64 words)
+{
+	return words / words_in_packet + (words % words_in_packet ? 1 : 0);
+}
+
+// The packet with words from offset on. False when the work ends here.
+static bool fetch_packet(const download_form &form, u8 sysex_channel, const _sample &sample,
+	u64 block, akai_answer *answer)
+{
+	const u64 offset = block * words_in_packet;
+	const u64 words = std::min<u64>(sample.sample_length - offset, words_in_packet);
+	auto message = akai_message(
+		request_sample_data, sysex_channel, static_cast<int>(sample.device_index));
+	set_akai7_dword(
+		static_cast<u32>(sample.absolute_start + offset), &message[sample_data_offset]);
+	message[sample_data_words] = static_cast<u8>(words);
+	do {
+		if (form.shows_progress)
+			set_progressbar(static_cast<int>(block));
+		*answer = ask_akai(message);
+		if (answer->port_failed || progress_stopped())
+			return false;
+	} while (form.repeats && answer->size() != packet_size);
+	return true;
+}
+
+// What did not come is zero on the wire, which is the lowest value of a word.
+static void take_words(bounded_bytes packet, u32 *words, u64 count)
+{
+	for (u64 i = 0; i < count; i++) {
+		const std::size_t at = packet_words + 3 * i;
+		const u8 bytes[3] = { packet[at], packet[at + 1], packet[at + 2] };
+		words[i] = akai_unpack3(bytes);
+	}
+}
+
+static void log_packet(
+	const download_form &form, const akai_answer &answer, u64 block, u64 blocks, u64 words)
+{
+	const int number = answer[packet_number], done = shown(block + 1), all = shown(blocks);
+	const int bytes = shown(2 * words), offset = shown(block * words_in_packet);
+	if (form.repeats)
+		log_line(
+			"[I] ### Received KK: %d (%d/%d) Blocks [%d Bytes] OFFSET: %d, RESULT-LEN: "
+			"%d\r\n",
+			number, done, all, bytes, offset, answer.size());
+	else
+		log_line("[I] ### Received KK: %d (%d/%d) Blocks [%d Bytes] OFFSET: %d\r\n", number,
+			done, all, bytes, offset);
+}
+
+// All words of a sample. False when the work ended before they were there.
+static bool fetch_words(const download_form &form, u8 sysex_channel, _sample *sample)
+{
+	// Without a bar there is no Stop to press: a machine that was switched off is left alone
+	// after a few silent answers.
+	constexpr int most_silent = 3;
+	int silent = 0;
+	const u64 blocks = packets_of(sample->sample_length);
+	for (u64 block = 0; block < blocks; block++) {
+		akai_answer answer;
+		if (!fetch_packet(form, sysex_channel, *sample, block, &answer))
+			return false;
+		silent = answer.size() ? 0 : silent + 1;
+		if (silent == most_silent) {
+			log_line("[W] The sampler no longer answers\r\n");
+			return false;
+		}
+		const u64 from = block * words_in_packet;
+		const u64 words = std::min<u64>(sample->sample_length - from, words_in_packet);
+		take_words(answer.view(), sample->sample_data + from, words);
+		log_packet(form, answer, block, blocks, words);
+		host.clock->sleep_ms(form.pause_ms);
+	}
+	return true;
+}
+
+// Room for all words. False for a length that no machine can mean.
+static bool make_room(_sample *sample)
+{
+	free_sample_data(sample);
+	if (sample->sample_length > most_words) {
+		log_line("[F] [%s] cannot have %llu words, no sampler holds more than %llu\r\n",
+			sample->name, static_cast<unsigned long long>(sample->sample_length),
+			static_cast<unsigned long long>(most_words));
+		return false;
+	}
+	const std::size_t words = std::max<std::size_t>(sample->sample_length, 1);
+	sample->sample_data = static_cast<u32 *>(std::calloc(words, sizeof(u32)));
+	if (!sample->sample_data)
+		log_line("[F] Out of memory for the words of [%s]\r\n", sample->name);
+	return sample->sample_data != nullptr;
+}
+
+static void log_download(const download_form &form, const _sample &sample)
+{
+	const int words = shown(sample.sample_length), start = shown(sample.absolute_start);
+	if (form.repeats)
+		log_line("[D] **** 2000 *************** Requesting %d Words of sample-data "
+			 "[Internal "
+			 "index: %d] Start: %d, PLAYBACK_MODE: %d\r\n",
+			words, shown(sample.device_index), start, sample.playback_mode);
+	else
+		log_line("[D] ******************* Requesting %d Words of sample-data [Internal "
+			 "index: %d] Start: %d, PLAYBACK_MODE: %d\r\n",
+			words, shown(sample.device_index), start, sample.playback_mode);
+	log_line("[D] ######## REQUESTING %d Bytes from OFFSET: %d (Awaiting %d sample blocks)\r\n",
+		shown(2 * sample.sample_length), start, shown(packets_of(sample.sample_length)));
+}
+
+static void begin_download_progress(const _sample &sample)
+{
+	const int blocks = shown(packets_of(sample.sample_length));
+	show_progressbar(0, blocks, format_text("Downloading [%s]...", sample.name).c_str());
+	log_line("[D] Range for progressbar set to: [%d]\r\n", blocks);
+}
+
+static void tell_failed_download()
+{
+	show_box("ERROR", "Failed to save sample!");
+}
+
+// The words of one sample, or a word about why there are none. Nothing is written before all
+// of them are there, so no half file is ever left.
+static void download_words(const download_form &form, u8 sysex_channel, _sample *sample)
+{
+	if (!make_room(sample)) {
+		tell_failed_download();
+		return;
+	}
+	log_download(form, *sample);
+	forget_stop();
+	if (form.shows_progress)
+		begin_download_progress(*sample);
+	const bool complete = fetch_words(form, sysex_channel, sample);
+	if (form.shows_progress)
+		hide_progressbar(0);
+	if (!complete)
+		free_sample_data(sample);
+	if (!complete && progress_stopped())
+		log_line("[I] Download of [%s] stopped, nothing was saved\r\n", sample->name);
+	else if (!complete || write_sample(sample, nullptr) != 0)
+		tell_failed_download();
+}
+
+static void download(const download_form &form, u8 sysex_channel, const char *name)
+{
+	log_line("[D] Creating Sample-File: [%s\\sample\\%s.wav]\r\n", current_config_path.c_str(),
+		name);
+	_sample *sample = read_header(sysex_channel, name, form.log_bad_header);
+	// Without its header there is no telling what to ask for, and an empty file in place of a
+	// good one would help nobody.
+	if (sample)
+		download_words(form, sysex_channel, sample);
+	else
+		tell_failed_download();
+}
+
+void akai_s1000_sample_download(u8, u8 sysex_channel, const char *name)
+{
+	download(s1000_download, sysex_channel, name);
+}
+
+void akai_s2000_sample_download(u8, u8 sysex_channel, const char *name)
+{
+	download(s2000_download, sysex_channel, name);
+}
+
+// ---- Names ---------------------------------------------------------------------------------
+
+// The header that came, under another name: 12 bytes of the alphabet over its own. Empty when
+// it is too short to hold one, because half a header must not go back.
+static std::vector<u8> renamed_block(const akai_answer &header, const u8 *name)
+{
+	std::vector<u8> block = akai_bytes_from_nibbles(header.view().from(akai_block));
+	if (block.size() < sample_header_name + akai_name_size)
+		return {};
+	std::copy_n(name, akai_name_size, &block[sample_header_name]);
+	return block;
+}
+
+// A header as a message: the head of the answer it came in, and the block.
+static std::vector<u8> header_message(const akai_answer &header, std::span<const u8> block)
+{
+	std::vector<u8> message(header.bytes.begin(), header.bytes.begin() + akai_block);
+	message.resize(akai_block + 2 * block.size() + 1);
+	int length = 0;
+	create_akai_nibblebuf(
+		block.data(), static_cast<unsigned>(block.size()), &message[akai_block], &length);
+	return message;
+}
+
+static void log_header_block(const akai_answer &header, const char *what)
+{
+	const std::vector<u8> block = akai_bytes_from_nibbles(header.view().from(akai_block));
+	log_line("[D] Header-Length: %d Bytes [%s]%s\r\n", static_cast<int>(block.size()),
+		hex_text(block).c_str(), what);
+}
+
+static void delete_at(u8 sysex_channel, int index)
+{
+	ask_akai(akai_message(delete_sample, sysex_channel, index));
+	log_line("[D] Sample successfully deleted!\r\n");
+}
+
+static void rename_at(u8 sysex_channel, int index, const char *new_name)
+{
+	u8 name[akai_name_size + 1];
+	make_akai_name(new_name, name, akai_name_size);
+	const akai_answer header =
+		ask_akai(akai_message(request_sample_header, sysex_channel, index));
+	const std::vector<u8> block = renamed_block(header, name);
+	if (!is_header_of(header, index) || block.empty()) {
+		log_line("[I] BAD RESPONSE (INVALID SAMPLE NAME?) Code: %d\r\n",
+			header[akai_function]);
+		return;
+	}
+	log_header_block(header, "");
+	log_line("[D] Header-Length: %d Bytes [%s] (NEW NAME)\r\n", static_cast<int>(block.size()),
+		hex_text(block).c_str());
+	const std::vector<u8> message = header_message(header, block);
+	const std::span<const u8> nibbles = std::span(message).subspan(akai_block);
+	log_line("[D] Header as nibble: %d Bytes [%s]\r\n", static_cast<int>(nibbles.size()),
+		hex_text(nibbles).c_str());
+	log_line("[D] RESENDING SAMPLE PARAMETERS TO S1000 (%d Bytes)\r\n",
+		static_cast<int>(message.size()));
+	ask_akai(message);
+}
+
+void akai_s1000_sample_rename(u8, u8 sysex_channel, const char *name, const char *new_name)
+{
+	log_line("[D] S1000 %s SAMPLE [%s] TO [%s]\r\n", new_name ? "RENAMING" : "DELETING", name,
+		new_name ? new_name : "NULL");
+	const int index = find_sample(name);
+	if (new_name)
+		rename_at(sysex_channel, index, new_name);
+	else
+		delete_at(sysex_channel, index);
+}
+
+// ---- Upload --------------------------------------------------------------------------------
+
+// What the upload of the table and the one beside it differ in.
+struct upload_form {
+	bool chooses_number; // by name; otherwise sample 0
+	bool shows_progress;
+	const char *tag;  // of the lines that tell of packets
+	bool writes_name; // into the sampler's header
+};
+
+static constexpr upload_form s2000_upload = { true, true, "[D]", true };
+static constexpr upload_form s1000_upload = { false, false, "[I]", false };
+
+// One upload under way.
+struct upload_job {
+	const upload_form *form;
+	const _sample *sample;
+	u8 sysex_channel;
+	int number;
+	u64 announced; // words that the dump header tells of
+};
+
+static void put_seven_bits_3(u64 value, u8 *p)
+{
+	for (int i = 0; i < 3; i++)
+		p[i] = static_cast<u8>(value >> (7 * i) & 0x7F);
+}
+
+static void tell_bad_ack()
+{
+	show_box("ERROR", "Upload failed (received bad header ACK)");
+}
+
+static bool is_ack(const akai_answer &answer, u8 kind)
+{
+	return answer.size() >= ack_size && answer[ack_kind] == kind;
+}
+
+// Nanoseconds from word to word.
+static u32 sample_period(const _sample &sample)
+{
+	return sample.sample_rate ? static_cast<u32>(1e9 / static_cast<double>(sample.sample_rate))
+				  : 0;
+}
+
+static std::array<u8, 21> dump_header_of(const upload_job &job)
+{
+	auto message = akai_message(dump_header, job.sysex_channel);
+	set_akai7_word(static_cast<u32>(job.number), &message[dump_number]);
+	put_seven_bits_3(sample_period(*job.sample), &message[dump_period]);
+	put_seven_bits_3(job.announced, &message[dump_length]);
+	put_seven_bits_3(job.sample->loop_start, &message[dump_loop_start]);
+	put_seven_bits_3(job.sample->loop_end, &message[dump_loop_end]);
+	return message;
+}
+
+// Announce the dump. A sampler that has to make room says wait and later that it is ready;
+// what it says then is not tested.
+static bool announce(const upload_job &job)
+{
+	log_line("[D] Sample period: %d, SAM-Sample-Length: %d\r\n",
+		shown(sample_period(*job.sample)), shown(job.sample->sample_length));
+	log_line("[D] Sample-Bytes: %d\n", shown(job.sample->sample_bytes));
+	const auto message = dump_header_of(job);
+	const akai_answer answer = ask_akai(message);
+	log_line("[D] Sent sample-header request[%d Bytes]...received %d Bytes\r\n",
+		static_cast<int>(message.size()), answer.size());
+	if (!is_ack(answer, ack_positive) && !is_ack(answer, ack_wait)) {
+		tell_bad_ack();
+		return false;
+	}
+	if (is_ack(answer, ack_wait)) {
+		log_line("[D] Waiting for sampler to come ready...\r\n");
+		u8 result[akai_answer_room];
+		int length = sizeof result;
+		wait_midi_string_ex(result, &length, 1, 2);
+		log_line("[D] Received %d Midi Bytes\r\n", length);
+	}
+	return true;
+}
+
+// Words of the sample that are in memory: frames of other widths come without values.
+static u64 words_in_memory(const _sample &sample)
+{
+	const bool decoded = sample.bytespersample == 2 || sample.bytespersample == 3;
+	return sample.sample_data && decoded ? sample.sample_length : 0;
+}
+
+static std::array<u8, packet_size> packet_of(const upload_job &job, u64 block)
+{
+	constexpr u32 midpoint = 0;
+	std::array<u8, packet_size> packet = { 0xF0, 0x7E, job.sysex_channel, 0x02 };
+	packet[packet_number] = block & 0x7F;
+	const u64 words = words_in_memory(*job.sample);
+	for (u64 i = 0; i < words_in_packet; i++) {
+		const u64 at = block * words_in_packet + i;
+		akai_dump_word(at < words ? job.sample->sample_data[at] : midpoint,
+			&packet[packet_words + 3 * i]);
+	}
+	u8 checksum = 0;
+	for (int i = 1; i < packet_checksum; i++)
+		checksum ^= packet[i];
+	packet[packet_checksum] = checksum & 0x7F;
+	packet[packet_size - 1] = 0xF7;
+	return packet;
+}
+
+// One packet after the other, each with its acknowledgement. False when the dump ended early.
+static bool send_packets(const upload_job &job)
+{
+	const u64 blocks = packets_of(job.announced);
+	for (u64 block = 0; block < blocks; block++) {
+		const auto packet = packet_of(job, block);
+		const akai_answer answer = ask_akai(packet);
+		log_line("%s Sent sample-dump packet[%d Bytes]...received %d Bytes (BLOCK: "
+			 "%d/%d)\r\n",
+			job.form->tag, packet_size, answer.size(), shown(block + 1), shown(blocks));
+		if (!is_ack(answer, ack_positive)) {
+			tell_bad_ack();
+			return false;
+		}
+		if (job.form->shows_progress)
+			set_progressbar(shown(block));
+		if (progress_stopped()) {
+			log_line("[I] Upload of [%s] stopped\r\n", job.sample->name);
+			if (job.form->shows_progress)
+				hide_progressbar(0);
+			return false;
+		}
+	}
+	return true;
+}
+
+// The sampler's header of what was just dumped, under the local name. False when the sampler
+// tells of another sample.
+static bool name_upload(const upload_job &job)
+{
+	u8 name[akai_name_size + 1];
+	make_akai_name(job.sample->name, name, akai_name_size);
+	const akai_answer header =
+		ask_akai(akai_message(request_sample_header, job.sysex_channel, job.number));
+	const std::vector<u8> block = renamed_block(header, name);
+	if (!is_header_of(header, job.number) || block.empty()) {
+		log_line("BAD RESPONSE (INVALID SAMPLE NAME?) Code: %d\r\n", header[akai_function]);
+		return false;
+	}
+	if (!job.form->writes_name) {
+		log_line("Sample renamed...\r\n");
+		return true;
+	}
+	log_line("[D] Sample renaming...Sample-Number: [%d]\r\n", job.number);
+	log_header_block(header, "");
+	const std::vector<u8> message = header_message(header, block);
+	const akai_answer answer = ask_akai(message);
+	log_line("[D] Sent sample-header request[%d Bytes]...received %d Bytes\r\n",
+		static_cast<int>(message.size()), answer.size());
+	return true;
+}
+
+// A bar that is up stays up when the sampler refuses; it tells how far the dump came.
+static void send_dump(const upload_job &job)
+{
+	if (!announce(job))
+		return;
+	const u64 blocks = packets_of(job.announced);
+	log_line("%s Transmitting %d Blocks (Last block contains %d Words)\r\n", job.form->tag,
+		shown(blocks), shown(job.announced % words_in_packet));
+	forget_stop();
+	if (job.form->shows_progress)
+		show_progressbar(0, shown(blocks),
+			format_text("Uploading [%s]...", job.sample->name).c_str());
+	if (!send_packets(job) || !name_upload(job))
+		return;
+	if (job.form->shows_progress)
+		hide_progressbar(0);
+	show_box("INFO", "Sample successfully uploaded!");
+}
+
+// The header of a dump counts bytes where words are due, so 16 bit words are announced twice
+// over, and the second half of the dump is silence. What the three bytes of the count cannot
+// say is left off that silence; a sample whose own words they cannot count is refused.
+static void upload_sample(const upload_form &form, const _sample &sample)
+{
+	if (sample.sample_length > longest_dump) {
+		log_line("[F] [%s] has %llu words, a sample dump carries %llu\r\n", sample.name,
+			static_cast<unsigned long long>(sample.sample_length),
+			static_cast<unsigned long long>(longest_dump));
+		show_box("ERROR", "Sample too long for a sample dump (%llu words at most)!",
+			static_cast<unsigned long long>(longest_dump));
+		return;
+	}
+	upload_job job = { .form = &form,
+		.sample = &sample,
+		.sysex_channel = static_cast<u8>(current_sampler->sampler_sysex_channel),
+		.number = 0,
+		.announced = std::min(sample.sample_bytes, longest_dump) };
+	log_line("[D] Uploading Sample [%s] to current Sampler  Number requested: %d, "
+		 "SYSEX-CHANNEL: %d\r\n",
+		sample.name, sample.number, job.sysex_channel);
+	if (form.chooses_number)
+		job.number = find_sample(sample.name);
+	log_line("[D] New Sample-Number: %d\r\n", job.number);
+	send_dump(job);
+}
+
+static void upload(const upload_form &form, const char *path)
+{
+	if (!current_sampler)
+		return;
+	log_line("[D] Trying to upload [%s]\r\n", path);
+	_sample sample = {};
+	if (create_sample_from_file(path, &sample)) {
+		display_sample_information(&sample, "LOCAL");
+		upload_sample(form, sample);
+	} else {
+		show_box("INFO", "Sample corrupted...cannot read information!");
+	}
+	free_sample_data(&sample);
+}
+
+void akai_s2000_sample_upload(const char *path)
+{
+	upload(s2000_upload, path);
+}
+
+void akai_s1000_sample_upload(const char *path)
+{
+	upload(s1000_upload, path);
+}
+
+} // namespace velmor

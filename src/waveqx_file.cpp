@@ -1,0 +1,157 @@
+// waveqx_file.cpp - reading a file by offset, and writing one whole or not at all
+//
+// A temporary name lies in the folder of its file, because only there a rename
+// happens at once, and it never ends in ".wav", so that a listing of the spool
+// does not show it. Left ones (the machine lost power) go with "Clear Spool".
+
+#include "src/waveqx_file.h"
+#include "src/velmor.h"
+#include <algorithm>
+#include <cstring>
+
+namespace velmor
+{
+
+static constexpr int not_a_file = -1; // no system code: a folder, a pipe, a device
+static constexpr std::size_t copy_block = 64 * 1024;
+static constexpr int temporary_names = 1000;
+
+owned_bytes allocate_bytes(u64 count)
+{
+	return owned_bytes(static_cast<u8 *>(std::calloc(count ? count : 1, 1)));
+}
+
+std::string error_words(const char *file, int line, int code)
+{
+	if (code == not_a_file)
+		return "Not a regular file";
+	const char *words = host.files->error_text(code);
+	return words ? std::string(words)
+		     : format_text("(%s:%d) Unknown error-code [%d]", file, line, code);
+}
+
+input_file::~input_file()
+{
+	if (file >= 0)
+		host.files->close(file);
+}
+
+int input_file::measure(const char *path)
+{
+	file_info info = {};
+	const int code = host.files->stat(path, &info);
+	if (!code && !info.regular)
+		return not_a_file;
+	size = info.size;
+	return code;
+}
+
+int input_file::open(const char *path)
+{
+	return host.files->open(path, file_read, &file);
+}
+
+int input_file::read_file(u64 offset, u8 *bytes, std::size_t count)
+{
+	const std::size_t held =
+		offset < size ? static_cast<std::size_t>(std::min<u64>(count, size - offset)) : 0;
+	std::memset(bytes + held, 0, count - held);
+	if (held == 0)
+		return 0;
+	if (offset != position) {
+		if (const int code = host.files->seek(file, offset))
+			return code;
+		position = offset;
+	}
+	std::size_t moved = 0;
+	const int code = host.files->read(file, bytes, held, &moved);
+	position += moved;
+	// Somebody cut the file short while it was read.
+	return code ? code : moved < held ? not_a_file : 0;
+}
+
+int input_file::read(u64 offset, void *bytes, std::size_t count)
+{
+	if (count > near_size)
+		return read_file(offset, static_cast<u8 *>(bytes), count);
+	if (offset < near_offset || offset - near_offset + count > near_count) {
+		near_count = 0;
+		if (const int code = read_file(offset, near, near_size))
+			return code;
+		near_offset = offset;
+		near_count = near_size;
+	}
+	std::memcpy(bytes, near + (offset - near_offset), count);
+	return 0;
+}
+
+new_file::~new_file()
+{
+	discard();
+}
+
+void new_file::discard()
+{
+	if (file >= 0)
+		host.files->close(file);
+	file = -1;
+	if (!temporary.empty())
+		host.files->remove(temporary.c_str());
+	temporary.clear();
+}
+
+int new_file::open(const std::string &name)
+{
+	path = name;
+	const std::size_t end = path.rfind('\\');
+	const std::string folder = end == path.npos ? "" : path.substr(0, end + 1);
+	std::string free_name;
+	for (int i = 0; i < temporary_names; i++) {
+		file_info info;
+		free_name = format_text("%s~velmor%d.tmp", folder.c_str(), i);
+		if (host.files->not_found(host.files->stat(free_name.c_str(), &info)))
+			break;
+	}
+	const int code = host.files->open(free_name.c_str(), file_create, &file);
+	if (code) {
+		file = -1;
+		return code;
+	}
+	temporary = free_name;
+	return 0;
+}
+
+int new_file::write(const void *bytes, std::size_t count)
+{
+	return host.files->write(file, bytes, count);
+}
+
+int new_file::copy(input_file &source, u64 offset, u64 count, int *source_code)
+{
+	u8 block[copy_block];
+	*source_code = 0;
+	while (count) {
+		const std::size_t part = static_cast<std::size_t>(std::min<u64>(count, copy_block));
+		if ((*source_code = source.read(offset, block, part)))
+			return 0;
+		if (const int code = write(block, part))
+			return code;
+		offset += part;
+		count -= part;
+	}
+	return 0;
+}
+
+int new_file::finish()
+{
+	int code = host.files->close(file);
+	file = -1;
+	if (!code)
+		code = host.files->rename(temporary.c_str(), path.c_str());
+	if (!code)
+		temporary.clear();
+	discard();
+	return code;
+}
+
+} // namespace velmor

@@ -1,0 +1,81 @@
+// waveqx_file.h - reading a file by offset, and writing one whole or not at all
+//
+// For the modules that take apart or make audio files of any size: nothing is held
+// but what is asked for. Every answer is a system code, 0 for success.
+//
+// Knows nothing of: what is in the files.
+
+#pragma once
+#include "src/resource.h"
+#include <cstddef>
+#include <cstdlib>
+#include <memory>
+#include <string>
+
+namespace velmor
+{
+
+// A regular file being read. What lies behind its end reads as zero, so an offset out of
+// a lying header does no harm.
+class input_file
+{
+public:
+	input_file() = default;
+	~input_file();
+	input_file(const input_file &) = delete;
+	input_file &operator=(const input_file &) = delete;
+
+	// measure gives size; a folder, a pipe or a device is no file. open follows it.
+	int measure(const char *path);
+	int open(const char *path);
+	// count bytes from offset on, whatever of them the file holds.
+	int read(u64 offset, void *bytes, std::size_t count);
+
+	u64 size = 0;
+
+private:
+	static constexpr std::size_t near_size = 4096;
+	int read_file(u64 offset, u8 *bytes, std::size_t count);
+
+	int file = -1;
+	u64 position = 0;    // of the host's file
+	u64 near_offset = 0; // small reads are served from here
+	std::size_t near_count = 0;
+	u8 near[near_size];
+};
+
+// A file being written under a temporary name beside its own. finish puts it in the place
+// of an old one at once; without finish, or when it fails, nothing of it is left and an
+// old file stands as it was.
+class new_file
+{
+public:
+	new_file() = default;
+	~new_file();
+	new_file(const new_file &) = delete;
+	new_file &operator=(const new_file &) = delete;
+
+	int open(const std::string &path);
+	int write(const void *bytes, std::size_t count);
+	// Bytes of another file, in blocks. *source_code tells a failure of that side.
+	int copy(input_file &source, u64 offset, u64 count, int *source_code);
+	int finish();
+
+private:
+	void discard();
+
+	int file = -1;
+	std::string path, temporary;
+};
+
+// A block that gives itself back. Null when the system has no memory.
+struct free_block {
+	void operator()(u8 *block) const { std::free(block); }
+};
+using owned_bytes = std::unique_ptr<u8[], free_block>;
+owned_bytes allocate_bytes(u64 count);
+
+// The system's words for a code, or "(file:line) Unknown error-code [code]".
+std::string error_words(const char *file, int line, int code);
+
+} // namespace velmor

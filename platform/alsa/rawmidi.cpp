@@ -1,13 +1,14 @@
 // rawmidi.cpp - ALSA raw MIDI: device files, byte for byte
 //
 // Observed: the kernel tells an input overrun nowhere but in the port's status, and
-// closing an output waits up to 10 seconds for its bytes. With the wake-up mark of an
-// output at the size of its buffer, poll reports it writable when the last byte has
-// been taken by the hardware, and not before.
+// closing an output waits up to 10 seconds for its bytes. The wake-up mark of an output
+// stands one byte below the size of its buffer, the highest that the library allows, so
+// that poll reports it writable when at most one byte has not been taken by the hardware.
 
 #include "platform/alsa/ports.h"
 #include <alsa/asoundlib.h>
 #include <cerrno>
+#include <chrono>
 #include <poll.h>
 
 namespace velmor
@@ -235,25 +236,26 @@ static long bytes_in_kernel(output_port *port)
 		       : 0;
 }
 
-// With out.lock held and the kernel's buffer empty: fill it again. 0 or a code.
+// With out.lock held and the kernel's buffer all but empty: fill it again. 0 or a code.
 static int refill(raw_output *port)
 {
-	port->in_kernel = false;
 	std::vector<unsigned char> &waiting = port->out.waiting;
-	if (waiting.empty())
-		return 0;
+	if (waiting.empty()) {
+		port->in_kernel = bytes_in_kernel(port) > 0;
+		return port->out.failed;
+	}
 	const ssize_t n = snd_rawmidi_write(port->raw, waiting.data(), waiting.size());
 	if (n < 0)
 		return n == -EAGAIN || n == -EINTR ? 0 : static_cast<int>(-n);
 	waiting.erase(waiting.begin(), waiting.begin() + n);
-	port->in_kernel = n > 0;
+	port->in_kernel = port->in_kernel || n > 0;
 	return 0;
 }
 
 static void write_until_the_end(raw_output *port)
 {
 	for (int code = 0; !code;) {
-		bool busy, ready = false;
+		bool busy, ready = false, last_byte = false;
 		{
 			const std::lock_guard hold(port->out.lock);
 			busy = port->in_kernel || !port->out.waiting.empty();
@@ -266,11 +268,16 @@ static void write_until_the_end(raw_output *port)
 			continue;
 		{
 			const std::lock_guard hold(port->out.lock);
+			const bool nothing_waited = port->out.waiting.empty();
 			if (!code)
 				code = refill(port);
 			port->out.failed = code;
+			last_byte = nothing_waited && port->in_kernel;
 		}
-		wake_the_system();
+		if (last_byte && !code) // takes a cable a third of a millisecond
+			std::this_thread::sleep_for(std::chrono::microseconds(400));
+		else
+			wake_the_system();
 	}
 }
 
@@ -283,7 +290,7 @@ int open_raw_output(const alsa_port &port, std::unique_ptr<output_port> *opened)
 		fresh->raw = nullptr;
 		return -result;
 	}
-	if (const int code = set_buffer(fresh->raw, kernel_output_bytes, kernel_output_bytes))
+	if (const int code = set_buffer(fresh->raw, kernel_output_bytes, kernel_output_bytes - 1))
 		return code;
 	fresh->on_the_way = bytes_in_kernel;
 	fresh->writer = std::thread(write_until_the_end, fresh.get());

@@ -80,15 +80,18 @@ static bool open_output()
 	return true;
 }
 
-// Run the interface until count bytes should have left, a tenth of a second at most.
+// Run the interface until the bytes have left, a tenth of a second at most. The port wakes it;
+// a port that forgets to is asked when the bytes should be out, and every 10 ms from then on.
 static void let_bytes_leave(int handle, long count)
 {
-	const double turn = std::min(count * byte_seconds + 0.001, pump_ms / 1000.0);
-	const double end = host.clock->counter() + turn;
-	do {
-		const double rest = std::max(end - host.clock->counter(), 0.0);
-		host.ui->pump(static_cast<int>(std::ceil(rest * 1000)));
-	} while (host.clock->counter() < end && host.midi->leaving(handle) > 0);
+	const double end = host.clock->counter() + pump_ms / 1000.0;
+	double rest = end - host.clock->counter();
+	while (count > 0 && rest > 0) {
+		const double seconds = std::min(std::max(count * byte_seconds, 0.01), rest);
+		host.ui->pump(static_cast<int>(std::ceil(seconds * 1000)));
+		count = host.midi->leaving(handle);
+		rest = end - host.clock->counter();
+	}
 }
 
 // Wait until all bytes have left. A port that does not move them in the time that the wire
@@ -277,7 +280,7 @@ static void receive_answer(
 	}
 	const int count = in->received();
 	in->disarm();
-	std::memcpy(input, in->block.get(), static_cast<std::size_t>(count));
+	std::copy_n(in->block.get(), count, input);
 	*_input_len = length == 0 && rules.partial_counts ? count : length;
 }
 

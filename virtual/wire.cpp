@@ -453,6 +453,8 @@ template <typename number> static bool whole_number(std::string_view word, numbe
 
 bool read_wire_fault(std::string_view text, wire_fault *fault)
 {
+	if (text.ends_with(':'))
+		return false;
 	const std::string_view kind = next_word(&text);
 	const auto row = std::find_if(std::begin(fault_rows), std::end(fault_rows),
 		[&](const auto &r) { return r.name == kind; });

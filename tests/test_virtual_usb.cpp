@@ -3,10 +3,12 @@
 // The bytes are worked out by hand: a frame to an S5000 is 10, the count of what
 // follows low byte first, F0 47 5E 20 00 00, the request, the sum of the request in
 // seven bits, F7; an answer is F0 47 5E channel 00 00 status, the request's first two
-// bytes, data, F7.
+// bytes, data, F7. The Z4's frames lack the two zeros and the sum, and the answers have the
+// status two bytes earlier and a zero before the data.
 
 #include "virtual/s5000.h"
 #include "virtual/usb_bus.h"
+#include "virtual/z4.h"
 #include <gtest/gtest.h>
 #include <sstream>
 
@@ -384,6 +386,193 @@ TEST_F(s5000_test, confirms_each_request_until_it_is_told_not_to)
 	EXPECT_EQ(request("00 01 00"), bytes("F0 47 5E 00 00 4F 4F 00 01 F7"));
 	EXPECT_EQ(read(), bytes("F0 47 5E 00 00 00 44 00 01 F7"));
 	EXPECT_EQ(request("02 00")[6], 'R');
+}
+
+// ---- Z4, Z8, MPC 4000 --------------------------------------------------------------------
+
+class z4_test : public usb_test
+{
+protected:
+	z4 machine{ z4_model::z8 };
+
+	z4_test()
+	{
+		machine.name = "Big";
+		machine.add_program("STRINGS", std::vector<z4_keygroup>(2));
+		machine.add_program("KIT", std::vector<z4_keygroup>(1));
+		const std::int16_t sound[] = { 0, 256, 512, -1 };
+		machine.add_sample("KICK", make_wave(sound, { .rate = 44100, .note = 36 }));
+	}
+	void wake()
+	{
+		plug(machine);
+		write("03 01");
+	}
+	usb_bytes request(const std::string &text)
+	{
+		const usb_bytes payload = bytes(text);
+		usb_bytes frame = { 0x10, static_cast<std::uint8_t>(payload.size() + 5), 0, 0xF0,
+			0x47, 0x5F, 0 };
+		frame.insert(frame.end(), payload.begin(), payload.end());
+		frame.push_back(0xF7);
+		EXPECT_EQ(write(frame), usb_ok) << text;
+		return read();
+	}
+};
+
+TEST_F(z4_test, hears_frames_without_sum_once_it_is_woken)
+{
+	plug(machine);
+	EXPECT_TRUE(ask("10 07 00 F0 47 5F 00 07 01 F7").empty());
+	write("03 01");
+	EXPECT_EQ(ask("10 07 00 F0 47 5F 00 04 04 F7"), bytes("F0 47 5F 00 52 04 04 00 01 F7"));
+	EXPECT_TRUE(ask("10 08 00 F0 47 5F 00 04 04 F7").empty()); // a wrong count
+	EXPECT_TRUE(ask("10 07 00 F0 47 5E 00 04 04 F7").empty()); // another model
+	EXPECT_EQ(ask("10 07 00 F0 47 5F 00 7E 04 F7"), bytes("F0 47 5F 00 45 7E 04 00 00 F7"));
+}
+
+TEST_F(z4_test, tells_name_and_version_where_each_kind_of_session_looks_for_them)
+{
+	// looking for machines: two wake-ups, confirmations off, name
+	wake();
+	write("03 01");
+	EXPECT_EQ(ask("10 08 00 F0 47 5F 00 00 01 00 F7"), bytes("F0 47 5F 00 44 00 01 F7"));
+	EXPECT_EQ(ask("10 07 00 F0 47 5F 00 07 01 F7"),
+		bytes("F0 47 5F 00 52 07 01 00 42 69 67 00 F7"));
+	// asking for its status: one wake-up, confirmations off
+	write("03 01");
+	request("00 01 00");
+	EXPECT_EQ(request("04 00"), bytes("F0 47 5F 00 52 04 00 00 00 02 0A F7"));
+	EXPECT_EQ(request("07 01"), bytes("F0 47 5F 00 52 07 01 00 00 42 69 67 00 F7"));
+	// showing it: one wake-up alone
+	write("03 01");
+	EXPECT_EQ(request("04 00"), bytes("F0 47 5F 00 52 04 00 00 02 0A F7"));
+	EXPECT_EQ(request("00 06 01 5A 00"), bytes("F0 47 5F 00 44 00 06 F7"));
+	EXPECT_EQ(machine.name, "Z");
+}
+
+TEST_F(z4_test, lists_programs_by_handle_and_works_on_the_selected_one)
+{
+	wake();
+	EXPECT_EQ(request("14 01"), bytes("F0 47 5F 00 52 14 01 00 02 00 00 00 F7"));
+	EXPECT_EQ(request("14 02 02"),
+		bytes("F0 47 5F 00 52 14 02 00 04 01 01 01 01 08 53 54 52 49 4E 47 53 00 "
+		      "04 02 01 01 01 08 4B 49 54 00 F7"));
+	EXPECT_EQ(request("14 03 02 01 01 01"), bytes("F0 47 5F 00 44 14 03 F7"));
+	EXPECT_EQ(request("14 06"), bytes("F0 47 5F 00 52 14 06 00 4B 49 54 00 F7"));
+	EXPECT_EQ(request("14 03 03 01 01 01")[4], 'E');
+	EXPECT_EQ(request("16 10 20")[4], 'D');
+	EXPECT_EQ(request("17 10"), bytes("F0 47 5F 00 52 17 10 00 20 F7"));
+	// one keygroup; a second one is added
+	EXPECT_EQ(request("10 01 01"), bytes("F0 47 5F 00 45 10 01 00 03 F7"));
+	EXPECT_EQ(request("14 41 01")[4], 'D');
+	EXPECT_EQ(request("10 01 01"), bytes("F0 47 5F 00 44 10 01 F7"));
+	EXPECT_EQ(request("10 02"), bytes("F0 47 5F 00 52 10 02 00 01 F7"));
+	EXPECT_EQ(request("12 04 30")[4], 'D');
+	EXPECT_EQ(request("13 04"), bytes("F0 47 5F 00 52 13 04 00 30 F7"));
+	EXPECT_EQ(machine.programs[1].keygroups[1].low_note, 48);
+	EXPECT_EQ(request("14 04 53 54 52 49 4E 47 53 00")[4], 'D');
+	EXPECT_EQ(request("14 0C 56 58 00")[4], 'D');
+	EXPECT_EQ(machine.programs[0].name, "VX");
+	EXPECT_EQ(request("14 0A")[4], 'D');
+	EXPECT_EQ(machine.programs[0].name, "KIT");
+}
+
+TEST_F(z4_test, has_as_many_zones_as_a_keygroup_has)
+{
+	machine.programs[0].keygroups[0].zones.resize(2);
+	wake();
+	EXPECT_EQ(request("0E 01 02 4B 49 43 4B 00")[4], 'D');
+	EXPECT_EQ(request("0F 01 02"), bytes("F0 47 5F 00 52 0F 01 00 4B 49 43 4B 00 F7"));
+	EXPECT_EQ(request("0E 02 02 01 48 01")[4], 'D'); // minus 200
+	EXPECT_EQ(request("0F 02 02"), bytes("F0 47 5F 00 52 0F 02 00 01 48 01 F7"));
+	EXPECT_EQ(request("0F 01 03"), bytes("F0 47 5F 00 45 0F 01 00 03 F7"));
+}
+
+TEST_F(z4_test, tells_the_facts_of_a_sample_and_deletes_it_in_the_older_words)
+{
+	wake();
+	EXPECT_EQ(request("1C 02 01"), bytes("F0 47 5F 00 52 1C 02 00 04 4B 49 43 4B 00 F7"));
+	EXPECT_EQ(request("1C 04 4B 49 43 4B 00")[4], 'D');
+	EXPECT_EQ(request("1C 05"), bytes("F0 47 5F 00 52 1C 05 00 01 03 00 00 F7")); // 181
+	EXPECT_EQ(request("1F 51"), bytes("F0 47 5F 00 52 1F 51 00 44 58 02 F7"));    // 44100
+	EXPECT_EQ(request("1F 21"), bytes("F0 47 5F 00 52 1F 21 00 00 00 00 00 04 F7"));
+	EXPECT_EQ(request("1F 50"), bytes("F0 47 5F 00 52 1F 50 00 00 00 00 04 F7"));
+	EXPECT_EQ(request("1F 52"), bytes("F0 47 5F 00 52 1F 52 00 10 F7"));
+	EXPECT_EQ(request("0E 05 4B 49 43 4B 00")[4], 'D');
+	EXPECT_EQ(request("0E 08")[4], 'D');
+	EXPECT_TRUE(machine.samples.empty());
+	EXPECT_EQ(request("1F 52")[4], 'E');
+}
+
+TEST_F(z4_test, sends_and_takes_samples_with_lengths_of_eight_bytes)
+{
+	machine.block_sizes = { 128 };
+	wake();
+	write("21 00 00 01 81");
+	EXPECT_EQ(read(8), bytes("00 00 00 00 00 00 00 90"));
+	const usb_bytes header = read(144);
+	machine.busy = 1;
+	write("00");
+	EXPECT_EQ(read(8), bytes("41 6B 61 49"));
+	EXPECT_EQ(read(8), bytes("00 00 00 00 00 00 00 08"));
+	usb_bytes file = header;
+	const usb_bytes sound = read(8);
+	file.insert(file.end(), sound.begin(), sound.end());
+	EXPECT_EQ(file, machine.samples[0].wave);
+	write("00");
+	read(8);
+	EXPECT_EQ(read(8), bytes("00*8"));
+
+	// the same file back under another name: 152 bytes in two blocks of 128
+	machine.busy = 0;
+	machine.end_phase = { bytes("01 02 03"), bytes("00 00 00 00 01") };
+	machine.end_busy = 1;
+	file.resize(256, 0xEE);
+	write("20 00 00 00 98 42 2E 77 61 76");
+	EXPECT_EQ(read(64), bytes("00 00 00 01 00 00 00 80"));
+	write(usb_bytes(file.begin(), file.begin() + 128));
+	write("00");
+	EXPECT_EQ(read(64), bytes("00 00 00 02 00 00 00 80"));
+	write(usb_bytes(file.begin() + 128, file.end()));
+	write("00");
+	EXPECT_EQ(read(64), bytes("00 00 00 03 00 00 00 00"));
+	EXPECT_EQ(read(64), bytes("41 6B 61 49"));
+	EXPECT_EQ(read(64), bytes("01 02 03"));
+	EXPECT_EQ(read(64), bytes("00 00 00 00 01"));
+	ASSERT_EQ(machine.samples.size(), 2u);
+	EXPECT_EQ(machine.samples[1].name, "B");
+	EXPECT_EQ(machine.samples[1].wave, machine.samples[0].wave);
+}
+
+TEST_F(z4_test, can_be_busy_for_ever_and_send_lone_ends)
+{
+	machine.stray_end = true;
+	wake();
+	EXPECT_EQ(request("04 04"), bytes("F7"));
+	EXPECT_EQ(read(), bytes("F0 47 5F 00 52 04 04 00 01 F7"));
+	machine.busy = -1;
+	write("20 00 00 00 98 42 2E 77 61 76");
+	for (int i = 0; i < 100; i++)
+		ASSERT_EQ(read(64), bytes("41 6B 61 49"));
+	machine.busy = 0;
+	write("03 01");
+	request("04 04");
+	EXPECT_EQ(read()[4], 'R');
+}
+
+TEST_F(usb_test, an_mpc_is_awake_and_forgets_its_answers_when_told)
+{
+	z4 machine(z4_model::mpc4000);
+	plug(machine);
+	EXPECT_EQ(ask("10 07 00 F0 47 5F 00 04 04 F7"), bytes("F0 47 5F 00 52 04 04 00 02 F7"));
+	write("01 00");
+	write("FF");
+	EXPECT_EQ(read(), bytes("00 00 00 00"));
+	write("01 00");
+	EXPECT_EQ(read(16384).size(), 9600u);
+	EXPECT_EQ(read().size(), 18u);
+	unplug_all_usb();
 }
 
 // ---- The bus -----------------------------------------------------------------------------

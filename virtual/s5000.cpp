@@ -117,7 +117,7 @@ void s5000::heard_frame(bytes_in frame)
 	if (confirms)
 		answer_with('O', {});
 	if (sums_checked && frame[frame.size() - 2] != (sum & 0x7F)) {
-		const std::uint8_t reason[] = { s5000_bad_sum };
+		const std::uint8_t reason[] = { refused_sum };
 		answer_with('E', reason);
 		return;
 	}
@@ -146,16 +146,17 @@ void s5000::run(bytes_in payload)
 		return;
 	}
 	for (const s5000_request &r : s5000_request_rows) {
-		const bool is_block = r.form == s5000_form::block; // has no item
+		const bool is_block = r.form == request_form::block; // has no item
 		if (r.section != asked[0] || (!is_block && r.item != asked[1]))
 			continue;
-		s5000_arguments a = {};
-		const bool fits = s5000_take_arguments(r, payload.subspan(is_block ? 1 : 2), &a);
-		const s5000_outcome done = fits ? r.run(*this, a) : s5000_refuse(s5000_bad_length);
+		request_arguments a = {};
+		const bool fits =
+			take_arguments(r.form, r.count, payload.subspan(is_block ? 1 : 2), &a);
+		const request_outcome done = fits ? r.run(*this, a) : refuse(refused_length);
 		answer_with(done.status, done.data);
 		return;
 	}
-	const std::uint8_t reason[] = { s5000_unknown };
+	const std::uint8_t reason[] = { refused_unknown };
 	answer_with('E', reason);
 }
 

@@ -95,22 +95,22 @@ static bool do_group(block_values *values, bytes_in g, usb_bytes *data)
 	return false;
 }
 
-s5000_outcome s5000_block_request(s5000 &machine, const s5000_arguments &a)
+request_outcome s5000_block_request(s5000 &machine, const request_arguments &a)
 {
 	const auto program = static_cast<std::size_t>(a.bytes[0] * 128 + a.bytes[1]);
 	const std::size_t keygroup = a.bytes[2];
 	if (program >= machine.programs.size() || keygroup < 1 ||
 		keygroup > machine.programs[program].keygroups.size())
-		return s5000_refuse(s5000_not_found);
+		return refuse(refused_missing);
 	s5000_keygroup &k = machine.programs[program].keygroups[keygroup - 1];
 	block_values values = k.value;
-	s5000_outcome outcome = { 'D', {} };
+	request_outcome outcome = { 'D', {} };
 	for (std::size_t at = 3; at < a.bytes.size(); at += 4) {
 		std::uint8_t g[4] = {};
 		for (std::size_t i = 0; i < 4 && at + i < a.bytes.size(); i++)
 			g[i] = a.bytes[at + i];
 		if (!do_group(&values, g, &outcome.data))
-			return s5000_refuse(s5000_bad_value);
+			return refuse(refused_value);
 	}
 	k.value = values;
 	if (!outcome.data.empty())

@@ -1,0 +1,175 @@
+// z4.cpp - a virtual Z4, Z8 or MPC 4000 on USB: frames, answers, contents
+
+#include "virtual/z4.h"
+#include "virtual/z4_requests.h"
+
+namespace velmor
+{
+
+using bytes_in = std::span<const std::uint8_t>;
+
+z4::z4(z4_model which) : model(which)
+{
+	const bool mpc = model == z4_model::mpc4000;
+	vendor = 0x09E8;
+	product = mpc ? 0x61 : 0x5F;
+	product_name = mpc ? "AKAI MPC4000" : "AKAI Z4/Z8";
+	name = mpc ? "MPC4000" : model == z4_model::z8 ? "Z8" : "Z4";
+	asleep_at_power_on = !mpc;
+	picture.resize(mpc ? 320 * 240 / 8 : 248 * 60 / 8);
+}
+
+z4::~z4() = default;
+
+void z4::add_program(std::string program_name, std::vector<z4_keygroup> keygroups)
+{
+	programs.push_back({ std::move(program_name), std::move(keygroups) });
+	programs.back().handle = next_program_handle++;
+}
+
+void z4::plugged_in()
+{
+	usb_sampler::plugged_in();
+	current_program = current_keygroup = 0;
+	wake_ups = 0;
+	wake_up_was_last = confirmations_switched = false;
+}
+
+int z4::find_handle(bytes_in handle) const
+{
+	std::uint32_t wanted = 0;
+	for (std::uint8_t b : handle)
+		wanted = wanted << 8 | b;
+	for (std::size_t i = 0; i < samples.size(); i++)
+		if (samples[i].handle == wanted)
+			return static_cast<int>(i);
+	return -1;
+}
+
+// The name of an upload is that of a file.
+std::string z4::name_of_upload(std::string told) const
+{
+	const std::size_t size = told.size();
+	if (size > 4 && told.ends_with(".wav"))
+		told.resize(size - 4);
+	return told;
+}
+
+// There is one sample of a name.
+void z4::store_upload(usb_sample sample)
+{
+	const int old = find_name(samples, sample.name);
+	if (usb_sample *s = entry(samples, old))
+		*s = std::move(sample);
+	else
+		samples.push_back(std::move(sample));
+}
+
+void z4::upload_is_over()
+{
+	if (end_busy != 0)
+		answer({ .bytes = { 'A', 'k', 'a', 'I' },
+			.delay = block_latency,
+			.repeats = end_busy < 0 ? -1 : end_busy - 1,
+			.interval = busy_interval });
+	for (const usb_bytes &status : end_phase)
+		say(status, block_latency);
+}
+
+// ---- Frames ------------------------------------------------------------------------------
+
+bool z4::heard_wake_up(bytes_in message)
+{
+	if (message.size() != 2 || message[0] != 0x03 || message[1] != 0x01)
+		return false;
+	forget_transfer();
+	awake = awake_state::awake;
+	wake_ups = wake_up_was_last ? wake_ups + 1 : 1;
+	wake_up_was_last = true;
+	confirmations_switched = false;
+	return true;
+}
+
+void z4::heard_raw(bytes_in message)
+{
+	// The MPC forgets what it was about to say.
+	if (model != z4_model::mpc4000 || message.size() != 1 || message[0] != 0xFF)
+		return;
+	forget_transfer();
+	say(usb_bytes(4), latency);
+}
+
+// 10 len len F0 47 5F channel payload F7
+static constexpr std::size_t frame_payload = 7;
+
+static bool well_formed(bytes_in f, int channel)
+{
+	return f.size() >= frame_payload + 3 && f.back() == 0xF7 &&
+	       static_cast<std::size_t>(f[1] | f[2] << 8) == f.size() - 3 && f[3] == 0xF0 &&
+	       f[4] == 0x47 && f[5] == 0x5F && (f[6] == 0 || f[6] == channel);
+}
+
+void z4::heard_frame(bytes_in frame)
+{
+	wake_up_was_last = false;
+	if (!well_formed(frame, channel))
+		return;
+	const bytes_in payload = frame.subspan(frame_payload, frame.size() - frame_payload - 1);
+	asked = { payload[0], payload[1] };
+	if (confirms)
+		answer_with('O', {});
+	run(payload);
+}
+
+static constexpr std::uint8_t version_request[] = { 0x04, 0x00 }, name_request[] = { 0x07, 0x01 },
+			      start_request[] = { 0x1F, 0x20 }, end_request[] = { 0x1F, 0x21 };
+
+std::size_t z4::data_offset() const
+{
+	const auto is = [this](const std::uint8_t(&request)[2]) {
+		return asked[0] == request[0] && asked[1] == request[1];
+	};
+	if (is(start_request) || is(end_request))
+		return 9;
+	if (is(version_request) || is(name_request))
+		return wake_ups == 1 && confirmations_switched ? 9 : 8;
+	return 8;
+}
+
+void z4::answer_with(char status, bytes_in data)
+{
+	if (stray_end)
+		say({ 0xF7 }, latency);
+	usb_bytes bytes = { 0xF0, 0x47, 0x5F, static_cast<std::uint8_t>(channel),
+		static_cast<std::uint8_t>(status), asked[0], asked[1] };
+	if (!data.empty())
+		bytes.resize(data_offset());
+	bytes.insert(bytes.end(), data.begin(), data.end());
+	bytes.push_back(0xF7);
+	say(std::move(bytes), latency);
+}
+
+// Section of the front panel: keys, wheel, keyboard.
+static constexpr std::uint8_t panel_section = 0x2C;
+
+void z4::run(bytes_in payload)
+{
+	if (asked[0] == panel_section) {
+		key_presses.emplace_back(payload.begin(), payload.end());
+		answer_with('D', {});
+		return;
+	}
+	for (const z4_request &r : z4_request_rows) {
+		if (r.section != asked[0] || r.item != asked[1])
+			continue;
+		request_arguments a = {};
+		const bool fits = take_arguments(r.form, r.count, payload.subspan(2), &a);
+		const request_outcome outcome = fits ? r.run(*this, a) : refuse(refused_length);
+		answer_with(outcome.status, outcome.data);
+		return;
+	}
+	const std::uint8_t reason[] = { refused_unknown };
+	answer_with('E', reason);
+}
+
+} // namespace velmor

@@ -88,7 +88,7 @@ u32 power2(u32 n);
 // Convert a WAV file to another rate, depth and number of channels. The head and the
 // chunks ahead of the data are kept, so akai_it has to follow. True when the target is
 // written; false after a log line, and an old target then stands as it was. With a
-// window, its percentage is shown, interface events run, and Stop ends the work.
+// window, interface events run meanwhile, and Stop ends the work. pitch is not used.
 bool resample(int progress_dialog, const char *source, const char *target, unsigned channels,
 	unsigned mode, unsigned bits, u64 rate, unsigned pitch);
 

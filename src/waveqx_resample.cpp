@@ -564,7 +564,9 @@ void plan(conversion &c)
 	c.frame = (c.bits / 8 + (c.bits % 8 ? 1 : 0)) * c.channels;
 	c.shifter = 24 - static_cast<int>(c.bits);
 	c.layout = layout_of(c.head.channels, c.channels, c.mode, c.bits, c.frame);
-	c.in.resize(window_bytes);
+	// Short samples are many, and need no large blocks.
+	const u64 source_bytes = static_cast<u64>(c.frames) * c.head.bytespersample;
+	c.in.resize(std::min(window_bytes, source_bytes + overshoot));
 	c.out.resize(output_bytes + overshoot);
 	c.first.resize(block_frames);
 	c.second.resize(block_frames);

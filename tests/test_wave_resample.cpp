@@ -242,7 +242,7 @@ TEST_F(wave_resample, a_disk_that_fails_leaves_both_files_as_they_were)
 {
 	const std::vector<u8> source = riff(fmt(mono_16) + chunk("data", hex("00*800")));
 	h.put_content(out, hex("AA"));
-	h.disk.space_left = 500;
+	h.disk.space_left = 300;
 	EXPECT_FALSE(convert(source, 1, 0, 16, 22050));
 	EXPECT_TRUE(h.logged("[F] Cannot write to [" + out + "]"));
 	h.disk.space_left.reset();
@@ -254,7 +254,7 @@ TEST_F(wave_resample, a_disk_that_fails_leaves_both_files_as_they_were)
 	EXPECT_FALSE(resample(
 		0, in.c_str(), (h.config + "\\none\\out.wav").c_str(), 1, 0, 16, 22050, 0));
 	// A file converted onto itself: whole or not at all.
-	h.disk.space_left = 500;
+	h.disk.space_left = 300;
 	EXPECT_FALSE(resample(0, in.c_str(), in.c_str(), 1, 0, 16, 22050, 0));
 	EXPECT_EQ(h.content(in).value(), source);
 	h.disk.space_left.reset();
@@ -330,7 +330,7 @@ struct random_files {
 				break;
 			}
 		}
-		std::vector<u8> data = chunk("data", noise(roll(roll(20) ? 600 : 70000)));
+		std::vector<u8> data = chunk("data", noise(roll(roll(40) ? 600 : 70000)));
 		if (roll(10) == 0)
 			data[4] = static_cast<u8>(data[4] + 1 + roll(200)); // a length that lies
 		chunks = chunks + data;
@@ -350,7 +350,7 @@ TEST_F(wave_resample, random_files_convert_as_told)
 	static constexpr u32 depth[] = { 16, 16, 12, 24, 32, 8, 20, 0, 28 };
 	static constexpr u32 count[] = { 1, 1, 2, 2, 3, 4, 0 };
 	int taken = 0;
-	for (int i = 0; i < 3000; i++) {
+	for (int i = 0; i < 1000; i++) {
 		const std::vector<u8> source = files.file();
 		const u32 channels = files.pick(count), mode = files.roll(4),
 			  bits = files.pick(depth);
@@ -366,7 +366,7 @@ TEST_F(wave_resample, random_files_convert_as_told)
 			<< "file " << i << ": " << channels << " channels, mode " << mode << ", "
 			<< bits << " bits, " << rate << " Hz";
 	}
-	EXPECT_GT(taken, 2000);
+	EXPECT_GT(taken, 650);
 }
 
 // Longer than any block, at factors that put the places of the blocks everywhere.
@@ -403,7 +403,7 @@ TEST_F(wave_resample, random_files_are_put_in_order_as_told)
 	current_run_mode.diagnostics = false;
 	random_files files{ std::mt19937(99) };
 	int taken = 0;
-	for (int i = 0; i < 3000; i++) {
+	for (int i = 0; i < 1000; i++) {
 		const std::vector<u8> source = files.file();
 		const u32 pitch = files.dice();
 		const auto expected = wave_model::akai_it(source, pitch);
@@ -414,7 +414,7 @@ TEST_F(wave_resample, random_files_are_put_in_order_as_told)
 			ASSERT_EQ(h.content(out).value(), *expected) << i;
 		}
 	}
-	EXPECT_GT(taken, 2000);
+	EXPECT_GT(taken, 650);
 }
 
 } // namespace

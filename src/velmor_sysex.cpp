@@ -34,7 +34,9 @@ int the_outHandle = -1;
 
 static constexpr double byte_seconds = 10 / 31250.0;
 static constexpr int pump_ms = 100; // longest wait for the interface
+static constexpr u8 start_byte = 0xF0;
 static constexpr u8 end_byte = 0xF7;
+static constexpr u8 first_real_time = 0xF8;
 
 // ---- The output -----------------------------------------------------------------------
 
@@ -147,10 +149,18 @@ struct give_back {
 	void operator()(void *memory) const { std::free(memory); }
 };
 
+// Room beyond the answer for what else comes on the cable.
+static constexpr int spare_room = 1024;
+
 // An open input with the block that it fills. Closed at the end of its scope, whichever way
 // an exchange ends.
+//
+// The port hands over every byte. An answer is made of System Exclusive alone: MIDI 1.0 lets
+// real-time bytes (0xF8 up, such as active sensing) stand anywhere, also inside a message, and
+// a keyboard that is merged in may play meanwhile; none of that belongs to the answer.
 struct armed_input {
 	std::unique_ptr<u8, give_back> block;
+	std::vector<u8> answer; // the exclusive bytes of the block, at most capacity
 	int capacity = 0;
 	int handle = -1;
 
@@ -168,18 +178,40 @@ struct armed_input {
 			host.midi->disarm(handle);
 		armed = false;
 	}
-	int received() const
+	// Sort what has come since the last call.
+	void sort()
 	{
-		return std::min(static_cast<int>(host.midi->received(handle)), capacity);
+		const int count = std::min(
+			static_cast<int>(host.midi->received(handle)), capacity + spare_room);
+		for (; sorted < count; sorted++) {
+			const u8 byte = block.get()[sorted];
+			if (byte >= first_real_time)
+				continue;
+			inside = inside || byte == start_byte;
+			if (inside && static_cast<int>(answer.size()) < capacity)
+				answer.push_back(byte);
+			inside = inside && byte != end_byte;
+		}
+	}
+	// Nothing more can come.
+	bool full() const
+	{
+		return static_cast<int>(answer.size()) == capacity ||
+		       sorted == capacity + spare_room;
 	}
 
 	bool armed = false;
+
+private:
+	int sorted = 0;      // bytes of the block that were looked at
+	bool inside = false; // the last of them belongs to a message
 };
 
 static void allocate_block(armed_input *in, int capacity)
 {
 	in->capacity = capacity;
-	in->block.reset(static_cast<u8 *>(std::calloc(1, static_cast<std::size_t>(capacity) + 1)));
+	in->block.reset(
+		static_cast<u8 *>(std::calloc(1, static_cast<std::size_t>(capacity) + spare_room)));
 	if (in->block)
 		return;
 	show_box("FATAL", "Out of memory at %s:%d", __FILE_NAME__, __LINE__);
@@ -193,8 +225,8 @@ static bool open_input(armed_input *in)
 	if (code)
 		in->handle = -1;
 	else
-		code = host.midi->arm(
-			in->handle, in->block.get(), static_cast<std::size_t>(in->capacity));
+		code = host.midi->arm(in->handle, in->block.get(),
+			static_cast<std::size_t>(in->capacity) + spare_room);
 	if (code)
 		display_error_text(__FILE_NAME__, __LINE__, host.midi->error_text(code));
 	else
@@ -225,11 +257,12 @@ static void pump_before(double deadline)
 	host.ui->pump(static_cast<int>(std::ceil(std::min(rest * 1000, 1.0 * pump_ms))));
 }
 
-static void log_incomplete(const armed_input &in, int count)
+static void log_incomplete(const armed_input &in)
 {
-	const std::size_t shown = static_cast<std::size_t>(std::min(count, 32));
+	const std::size_t count = in.answer.size();
 	log_line("[D] Exclusive Data so far received!(%d/%d Bytes) NO F7 FLAGS: 0x%08X[%s%s]\r\n",
-		count, in.capacity, 0u, hex_text({ in.block.get(), shown }).c_str(),
+		static_cast<int>(count), in.capacity, 0u,
+		hex_text(std::span(in.answer).first(std::min<std::size_t>(count, 32))).c_str(),
 		count > 32 ? "..." : "");
 }
 
@@ -239,7 +272,7 @@ static void log_incomplete(const armed_input &in, int count)
 // The count goes on from pass to pass although each pass scans from the start: an end byte
 // that a pass has counted counts again in the next. A wait for two messages can therefore end
 // at the first, when it arrived alone.
-static int await_end_bytes(const armed_input &in, int msg_count, const answer_rules &rules)
+static int await_end_bytes(armed_input &in, int msg_count, const answer_rules &rules)
 {
 	const double deadline = whole_seconds() + rules.seconds;
 	double next_log = host.clock->counter();
@@ -252,16 +285,17 @@ static int await_end_bytes(const armed_input &in, int msg_count, const answer_ru
 			display_error_text(__FILE_NAME__, __LINE__, host.midi->error_text(code));
 			return -1;
 		}
-		const int count = in.received();
+		in.sort();
+		const int count = static_cast<int>(in.answer.size());
 		for (int i = 0; i < count; i++)
-			if (in.block.get()[i] == end_byte && --msg_count == 0)
+			if (in.answer[i] == end_byte && --msg_count == 0)
 				return i + 1;
 		// Bytes wake the wait one by one; ten lines a second tell enough.
 		if (rules.log_incomplete && count && host.clock->counter() >= next_log) {
-			log_incomplete(in, count);
+			log_incomplete(in);
 			next_log = host.clock->counter() + pump_ms / 1000.0;
 		}
-		if (rules.ends_when_full && count == in.capacity)
+		if (rules.ends_when_full && in.full())
 			return count;
 	}
 }
@@ -278,9 +312,10 @@ static void receive_answer(
 		*_input_len = capacity;
 		return;
 	}
-	const int count = in->received();
+	in->sort();
 	in->disarm();
-	std::copy_n(in->block.get(), count, input);
+	std::ranges::copy(in->answer, input);
+	const int count = static_cast<int>(in->answer.size());
 	*_input_len = length == 0 && rules.partial_counts ? count : length;
 }
 

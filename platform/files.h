@@ -23,6 +23,7 @@ struct file_info {
 	std::uint64_t size; // bytes
 	bool folder;
 	bool regular;
+	bool link; // the name is a link; the other fields tell what it leads to
 };
 
 struct files_service {

@@ -78,12 +78,14 @@ static int code_of(int result)
 
 static int stat_path(const char *path, file_info *info)
 {
-	struct ::stat found;
-	if (::stat(host_path(path).c_str(), &found) != 0)
+	const std::string name = host_path(path);
+	struct ::stat found, itself;
+	if (::stat(name.c_str(), &found) != 0 || ::lstat(name.c_str(), &itself) != 0)
 		return errno;
 	*info = { .size = static_cast<std::uint64_t>(found.st_size),
 		.folder = S_ISDIR(found.st_mode),
-		.regular = S_ISREG(found.st_mode) };
+		.regular = S_ISREG(found.st_mode),
+		.link = S_ISLNK(itself.st_mode) };
 	return 0;
 }
 

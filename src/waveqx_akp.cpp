@@ -1,0 +1,554 @@
+// waveqx_akp.cpp - program files of the S5000 and Z4 generation, read without a sampler
+//
+// A RIFF file of form APRG. A chunk is a name, a little-endian length and its data,
+// and the next one stands behind it at once:
+//
+//   prg    number of the program, count of its keygroups
+//   out, lfo (twice), tune, mods    the program
+//   kgrp   one keygroup: kloc, env (three times), filt, zone (four times), a chain of
+//          chunks of its own
+//
+// Names at the top are taken in any case, those inside kgrp exactly. The order of the
+// chunks decides: a mods behind lfo overrides its sources.
+//
+// Observed: lengths differ between writers (tune 22 or 24, lfo 12 or 14, zone 46 or 48,
+// kgrp 336 or 344), so a byte is read only where its chunk is long enough, and an unused
+// zone may hold anything in its name field beside a name length of 0.
+//
+// Knows nothing of: how a program gets to a sampler.
+
+#include "src/velmor.h"
+#include "src/waveqx.h"
+#include "src/waveqx_file.h"
+#include <algorithm>
+#include <cstring>
+#include <new>
+
+namespace velmor
+{
+
+std::vector<std::unique_ptr<_program>> local_pgm;
+int local_pgms = 0;
+
+// No program file comes near: 128 keygroups are 44 KB.
+static constexpr u64 largest_akp = 16 * 1024 * 1024;
+static constexpr int no_riff = 2034, no_aprg = 2042; // told in the box
+
+u16 get16val(const u8 *input)
+{
+	return static_cast<u16>(input[0] | input[1] << 8);
+}
+
+namespace
+{
+
+// ---- The tables ------------------------------------------------------------------------
+
+enum sign {
+	plain,
+	with_sign
+};
+
+// One byte of a chunk and the field that it goes to.
+template <class record> struct akp_row {
+	int at;
+	sign reading;
+	u8 record::*byte = nullptr;
+	i32 record::*number = nullptr;
+	u32 record::*word = nullptr;
+
+	constexpr akp_row(int offset, u8 record::*field, sign s = plain)
+		: at(offset), reading(s), byte(field)
+	{
+	}
+	constexpr akp_row(int offset, i32 record::*field, sign s = plain)
+		: at(offset), reading(s), number(field)
+	{
+	}
+	constexpr akp_row(int offset, u32 record::*field, sign s = plain)
+		: at(offset), reading(s), word(field)
+	{
+	}
+};
+
+using program_row = akp_row<_program>;
+using keygroup_row = akp_row<_keygroup>;
+using keyzone_row = akp_row<_keyzone>;
+
+// clang-format off
+constexpr program_row prg_rows[] = {
+	{ 1, &_program::midi_pgm_number },
+	{ 2, &_program::keygroups },
+};
+
+constexpr program_row out_rows[] = {
+	{ 1, &_program::s1000_basic_loudness },
+	{ 2, &_program::s2000_out_mod1_level },
+	{ 3, &_program::s2000_out_mod2_level },
+	{ 4, &_program::s2000_pan_mod1_level },
+	{ 5, &_program::s2000_pan_mod2_level },
+	{ 6, &_program::s2000_pan_mod3_level },
+	{ 7, &_program::s1000_velocity_loudness, with_sign },
+};
+
+constexpr program_row lfo1_rows[] = {
+	{ 1, &_program::s2000_lfo1_waveform },
+	{ 2, &_program::s1000_lfo1_speed },
+	{ 3, &_program::s1000_lfo1_delay },
+	{ 4, &_program::s1000_lfo1_depth },
+	{ 5, &_program::s1000_lfo1_sync },
+	{ 7, &_program::s1000_lfo1_modwheel },
+	{ 8, &_program::s1000_lfo1_pressure },
+	{ 9, &_program::s2000_lfo1_rate_source },
+	{ 10, &_program::s2000_lfo1_delay_source },
+	{ 11, &_program::s2000_lfo1_depth_source },
+};
+
+constexpr program_row lfo2_rows[] = {
+	{ 1, &_program::s2000_lfo2_waveform },
+	{ 2, &_program::s1000_lfo2_speed },
+	{ 3, &_program::s1000_lfo2_delay },
+	{ 4, &_program::s1000_lfo2_depth },
+	{ 5, &_program::s2000_lfo2_retrigger },
+};
+
+// Bytes 1 and 2 are semitones and cents of one field.
+constexpr program_row tune_rows[] = {
+	{ 3, &_program::c_detune, with_sign },
+	{ 4, &_program::c_cross_detune, with_sign },
+	{ 5, &_program::d_detune, with_sign },
+	{ 6, &_program::eb_detune, with_sign },
+	{ 7, &_program::e_detune, with_sign },
+	{ 8, &_program::f_detune, with_sign },
+	{ 9, &_program::f_cross_detune, with_sign },
+	{ 10, &_program::g_detune, with_sign },
+	{ 11, &_program::g_cross_detune, with_sign },
+	{ 12, &_program::a_detune, with_sign },
+	{ 13, &_program::bb_detune, with_sign },
+	{ 14, &_program::b_detune, with_sign },
+	{ 15, &_program::s1000_bendwheel_pitch_up },
+	{ 16, &_program::s2000_bendwheel_pitch_down },
+	{ 17, &_program::s2000_aftertouch_bend_mode },
+	{ 18, &_program::s1000_aftertouch_bend, with_sign },
+};
+
+constexpr program_row mods_rows[] = {
+	{ 5, &_program::s2000_out_mod1_source },
+	{ 7, &_program::s2000_out_mod2_source },
+	{ 9, &_program::s2000_pan_mod1_source },
+	{ 11, &_program::s2000_pan_mod2_source },
+	{ 13, &_program::s2000_pan_mod3_source },
+	{ 15, &_program::s2000_lfo1_rate_source },
+	{ 17, &_program::s2000_lfo1_delay_source },
+	{ 19, &_program::s2000_lfo1_depth_source },
+	{ 21, &_program::s5000_lfo2_rate_source },
+	{ 23, &_program::s5000_lfo2_delay_source },
+	{ 25, &_program::s5000_lfo2_depth_source },
+	{ 27, &_program::s5000_kg_pitch_mod1_source },
+	{ 29, &_program::s5000_kg_pitch_mod2_source },
+	{ 31, &_program::s5000_kg_amp_mod_source },
+	{ 33, &_program::s2000_flt_mod1_source },
+	{ 35, &_program::s2000_flt_mod2_source },
+	{ 37, &_program::s2000_flt_mod3_source },
+};
+
+// Bytes 6 and 7 are also semitones and cents of s1000_tune_offset.
+constexpr keygroup_row kloc_rows[] = {
+	{ 4, &_keygroup::low_note },
+	{ 5, &_keygroup::high_note },
+	{ 6, &_keygroup::s5000_semitone_tune, with_sign },
+	{ 7, &_keygroup::s5000_fine_tune, with_sign },
+	{ 8, &_keygroup::fx_override },
+	{ 9, &_keygroup::fx_sendlevel },
+	{ 10, &_keygroup::s5000_pitch_mod1_val, with_sign },
+	{ 11, &_keygroup::s5000_pitch_mod2_val, with_sign },
+	{ 12, &_keygroup::s5000_amp_mod1_val, with_sign },
+	{ 13, &_keygroup::crossfade },
+	{ 14, &_keygroup::mute_group },
+};
+
+// Byte 7 is the sustain: it stands behind the release.
+constexpr keygroup_row amp_env_rows[] = {
+	{ 1, &_keygroup::amp_attack },
+	{ 3, &_keygroup::amp_decay },
+	{ 7, &_keygroup::amp_sustain },
+	{ 4, &_keygroup::amp_release },
+};
+
+constexpr keygroup_row filter_env_rows[] = {
+	{ 1, &_keygroup::filter_attack },
+	{ 3, &_keygroup::filter_decay },
+	{ 7, &_keygroup::filter_sustain },
+	{ 4, &_keygroup::filter_release },
+};
+
+// Most bytes go to two fields, one of each family.
+constexpr keygroup_row aux_env_rows[] = {
+	{ 1, &_keygroup::aux_rate1 },       { 1, &_keygroup::s1000_env2_r1 },
+	{ 2, &_keygroup::aux_rate2 },       { 2, &_keygroup::s2000_env2_r2 },
+	{ 3, &_keygroup::aux_rate3 },       { 3, &_keygroup::s1000_env2_r3 },
+	{ 4, &_keygroup::aux_rate4 },       { 4, &_keygroup::s1000_env2_r4 },
+	{ 5, &_keygroup::aux_rate1_level }, { 5, &_keygroup::s2000_env2_l1 },
+	{ 6, &_keygroup::aux_rate2_level }, { 6, &_keygroup::s2000_env2_l2 },
+	{ 7, &_keygroup::aux_rate3_level }, { 7, &_keygroup::s1000_env2_l3 },
+	{ 8, &_keygroup::aux_rate4_level }, { 8, &_keygroup::s2000_env2_l4 },
+	{ 10, &_keygroup::s1000_env2_velocity_r1 },
+	{ 12, &_keygroup::s1000_env2_key_r2_r4 },
+	{ 14, &_keygroup::s1000_env2_velocity_r4 },
+	{ 15, &_keygroup::s1000_env2_off_velocity_r4 },
+	{ 16, &_keygroup::s1000_env2_velocity_envelope },
+};
+
+constexpr keygroup_row filt_rows[] = {
+	{ 1, &_keygroup::s5000_filter_mode },
+	{ 2, &_keygroup::s5000_filter_cutoff },
+	{ 2, &_keygroup::s1000_basic_filter_frequency },
+	{ 3, &_keygroup::s5000_filter_resonance },
+	{ 3, &_keygroup::s2000_filter_resonance, with_sign },
+	{ 4, &_keygroup::s5000_filter_keyboard_track, with_sign },
+	{ 4, &_keygroup::s1000_filter_keyboard, with_sign },
+	{ 5, &_keygroup::s5000_filter_mod1_input, with_sign },
+	{ 5, &_keygroup::s2000_flt_mod1_level, with_sign },
+	{ 6, &_keygroup::s5000_filter_mod2_input, with_sign },
+	{ 6, &_keygroup::s2000_flt_mod2_level, with_sign },
+	{ 7, &_keygroup::s5000_filter_mod3_input, with_sign },
+	{ 7, &_keygroup::s2000_flt_mod3_level, with_sign },
+	{ 8, &_keygroup::s5000_filter_attenuation },
+};
+
+constexpr keyzone_row zone_rows[] = {
+	{ 34, &_keyzone::low_velocity },
+	{ 35, &_keyzone::high_velocity },
+	{ 38, &_keyzone::filter, with_sign },
+	{ 38, &_keyzone::zone_filter, with_sign },
+	{ 42, &_keyzone::level, with_sign },
+	{ 42, &_keyzone::zone_level, with_sign },
+	{ 43, &_keyzone::zone_keyboard_track },
+};
+// clang-format on
+constexpr int zone_name_length = 1, zone_name = 2, zone_name_end = 34;
+
+// ---- Chunks ----------------------------------------------------------------------------
+
+i32 signed_byte(bounded_bytes data, std::size_t at)
+{
+	return static_cast<std::int8_t>(data[at]);
+}
+
+// A byte that the chunk does not have leaves its field alone.
+template <class record, std::size_t count>
+void read_rows(const akp_row<record> (&rows)[count], bounded_bytes data, record *to)
+{
+	for (const akp_row<record> &row : rows) {
+		const std::size_t at = static_cast<std::size_t>(row.at);
+		if (at >= data.size())
+			continue;
+		const i32 value = row.reading == with_sign ? signed_byte(data, at) : data[at];
+		if (row.byte)
+			to->*row.byte = static_cast<u8>(value);
+		else if (row.number)
+			to->*row.number = value;
+		else
+			to->*row.word = static_cast<u32>(value);
+	}
+}
+
+// Semitones and the byte behind them, cents.
+i32 read_tune(bounded_bytes data, std::size_t at)
+{
+	return signed_byte(data, at) * 100 + signed_byte(data, at + 1);
+}
+
+struct akp_chunk {
+	std::string name;   // four bytes
+	u32 size;           // as it claims
+	bounded_bytes data; // as far as it goes
+};
+
+// Take the chunk at *at and go on to the next; false at the end.
+bool next_chunk(bounded_bytes file, std::size_t *at, akp_chunk *chunk)
+{
+	if (*at >= file.size())
+		return false;
+	const bounded_bytes head = file.from(*at);
+	chunk->name.clear();
+	for (std::size_t i = 0; i < 4; i++)
+		chunk->name += static_cast<char>(head[i]);
+	chunk->size =
+		u32{ head[4] } | u32{ head[5] } << 8 | u32{ head[6] } << 16 | u32{ head[7] } << 24;
+	const bounded_bytes rest = head.from(8);
+	chunk->data = { rest.bytes.first(std::min<std::size_t>(chunk->size, rest.size())) };
+	*at += 8 + std::size_t{ chunk->size };
+	return true;
+}
+
+std::string lower_case(std::string text)
+{
+	for (char &c : text)
+		if (c >= 'A' && c <= 'Z')
+			c = static_cast<char>(c + 'a' - 'A');
+	return text;
+}
+
+// What was met on the way through a file or a keygroup.
+struct akp_state {
+	_program *program;
+	int lfos, keygroups;
+	bool prg;
+};
+
+void read_zone(bounded_bytes data, _keygroup *to)
+{
+	if (to->keyzones >= max_keyzones)
+		return;
+	_keyzone &zone = to->keyzone[to->keyzones++];
+	const std::size_t room =
+		std::min<std::size_t>(data[zone_name_length], zone_name_end - zone_name);
+	const std::string name = data.from(zone_name).text(0);
+	copy_text(zone.samplename, std::string_view(name).substr(0, std::min(room, name.size())));
+	read_rows(zone_rows, data, &zone);
+}
+
+void read_envelope(bounded_bytes data, int which, _keygroup *to)
+{
+	if (which == 0)
+		read_rows(amp_env_rows, data, to);
+	else if (which == 1)
+		read_rows(filter_env_rows, data, to);
+	else if (which == 2)
+		read_rows(aux_env_rows, data, to);
+}
+
+void read_keygroup(bounded_bytes data, _keygroup *to)
+{
+	int envelopes = 0;
+	akp_chunk chunk;
+	for (std::size_t at = 0; next_chunk(data, &at, &chunk);) {
+		log_line("[D] KEYGROUP-HDR-NAME: [%.4s], Size: %u\r\n", chunk.name.c_str(),
+			chunk.size);
+		if (chunk.name == "kloc") {
+			read_rows(kloc_rows, chunk.data, to);
+			to->s1000_tune_offset = read_tune(chunk.data, 6);
+		} else if (chunk.name == "env ") {
+			read_envelope(chunk.data, envelopes++, to);
+		} else if (chunk.name == "filt") {
+			read_rows(filt_rows, chunk.data, to);
+		} else if (chunk.name == "zone") {
+			read_zone(chunk.data, to);
+		}
+	}
+}
+
+void read_prg(akp_state &state, bounded_bytes data)
+{
+	read_rows(prg_rows, data, state.program);
+	state.program->keygroups = std::min(state.program->keygroups, max_keygroups);
+	state.prg = true;
+}
+
+void read_lfo(akp_state &state, bounded_bytes data)
+{
+	if (state.lfos == 0)
+		read_rows(lfo1_rows, data, state.program);
+	else if (state.lfos == 1)
+		read_rows(lfo2_rows, data, state.program);
+	state.lfos++;
+}
+
+void read_tuning(akp_state &state, bounded_bytes data)
+{
+	read_rows(tune_rows, data, state.program);
+	state.program->s1000_tunning_offset = read_tune(data, 1);
+}
+
+void read_kgrp(akp_state &state, bounded_bytes data)
+{
+	if (state.keygroups < max_keygroups)
+		read_keygroup(data, &state.program->keygroup[state.keygroups++]);
+}
+
+struct chunk_reader {
+	const char *name;
+	void (*read)(akp_state &, bounded_bytes);
+};
+
+constexpr chunk_reader readers[] = {
+	{ "prg ", read_prg },
+	{ "out ", [](akp_state &s, bounded_bytes d) { read_rows(out_rows, d, s.program); } },
+	{ "lfo ", read_lfo },
+	{ "tune", read_tuning },
+	{ "mods", [](akp_state &s, bounded_bytes d) { read_rows(mods_rows, d, s.program); } },
+	{ "kgrp", read_kgrp },
+};
+
+void read_chunks(akp_state &state, bounded_bytes file)
+{
+	akp_chunk chunk;
+	for (std::size_t at = 12; next_chunk(file, &at, &chunk);) {
+		log_line("[D] HDR-NAME: [%.4s], Size: %u\r\n", chunk.name.c_str(), chunk.size);
+		const std::string name = lower_case(chunk.name);
+		for (const chunk_reader &reader : readers)
+			if (name == reader.name)
+				reader.read(state, chunk.data);
+	}
+}
+
+// ---- The file ----------------------------------------------------------------------------
+
+void log_summary(const char *filename, std::size_t size, const akp_state &state)
+{
+	const _program &p = *state.program;
+	log_line("[D] Importing [%s] (%zu Bytes) HAS PRG: %d, HAS KEYGROUP: %d PG-NAME: [%s]\r\n",
+		filename, size, state.prg, state.keygroups > 0, p.name);
+	log_line("[D] --------> KEYGROUPS: %d, PGM_NUMBER: %d\r\n", p.keygroups, p.midi_pgm_number);
+	log_line("[D] --------> BASIC_LOUDNESS: %d, VELOCITY_LOUDNESS: %d, HAS_LFO: %d\r\n",
+		p.s1000_basic_loudness, p.s1000_velocity_loudness, state.lfos);
+	for (int k = 0; k < p.keygroups; k++) {
+		const _keygroup &kg = p.keygroup[k];
+		log_line("[D] --------> KG_%d LOW: %d, HIGH: %d\r\n", k, kg.low_note, kg.high_note);
+		for (int z = 0; z < kg.keyzones; z++)
+			log_line(
+				"[D] --------> KEYZONE[%d] Sample: [%s] VEL-LOW: %d, VEL-HIGH: %d, "
+				"KB-TRACK: %d, LEVEL: %d\r\n",
+				z, kg.keyzone[z].samplename, kg.keyzone[z].low_velocity,
+				kg.keyzone[z].high_velocity, kg.keyzone[z].zone_keyboard_track,
+				kg.keyzone[z].level);
+	}
+}
+
+// Behind the last separator of either kind, cut at the last point.
+std::string program_name(const std::string &path)
+{
+	const std::string name = path.substr(path.find_last_of("\\/") + 1);
+	return name.substr(0, name.rfind('.'));
+}
+
+bool refuse(const char *words, const char *filename)
+{
+	show_box("ERROR", "%s [%s]", words, filename);
+	return false;
+}
+
+bool read_whole(const char *filename, owned_bytes *bytes, std::size_t *size)
+{
+	input_file file;
+	if (file.measure(filename))
+		return refuse("Cannot stat", filename);
+	if (file.open(filename))
+		return refuse("Cannot open", filename);
+	if (file.size > largest_akp)
+		return refuse("Cannot read", filename);
+	*bytes = allocate_bytes(file.size);
+	if (!*bytes) {
+		show_box("FATAL", "Out of memory!");
+		host.ui->exit_process(0);
+		return false;
+	}
+	*size = static_cast<std::size_t>(file.size);
+	return !file.read(0, bytes->get(), *size) || refuse("Cannot read", filename);
+}
+
+} // namespace
+
+bool import_akp_file(const char *filename, _program *program)
+{
+	const std::string name = program_name(filename);
+	show_progressbar(0, 100, format_text("Importing AKP [%s]...", name.c_str()).c_str());
+	owned_bytes bytes;
+	std::size_t size = 0;
+	if (!read_whole(filename, &bytes, &size))
+		return false;
+	set_progressbar(10);
+	const bounded_bytes file = { { bytes.get(), size } };
+	auto is = [&](std::size_t at, const char *magic) {
+		return at + 4 <= size && std::memcmp(bytes.get() + at, magic, 4) == 0;
+	};
+	const int code = !is(0, "RIFF") ? no_riff : !is(8, "APRG") ? no_aprg : 0;
+	if (code) {
+		show_box("ERROR", "Cannot analyze [%s] (Code: %d)", filename, code);
+		hide_progressbar(0);
+		return false;
+	}
+	std::memset(static_cast<void *>(program), 0, sizeof *program);
+	copy_text(program->name, name);
+	program->sampler_type =
+		current_sampler ? static_cast<i32>(current_sampler->sampler_type) : model_generic;
+	akp_state state = { .program = program, .lfos = 0, .keygroups = 0, .prg = false };
+	set_progressbar(50);
+	read_chunks(state, file);
+	set_progressbar(70);
+	log_summary(filename, size, state);
+	hide_progressbar(0);
+	return true;
+}
+
+// A name that is there is asked about once for each program of that name; the new one is
+// filed behind them all the same.
+bool add_local_pgm(const _program *program)
+{
+	for (const auto &known : local_pgm)
+		if (std::strcmp(known->name, program->name) == 0 &&
+			!ask_box("INFO", "Program [%s] already exists! Overwrite?", program->name))
+			return false;
+	std::unique_ptr<_program> copy(new (std::nothrow) _program(*program));
+	if (!copy) {
+		show_box("ERROR", "Out of memory");
+		return false;
+	}
+	local_pgm.push_back(std::move(copy));
+	local_pgms = static_cast<int>(local_pgm.size());
+	return true;
+}
+
+// ---- Required samples ----------------------------------------------------------------------
+
+static std::vector<std::string> required_samples(const _program *program)
+{
+	std::vector<std::string> names;
+	const int keygroups = std::clamp(program->keygroups, 0, max_keygroups);
+	for (int k = 0; k < keygroups; k++) {
+		const _keygroup &kg = program->keygroup[k];
+		for (int z = 0; z < std::clamp(kg.keyzones, 0, max_keyzones); z++) {
+			const std::string name = kg.keyzone[z].samplename;
+			if (!name.empty() &&
+				std::find(names.begin(), names.end(), name) == names.end())
+				names.push_back(name);
+		}
+	}
+	return names;
+}
+
+static void import_required_sample(const std::string &folder, const std::string &name, int number)
+{
+	const std::string path = wave_path_of(folder + "\\" + file_name_of(name));
+	file_info info = {};
+	const bool loadable = host.files->stat(path.c_str(), &info) == 0 && info.regular;
+	log_line("[D] REQUIRED SAMPLE[%d]: [%s] --> FILE: [%s], Loadable: %d (%llu Bytes)\r\n",
+		number, name.c_str(), path.c_str(), loadable,
+		static_cast<unsigned long long>(info.size));
+	if (!loadable) {
+		show_box("INFO", "Sample [%s] File: %s (not found!)", name.c_str(), path.c_str());
+		return;
+	}
+	log_line("Importing Sample [%s]\r\n", path.c_str());
+	import_wave(path.c_str(), 0, 0, 0, 0, 0, 0);
+}
+
+void import_required_samples(int window, const char *filename, const _program *program)
+{
+	const std::string path = filename;
+	const std::size_t end = path.rfind('\\');
+	const std::string folder = end == path.npos ? "." : path.substr(0, end);
+	const std::vector<std::string> names = required_samples(program);
+	const int count = static_cast<int>(names.size());
+	if (count == 0 || !ask_box("INFO", "Also import %d Samples?", count))
+		return;
+	show_progressbar(window, count, format_text("Importing %d samples...", count).c_str());
+	for (int i = 0; i < count && !progress_stopped(); i++) {
+		import_required_sample(folder, names[static_cast<std::size_t>(i)], i);
+		set_progressbar(i + 1);
+	}
+	hide_progressbar(window);
+}
+
+} // namespace velmor

@@ -1,0 +1,136 @@
+// usbqx.h - samplers on USB: finding them, waking them, one exchange, raw bytes
+//
+// Called by the drivers of the S5000/6000, Z4/Z8 and MPC 4000, by load_sampler and by
+// the USB dialog. Every use is find_usbdev, open_midi_usb, exchanges, close_midi_usb: a
+// device is opened and woken again for each operation. Owns the list of devices.
+//
+// Waits pump the interface and end at a deadline, so a silent device is a failure and
+// never a hang.
+//
+// Knows nothing of: what a request means (the drivers), libusb.
+
+#pragma once
+#include "platform/usb.h"
+#include "src/resource.h"
+#include <initializer_list>
+#include <memory>
+#include <span>
+#include <vector>
+
+namespace velmor
+{
+
+inline constexpr u16 akai_vendor = 0x09E8;
+inline constexpr int framed_deadline_ms = 5000; // a request, and its answer
+inline constexpr int raw_deadline_ms = 10000;   // a block of sample data
+inline constexpr int no_usb_handle = -1;
+// Packets of one answer that say that more is to come, and stray end bytes before one.
+inline constexpr int max_continued_packets = 64;
+
+// One found device.
+struct _usbdev {
+	char device_path[1024]; // to open
+	int device_handle;      // no_usb_handle when closed
+	int usb_handle;         // of interface 0
+	int interface_handle;   // of the interface in use; this host gives one for the device
+	char usb_name[1024];    // the sampler's own name, by which a .sampler file finds it
+	u8 sysex_channel;       // used in frames
+	u8 interface_index;     // of the interface that has the OUT pipe
+	u8 pipe_id;             // OUT; the IN pipe is the same with 0x80
+	i32 device_type;        // model id: 1002, 1003 or 1004
+
+	u8 interface_number; // by which the host claims the interface
+	int packet_size;     // bytes of one packet of the IN pipe
+	// Bytes that came in one packet with what was asked for, for the next raw read.
+	std::vector<u8> landing;
+	std::size_t kept_from, kept_to;
+};
+
+// The devices of the last scan. Replaced by init_usb, so a pointer does not survive it.
+extern std::vector<_usbdev> usbdev;
+extern int usbdevs;
+extern int usb_init_done; // set when a scan has finished
+// Words of the transport for the last failure: a usb_result.
+extern int usb_last_result;
+
+// Create the semaphore that open_midi_usb takes; it orders nothing.
+void init_usb_sem();
+// Scan the bus. With force 0 nothing happens after a finished scan. Takes the deadlines of
+// the queries for a device that stays silent.
+void init_usb(int force);
+// The first device of exactly that name, or null.
+_usbdev *find_usbdev(const char *name);
+// Open, wake and claim; the device stays open until close_midi_usb. A device that is open
+// already is refused.
+bool open_midi_usb(_usbdev *usb);
+void close_midi_usb(_usbdev *usb);
+// True while a device is open or being looked for. Windows refuse commands meanwhile.
+bool usb_in_use();
+
+// One request and one answer. command is the payload without its frame; *_received gets the
+// bytes of the answer. A maxsize of 0 sends only. file and line name the caller in the log.
+bool _sysex_midi_usb(_usbdev *usb, const u8 *command, int size, u8 *response, int maxsize,
+	int *_received, const char *file, int line);
+// Raw bytes, for sample data. Stop in the progress window ends them.
+bool write_midi_usb(_usbdev *usb, const u8 *data, int len);
+bool read_midi_usb(_usbdev *usb, u8 *data, int maxlen, int *_received);
+
+const char *get_usb_pipedirection(const usb_pipe &pipe);
+const char *get_usb_pipetype(const usb_pipe &pipe);
+
+// Bytes out and an answer in, all transfers under way before the first has finished, so that
+// the bus does not idle between them. begin and finish belong together; the bytes must live
+// until finish. A run of bytes that the host took only in part is a failure, unless it is
+// the last.
+struct usb_exchange {
+	static constexpr int max_runs = 2;
+	struct transfer {
+		int id = no_usb_handle; // the host's; no_usb_handle when none is under way
+		int result = usb_ok;
+		std::size_t moved = 0;
+	};
+	_usbdev *usb = nullptr;
+	std::span<const u8> bytes[max_runs];
+	transfer out[max_runs], in;
+	int runs = 0;
+	std::size_t wanted = 0; // bytes to read, 0 for none
+	int deadline_ms = raw_deadline_ms;
+	bool may_stop = true; // by the progress window
+};
+enum exchange_outcome : int {
+	exchange_done,
+	exchange_write_failed,
+	exchange_read_failed,
+	exchange_stopped,
+};
+void begin_exchange(usb_exchange *exchange, _usbdev *usb,
+	std::initializer_list<std::span<const u8>> runs, std::size_t wanted);
+exchange_outcome finish_exchange(usb_exchange *exchange, u8 *answer, std::size_t *received);
+// Forget an exchange that will not be finished.
+void abandon_exchange(usb_exchange *exchange);
+
+// "(file:line) [words]" of a usb_result, in one static buffer.
+const char *usb_error(const char *file, int line, int code);
+
+// Closes the device at the end of the scope, whatever happened.
+struct usb_closer {
+	void operator()(_usbdev *usb) const { close_midi_usb(usb); }
+};
+using open_usbdev = std::unique_ptr<_usbdev, usb_closer>;
+
+// Prove the device of the loaded USB sampler and log its volumes or disks. A device that is
+// not found or does not open ends the process.
+void probe_usb_sampler();
+
+// ---- The USB dialog (velmor_usb.cpp) ---------------------------------------------------
+
+// Scan, show the dialog and list the devices.
+void show_usb_sampler_setup();
+// Ask the selected device what it is and fill the dialog's fields.
+void fill_usb_info();
+// Give the selected device the name in the dialog.
+void update_usb_sampler_name();
+// Store the selected device as a configuration, and load it as current_sampler.
+void save_usb_sampler();
+
+} // namespace velmor

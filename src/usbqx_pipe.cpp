@@ -12,6 +12,7 @@
 //
 // Knows nothing of: what a command means, how devices are found.
 
+#include "src/akais5000.h"
 #include "src/usbqx.h"
 #include "src/velmor.h"
 #include <algorithm>
@@ -197,14 +198,6 @@ bool read_midi_usb(_usbdev *usb, u8 *data, int maxlen, int *_received)
 		log_line("[D] USB_READ FAILED! (%s)\r\n",
 			usb_error(__FILE_NAME__, __LINE__, usb_last_result));
 	return done;
-}
-
-u8 akai_s5000_calc_checksum(const u8 *bytes, int length)
-{
-	int sum = 0;
-	for (int i = 4; length >= 5 && i < length; i++)
-		sum += bytes[i];
-	return static_cast<u8>(sum & 0x7F);
 }
 
 static bool is_z_family(const _usbdev *usb)

@@ -1,0 +1,32 @@
+// akaiz4.h - the driver of the Z4/Z8 and the MPC 4000
+//
+// Its functions fill two rows of sampler_type; the MPC has its own getstatus alone. It is
+// told as what differs from the S5000: no checksum, other sections, low bytes first, the
+// status at offset 4 of an answer and the data at offset 8.
+//
+// Knows nothing of: windows, other than the boxes it shows.
+
+#pragma once
+#include "src/resource.h"
+
+namespace velmor
+{
+
+inline constexpr int z4_answer_status = 4;
+inline constexpr int z4_answer_data = 8;
+inline constexpr u8 status_reply = 0x52; // 'R'
+inline constexpr int z4_keygroups = 16;  // read of a program, whatever it holds
+
+void akai_z4_getstatus(u8 exclusive_channel, u8 sysex_channel, _dev_status *dev);
+void akai_mpc_getstatus(u8 exclusive_channel, u8 sysex_channel, _dev_status *dev);
+void akai_z4_getproglist(u8 exclusive_channel, u8 sysex_channel, _dev_status *dev);
+void akai_z4_getsamplelist(u8 exclusive_channel, u8 sysex_channel, _dev_status *dev);
+void akai_z4_getmultilist(u8 exclusive_channel, u8 sysex_channel, _dev_status *dev);
+void akai_z4_sampleinfo(u8 exclusive_channel, u8 sysex_channel, const char *samplename);
+void akai_z4_uploadsample(const char *path);
+void akai_z4_downloadsample(u8 exclusive_channel, u8 sysex_channel, const char *samplename);
+void akai_z4_renamesample(u8 exclusive_channel, u8 sysex_channel, const char *oldname,
+	const char *newname);
+const char *akai_z4_getplaymode(i32 playmode);
+
+} // namespace velmor

@@ -96,8 +96,8 @@ extern const std::array<block_row, 8> keygroup_block_2;
 extern const std::array<block_row, 9> keygroup_block_3;
 
 // The request that reads the block, and its answer into the record.
-std::vector<u8> block_read_request(std::span<const block_row> block, u8 index_high, u8 index_low,
-	u8 keygroup);
+std::vector<u8> block_read_request(
+	std::span<const block_row> block, u8 index_high, u8 index_low, u8 keygroup);
 void block_to_keygroup(std::span<const block_row> block, bounded_bytes answer, _keygroup *kg);
 
 // A value of the current keygroup, or of one of its zones, that travels alone. sub is the
@@ -171,10 +171,10 @@ inline constexpr u8 get_sample_command = 0x21;
 inline constexpr u8 block_acknowledge[] = { 0x00 };
 inline constexpr std::size_t upload_answer_size = 64;
 inline constexpr std::size_t upload_answer_block_size = 4;
-inline constexpr u32 max_upload_block = 1 << 20;        // bytes; a larger one is refused
-inline constexpr double busy_limit = 60;                // seconds of busy answers
+inline constexpr u32 max_upload_block = 1 << 20; // bytes; a larger one is refused
+inline constexpr double busy_limit = 60;         // seconds of busy answers
 inline constexpr int max_busy_answers = 60000;
-inline constexpr u64 max_trailing_bytes = 64 * 1024;    // behind the data a header announces
+inline constexpr u64 max_trailing_bytes = 64 * 1024; // behind the data a header announces
 
 u32 big_endian_32(bounded_bytes bytes, std::size_t at);
 u32 little_endian_32(bounded_bytes bytes, std::size_t at);
@@ -261,8 +261,7 @@ bool exchange_raw(const raw_step &step, std::initializer_list<std::span<const u8
 	std::source_location where = std::source_location::current());
 // The answer to what was sent, asked for again while the sampler is busy. busy_log says so.
 bool finish_raw(const raw_step &step, usb_exchange *exchange, raw_answer *answer,
-	void (*busy_log)(int length),
-	std::source_location where = std::source_location::current());
+	void (*busy_log)(int length), std::source_location where = std::source_location::current());
 const char *file_tag(const std::source_location &where);
 
 // A block size that the sampler stated, against what can be; what is wrong is told.
@@ -294,11 +293,12 @@ struct download {
 	raw_step step;
 	spool_file &file;
 	std::vector<u8> buffer;
-	u64 received = 0; // bytes of sample data
+	u64 received = 0;  // bytes of sample data
 	u32 announced = 0; // of them, by the header
 
 	download(_usbdev *usb, spool_file &target, std::size_t capacity)
-		: step{ usb, "DOWNLOAD", "GET_SAMPLE", "GET_SAMPLE" }, file(target), buffer(capacity)
+		: step{ usb, "DOWNLOAD", "GET_SAMPLE", "GET_SAMPLE" }, file(target),
+		  buffer(capacity)
 	{
 	}
 	bool open();
@@ -334,8 +334,8 @@ struct sample_info_model {
 void read_sample_info(const sample_info_model &model, const char *samplename);
 
 // Rename, or delete with newname null; the Z4 takes the same requests.
-void rename_usb_sample(u8 exclusive_channel, u8 sysex_channel, const char *oldname,
-	const char *newname);
+void rename_usb_sample(
+	u8 exclusive_channel, u8 sysex_channel, const char *oldname, const char *newname);
 
 // ---- The operations of the row ------------------------------------------------------------
 
@@ -346,8 +346,8 @@ void akai_s5000_getmultilist(u8 exclusive_channel, u8 sysex_channel, _dev_status
 void akai_s5000_sampleinfo(u8 exclusive_channel, u8 sysex_channel, const char *samplename);
 void akai_s5000_uploadsample(const char *path);
 void akai_s5000_downloadsample(u8 exclusive_channel, u8 sysex_channel, const char *samplename);
-void akai_s5000_renamesample(u8 exclusive_channel, u8 sysex_channel, const char *oldname,
-	const char *newname);
+void akai_s5000_renamesample(
+	u8 exclusive_channel, u8 sysex_channel, const char *oldname, const char *newname);
 const char *akai_s5000_getplaymode(i32 playmode);
 
 } // namespace velmor

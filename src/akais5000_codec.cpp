@@ -233,8 +233,8 @@ const std::array<zone_row, 11> zone_values = { {
 } };
 // clang-format on
 
-std::vector<u8> block_read_request(std::span<const block_row> block, u8 index_high, u8 index_low,
-	u8 keygroup)
+std::vector<u8> block_read_request(
+	std::span<const block_row> block, u8 index_high, u8 index_low, u8 keygroup)
 {
 	std::vector<u8> request = { section_block, index_high, index_low, keygroup };
 	for (const block_row &row : block)
@@ -257,8 +257,8 @@ const char *file_tag(const std::source_location &where)
 	return slash ? slash + 1 : where.file_name();
 }
 
-bool ask_usb(_usbdev *usb, std::span<const u8> payload, usb_answer *answer,
-	std::source_location where)
+bool ask_usb(
+	_usbdev *usb, std::span<const u8> payload, usb_answer *answer, std::source_location where)
 {
 	answer->length = 0;
 	return _sysex_midi_usb(usb, payload.data(), static_cast<int>(payload.size()),
@@ -266,8 +266,8 @@ bool ask_usb(_usbdev *usb, std::span<const u8> payload, usb_answer *answer,
 		file_tag(where), static_cast<int>(where.line()));
 }
 
-bool ask_or_log(_usbdev *usb, std::span<const u8> payload, usb_answer *answer,
-	std::source_location where)
+bool ask_or_log(
+	_usbdev *usb, std::span<const u8> payload, usb_answer *answer, std::source_location where)
 {
 	if (ask_usb(usb, payload, answer, where))
 		return true;
@@ -298,8 +298,8 @@ std::optional<std::string> name_walk::next()
 int bounded_count(i32 announced, int limit, const char *what)
 {
 	if (announced > limit)
-		log_line("[W] The sampler announced %d %s, only %d can be held\r\n", announced, what,
-			limit);
+		log_line("[W] The sampler announced %d %s, only %d can be held\r\n", announced,
+			what, limit);
 	return std::clamp(announced, 0, limit);
 }
 

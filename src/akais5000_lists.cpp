@@ -67,7 +67,8 @@ void akai_s5000_getstatus(u8 exclusive_channel, u8 sysex_channel, _dev_status *d
 		return;
 	copy_text(dev->version, version);
 	copy_text(dev->sampler_name, answer.bytes().text(s5000_answer_data));
-	log_line("[D] Requested Akai S5000 Name on Exclusive Channel: %d [SYSEX-CHANNEL: %d][%s]\r\n",
+	log_line("[D] Requested Akai S5000 Name on Exclusive Channel: %d [SYSEX-CHANNEL: "
+		 "%d][%s]\r\n",
 		exclusive_channel, sysex_channel, dev->sampler_name);
 	dev->exclusive_channel = sysex_channel;
 	dev->status = 1;
@@ -81,7 +82,8 @@ static int copy_names(const usb_answer &list, record *records, int count, const 
 	for (int i = 0; i < count; i++) {
 		const std::optional<std::string> name = names.next();
 		if (!name) {
-			log_line("[W] The sampler announced %d %s and listed %d\r\n", count, what, i);
+			log_line("[W] The sampler announced %d %s and listed %d\r\n", count, what,
+				i);
 			return i;
 		}
 		copy_text(records[i].name, *name);
@@ -93,7 +95,8 @@ void akai_s5000_getmultilist(u8 exclusive_channel, u8 sysex_channel, _dev_status
 {
 	if (!has_status(dev))
 		return;
-	log_line("[D] Requesting Akai S5000 MULTILIST on Exclusive Channel: %d [SYSEX-CHANNEL: %d]\r\n",
+	log_line("[D] Requesting Akai S5000 MULTILIST on Exclusive Channel: %d [SYSEX-CHANNEL: "
+		 "%d]\r\n",
 		exclusive_channel, sysex_channel);
 	const open_usbdev usb = open_loaded_usbdev();
 	usb_answer answer(scalar_capacity), list(list_capacity);
@@ -121,8 +124,9 @@ void akai_s5000_getsamplelist(u8 exclusive_channel, u8 sysex_channel, _dev_statu
 	// The count of before, and then a new one that takes only the low seven bits: with 128
 	// samples or more the list shows their number modulo 128.
 	log_line("[I] USB--> Sample-List-Len: %d Entries\r\n", dev->samples);
-	dev->samples = bounded_count(
-		(answer.bytes()[first_byte] >> 7) + answer.bytes()[second_byte], max_samples, "samples");
+	dev->samples =
+		bounded_count((answer.bytes()[first_byte] >> 7) + answer.bytes()[second_byte],
+			max_samples, "samples");
 	if (!ask_or_log(usb.get(), sample_names, &list))
 		return;
 	log_line("[D] USB--> Sample-List-Len: %d Bytes\r\n", list.length);
@@ -144,8 +148,8 @@ static bool ask_value(program_walk *w, std::initializer_list<u8> payload)
 	return ask_or_log(w->usb, std::span<const u8>(payload.begin(), payload.size()), &w->answer);
 }
 
-static bool read_block(program_walk *w, std::span<const block_row> block, u8 kg, int number,
-	_keygroup *keygroup)
+static bool read_block(
+	program_walk *w, std::span<const block_row> block, u8 kg, int number, _keygroup *keygroup)
 {
 	const std::vector<u8> request = block_read_request(block, w->index_high, w->index_low, kg);
 	log_line("[D] ------> REQUESTING KEYGROUP(%d) BLOCK-DATA (%d Bytes)[%d]\r\n", kg,
@@ -171,8 +175,8 @@ static bool read_keygroup_values(program_walk *w, _keygroup *keygroup)
 	return true;
 }
 
-static bool read_zone_values(program_walk *w, std::span<const zone_row> rows, u8 number,
-	_keyzone *zone)
+static bool read_zone_values(
+	program_walk *w, std::span<const zone_row> rows, u8 number, _keyzone *zone)
 {
 	for (const zone_row &row : rows) {
 		if (!ask_value(w, { section_zone, row.read_item, number }))
@@ -234,7 +238,11 @@ static bool read_program_head(program_walk *w, _program *program)
 
 // Stop ends the walk behind a keygroup; the programs read so far are kept, and this one is
 // cut to what was read.
-enum class walk_outcome { done, failed, stopped };
+enum class walk_outcome {
+	done,
+	failed,
+	stopped
+};
 
 static walk_outcome read_program(program_walk *w, _program *program)
 {
@@ -260,8 +268,8 @@ static walk_outcome read_programs(_usbdev *usb, const usb_answer &list, _dev_sta
 	for (int i = 0; i < dev->programs; i++) {
 		const std::optional<std::string> name = names.next();
 		if (!name) {
-			log_line("[W] The sampler announced %d programs and listed %d\r\n", dev->programs,
-				i);
+			log_line("[W] The sampler announced %d programs and listed %d\r\n",
+				dev->programs, i);
 			dev->programs = i;
 			break;
 		}
@@ -285,14 +293,15 @@ void akai_s5000_getproglist(u8 exclusive_channel, u8 sysex_channel, _dev_status 
 		return;
 	log_line("[D] Requesting Akai S5000 PROGLIST on Exclusive Channel: %d [SYSEX-CHANNEL: %d] "
 		 "USB_NAME: [%s]\r\n",
-		exclusive_channel, sysex_channel, current_sampler ? current_sampler->sampler_usbname : "");
+		exclusive_channel, sysex_channel,
+		current_sampler ? current_sampler->sampler_usbname : "");
 	open_usbdev usb = open_loaded_usbdev();
 	usb_answer answer(scalar_capacity), list(list_capacity);
 	if (!usb || !ask_or_log(usb.get(), program_count, &answer))
 		return;
 	const i32 announced = as_word14.get(answer.bytes().from(s5000_answer_data));
-	log_line("[D] (%s:%d) Requested Akai S5000 Number of 3oaded Programs: %d\r\n", __FILE_NAME__,
-		__LINE__, announced);
+	log_line("[D] (%s:%d) Requested Akai S5000 Number of 3oaded Programs: %d\r\n",
+		__FILE_NAME__, __LINE__, announced);
 	dev->programs = bounded_count(announced, max_programs, "programs");
 	if (!ask_or_log(usb.get(), program_names, &list))
 		return;

@@ -66,8 +66,8 @@ void akai_s5000_sampleinfo(u8, u8, const char *samplename)
 	read_sample_info(s5000_info, samplename);
 }
 
-void akai_s5000_renamesample(u8 exclusive_channel, u8 sysex_channel, const char *oldname,
-	const char *newname)
+void akai_s5000_renamesample(
+	u8 exclusive_channel, u8 sysex_channel, const char *oldname, const char *newname)
 {
 	rename_usb_sample(exclusive_channel, sysex_channel, oldname, newname);
 }
@@ -78,7 +78,8 @@ void akai_s5000_renamesample(u8 exclusive_channel, u8 sysex_channel, const char 
 static bool delete_existing(_usbdev *usb, const std::string &name)
 {
 	usb_answer answer(scalar_capacity);
-	if (!ask_for_transfer(usb, text_request(section_sample, select_by_name, name), &answer, "UPLOAD"))
+	if (!ask_for_transfer(
+		    usb, text_request(section_sample, select_by_name, name), &answer, "UPLOAD"))
 		return false;
 	if (answer.bytes()[s5000_answer_status] != status_done)
 		return true;
@@ -118,7 +119,8 @@ static bool upload_block(upload *u, bool first, int step_size)
 static bool send_sample(upload *u)
 {
 	raw_answer answer;
-	if (!exchange_raw(u->step, { u->announcement(u->file.basename) }, upload_answer_size, &answer))
+	if (!exchange_raw(
+		    u->step, { u->announcement(u->file.basename) }, upload_answer_size, &answer))
 		return false;
 	u->block_size = big_endian_32(answer.bytes(), upload_answer_block_size);
 	log_line("[D] Upload Block-Size: %d\r\n", static_cast<i32>(u->block_size));
@@ -151,8 +153,8 @@ static bool name_last_sample(_usbdev *usb, const std::string &name)
 	as_word14.put(&select[2], count - 1);
 	// The wording of the download for the last step is the program's own.
 	return ask_for_transfer(usb, select, &answer, "UPLOAD") &&
-		ask_for_transfer(
-			usb, text_request(section_sample, rename_current, name), &answer, "DOWNLOAD");
+	       ask_for_transfer(usb, text_request(section_sample, rename_current, name), &answer,
+		       "DOWNLOAD");
 }
 
 void akai_s5000_uploadsample(const char *path)
@@ -182,7 +184,8 @@ void akai_s5000_uploadsample(const char *path)
 static bool select_for_download(_usbdev *usb, const char *samplename, i32 *handle)
 {
 	usb_answer answer(download_capacity);
-	if (!ask_for_transfer(usb, text_request(section_sample, select_by_name, samplename), &answer, "DOWNLOAD"))
+	if (!ask_for_transfer(usb, text_request(section_sample, select_by_name, samplename),
+		    &answer, "DOWNLOAD"))
 		return false;
 	if (answer.bytes().size() < shortest_selection ||
 		answer.bytes()[s5000_answer_status] != status_done) {
@@ -224,8 +227,7 @@ static bool next_length(download *d, std::size_t to_write, u32 *length)
 		abandon_exchange(&e);
 		return false;
 	}
-	if (!tell_raw_outcome(
-		    d->step, finish_exchange(&e, answer.buffer.data(), &answer.length)))
+	if (!tell_raw_outcome(d->step, finish_exchange(&e, answer.buffer.data(), &answer.length)))
 		return false;
 	if (answer.length < length_answer_size)
 		return tell_raw_outcome(d->step, exchange_read_failed);

@@ -85,7 +85,9 @@ bool upload_file::open()
 		code = host.files->stat(name.c_str(), &info);
 	size = info.size;
 	// A transfer states its size in 32 bits.
-	const char *words = code ? words_or_code(code) : size > 0xFFFFFFFF ? "File too large" : nullptr;
+	const char *words = code                ? words_or_code(code)
+			    : size > 0xFFFFFFFF ? "File too large"
+						: nullptr;
 	if (words)
 		tell_transfer_failed("[F] Error stating [%s] (%s)", name.c_str(), words);
 	return !words;
@@ -166,8 +168,14 @@ void log_sample_header(bounded_bytes h, const sample_header &parts)
 {
 	// Offsets in the sample chunk as this program writes it.
 	enum {
-		unity_note = 20, loop_start = 52, loop_end = 56, semitone_tune = 71, fine_tune = 72,
-		playmode = 74, play_start = 78, play_end = 82
+		unity_note = 20,
+		loop_start = 52,
+		loop_end = 56,
+		semitone_tune = 71,
+		fine_tune = 72,
+		playmode = 74,
+		play_start = 78,
+		play_end = 82
 	};
 	const bounded_bytes chunk = h.from(parts.sample_chunk);
 	const std::string chunk_name = chunk.from(0).text(0).substr(0, 4);
@@ -178,7 +186,8 @@ void log_sample_header(bounded_bytes h, const sample_header &parts)
 		static_cast<i32>(parts.data_length), static_cast<i32>(parts.format_length),
 		static_cast<i32>(parts.fact_length), static_cast<i32>(h.size()));
 	log_line("[I] -------> PITCH: [%s] LOOP-START: %d, LOOP-End: %d SAMPLE: [%.4s]\r\n",
-		midi_note[chunk[unity_note] & 0x7F], static_cast<i32>(little_endian_32(chunk, loop_start)),
+		midi_note[chunk[unity_note] & 0x7F],
+		static_cast<i32>(little_endian_32(chunk, loop_start)),
 		static_cast<i32>(little_endian_32(chunk, loop_end)), chunk_name.c_str());
 	log_line("[I] -------> START: %d, END: %d, PLAYMODE: %d, SEMI-TONE-TUNE: %d, FINE-TUNE: "
 		 "%d\r\n",
@@ -236,8 +245,8 @@ bool finish_raw(const raw_step &step, usb_exchange *e, raw_answer *answer,
 {
 	busy_watch watch;
 	for (const std::size_t wanted = e->wanted;; begin_exchange(e, step.usb, {}, wanted)) {
-		if (!tell_raw_outcome(
-			    step, finish_exchange(e, answer->buffer.data(), &answer->length), where))
+		if (!tell_raw_outcome(step,
+			    finish_exchange(e, answer->buffer.data(), &answer->length), where))
 			return false;
 		if (!is_busy(answer->bytes()))
 			return true;
@@ -264,8 +273,8 @@ bool usable_block_size(u32 size)
 {
 	if (size > 0 && size <= max_upload_block)
 		return true;
-	tell_transfer_failed(
-		"[F] UPLOAD FAILED (%s:%d) PUT_SAMPLE [Block-Size: %u]", __FILE_NAME__, __LINE__, size);
+	tell_transfer_failed("[F] UPLOAD FAILED (%s:%d) PUT_SAMPLE [Block-Size: %u]", __FILE_NAME__,
+		__LINE__, size);
 	return false;
 }
 
@@ -329,7 +338,8 @@ bool download::read_header(u32 length)
 	if (!parts.whole) {
 		tell_transfer_failed(
 			"[F] DOWNLOAD FAILED (%s:%d) GET_SAMPLE [Header corrupted] READ %d/%d]",
-			__FILE_NAME__, __LINE__, static_cast<int>(length), static_cast<int>(length));
+			__FILE_NAME__, __LINE__, static_cast<int>(length),
+			static_cast<int>(length));
 		return false;
 	}
 	announced = parts.data_length;
@@ -352,7 +362,8 @@ bool download::usable_length(u32 length)
 	if (fits && received + length <= u64{ announced } + max_trailing_bytes)
 		return true;
 	tell_transfer_failed("[F] DOWNLOAD FAILED (%s:%d) GET_SAMPLE [%s of %u Bytes]",
-		__FILE_NAME__, __LINE__, fits ? "More than the header says: block" : "Block", length);
+		__FILE_NAME__, __LINE__, fits ? "More than the header says: block" : "Block",
+		length);
 	return false;
 }
 
@@ -495,7 +506,8 @@ static std::string seven_bit_name(const char *name)
 	return text;
 }
 
-void rename_usb_sample(u8 exclusive_channel, u8 sysex_channel, const char *oldname, const char *newname)
+void rename_usb_sample(
+	u8 exclusive_channel, u8 sysex_channel, const char *oldname, const char *newname)
 {
 	// The same section on the Z4 as well. Whether the selection found the name is not looked
 	// at: an unknown one changes whichever sample was current.
@@ -506,14 +518,15 @@ void rename_usb_sample(u8 exclusive_channel, u8 sysex_channel, const char *oldna
 		newname ? newname : "NULL");
 	const open_usbdev usb = open_loaded_usbdev();
 	usb_answer answer(scalar_capacity);
-	if (!usb ||
-		!ask_or_log(usb.get(), text_request(section, select, seven_bit_name(oldname)), &answer))
+	if (!usb || !ask_or_log(usb.get(), text_request(section, select, seven_bit_name(oldname)),
+			    &answer))
 		return;
 	log_line("[D] Set current sample...\r\n");
 	static constexpr u8 delete_current[] = { section, remove };
-	const bool done = newname ?
-		ask_or_log(usb.get(), text_request(section, rename, seven_bit_name(newname)), &answer) :
-		ask_or_log(usb.get(), delete_current, &answer);
+	const bool done =
+		newname ? ask_or_log(usb.get(),
+				  text_request(section, rename, seven_bit_name(newname)), &answer)
+			: ask_or_log(usb.get(), delete_current, &answer);
 	if (done)
 		log_line("[D] S5000 %s current sample!\r\n", newname ? "RENAMED" : "DELETED");
 }

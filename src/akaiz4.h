@@ -25,8 +25,8 @@ void akai_z4_getmultilist(u8 exclusive_channel, u8 sysex_channel, _dev_status *d
 void akai_z4_sampleinfo(u8 exclusive_channel, u8 sysex_channel, const char *samplename);
 void akai_z4_uploadsample(const char *path);
 void akai_z4_downloadsample(u8 exclusive_channel, u8 sysex_channel, const char *samplename);
-void akai_z4_renamesample(u8 exclusive_channel, u8 sysex_channel, const char *oldname,
-	const char *newname);
+void akai_z4_renamesample(
+	u8 exclusive_channel, u8 sysex_channel, const char *oldname, const char *newname);
 const char *akai_z4_getplaymode(i32 playmode);
 
 } // namespace velmor

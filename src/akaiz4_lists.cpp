@@ -93,7 +93,8 @@ void akai_z4_getmultilist(u8 exclusive_channel, u8 sysex_channel, _dev_status *d
 {
 	if (!has_status(dev))
 		return;
-	log_line("[D] Requesting Akai S5000 MULTILIST on Exclusive Channel: %d [SYSEX-CHANNEL: %d]\r\n",
+	log_line("[D] Requesting Akai S5000 MULTILIST on Exclusive Channel: %d [SYSEX-CHANNEL: "
+		 "%d]\r\n",
 		exclusive_channel, sysex_channel);
 	dev->multis = 0;
 }
@@ -104,9 +105,11 @@ static void copy_sample_names(const usb_answer &list, _dev_status *dev)
 	const bounded_bytes bytes = list.bytes();
 	std::size_t at = z4_answer_data;
 	for (int i = 0; i < dev->samples; i++) {
-		const bool ended = at >= bytes.size() || (bytes[at] == end_byte && at + 1 == bytes.size());
+		const bool ended =
+			at >= bytes.size() || (bytes[at] == end_byte && at + 1 == bytes.size());
 		if (ended) {
-			log_line("[W] The sampler announced %d samples and listed %d\r\n", dev->samples, i);
+			log_line("[W] The sampler announced %d samples and listed %d\r\n",
+				dev->samples, i);
 			dev->samples = i;
 			return;
 		}
@@ -123,7 +126,8 @@ void akai_z4_getsamplelist(u8 exclusive_channel, u8 sysex_channel, _dev_status *
 	open_usbdev usb = open_loaded_usbdev();
 	if (!usb || !has_status(dev))
 		return;
-	log_line("[D] Requesting Akai Z4 SAMPLELIST on Exclusive Channel: %d [SYSEX-CHANNEL: %d]\r\n",
+	log_line("[D] Requesting Akai Z4 SAMPLELIST on Exclusive Channel: %d [SYSEX-CHANNEL: "
+		 "%d]\r\n",
 		exclusive_channel, sysex_channel);
 	usb_answer answer(scalar_capacity), list(list_capacity);
 	if (!ask_or_log(usb.get(), sample_count, &answer))
@@ -159,7 +163,11 @@ struct z4_walk {
 };
 
 // What a step found: a value, that there are no more, or a request that failed.
-enum class walk_step { read, no_more, failed };
+enum class walk_step {
+	read,
+	no_more,
+	failed
+};
 
 static walk_step read_zone(z4_walk *w, int kg, u8 number, _keygroup *keygroup)
 {

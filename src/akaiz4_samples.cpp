@@ -71,8 +71,8 @@ void akai_z4_sampleinfo(u8, u8, const char *samplename)
 	read_sample_info(z4_info, samplename);
 }
 
-void akai_z4_renamesample(u8 exclusive_channel, u8 sysex_channel, const char *oldname,
-	const char *newname)
+void akai_z4_renamesample(
+	u8 exclusive_channel, u8 sysex_channel, const char *oldname, const char *newname)
 {
 	rename_usb_sample(exclusive_channel, sysex_channel, oldname, newname);
 }
@@ -85,7 +85,11 @@ static void log_busy(int length)
 }
 
 // What a block led to.
-enum class block_outcome { sent, refused, failed };
+enum class block_outcome {
+	sent,
+	refused,
+	failed
+};
 
 // A new block begins with an empty buffer; behind the end of the file it holds zeros.
 static void renew_buffer(upload *u, std::size_t slack)
@@ -216,7 +220,8 @@ void akai_z4_uploadsample(const char *path)
 static bool select_for_download(_usbdev *usb, const char *samplename, u32 *handle)
 {
 	usb_answer answer(download_capacity);
-	if (!ask_for_transfer(usb, text_request(section_sample, select_by_name, samplename), &answer, "DOWNLOAD"))
+	if (!ask_for_transfer(usb, text_request(section_sample, select_by_name, samplename),
+		    &answer, "DOWNLOAD"))
 		return false;
 	if (answer.bytes().size() < shortest_selection ||
 		answer.bytes()[z4_answer_status] != status_done) {
@@ -247,7 +252,8 @@ static bool ask_header(download *d, u32 handle, const char *caption)
 {
 	u8 get_sample[5] = { get_sample_command };
 	put_big_endian_32(&get_sample[1], handle);
-	log_line("[D] SAMPLE HANDLE: 0x%08X (Request: [%s])\r\n", handle, hex_text(get_sample).c_str());
+	log_line("[D] SAMPLE HANDLE: 0x%08X (Request: [%s])\r\n", handle,
+		hex_text(get_sample).c_str());
 	raw_answer answer;
 	usb_exchange e;
 	begin_exchange(&e, d->step.usb, { get_sample }, 0);
@@ -255,8 +261,7 @@ static bool ask_header(download *d, u32 handle, const char *caption)
 		!wait_for_header(d->step))
 		return false;
 	begin_exchange(&e, d->step.usb, {}, length_answer_size);
-	const exchange_outcome outcome =
-		finish_exchange(&e, answer.buffer.data(), &answer.length);
+	const exchange_outcome outcome = finish_exchange(&e, answer.buffer.data(), &answer.length);
 	if (outcome == exchange_stopped)
 		return tell_raw_outcome(d->step, outcome);
 	if (outcome != exchange_done || answer.length < shortest_length) {
@@ -315,7 +320,8 @@ static bool receive_blocks(download *d)
 
 void akai_z4_downloadsample(u8, u8, const char *samplename)
 {
-	log_line("[I] ########################## Z4 requesting Sample download for sample: %s [%s]\r\n",
+	log_line("[I] ########################## Z4 requesting Sample download for sample: %s "
+		 "[%s]\r\n",
 		samplename, current_sampler ? current_sampler->sampler_usbname : "");
 	spool_file file(samplename);
 	const std::string caption = format_text("Downloading [%s]", samplename);

@@ -108,8 +108,9 @@ static void release_semaphore()
 
 bool usb_in_use()
 {
-	return scanning || std::any_of(usbdev.begin(), usbdev.end(),
-				   [](const _usbdev &d) { return d.device_handle != no_usb_handle; });
+	return scanning || std::any_of(usbdev.begin(), usbdev.end(), [](const _usbdev &d) {
+		return d.device_handle != no_usb_handle;
+	});
 }
 
 // ---- Bytes before a device is ready ----------------------------------------------------
@@ -189,8 +190,8 @@ static const usb_pipe *first_out_pipe(const usb_interface &interface)
 	for (std::size_t i = 0; i < interface.pipes.size(); i++) {
 		const usb_pipe &pipe = interface.pipes[i];
 		log_line("[D] PIPE-INDEX: %d, PIPE-ID: 0x%02X [%s][%s], Packet-Size: %d\r\n",
-			static_cast<int>(i), pipe.id, get_usb_pipedirection(pipe), get_usb_pipetype(pipe),
-			pipe.packet_size);
+			static_cast<int>(i), pipe.id, get_usb_pipedirection(pipe),
+			get_usb_pipetype(pipe), pipe.packet_size);
 		if (!out && !(pipe.id & 0x80))
 			out = &pipe;
 	}
@@ -221,7 +222,8 @@ static void wake_in_scan(_usbdev *usb)
 static bool identify_s5000(_usbdev *usb)
 {
 	std::vector<u8> answer;
-	if (!ask_in_scan(usb, ask_s5000_second, &answer) || !ask_in_scan(usb, ask_s5000_name, &answer))
+	if (!ask_in_scan(usb, ask_s5000_second, &answer) ||
+		!ask_in_scan(usb, ask_s5000_name, &answer))
 		return false;
 	copy_text(usb->usb_name, bounded_bytes{ answer }.text(s5000_answer_name));
 	log_line("[D] Received S5000/6000 Sampler-Name [%s]\r\n", usb->usb_name);
@@ -237,7 +239,8 @@ static bool identify_z4(_usbdev *usb)
 	if (!ask_in_scan(usb, ask_z4_hardware, &answer))
 		return false;
 	for (const z4_hardware &kind : z4_kinds) {
-		if (answer.size() <= z4_answer_hardware || answer[z4_answer_hardware] != kind.answer)
+		if (answer.size() <= z4_answer_hardware ||
+			answer[z4_answer_hardware] != kind.answer)
 			continue;
 		usb->device_type = kind.device_type;
 		log_line("[D] Sampler-Type: %s\r\n", kind.name);
@@ -270,17 +273,20 @@ struct device_scan {
 static void scan_interface(const device_scan &scan, int index)
 {
 	const usb_interface &interface = scan.device->interfaces[static_cast<std::size_t>(index)];
-	log_line("[D] QUERIED INTERFACE-ID: %d --> bLength: %d, bInterfaceClass: %d, Endpoints: %d\r\n",
+	log_line("[D] QUERIED INTERFACE-ID: %d --> bLength: %d, bInterfaceClass: %d, Endpoints: "
+		 "%d\r\n",
 		index, 9, interface.interface_class, static_cast<int>(interface.pipes.size()));
 	const usb_pipe *out = first_out_pipe(interface);
 	if (!out) {
-		log_line("[D] Interface-Index: %d, No [OUT] Interface found for this index!\r\n", index);
+		log_line("[D] Interface-Index: %d, No [OUT] Interface found for this index!\r\n",
+			index);
 		return;
 	}
 	const int claimed =
 		index == 0 ? scan.claimed_first : host.usb->claim(scan.handle, interface.number);
 	if (claimed != usb_ok) {
-		log_line("[D] Interface-Index: %d, [OUT] Interface found for this index but open failed "
+		log_line("[D] Interface-Index: %d, [OUT] Interface found for this index but open "
+			 "failed "
 			 "(%s)!\r\n",
 			index, usb_error(__FILE_NAME__, __LINE__, claimed));
 		return;
@@ -318,7 +324,8 @@ static void scan_device(const usb_device &device, i32 *device_type, std::vector<
 
 	int handle = no_usb_handle;
 	const int opened = host.usb->open(device.path.c_str(), &handle);
-	log_line("[D] DEVICE_HANDLE: %d, ERROR: [%s]\r\n", opened == usb_ok ? handle : no_usb_handle,
+	log_line("[D] DEVICE_HANDLE: %d, ERROR: [%s]\r\n",
+		opened == usb_ok ? handle : no_usb_handle,
 		usb_error(__FILE_NAME__, __LINE__, opened));
 	tell_denied(device.path.c_str(), opened);
 	if (opened != usb_ok)
@@ -386,7 +393,6 @@ void init_usb(int force)
 		log_line("[W] Not initializing USB-Subsystem while a device is in use\r\n");
 		return;
 	}
-	host.usb->on_arrival(host.ui->wake);
 	// Interface events run inside the scan, and the flag must not outlive it.
 	struct scan_mark {
 		scan_mark() { scanning = true; }

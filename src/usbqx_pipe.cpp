@@ -46,12 +46,13 @@ const char *get_usb_pipetype(const usb_pipe &pipe)
 }
 
 // Begin one transfer. A refusal by the host is its outcome.
-static void begin_transfer(usb_exchange *e, usb_exchange::transfer *t, u8 pipe, u8 *bytes,
-	std::size_t count)
+static void begin_transfer(
+	usb_exchange *e, usb_exchange::transfer *t, u8 pipe, u8 *bytes, std::size_t count)
 {
 	*t = {};
 	int id = no_usb_handle;
-	t->result = host.usb->submit(e->usb->interface_handle, pipe, bytes, count, e->deadline_ms, &id);
+	t->result =
+		host.usb->submit(e->usb->interface_handle, pipe, bytes, count, e->deadline_ms, &id);
 	if (t->result == usb_ok)
 		t->id = id;
 }
@@ -102,8 +103,8 @@ static void begin_read(usb_exchange *e)
 	begin_transfer(e, &e->in, usb->pipe_id | in_pipe_bit, usb->landing.data() + kept, count);
 }
 
-void begin_exchange(usb_exchange *e, _usbdev *usb,
-	std::initializer_list<std::span<const u8>> runs, std::size_t wanted)
+void begin_exchange(usb_exchange *e, _usbdev *usb, std::initializer_list<std::span<const u8>> runs,
+	std::size_t wanted)
 {
 	e->usb = usb;
 	e->wanted = wanted;
@@ -244,7 +245,8 @@ static void drop_rest_of_answer(_usbdev *usb, std::span<const u8> answer, int ma
 		if (last.size() < capacity || last.empty() || last.back() == end_byte)
 			return;
 		if (packets == 0)
-			log_line("[W] An answer is longer than %d Bytes, its end is lost\r\n", maxsize);
+			log_line("[W] An answer is longer than %d Bytes, its end is lost\r\n",
+				maxsize);
 		usb_exchange e;
 		e.deadline_ms = framed_deadline_ms;
 		e.may_stop = false;

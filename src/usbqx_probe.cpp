@@ -26,8 +26,8 @@ enum { disks_start = 9, disk_id_high = 0, disk_id_low = 1, disk_type = 2, disk_f
 static constexpr u8 end_byte = 0xF7;
 // clang-format on
 
-static bounded_bytes ask_probe(_usbdev *usb, std::span<const u8> command, int number,
-	std::array<u8, 1024> *answer)
+static bounded_bytes ask_probe(
+	_usbdev *usb, std::span<const u8> command, int number, std::array<u8, 1024> *answer)
 {
 	int received = 0;
 	_sysex_midi_usb(usb, command.data(), static_cast<int>(command.size()), answer->data(),
@@ -58,10 +58,11 @@ static void log_disks(bounded_bytes list)
 	for (std::size_t i = disks_start; i < list.size() && list[i] != end_byte;) {
 		const bounded_bytes disk = list.from(i);
 		const std::string name = disk.text(disk_name);
-		log_line("[D] --> DISK_INFO!!! DISK-ID: %d, FORMAT: %d, SCSI-ID: %d, Type: %d, Name: "
+		log_line("[D] --> DISK_INFO!!! DISK-ID: %d, FORMAT: %d, SCSI-ID: %d, Type: %d, "
+			 "Name: "
 			 "[%s]\r\n",
-			disk[disk_id_high] * 128 + disk[disk_id_low], disk[disk_format], disk[disk_scsi],
-			disk[disk_type], name.c_str());
+			disk[disk_id_high] * 128 + disk[disk_id_low], disk[disk_format],
+			disk[disk_scsi], disk[disk_type], name.c_str());
 		i += disk_name + name.size() + 1;
 	}
 }

@@ -17,6 +17,7 @@
 //
 // Knows nothing of: what models do.
 
+#include "src/usbqx.h"
 #include "src/velmor.h"
 #include "src/controls.h"
 #include <algorithm>
@@ -186,6 +187,7 @@ int load_sampler(const char *sampler_name)
 {
 	if (!sampler_name || !*sampler_name)
 		return 1;
+	init_usb(1);
 	const std::string path = sampler_path(sampler_name);
 	log_line("[D] LOADING SAMPLER-CONFIG from: [%s]\r\n", path.c_str());
 	show_progressbar(window_main, 100, "Loading Sampler...");
@@ -202,6 +204,8 @@ int load_sampler(const char *sampler_name)
 	const _sampler_type *row = get_sampler(static_cast<i32>(current_sampler->sampler_type));
 	if (!row)
 		return refuse_model();
+	if (row->sampler_flags & flag_usb)
+		probe_usb_sampler();
 	show_sampler_buttons(true, row->sampler_flags);
 	set_progressbar(100);
 	hide_progressbar(window_main);
@@ -252,7 +256,7 @@ int store_sampler(const _sampler &record)
 }
 
 // True if the dialog's name can be the name of a file in this folder, and may be written now.
-static bool may_store(const std::string &name, const std::string &path)
+bool may_store(const std::string &name, const std::string &path)
 {
 	if (name.empty() || file_name_of(name) != name) {
 		show_box("Info", "Please choose a name for the sampler, without / and \\.");

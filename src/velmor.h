@@ -154,6 +154,8 @@ void load_sampler_list();
 int load_sampler(const char *sampler_name);
 // Store the sampler dialog's entries: 0, or 1 when nothing was stored.
 int save_sampler();
+// True if a name can be the name of a configuration and may be stored now; a box tells why not.
+bool may_store(const std::string &name, const std::string &path);
 // Write a configuration under its description and make it the current sampler: 0, or 1 when
 // nothing was stored, which a box has said. The file is the old one or the new one at any moment.
 int store_sampler(const _sampler &record);

@@ -5,6 +5,7 @@
 
 #include "src/controls.h"
 #include "src/rmidi.h"
+#include "src/usbqx.h"
 #include "src/velmor.h"
 #include "src/velmor_window.h"
 
@@ -40,6 +41,7 @@ void start_velmor()
 	load_run_mode();
 	current_sampler = nullptr;
 	conf_sampler.clear();
+	init_usb_sem();
 	start_windows();
 	reload_midi_setup(false);
 	load_settings();

@@ -71,6 +71,7 @@ static int finish_transfer(const usb_exchange *e, usb_exchange::transfer *t)
 		if (!cancelled && e->may_stop && progress_stopped()) {
 			host.usb->cancel(t->id);
 			cancelled = true;
+			continue;
 		}
 		host.ui->pump(wait_slice_ms);
 	}

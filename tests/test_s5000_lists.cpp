@@ -21,7 +21,7 @@ const char *const open_s5000 = R"(
 
 class s5000_lists : public host_test
 {
-      protected:
+protected:
 	s5000_lists() : wire(h, 0x5E)
 	{
 		_usbdev entry = {};
@@ -46,7 +46,8 @@ class s5000_lists : public host_test
 	// What the sampler answers to a small request: its data at offset 9.
 	void ask(const std::string &frame, const std::string &data)
 	{
-		wire.play(("> " + frame + "\n < F0 47 5E 21 00 00 52 00 00 " + data + " F7").c_str());
+		wire.play(
+			("> " + frame + "\n < F0 47 5E 21 00 00 52 00 00 " + data + " F7").c_str());
 	}
 	transcript_usb wire;
 	_dev_status *dev;
@@ -79,7 +80,8 @@ TEST_F(s5000_lists, nothing_works_without_a_status_or_a_device)
 	wire.play(open_s5000);
 	akai_s5000_getsamplelist(1, 1, dev); // opens first, and only then looks
 	const auto log = h.log();
-	EXPECT_EQ(std::count(log.begin(), log.end(), "WARNING! Must do a 'getstatus' before\r\n"), 3);
+	EXPECT_EQ(
+		std::count(log.begin(), log.end(), "WARNING! Must do a 'getstatus' before\r\n"), 3);
 	wire.open_result = usb_no_device;
 	akai_s5000_getstatus(1, 1, dev);
 	EXPECT_TRUE(h.logged("WARNING! USB Device cannot be opened!"));
@@ -113,7 +115,7 @@ TEST_F(s5000_lists, a_failed_multi_list_leaves_the_count_and_no_names)
 	bool warned = false;
 	for (const std::string &line : h.log())
 		warned |= line.starts_with("[I] (akais5000_lists.cpp:") &&
-			line.ends_with(") WARNING! SYSEX-MIDI_USB FAILED!\r\n");
+			  line.ends_with(") WARNING! SYSEX-MIDI_USB FAILED!\r\n");
 	EXPECT_TRUE(warned);
 }
 
@@ -179,8 +181,8 @@ TEST_F(s5000_lists, one_program_with_one_keygroup)
 	ask("10 0A 00 F0 47 5E 21 00 00 0A 13 1D F7", "'PIANO' 00");
 	ask("10 0A 00 F0 47 5E 21 00 00 0A 12 1C F7", "01 02");
 	ask("10 0A 00 F0 47 5E 21 00 00 0A 14 1E F7", "01");
-	// 3A+01+02+01 = 3E; groups 57 + 18+19+1A+2*1B+1C+4 = F5; 133 -> 33. 52 + 8 = 3C.
-	ask(std::string("10 3C 00 F0 47 5E 21 00 00 3A 01 02 01 ") + block_1_groups + " 41 F7",
+	// 3A+01+02+01 = 3E; items 4B + 4B + 36 + 1C, sub-indexes 4: 12A -> 2A. 52 + 8 = 3C.
+	ask(std::string("10 3C 00 F0 47 5E 21 00 00 3A 01 02 01 ") + block_1_groups + " 2A F7",
 		"18 60 02 01 32 01 00 05 02 07 64 01 32 00 14 02 0A");
 	// 28+29+2A+2B+3*2C+6+2D = 15D; with 3E 19B -> 1B. 36 + 8 = 2C.
 	ask(std::string("10 2C 00 F0 47 5E 21 00 00 3A 01 02 01 ") + block_2_groups + " 1B F7",
@@ -202,16 +204,29 @@ TEST_F(s5000_lists, one_program_with_one_keygroup)
 	ask("10 0B 00 F0 47 5E 21 00 00 08 6B 03 76 F7", "23");
 	ask("10 0B 00 F0 47 5E 21 00 00 08 6B 04 77 F7", "24");
 	// Items of a zone in their order, and what zone 1 answers. Zone z adds z to the sum.
-	struct { u8 item; const char *data; } zone[] = {
-		{ 0x21, "'PIANO C3' 00" }, { 0x2B, "7F" }, { 0x2C, "40" }, { 0x22, "02 05" },
-		{ 0x23, "20" }, { 0x24, "03" }, { 0x25, "00 07" }, { 0x26, "01 32" },
-		{ 0x27, "00 0C" }, { 0x28, "01" }, { 0x29, "02" }, { 0x2A, "01 01 00" },
-		{ 0x2D, "01" }, { 0x2E, "00" },
+	struct {
+		u8 item;
+		const char *data;
+	} zone[] = {
+		{ 0x21, "'PIANO C3' 00" },
+		{ 0x2B, "7F" },
+		{ 0x2C, "40" },
+		{ 0x22, "02 05" },
+		{ 0x23, "20" },
+		{ 0x24, "03" },
+		{ 0x25, "00 07" },
+		{ 0x26, "01 32" },
+		{ 0x27, "00 0C" },
+		{ 0x28, "01" },
+		{ 0x29, "02" },
+		{ 0x2A, "01 01 00" },
+		{ 0x2D, "01" },
+		{ 0x2E, "00" },
 	};
 	for (int z = 1; z <= 4; z++)
 		for (const auto &row : zone)
-			ask(format_text("10 0B 00 F0 47 5E 21 00 00 06 %02X %02X %02X F7", row.item, z,
-				    (6 + row.item + z) & 0x7F),
+			ask(format_text("10 0B 00 F0 47 5E 21 00 00 06 %02X %02X %02X F7", row.item,
+				    z, (6 + row.item + z) & 0x7F),
 				z == 1 ? row.data : "00");
 	akai_s5000_getproglist(1, 1, dev);
 
@@ -336,7 +351,11 @@ TEST_F(s5000_lists, stop_ends_the_walk_behind_a_request)
 
 TEST(usb_values, examples)
 {
-	struct { const value_form *form; const char *bytes; i32 value; } rows[] = {
+	struct {
+		const value_form *form;
+		const char *bytes;
+		i32 value;
+	} rows[] = {
 		{ &as_plain, "7F", 127 },
 		{ &as_word14, "01 02", 130 },
 		{ &as_word28, "00 02 58 44", 44100 }, // 2 * 16384 + 88 * 128 + 68
@@ -360,9 +379,13 @@ TEST(usb_values, examples)
 // Reading is no inverse of writing: the low bits are taken for a shift, modulo 32.
 TEST(usb_values, velocity_start)
 {
-	struct { const char *bytes; i32 value; } rows[] = {
-		{ "00 01 00", 128 }, { "01 01 00", -128 }, { "02 01 00", -128 }, { "00 01 01", 256 },
-		{ "00 00 05", 0 }, { "00 03 19", 3 }, // 0x19 + 7 is 32, and so no shift
+	struct {
+		const char *bytes;
+		i32 value;
+	} rows[] = {
+		{ "00 01 00", 128 }, { "01 01 00", -128 }, { "02 01 00", -128 },
+		{ "00 01 01", 256 }, { "00 00 05", 0 },
+		{ "00 03 19", 3 }, // 0x19 + 7 is 32, and so no shift
 	};
 	for (const auto &row : rows)
 		EXPECT_EQ(as_velocity_start.get({ hex(row.bytes) }), row.value) << row.bytes;

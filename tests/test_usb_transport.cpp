@@ -392,7 +392,7 @@ TEST_F(usb_transport, stop_ends_a_raw_transfer)
 	int received = 1;
 	EXPECT_FALSE(read_midi_usb(usb, bytes, 64, &received));
 	EXPECT_EQ(received, 0);
-	EXPECT_LT(h.time.now() - before, 1.2);
+	EXPECT_LT(h.time.now() - before, 1.25);
 	h.on_pump = nullptr;
 	close_midi_usb(usb);
 	show_progressbar(0, 0, nullptr);

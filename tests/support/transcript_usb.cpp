@@ -8,6 +8,7 @@ namespace velmor
 {
 
 static transcript_usb *plugged = nullptr;
+int transcript_usb::next_id = 1;
 
 static constexpr double seconds_per_byte = 8 / 12e6;
 static constexpr double transfer_overhead = 50e-6;

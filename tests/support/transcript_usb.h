@@ -73,7 +73,7 @@ private:
 	test_host &host_of_test;
 	std::list<step> steps;
 	std::list<transfer> transfers;
-	int next_id = 1;
+	static int next_id; // never one of an earlier transcript
 	bool unplugged = false, waiting = false;
 	std::size_t cut = 0;
 	bool cut_next = false;

@@ -54,8 +54,10 @@ public:
 	{
 		pollfd file;
 		snd_rawmidi_poll_descriptors(in, &file, 1);
-		poll(&file, 1, milliseconds);
 		std::vector<u8> block(65536);
+		// Both directions are one file, which blocks since the constructor.
+		if (poll(&file, 1, milliseconds) != 1 || !(file.revents & POLLIN))
+			return {};
 		const ssize_t n = snd_rawmidi_read(in, block.data(), block.size());
 		block.resize(n > 0 ? static_cast<std::size_t>(n) : 0);
 		return block;

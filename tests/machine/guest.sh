@@ -14,12 +14,12 @@ failed=0
 for part in "$here"/guest.d/$PARTS.sh; do
 	name=$(basename "$part" .sh)
 	begin=$(up)
-	if timeout -k 5 "${PART_LIMIT:-150}" bash "$part" </dev/null; then
+	if timeout -k 5 "${PART_LIMIT:-240}" bash "$part" </dev/null; then
 		echo "PASS $name ($(($(up) - begin)) s)"
 	else
 		echo "FAIL $name (status $?)"
 		failed=$((failed + 1))
-		dmesg | tail -15
+		dmesg --level=emerg,alert,crit,err | tail -15
 	fi
 done
 [ "$failed" -eq 0 ]

@@ -3,10 +3,11 @@ set -e
 modprobe snd-seq
 modprobe snd-virmidi midi_devs=2
 modprobe snd-seq-midi
-first=$(aconnect -l | awk -F'[ :]+' '/^client.*VirMIDI|^client.*Virtual Raw MIDI/ { print $2; exit }')
-second=$(aconnect -l | awk -F'[ :]+' '/^client.*VirMIDI|^client.*Virtual Raw MIDI/ { at = $2 } END { print at }')
-aconnect "$first:0" "$second:0"
-aconnect "$second:0" "$first:0"
-"$VELMOR_BUILD/tests/machine/machine_midi" --gtest_brief=1 --gtest_color=no
-"$VELMOR_BUILD/tests/machine/machine_midi" --gtest_brief=1 --gtest_color=no \
-	--gtest_also_run_disabled_tests --gtest_filter='*interface_that_is_pulled*'
+client() { aconnect -l | awk -F'[ :]+' '/^client.*Virtual Raw MIDI/ { print $2 }' | sed -n "$1p"; }
+aconnect "$(client 1):0" "$(client 2):0"
+aconnect "$(client 2):0" "$(client 1):0"
+
+run() { "$VELMOR_BUILD/tests/machine/$1" --gtest_color=no "${@:2}"; }
+run machine_midi
+run machine_sampler
+run machine_midi --gtest_also_run_disabled_tests --gtest_filter='*interface_that_is_pulled*'

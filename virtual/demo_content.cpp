@@ -176,7 +176,7 @@ static void add_sound(
 struct zone {
 	const char *sample;
 	std::uint8_t low, high;
-	std::int8_t level = 0, pan = 0;
+	std::uint8_t level = 0, pan = 0;
 };
 
 // Key range, envelope (attack, decay, sustain, release) and filter of a keygroup. A mute
@@ -200,8 +200,8 @@ static void put_zone(machine::bytes &block, std::size_t at, const zone &z)
 	machine::put_name(block, at, z.sample);
 	block[at + 12] = z.low;
 	block[at + 13] = z.high;
-	block[at + 16] = static_cast<std::uint8_t>(z.level);
-	block[at + 18] = static_cast<std::uint8_t>(z.pan);
+	block[at + 16] = z.level;
+	block[at + 18] = z.pan;
 }
 
 static void fill_keygroup(machine::bytes &block, const keygroup_plan &plan)
@@ -247,8 +247,8 @@ void fill_s3000(s1000_machine &machine)
 	add_plan(machine, { "STUDIO KIT", 9, {
 		{  35,  36,   0, 60, 99, 20,  99, no_mute, { { "KICK", 0, 127 } } },
 		{  37,  40,   0, 60, 99, 25,  99, no_mute, { { "SNARE", 0, 127, 0, 5 } } },
-		{  42,  44,   0, 60, 99, 10,  99, 0,       { { "HAT CLOSED", 0, 127, -6, -15 } } },
-		{  46,  46,   0, 60, 99, 40,  99, 0,       { { "HAT OPEN", 0, 127, -6, -15 } } },
+		{  42,  44,   0, 60, 99, 10,  99, 0,       { { "HAT CLOSED", 0, 127, 0, 15 } } },
+		{  46,  46,   0, 60, 99, 40,  99, 0,       { { "HAT OPEN", 0, 127, 0, 15 } } },
 	} });
 	add_plan(machine, { "STRING LAYER", 0, {
 		{  36,  59,  45, 70, 90, 62,  80, no_mute, { { "STRING SOFT", 0, 84 }, { "STRING LOUD", 85, 127 } } },
@@ -258,7 +258,7 @@ void fill_s3000(s1000_machine &machine)
 		{  24,  60,   0, 72, 60, 30,  75, no_mute, { { "PICK BASS", 0, 127 } } },
 	} });
 	add_plan(machine, { "CHOIR AH", 2, {
-		{  43,  57,  40, 60, 99, 55,  85, no_mute, { { "CHOIR AH", 0, 127, 0, -25 } } },
+		{  43,  57,  40, 60, 99, 55,  85, no_mute, { { "CHOIR AH", 0, 127 } } },
 		{  58,  79,  35, 60, 99, 55,  95, no_mute, { { "CHOIR AH", 0, 127, 0, 25 } } },
 	} });
 }
@@ -273,7 +273,7 @@ void fill_s1000(s1000_machine &machine)
 	add_plan(machine, { "DRUMS", 9, {
 		{  35,  36,   0, 60, 99, 20,  99, no_mute, { { "BD 1", 0, 127 } } },
 		{  37,  40,   0, 60, 99, 25,  99, no_mute, { { "SD 1", 0, 127 } } },
-		{  42,  46,   0, 60, 99, 10,  99, no_mute, { { "HH 1", 0, 127, -4, 0 } } },
+		{  42,  46,   0, 60, 99, 10,  99, no_mute, { { "HH 1", 0, 127 } } },
 	} });
 	add_plan(machine, { "BASS", 0, {
 		{  24,  72,   0, 72, 60, 30,  70, no_mute, { { "BASS 1", 0, 127 } } },

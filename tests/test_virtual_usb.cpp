@@ -6,9 +6,8 @@
 // bytes, data, F7. The Z4's frames lack the two zeros and the sum, and the answers have the
 // status two bytes earlier and a zero before the data.
 
-#include "virtual/s5000.h"
+#include "virtual/demo_usb.h"
 #include "virtual/usb_bus.h"
-#include "virtual/z4.h"
 #include <gtest/gtest.h>
 #include <sstream>
 
@@ -573,6 +572,36 @@ TEST_F(usb_test, an_mpc_is_awake_and_forgets_its_answers_when_told)
 	EXPECT_EQ(read(16384).size(), 9600u);
 	EXPECT_EQ(read().size(), 18u);
 	unplug_all_usb();
+}
+
+TEST_F(usb_test, the_demo_holds_samples_for_every_zone)
+{
+	s5000 big;
+	fill_demo(big);
+	EXPECT_EQ(big.programs.size(), 5u);
+	const auto present = [&big](const std::string &wanted) {
+		for (const usb_sample &s : big.samples)
+			if (s.name == wanted)
+				return true;
+		return false;
+	};
+	for (s5000_program &p : big.programs)
+		for (s5000_keygroup &k : p.keygroups) {
+			EXPECT_LE(k.at(0x04)[0], k.at(0x05)[0]) << p.name;
+			for (const s5000_zone &z : k.zones)
+				EXPECT_TRUE(z.sample.empty() || present(z.sample)) << z.sample;
+		}
+	for (const usb_sample &s : big.samples) {
+		wave_facts facts;
+		ASSERT_TRUE(read_wave(s.wave, &facts)) << s.name;
+		EXPECT_EQ(facts.rate, 44100u);
+		EXPECT_GT(facts.frames, 4000u) << s.name;
+	}
+	z4 small(z4_model::z8);
+	fill_demo(small);
+	EXPECT_EQ(small.programs.size(), 5u);
+	EXPECT_EQ(small.programs[4].keygroups[1].zones[1].level,
+		(std::array<std::uint8_t, 3>{ 1, 0x5A, 0 })); // -9.0 dB
 }
 
 // ---- The bus -----------------------------------------------------------------------------

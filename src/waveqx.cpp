@@ -124,13 +124,6 @@ u8 recalculate_playmode(u8 mode)
 
 // ---- Names ----------------------------------------------------------------------------
 
-static bool equal_but_for_case(std::string_view a, std::string_view b)
-{
-	auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; };
-	return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-		[&](char x, char y) { return lower(x) == lower(y); });
-}
-
 std::string wave_path_of(const std::string &filebase)
 {
 	const std::string path = filebase + ".wav";

@@ -138,7 +138,8 @@ extern std::vector<std::unique_ptr<_program>> local_pgm;
 extern int local_pgms;
 
 // Read a program file. The record is cleared first. A sampler must be loaded. False after
-// a box.
+// a box; after one about a file that cannot be read the progress window is still up, for
+// the caller to hide.
 bool import_akp_file(const char *filename, _program *program);
 
 // File a copy. A program of that name is asked about; the new one is then filed beside

@@ -282,14 +282,6 @@ bool next_chunk(bounded_bytes file, std::size_t *at, akp_chunk *chunk)
 	return true;
 }
 
-std::string lower_case(std::string text)
-{
-	for (char &c : text)
-		if (c >= 'A' && c <= 'Z')
-			c = static_cast<char>(c + 'a' - 'A');
-	return text;
-}
-
 // What was met on the way through a file or a keygroup.
 struct akp_state {
 	_program *program;
@@ -386,9 +378,8 @@ void read_chunks(akp_state &state, bounded_bytes file)
 	akp_chunk chunk;
 	for (std::size_t at = 12; next_chunk(file, &at, &chunk);) {
 		log_line("[D] HDR-NAME: [%.4s], Size: %u\r\n", chunk.name.c_str(), chunk.size);
-		const std::string name = lower_case(chunk.name);
 		for (const chunk_reader &reader : readers)
-			if (name == reader.name)
+			if (equal_but_for_case(chunk.name, reader.name))
 				reader.read(state, chunk.data);
 	}
 }
@@ -518,9 +509,24 @@ static std::vector<std::string> required_samples(const _program *program)
 	return names;
 }
 
+// Disks of these samplers do not tell cases apart, and programs name their samples so.
+static std::string sample_file(const std::string &folder, const std::string &name)
+{
+	const std::string base = folder + "\\" + file_name_of(name), path = wave_path_of(base);
+	file_info info;
+	std::vector<std::string> names;
+	if (host.files->stat(path.c_str(), &info) == 0 ||
+		host.files->list(folder.c_str(), &names) != 0)
+		return path;
+	for (const std::string &candidate : names)
+		if (equal_but_for_case(folder + "\\" + candidate, path))
+			return folder + "\\" + candidate;
+	return path;
+}
+
 static void import_required_sample(const std::string &folder, const std::string &name, int number)
 {
-	const std::string path = wave_path_of(folder + "\\" + file_name_of(name));
+	const std::string path = sample_file(folder, name);
 	file_info info = {};
 	const bool loadable = host.files->stat(path.c_str(), &info) == 0 && info.regular;
 	log_line("[D] REQUIRED SAMPLE[%d]: [%s] --> FILE: [%s], Loadable: %d (%llu Bytes)\r\n",

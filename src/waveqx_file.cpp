@@ -21,6 +21,17 @@ owned_bytes allocate_bytes(u64 count)
 	return owned_bytes(static_cast<u8 *>(std::calloc(count ? count : 1, 1)));
 }
 
+char lower(char c)
+{
+	return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 'a' - 'A') : c;
+}
+
+bool equal_but_for_case(std::string_view a, std::string_view b)
+{
+	return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+		[](char x, char y) { return lower(x) == lower(y); });
+}
+
 std::string error_words(const char *file, int line, int code)
 {
 	if (code == not_a_file)

@@ -11,6 +11,7 @@
 #include <cstdlib>
 #include <memory>
 #include <string>
+#include <string_view>
 
 namespace velmor
 {
@@ -74,6 +75,10 @@ struct free_block {
 };
 using owned_bytes = std::unique_ptr<u8[], free_block>;
 owned_bytes allocate_bytes(u64 count);
+
+// Names as a disk sees them that does not tell cases apart (ASCII letters).
+char lower(char c);
+bool equal_but_for_case(std::string_view a, std::string_view b);
 
 // The system's words for a code, or "(file:line) Unknown error-code [code]".
 std::string error_words(const char *file, int line, int code);

@@ -180,17 +180,9 @@ int import_wave(const char *filename, int dialog, unsigned bits, int rate, unsig
 
 // ---- The list of the spool ----------------------------------------------------------------
 
-static char lower(char c)
-{
-	return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 'a' - 'A') : c;
-}
-
 static bool is_wave_name(std::string_view name)
 {
-	static constexpr std::string_view extension = ".wav";
-	return name.size() > extension.size() &&
-	       std::equal(extension.begin(), extension.end(), name.end() - 4,
-		       [](char a, char b) { return a == lower(b); });
+	return name.size() > 4 && equal_but_for_case(name.substr(name.size() - 4), ".wav");
 }
 
 static bool local_sample_name_comparer(const _local_sample &a, const _local_sample &b)
@@ -295,12 +287,8 @@ static std::string copy_file(const std::string &source, const std::string &targe
 static bool taken_in_another_case(
 	const std::vector<std::string> &names, std::size_t at, const std::string &target_folder)
 {
-	auto same = [](const std::string &a, const std::string &b) {
-		return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-			[](char x, char y) { return lower(x) == lower(y); });
-	};
 	const bool twin = std::any_of(names.begin(), names.begin() + static_cast<long>(at),
-		[&](const std::string &earlier) { return same(earlier, names[at]); });
+		[&](const std::string &earlier) { return equal_but_for_case(earlier, names[at]); });
 	file_info info = {};
 	if (!twin || host.files->stat((target_folder + "\\" + names[at]).c_str(), &info) != 0)
 		return false;

@@ -130,7 +130,7 @@ TEST_F(samples, a_bad_header_is_logged_and_changes_nothing)
 		{ "of another sample", "< F0 47 05 0B 48 02 00 01 00 F7", 0x0B },
 		{ "of sample 129", "< F0 47 05 0B 48 01 01 01 00 F7", 0x0B },
 		{ "cut before its index", "< F0 47 05 0B 48 F7", 0x0B },
-		{ "garbage", "< 7F*60 F7", 0x7F },
+		{ "garbage", "< F0 7F*60 F7", 0x7F },
 	};
 	for (const auto &it : rows) {
 		h.forget_log();

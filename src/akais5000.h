@@ -260,7 +260,7 @@ bool exchange_raw(const raw_step &step, std::initializer_list<std::span<const u8
 	std::size_t wanted, raw_answer *answer,
 	std::source_location where = std::source_location::current());
 // The answer to what was sent, asked for again while the sampler is busy. busy_log says so.
-bool finish_raw(const raw_step &step, usb_exchange *exchange, raw_answer *answer,
+bool finish_raw(const raw_step &step, bulk_exchange *exchange, raw_answer *answer,
 	void (*busy_log)(int length), std::source_location where = std::source_location::current());
 const char *file_tag(const std::source_location &where);
 

@@ -100,7 +100,7 @@ static bool upload_block(upload *u, bool first, int step_size)
 		return false;
 	log_line("[D] Transferring: %d/%d Bytes of data!\r\n", static_cast<int>(count),
 		static_cast<int>(u->block_size));
-	usb_exchange e;
+	bulk_exchange e;
 	raw_answer answer;
 	const std::span<const u8> block = std::span<const u8>(u->buffer).first(u->block_size);
 	begin_exchange(&e, u->step.usb, { block, block_acknowledge }, upload_answer_size);
@@ -220,7 +220,7 @@ static bool ask_header(download *d, i32 handle)
 // lies in the buffer goes to the disk meanwhile.
 static bool next_length(download *d, std::size_t to_write, u32 *length)
 {
-	usb_exchange e;
+	bulk_exchange e;
 	raw_answer answer;
 	begin_exchange(&e, d->step.usb, { block_acknowledge }, length_answer_size);
 	if (to_write && !d->write(to_write)) {

@@ -234,13 +234,13 @@ bool tell_raw_outcome(const raw_step &step, exchange_outcome outcome, std::sourc
 bool exchange_raw(const raw_step &step, std::initializer_list<std::span<const u8>> runs,
 	std::size_t wanted, raw_answer *answer, std::source_location where)
 {
-	usb_exchange e;
+	bulk_exchange e;
 	begin_exchange(&e, step.usb, runs, std::min(wanted, answer->buffer.size()));
 	return tell_raw_outcome(
 		step, finish_exchange(&e, answer->buffer.data(), &answer->length), where);
 }
 
-bool finish_raw(const raw_step &step, usb_exchange *e, raw_answer *answer,
+bool finish_raw(const raw_step &step, bulk_exchange *e, raw_answer *answer,
 	void (*busy_log)(int length), std::source_location where)
 {
 	busy_watch watch;
@@ -313,7 +313,7 @@ bool download::open()
 
 bool download::read_exactly(std::size_t count)
 {
-	usb_exchange e;
+	bulk_exchange e;
 	std::size_t got = 0;
 	begin_exchange(&e, step.usb, {}, count);
 	if (!tell_raw_outcome(step, finish_exchange(&e, buffer.data(), &got)))

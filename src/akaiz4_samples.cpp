@@ -106,7 +106,7 @@ static block_outcome upload_block(upload *u)
 		return block_outcome::failed;
 	log_line("[D] Transferring: %d/%d Bytes of data!\r\n", static_cast<int>(count),
 		static_cast<int>(u->block_size));
-	usb_exchange e;
+	bulk_exchange e;
 	raw_answer answer;
 	const std::span<const u8> block = std::span<const u8>(u->buffer).first(u->block_size);
 	begin_exchange(&e, u->step.usb, { block, block_acknowledge }, upload_answer_size);
@@ -255,7 +255,7 @@ static bool ask_header(download *d, u32 handle, const char *caption)
 	log_line("[D] SAMPLE HANDLE: 0x%08X (Request: [%s])\r\n", handle,
 		hex_text(get_sample).c_str());
 	raw_answer answer;
-	usb_exchange e;
+	bulk_exchange e;
 	begin_exchange(&e, d->step.usb, { get_sample }, 0);
 	if (!tell_raw_outcome(d->step, finish_exchange(&e, nullptr, &answer.length)) ||
 		!wait_for_header(d->step))
@@ -286,7 +286,7 @@ static bool ask_header(download *d, u32 handle, const char *caption)
 // lies in the buffer goes to the disk meanwhile.
 static bool next_length(download *d, std::size_t to_write, u32 *length)
 {
-	usb_exchange e;
+	bulk_exchange e;
 	raw_answer answer;
 	begin_exchange(&e, d->step.usb, { block_acknowledge }, length_answer_size);
 	if (to_write && !d->write(to_write)) {

@@ -117,7 +117,7 @@ bool usb_in_use()
 
 static bool send_bytes(_usbdev *usb, std::span<const u8> bytes)
 {
-	usb_exchange e;
+	bulk_exchange e;
 	e.deadline_ms = framed_deadline_ms;
 	e.may_stop = false;
 	std::size_t none = 0;
@@ -127,7 +127,7 @@ static bool send_bytes(_usbdev *usb, std::span<const u8> bytes)
 
 static bool receive_bytes(_usbdev *usb, std::vector<u8> *answer)
 {
-	usb_exchange e;
+	bulk_exchange e;
 	e.deadline_ms = framed_deadline_ms;
 	e.may_stop = false;
 	std::size_t received = 0;

@@ -82,7 +82,7 @@ const char *get_usb_pipetype(const usb_pipe &pipe);
 // the bus does not idle between them. begin and finish belong together; the bytes must live
 // until finish. A run of bytes that the host took only in part is a failure, unless it is
 // the last.
-struct usb_exchange {
+struct bulk_exchange {
 	static constexpr int max_runs = 2;
 	struct transfer {
 		int id = no_usb_handle; // the host's; no_usb_handle when none is under way
@@ -103,11 +103,11 @@ enum exchange_outcome : int {
 	exchange_read_failed,
 	exchange_stopped,
 };
-void begin_exchange(usb_exchange *exchange, _usbdev *usb,
+void begin_exchange(bulk_exchange *exchange, _usbdev *usb,
 	std::initializer_list<std::span<const u8>> runs, std::size_t wanted);
-exchange_outcome finish_exchange(usb_exchange *exchange, u8 *answer, std::size_t *received);
+exchange_outcome finish_exchange(bulk_exchange *exchange, u8 *answer, std::size_t *received);
 // Forget an exchange that will not be finished.
-void abandon_exchange(usb_exchange *exchange);
+void abandon_exchange(bulk_exchange *exchange);
 
 // "(file:line) [words]" of a usb_result, in one static buffer.
 const char *usb_error(const char *file, int line, int code);

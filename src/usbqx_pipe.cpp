@@ -47,7 +47,7 @@ const char *get_usb_pipetype(const usb_pipe &pipe)
 
 // Begin one transfer. A refusal by the host is its outcome.
 static void begin_transfer(
-	usb_exchange *e, usb_exchange::transfer *t, u8 pipe, u8 *bytes, std::size_t count)
+	bulk_exchange *e, bulk_exchange::transfer *t, u8 pipe, u8 *bytes, std::size_t count)
 {
 	*t = {};
 	int id = no_usb_handle;
@@ -58,7 +58,7 @@ static void begin_transfer(
 }
 
 // Let interface events run until the transfer has ended.
-static int finish_transfer(const usb_exchange *e, usb_exchange::transfer *t)
+static int finish_transfer(const bulk_exchange *e, bulk_exchange::transfer *t)
 {
 	bool cancelled = false;
 	while (t->id != no_usb_handle) {
@@ -80,14 +80,14 @@ static int finish_transfer(const usb_exchange *e, usb_exchange::transfer *t)
 	return t->result;
 }
 
-static void begin_write(usb_exchange *e, int run, std::size_t from)
+static void begin_write(bulk_exchange *e, int run, std::size_t from)
 {
 	// The service takes one buffer type for both directions; it does not write to this one.
 	u8 *bytes = const_cast<u8 *>(e->bytes[run].data()) + from;
 	begin_transfer(e, &e->out[run], e->usb->pipe_id, bytes, e->bytes[run].size() - from);
 }
 
-static void begin_read(usb_exchange *e)
+static void begin_read(bulk_exchange *e)
 {
 	_usbdev *usb = e->usb;
 	const std::size_t kept = usb->kept_to - usb->kept_from;
@@ -104,14 +104,14 @@ static void begin_read(usb_exchange *e)
 	begin_transfer(e, &e->in, usb->pipe_id | in_pipe_bit, usb->landing.data() + kept, count);
 }
 
-void begin_exchange(usb_exchange *e, _usbdev *usb, std::initializer_list<std::span<const u8>> runs,
+void begin_exchange(bulk_exchange *e, _usbdev *usb, std::initializer_list<std::span<const u8>> runs,
 	std::size_t wanted)
 {
 	e->usb = usb;
 	e->wanted = wanted;
 	e->runs = 0;
 	for (std::span<const u8> run : runs)
-		if (e->runs < usb_exchange::max_runs && !run.empty())
+		if (e->runs < bulk_exchange::max_runs && !run.empty())
 			e->bytes[e->runs++] = run;
 	for (int run = 0; run < e->runs; run++)
 		begin_write(e, run, 0);
@@ -119,14 +119,14 @@ void begin_exchange(usb_exchange *e, _usbdev *usb, std::initializer_list<std::sp
 		begin_read(e);
 }
 
-void abandon_exchange(usb_exchange *e)
+void abandon_exchange(bulk_exchange *e)
 {
-	for (usb_exchange::transfer *t : { &e->out[0], &e->out[1], &e->in }) {
+	for (bulk_exchange::transfer *t : { &e->out[0], &e->out[1], &e->in }) {
 		if (t->id != no_usb_handle)
 			host.usb->cancel(t->id);
 	}
 	const int reason = usb_last_result;
-	for (usb_exchange::transfer *t : { &e->out[0], &e->out[1], &e->in })
+	for (bulk_exchange::transfer *t : { &e->out[0], &e->out[1], &e->in })
 		finish_transfer(e, t);
 	usb_last_result = reason;
 	e->usb->kept_from = e->usb->kept_to = 0;
@@ -134,7 +134,7 @@ void abandon_exchange(usb_exchange *e)
 
 // The last run may leave in several transfers; an earlier one is all or nothing, because
 // what follows it is on its way already.
-static bool finish_write(usb_exchange *e, int run)
+static bool finish_write(bulk_exchange *e, int run)
 {
 	for (std::size_t sent = 0;;) {
 		if (finish_transfer(e, &e->out[run]) != usb_ok)
@@ -151,13 +151,13 @@ static bool finish_write(usb_exchange *e, int run)
 	}
 }
 
-static exchange_outcome failed_exchange(usb_exchange *e, exchange_outcome outcome)
+static exchange_outcome failed_exchange(bulk_exchange *e, exchange_outcome outcome)
 {
 	abandon_exchange(e);
 	return e->may_stop && progress_stopped() ? exchange_stopped : outcome;
 }
 
-exchange_outcome finish_exchange(usb_exchange *e, u8 *answer, std::size_t *received)
+exchange_outcome finish_exchange(bulk_exchange *e, u8 *answer, std::size_t *received)
 {
 	*received = 0;
 	for (int run = 0; run < e->runs; run++)
@@ -179,7 +179,7 @@ bool write_midi_usb(_usbdev *usb, const u8 *data, int len)
 {
 	if (len <= 0)
 		return true;
-	usb_exchange e;
+	bulk_exchange e;
 	std::size_t none = 0;
 	begin_exchange(&e, usb, { { data, static_cast<std::size_t>(len) } }, 0);
 	if (finish_exchange(&e, nullptr, &none) == exchange_done)
@@ -191,7 +191,7 @@ bool write_midi_usb(_usbdev *usb, const u8 *data, int len)
 
 bool read_midi_usb(_usbdev *usb, u8 *data, int maxlen, int *_received)
 {
-	usb_exchange e;
+	bulk_exchange e;
 	std::size_t received = 0;
 	begin_exchange(&e, usb, {}, static_cast<std::size_t>(std::max(maxlen, 0)));
 	const bool done = finish_exchange(&e, data, &received) == exchange_done;
@@ -248,7 +248,7 @@ static void drop_rest_of_answer(_usbdev *usb, std::span<const u8> answer, int ma
 		if (packets == 0)
 			log_line("[W] An answer is longer than %d Bytes, its end is lost\r\n",
 				maxsize);
-		usb_exchange e;
+		bulk_exchange e;
 		e.deadline_ms = framed_deadline_ms;
 		e.may_stop = false;
 		std::size_t received = 0;
@@ -280,7 +280,7 @@ bool _sysex_midi_usb(_usbdev *usb, const u8 *command, int size, u8 *response, in
 		is_z_family(usb) ? z4_frame(usb, payload) : s5000_frame(usb, payload);
 	usb->kept_from = usb->kept_to = 0;
 	const std::size_t wanted = static_cast<std::size_t>(std::max(maxsize, 0));
-	usb_exchange e;
+	bulk_exchange e;
 	e.deadline_ms = framed_deadline_ms;
 	e.may_stop = false;
 	begin_exchange(&e, usb, { frame }, wanted);

@@ -182,6 +182,9 @@ void put_big_endian_32(u8 *bytes, u32 value);
 // True for an answer of a sampler that wants to be asked again.
 bool is_busy(bounded_bytes answer);
 
+// The same for an answer that begins a transfer: the marker, and no size behind it.
+bool is_busy_alone(bounded_bytes answer);
+
 // How long the busy answers of one phase may last.
 struct busy_watch {
 	double since = -1;
@@ -261,7 +264,8 @@ bool exchange_raw(const raw_step &step, std::initializer_list<std::span<const u8
 	std::source_location where = std::source_location::current());
 // The answer to what was sent, asked for again while the sampler is busy. busy_log says so.
 bool finish_raw(const raw_step &step, bulk_exchange *exchange, raw_answer *answer,
-	void (*busy_log)(int length), std::source_location where = std::source_location::current());
+	void (*busy_log)(int length), bool (*busy)(bounded_bytes answer) = is_busy,
+	std::source_location where = std::source_location::current());
 const char *file_tag(const std::source_location &where);
 
 // A block size that the sampler stated, against what can be; what is wrong is told.

@@ -87,6 +87,11 @@ static bool delete_existing(_usbdev *usb, const std::string &name)
 	return ask_for_transfer(usb, delete_current, &answer, "UPLOAD");
 }
 
+static void log_busy(int)
+{
+	log_line("[D] Sampler is still busy...\r\n");
+}
+
 // One block, its acknowledge and the sampler's answer, which states the next block's size.
 // The first pass takes a header from the file, whatever the size of the block it sends.
 // Behind the end of the file the block holds what the buffer held before.
@@ -104,8 +109,7 @@ static bool upload_block(upload *u, bool first, int step_size)
 	raw_answer answer;
 	const std::span<const u8> block = std::span<const u8>(u->buffer).first(u->block_size);
 	begin_exchange(&e, u->step.usb, { block, block_acknowledge }, upload_answer_size);
-	if (!finish_raw(u->step, &e, &answer,
-		    [](int) { log_line("[D] Sampler is still busy...\r\n"); }))
+	if (!finish_raw(u->step, &e, &answer, log_busy))
 		return false;
 	u->sent += static_cast<u64>(count);
 	u->remaining -= std::min<u64>(u->remaining, static_cast<u64>(count));
@@ -119,8 +123,10 @@ static bool upload_block(upload *u, bool first, int step_size)
 static bool send_sample(upload *u)
 {
 	raw_answer answer;
-	if (!exchange_raw(
-		    u->step, { u->announcement(u->file.basename) }, upload_answer_size, &answer))
+	bulk_exchange e;
+	const std::vector<u8> command = u->announcement(u->file.basename);
+	begin_exchange(&e, u->step.usb, { command }, upload_answer_size);
+	if (!finish_raw(u->step, &e, &answer, log_busy, is_busy_alone))
 		return false;
 	u->block_size = big_endian_32(answer.bytes(), upload_answer_block_size);
 	log_line("[D] Upload Block-Size: %d\r\n", static_cast<i32>(u->block_size));

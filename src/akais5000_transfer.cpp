@@ -39,6 +39,11 @@ bool is_busy(bounded_bytes answer)
 	return answer.size() >= 4 && std::memcmp(answer.bytes.data(), "AkaI", 4) == 0;
 }
 
+bool is_busy_alone(bounded_bytes answer)
+{
+	return is_busy(answer) && big_endian_32(answer, upload_answer_block_size) == 0;
+}
+
 bool busy_watch::goes_on()
 {
 	const double now = host.clock->counter();
@@ -241,14 +246,15 @@ bool exchange_raw(const raw_step &step, std::initializer_list<std::span<const u8
 }
 
 bool finish_raw(const raw_step &step, bulk_exchange *e, raw_answer *answer,
-	void (*busy_log)(int length), std::source_location where)
+	void (*busy_log)(int length), bool (*busy)(bounded_bytes answer),
+	std::source_location where)
 {
 	busy_watch watch;
 	for (const std::size_t wanted = e->wanted;; begin_exchange(e, step.usb, {}, wanted)) {
 		if (!tell_raw_outcome(step,
 			    finish_exchange(e, answer->buffer.data(), &answer->length), where))
 			return false;
-		if (!is_busy(answer->bytes()))
+		if (!busy(answer->bytes()))
 			return true;
 		busy_log(static_cast<int>(answer->length));
 		if (progress_stopped())

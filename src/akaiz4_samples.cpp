@@ -157,7 +157,9 @@ static bool announce(upload *u)
 	const std::vector<u8> command = u->announcement(u->file.basename + ".wav");
 	raw_answer answer;
 	log_line("[D] Z4 --> UPLOAD REQUEST [%s]\r\n", hex_text(command).c_str());
-	if (!exchange_raw(u->step, { command }, upload_answer_size, &answer))
+	bulk_exchange e;
+	begin_exchange(&e, u->step.usb, { command }, upload_answer_size);
+	if (!finish_raw(u->step, &e, &answer, log_busy, is_busy_alone))
 		return false;
 	const std::string dump = hex_text(answer.bytes().bytes);
 	log_line("[D] Z4 <-- UPLOAD RESPONSE [%s]\r\n", dump.c_str());
@@ -248,6 +250,25 @@ static bool wait_for_header(const raw_step &step)
 	return true;
 }
 
+// The first answer of a download; the busy marker alone is none.
+static exchange_outcome read_header_length(_usbdev *usb, raw_answer *answer)
+{
+	busy_watch watch;
+	for (;;) {
+		bulk_exchange e;
+		begin_exchange(&e, usb, {}, length_answer_size);
+		const exchange_outcome outcome =
+			finish_exchange(&e, answer->buffer.data(), &answer->length);
+		if (outcome != exchange_done || !is_busy_alone(answer->bytes()))
+			return outcome;
+		log_busy(static_cast<int>(answer->length));
+		if (progress_stopped())
+			return exchange_stopped;
+		if (!watch.goes_on())
+			return exchange_read_failed;
+	}
+}
+
 static bool ask_header(download *d, u32 handle, const char *caption)
 {
 	u8 get_sample[5] = { get_sample_command };
@@ -260,8 +281,7 @@ static bool ask_header(download *d, u32 handle, const char *caption)
 	if (!tell_raw_outcome(d->step, finish_exchange(&e, nullptr, &answer.length)) ||
 		!wait_for_header(d->step))
 		return false;
-	begin_exchange(&e, d->step.usb, {}, length_answer_size);
-	const exchange_outcome outcome = finish_exchange(&e, answer.buffer.data(), &answer.length);
+	const exchange_outcome outcome = read_header_length(d->step.usb, &answer);
 	if (outcome == exchange_stopped)
 		return tell_raw_outcome(d->step, outcome);
 	if (outcome != exchange_done || answer.length < shortest_length) {

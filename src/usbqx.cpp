@@ -150,7 +150,9 @@ static bool receive_all(_usbdev *usb, std::size_t marker, const char *more, std:
 	for (int packets = 0; packets < max_continued_packets; packets++) {
 		if (!receive_bytes(usb, answer))
 			return false;
-		if (!has_marker(*answer, marker, more))
+		// A Z4 may leave the end byte of an earlier answer in front of this one.
+		const bool stray = answer->size() == 1 && answer->front() == 0xF7;
+		if (!stray && !has_marker(*answer, marker, more))
 			return true;
 	}
 	log_line("[W] USB device does not end its answer\r\n");

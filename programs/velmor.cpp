@@ -16,9 +16,6 @@ static void install_services()
 		.settings = &posix_settings,
 		.clock = &posix_clock,
 		.files = &posix_files };
-	host.midi->on_arrival(host.ui->wake);
-	host.net->on_arrival(host.ui->wake);
-	host.usb->on_arrival(host.ui->wake);
 }
 
 int main(int argc, char **argv)

@@ -1,0 +1,290 @@
+// test_window_commands.cpp - what the buttons, menus and dialogs do
+
+#include "src/velmor_window.h"
+#include "tests/support/fake_model.h"
+#include <set>
+
+using namespace velmor;
+
+namespace
+{
+
+class window_commands : public host_test
+{
+protected:
+	window_commands() { forget_commands(); }
+	~window_commands() override { forget_commands(); }
+};
+
+std::vector<std::string> ports_out, ports_in;
+
+// Two lists of names; nothing can be opened.
+midi_service named_ports()
+{
+	midi_service ports = *host.midi;
+	ports.outputs = [] { return static_cast<int>(ports_out.size()); };
+	ports.inputs = [] { return static_cast<int>(ports_in.size()); };
+	ports.output_name = [](int i) { return ports_out[static_cast<std::size_t>(i)].c_str(); };
+	ports.input_name = [](int i) { return ports_in[static_cast<std::size_t>(i)].c_str(); };
+	return ports;
+}
+
+class with_ports : public window_commands
+{
+protected:
+	with_ports() : ports(named_ports())
+	{
+		ports_out = { "Out A", "Out B" };
+		ports_in = { "In A" };
+		host.midi = &ports;
+	}
+	midi_service ports;
+};
+
+} // namespace
+
+TEST_F(window_commands, the_words_are_those_of_the_program)
+{
+	const std::tuple<int, int, const char *> words[] = {
+		{ window_main, 0, "VELMOR Sysex-Tools" },
+		{ window_main, 9001, "E&xit" },
+		{ window_main, 9002, "Basic settings" },
+		{ window_main, 9003, "Manage MIDI &Samplers" },
+		{ window_main, 9004, "Manage &USB &Samplers" },
+		{ window_main, 12000, "Load Sampler" },
+		{ window_main, 12001, "Manage Samples" },
+		{ window_samples, 0, "VELMOR Manage current Samples" },
+		{ window_settings, 0, "VELMOR General Setup" },
+		{ window_settings, 1, "&Save settings" },
+		{ window_settings, 2, "&Cancel" },
+		{ window_sampler, 0, "VELMOR Manage current Sampler" },
+		{ window_sampler, 2, "&Cancel" },
+		{ window_sampler, 10102, "Get Device Info" },
+		{ window_sampler, 39003, "Use TCP instead of MIDI" },
+		{ window_sampler, 39004, "Use MIDI instead of TCP" },
+		{ window_sampler, sampler_control_list, "CTRL-Ch(1-16):" },
+		{ window_sampler, sampler_exclusive_list, "Sysex-Ch (1-127):" },
+		{ window_samples, samples_download, "Download this Sample" },
+		{ window_samples, samples_loaded_delete, "Delete this Sample" },
+		{ window_samples, samples_local_rename, "Rename this Sample" },
+		{ window_samples, samples_upload, "Upload this Sample" },
+		{ window_samples, samples_import, "Import Sample" },
+		{ window_samples, samples_export, "Export Spool" },
+		{ window_samples, samples_clear, "Clear Spool" },
+		{ window_samples, samples_mix_files, "Create L/R files" },
+	};
+	for (const auto &[window, control, caption] : words) {
+		ASSERT_TRUE(find_caption(window, control)) << caption;
+		EXPECT_STREQ(find_caption(window, control)->caption, caption);
+	}
+}
+
+TEST_F(window_commands, no_control_has_two_rows_of_words)
+{
+	std::set<std::pair<int, int>> seen;
+	for (const caption_row &row : captions)
+		EXPECT_TRUE(seen.insert({ row.window, row.control }).second)
+			<< row.window << " " << row.control;
+}
+
+TEST_F(window_commands, work_that_is_not_built_has_no_command)
+{
+	EXPECT_FALSE(has_command(window_main, menu_midi_files));
+	EXPECT_FALSE(has_command(window_main, main_programs));
+	EXPECT_FALSE(has_command(window_main, main_lcd));
+	EXPECT_FALSE(velmor_command(window_main, main_programs));
+}
+
+TEST_F(window_commands, settings_without_any_port_say_so)
+{
+	EXPECT_TRUE(velmor_command(window_main, menu_settings));
+	EXPECT_EQ(h.boxes, (std::vector<shown_box>{ { "No MIDI Interfaces found in this system!",
+				   "Fatal Error!" } }));
+	EXPECT_FALSE((h.visible[{ window_settings, 0 }]));
+}
+
+TEST_F(with_ports, settings_list_the_ports_behind_a_first_line)
+{
+	selected_midi_in_interface = -1;
+	selected_midi_in_mon_interface = 0;
+	selected_midi_out_interface = 1;
+	velmor_command(window_main, menu_settings);
+	EXPECT_TRUE((h.visible[{ window_settings, 0 }]));
+	EXPECT_EQ((h.lists[{ window_settings, settings_midi_out }]),
+		(std::vector<std::string>{ "Select Interface", "Out A", "Out B" }));
+	EXPECT_EQ((h.lists[{ window_settings, settings_midi_in }]),
+		(std::vector<std::string>{ "Select Interface", "In A" }));
+	EXPECT_EQ((h.selections[{ window_settings, settings_midi_in }]), 0);
+	EXPECT_EQ((h.selections[{ window_settings, settings_midi_in_mon }]), 1);
+	EXPECT_EQ((h.selections[{ window_settings, settings_midi_out }]), 2);
+	EXPECT_EQ((h.texts[{ window_settings, settings_config_path }]), h.root + "/VELMOR/CONFIG");
+}
+
+TEST_F(with_ports, a_choice_counts_at_once_and_is_kept_by_save)
+{
+	velmor_command(window_main, menu_settings);
+	host.ui->select(window_settings, settings_midi_out, 2);
+	velmor_selection(window_settings, settings_midi_out);
+	EXPECT_EQ(selected_midi_out_interface, 1);
+	EXPECT_EQ(h.settings.count("midi_out"), 0u);
+	host.ui->select(window_settings, settings_midi_in, 1);
+	velmor_command(window_settings, control_ok);
+	EXPECT_EQ(h.settings["midi_out"], "1");
+	EXPECT_EQ(h.settings["midi_in"], "0");
+	EXPECT_FALSE((h.visible[{ window_settings, 0 }]));
+}
+
+TEST_F(with_ports, cancel_hides_and_stores_nothing)
+{
+	velmor_command(window_main, menu_settings);
+	velmor_command(window_settings, control_cancel);
+	EXPECT_FALSE((h.visible[{ window_settings, 0 }]));
+	EXPECT_TRUE(h.settings.empty());
+}
+
+TEST_F(window_commands, sampler_dialog_offers_every_brand_and_creates_a_new_sampler)
+{
+	velmor_command(window_main, menu_midi_samplers);
+	EXPECT_EQ((h.lists[{ window_sampler, sampler_brand_list }]),
+		(std::vector<std::string>{ "Generic", "Akai S900/950", "Akai S1000, S1100",
+			"Akai S2000", "Akai S2800", "Akai S3000/S3000XL", "Akai S3200",
+			"Akai S5000/6000", "Akai Z4/Z8", "Akai MPC 4000" }));
+	EXPECT_EQ((h.lists[{ window_sampler, sampler_midi_list }].size()), 16u);
+	EXPECT_EQ((h.lists[{ window_sampler, sampler_exclusive_list }].size()), 129u);
+	EXPECT_EQ((h.texts[{ window_sampler, control_ok }]), "Create new");
+	EXPECT_EQ((h.selections[{ window_sampler, sampler_brand_list }]), 0);
+
+	h.texts[{ window_sampler, sampler_name }] = "Rack";
+	host.ui->select(window_sampler, sampler_brand_list, 6);
+	host.ui->select(window_sampler, sampler_midi_list, 2);
+	host.ui->select(window_sampler, sampler_control_list, 0);
+	host.ui->select(window_sampler, sampler_exclusive_list, 5);
+	velmor_command(window_sampler, control_ok);
+	EXPECT_FALSE((h.visible[{ window_sampler, 0 }]));
+	const auto file = h.content(h.config + "\\Rack.sampler");
+	ASSERT_TRUE(file);
+	ASSERT_EQ(file->size(), 536u);
+	// S3200 is stored as id 1007 (03EF hex); control channel 1, MIDI channel 3, exclusive 5
+	EXPECT_EQ(std::vector<u8>(file->begin() + 512, file->begin() + 528),
+		hex("EF 03 00 00 01 00 00 00 03 00 00 00 05 00 00 00"));
+
+	// The next opening shows what is loaded now: the S3200 comes back as the S3000.
+	velmor_command(window_main, menu_midi_samplers);
+	EXPECT_EQ((h.texts[{ window_sampler, control_ok }]), "Save changes");
+	EXPECT_EQ((h.selections[{ window_sampler, sampler_brand_list }]), 5);
+	EXPECT_EQ((h.selections[{ window_sampler, sampler_midi_list }]), 2);
+	EXPECT_EQ((h.selections[{ window_sampler, sampler_exclusive_list }]), 5);
+}
+
+TEST_F(window_commands, a_refused_save_leaves_the_dialog_open)
+{
+	h.put_content(h.config + "\\Rack.sampler", std::vector<u8>(536));
+	velmor_command(window_main, menu_midi_samplers);
+	h.texts[{ window_sampler, sampler_name }] = "Rack";
+	velmor_command(window_sampler, control_ok);
+	EXPECT_EQ(h.boxes.back(),
+		(shown_box{ "A Sampler configuration with this name already exists!", "Fatal" }));
+	EXPECT_TRUE((h.visible[{ window_sampler, 0 }]));
+}
+
+TEST_F(window_commands, device_info_asks_the_described_sampler)
+{
+	fake_model model(h);
+	current_sampler = nullptr;
+	velmor_command(window_main, menu_midi_samplers);
+	host.ui->select(window_sampler, sampler_brand_list, 5);
+	host.ui->select(window_sampler, sampler_control_list, 3);
+	host.ui->select(window_sampler, sampler_exclusive_list, 9);
+	velmor_command(window_sampler, sampler_device_info);
+	EXPECT_TRUE(h.logged("[D] Requesting Sampler-Info"));
+	EXPECT_TRUE(h.logged(
+		"[D] Requesting Sampler-Info, Brand: 1007, MIDI_CHANNEL: 4, SYSEXCHAN: 9"));
+	EXPECT_EQ(model.calls, std::vector<std::string>{ "getstatus 4 9" });
+}
+
+TEST_F(window_commands, the_bridge_is_offered_with_diagnostics_alone)
+{
+	set_up_windows();
+	EXPECT_TRUE((h.visible[{ window_sampler, sampler_tcp_group }]));
+	EXPECT_EQ((h.texts[{ window_sampler, sampler_tcp_port }]), "9999");
+	current_run_mode.diagnostics = false;
+	set_up_windows();
+	EXPECT_FALSE((h.visible[{ window_sampler, sampler_tcp_group }]));
+}
+
+TEST_F(window_commands, a_refused_bridge_leaves_midi_in_force)
+{
+	h.texts[{ window_sampler, sampler_tcp_address }] = "10.0.0.9";
+	h.texts[{ window_sampler, sampler_tcp_port }] = "70000";
+	velmor_command(window_sampler, sampler_tcp_on);
+	EXPECT_TRUE(h.logged("TURNING ON TCP (10.0.0.9:0)"));
+	EXPECT_EQ(use_tcp, 0);
+	EXPECT_EQ(h.boxes.back(), (shown_box{ "Failed to connect IP (SOCKET)", "WARNING" }));
+	velmor_command(window_sampler, sampler_tcp_off);
+	EXPECT_TRUE(h.logged("TURNING OFF TCP"));
+	EXPECT_EQ((h.texts[{ window_sampler, sampler_tcp_status }]), "USING MIDI");
+}
+
+TEST_F(window_commands, load_with_an_empty_list_does_nothing)
+{
+	conf_sampler.clear();
+	velmor_command(window_main, main_load);
+	host.ui->select(window_main, main_sampler_list, 3);
+	velmor_command(window_main, main_load);
+	EXPECT_TRUE(h.boxes.empty());
+	EXPECT_EQ(current_sampler, nullptr);
+}
+
+TEST_F(window_commands, a_second_press_during_a_transfer_is_dropped)
+{
+	fake_model model(h);
+	model.names = { "KICK", "SNARE" };
+	velmor_command(window_main, main_samples);
+	host.ui->select(window_samples, samples_loaded_list, 0);
+	bool tried = false;
+	model.on_step = [&](int) {
+		tried = true;
+		EXPECT_TRUE(command_running());
+		EXPECT_FALSE(velmor_command(window_samples, samples_download));
+		EXPECT_FALSE(velmor_command(window_main, main_load));
+		EXPECT_FALSE(velmor_selection(window_samples, samples_local_list));
+		EXPECT_TRUE(velmor_command(window_samples, control_cancel));
+	};
+	model.calls.clear();
+	EXPECT_TRUE(velmor_command(window_samples, samples_download));
+	EXPECT_TRUE(tried);
+	EXPECT_FALSE(command_running());
+	EXPECT_EQ(model.calls.front(), "downloadsample KICK");
+	EXPECT_EQ(std::count(model.calls.begin(), model.calls.end(), "downloadsample KICK"), 1);
+}
+
+TEST_F(window_commands, closing_during_a_transfer_stops_it_and_closes_after_it)
+{
+	fake_model model(h);
+	model.names = { "KICK", "SNARE" };
+	velmor_command(window_main, main_samples);
+	model.calls.clear();
+	model.on_step = [&](int step) {
+		if (step == 1)
+			EXPECT_TRUE(velmor_command(window_main, menu_exit));
+		EXPECT_FALSE(h.logged("[D] Closing Application!"));
+	};
+	EXPECT_THROW(velmor_command(window_samples, samples_download_all), process_ended);
+	EXPECT_EQ(model.calls, std::vector<std::string>{ "downloadsample KICK" });
+	EXPECT_FALSE(h.progress.visible);
+	EXPECT_TRUE(h.logged("[D] Closing Application!"));
+	EXPECT_FALSE(h.content(h.config + "\\sample\\KICK.wav"));
+}
+
+TEST_F(window_commands, exit_closes_at_once_when_nothing_runs)
+{
+	EXPECT_THROW(velmor_command(window_main, menu_exit), process_ended);
+	EXPECT_FALSE(command_running());
+}
+
+TEST_F(window_commands, a_bar_left_behind_by_a_failure_can_be_put_away)
+{
+	show_progressbar(0, 10, "Uploading [KICK]...");
+	velmor_command(window_progress, progress_stop);
+	EXPECT_FALSE(h.progress.visible);
+}

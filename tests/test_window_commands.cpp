@@ -265,8 +265,9 @@ TEST_F(window_commands, closing_during_a_transfer_stops_it_and_closes_after_it)
 	velmor_command(window_main, main_samples);
 	model.calls.clear();
 	model.on_step = [&](int step) {
-		if (step == 1)
+		if (step == 1) {
 			EXPECT_TRUE(velmor_command(window_main, menu_exit));
+		}
 		EXPECT_FALSE(h.logged("[D] Closing Application!"));
 	};
 	EXPECT_THROW(velmor_command(window_samples, samples_download_all), process_ended);

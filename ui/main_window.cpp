@@ -62,7 +62,6 @@ static QPlainTextEdit *make_log(top_window *window)
 	auto *log = new QPlainTextEdit(window);
 	log->setReadOnly(true);
 	log->setTabChangesFocus(true);
-	log->setLineWrapMode(QPlainTextEdit::NoWrap);
 	log->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
 	enroll(window->id, main_log, log);
 	log_view = log;

@@ -64,6 +64,8 @@ static QWidget *make_side(top_window *window, const side &s)
 	QLineEdit *name = make_field(window, s.new_name);
 	grid->addWidget(name, 2, 0);
 	grid->addWidget(make_button(window, s.rename), 2, 1);
+	grid->setColumnStretch(0, 1);
+	grid->setColumnStretch(1, 1);
 	column->addLayout(grid);
 	return box;
 }

@@ -1,0 +1,397 @@
+// journey.cpp - the main job of the program, done by hand on its own windows, and checked
+//
+// A user's way: load a sampler, look at its samples, fetch them all, send some
+// WAV files, rename one, delete one. Every step is mouse and key events to the
+// widgets, and every result is looked up where it must have arrived: in files on
+// the disk and in the memory of the virtual sampler.
+
+#include "programs/journey.h"
+#include "platform/host.h"
+#include "src/velmor_window.h"
+#include "ui/qt_ui.h"
+#include <QAction>
+#include <QApplication>
+#include <QDropEvent>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QMenu>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QMimeData>
+#include <QMouseEvent>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QTimer>
+#include <QUrl>
+#include <algorithm>
+#include <cstdio>
+
+namespace velmor
+{
+
+static journey const *the_trip;
+static int failures;
+static std::vector<std::string> boxes_seen;
+static bool progress_pictured;
+
+// ---- Telling --------------------------------------------------------------------------------
+
+static void check(bool good, const std::string &what)
+{
+	std::printf("%s %s\n", good ? "  ok    " : "  FAILED", what.c_str());
+	std::fflush(stdout);
+	if (!good)
+		failures++;
+}
+
+static void step(const char *what)
+{
+	std::printf("%s\n", what);
+}
+
+static void picture(int window, const char *name)
+{
+	QWidget *widget = find_widget(window, 0);
+	if (!widget)
+		return;
+	// The screen of the offscreen platform is smaller than a desk's.
+	if (window == window_samples)
+		widget->resize(1000, 800);
+	const QString file = QString::fromStdString(the_trip->pictures) + "/" + name + ".png";
+	check(widget->grab().save(file), "picture " + file.toStdString());
+}
+
+// ---- Hands ----------------------------------------------------------------------------------
+
+static void click_at(QWidget *widget, const QPoint &place)
+{
+	const QPointF there = widget->mapToGlobal(place);
+	for (QEvent::Type type : { QEvent::MouseButtonPress, QEvent::MouseButtonRelease }) {
+		QMouseEvent event(type, QPointF(place), there, Qt::LeftButton,
+			type == QEvent::MouseButtonPress ? Qt::LeftButton : Qt::NoButton,
+			Qt::NoModifier);
+		QApplication::sendEvent(widget, &event);
+	}
+}
+
+static void press(int window, int control)
+{
+	auto *button = qobject_cast<QPushButton *>(find_widget(window, control));
+	if (!button || !button->isVisible() || !button->isEnabled()) {
+		check(false,
+			format_text("button %d of window %d cannot be pressed", control, window));
+		return;
+	}
+	std::printf("  press \"%s\"\n", button->text().remove('&').toUtf8().constData());
+	click_at(button, button->rect().center());
+}
+
+// Open the menu that holds the entry, and click on it.
+static void choose_entry(int control)
+{
+	auto *entry = qobject_cast<QAction *>(find_control(window_main, control));
+	auto *bar = find_widget(window_main, 0)->findChild<QMenuBar *>();
+	if (!entry || !bar) {
+		check(false, format_text("menu entry %d is missing", control));
+		return;
+	}
+	for (QAction *top : bar->actions()) {
+		QMenu *menu = top->menu();
+		if (!menu || !menu->actions().contains(entry))
+			continue;
+		std::printf("  menu \"%s\", \"%s\"\n", top->text().remove('&').toUtf8().constData(),
+			entry->text().remove('&').toUtf8().constData());
+		click_at(bar, bar->actionGeometry(top).center());
+		click_at(menu, menu->actionGeometry(entry).center());
+		return;
+	}
+	check(false, format_text("menu entry %d is in no menu", control));
+}
+
+static QListWidget *list_of(int window, int control)
+{
+	return qobject_cast<QListWidget *>(find_widget(window, control));
+}
+
+static std::vector<std::string> names_in(int window, int control)
+{
+	std::vector<std::string> names;
+	const QListWidget *list = list_of(window, control);
+	for (int i = 0; list && i < list->count(); i++)
+		names.push_back(list->item(i)->text().toStdString());
+	return names;
+}
+
+static void choose(int window, int control, const std::string &name)
+{
+	QListWidget *list = list_of(window, control);
+	const auto found =
+		list ? list->findItems(QString::fromStdString(name), Qt::MatchFixedString)
+		     : QList<QListWidgetItem *>();
+	if (found.isEmpty()) {
+		check(false, "\"" + name + "\" is not in the list");
+		return;
+	}
+	list->scrollToItem(found.first());
+	click_at(list->viewport(), list->visualItemRect(found.first()).center());
+}
+
+static void type_into(int window, int control, const std::string &text)
+{
+	QWidget *field = find_widget(window, control);
+	field->setFocus();
+	if (auto *line = qobject_cast<QLineEdit *>(field))
+		line->selectAll();
+	for (QChar letter : QString::fromStdString(text)) {
+		QKeyEvent down(QEvent::KeyPress, 0, Qt::NoModifier, letter);
+		QApplication::sendEvent(field, &down);
+		QKeyEvent up(QEvent::KeyRelease, 0, Qt::NoModifier, letter);
+		QApplication::sendEvent(field, &up);
+	}
+}
+
+static void drop_files(const std::vector<std::string> &files)
+{
+	QListWidget *list = list_of(window_samples, samples_local_list);
+	QMimeData data;
+	QList<QUrl> urls;
+	for (const std::string &file : files)
+		urls += QUrl::fromLocalFile(QString::fromStdString(file));
+	data.setUrls(urls);
+	const QPoint middle = list->viewport()->rect().center();
+	QDragEnterEvent enter(middle, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+	QApplication::sendEvent(list->viewport(), &enter);
+	QDropEvent drop(middle, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+	QApplication::sendEvent(list->viewport(), &drop);
+	QApplication::processEvents();
+}
+
+void journey_glance()
+{
+	auto *bar = qobject_cast<QProgressBar *>(find_control(window_progress, progress_bar));
+	if (!the_trip || progress_pictured || !bar || !bar->isVisible() ||
+		!bar->window()->windowTitle().startsWith("Download") ||
+		bar->value() * 2 < bar->maximum())
+		return;
+	progress_pictured = true;
+	picture(window_progress, "progress");
+}
+
+// A box opens in the middle of a press; this reads it and presses its OK.
+static void answer_box()
+{
+	auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
+	if (!box)
+		return;
+	boxes_seen.push_back(box->text().toStdString());
+	std::printf("  box \"%s\": %s\n", box->windowTitle().toUtf8().constData(),
+		box->text().toUtf8().constData());
+	QPushButton *yes = qobject_cast<QPushButton *>(box->button(QMessageBox::Ok));
+	click_at(yes, yes->rect().center());
+}
+
+static bool box_said(const char *words)
+{
+	return std::find(boxes_seen.begin(), boxes_seen.end(), words) != boxes_seen.end();
+}
+
+// ---- Eyes -----------------------------------------------------------------------------------
+
+static std::string machine_name(const stored_sample &sample)
+{
+	return machine::get_name(sample.header, 3);
+}
+
+static std::vector<std::string> machine_names()
+{
+	std::vector<std::string> names;
+	for (const stored_sample &sample : the_trip->sampler.samples)
+		names.push_back(machine_name(sample));
+	return names;
+}
+
+static const stored_sample *on_machine(const std::string &name)
+{
+	for (const stored_sample &sample : the_trip->sampler.samples)
+		if (machine_name(sample) == name)
+			return &sample;
+	return nullptr;
+}
+
+static std::string spool_path(const std::string &name)
+{
+	return current_config_path + "\\sample\\" + file_name_of(name) + ".wav";
+}
+
+// What stands in a file from at on, as words; the head of the program's own files takes 144
+// bytes.
+static std::vector<std::int16_t> words_of(const std::string &path, std::size_t at)
+{
+	file_info info;
+	int file;
+	std::vector<std::int16_t> words;
+	if (host.files->stat(path.c_str(), &info) || info.size < at ||
+		host.files->open(path.c_str(), file_read, &file))
+		return words;
+	std::vector<u8> bytes(info.size);
+	std::size_t moved = 0;
+	host.files->read(file, bytes.data(), bytes.size(), &moved);
+	host.files->close(file);
+	for (std::size_t i = at; i + 1 < moved; i += 2)
+		words.push_back(static_cast<std::int16_t>(bytes[i] | bytes[i + 1] << 8));
+	return words;
+}
+
+// The names of a sampler: capitals, and a full stop for what its alphabet lacks.
+static std::string sampler_name_of(const std::string &name)
+{
+	machine::bytes block(machine::name_size);
+	machine::put_name(block, 0, name);
+	return machine::get_name(block, 0);
+}
+
+// ---- The way --------------------------------------------------------------------------------
+
+static void look_at_setup()
+{
+	step("Look at the settings and at the sampler dialog");
+	choose_entry(menu_settings);
+	picture(window_settings, "settings");
+	press(window_settings, control_cancel);
+	choose_entry(menu_midi_samplers);
+	picture(window_sampler, "sampler-new");
+	press(window_sampler, control_cancel);
+}
+
+static void load()
+{
+	step("Load the sampler");
+	choose(window_main, main_sampler_list, the_trip->name);
+	press(window_main, main_load);
+	check(current_sampler && current_sampler->sampler_description == the_trip->name,
+		the_trip->name + " is loaded");
+	choose_entry(menu_midi_samplers);
+	picture(window_sampler, "sampler");
+	press(window_sampler, control_cancel);
+}
+
+static void list_samples()
+{
+	step("List its samples");
+	press(window_main, main_samples);
+	check(names_in(window_samples, samples_loaded_list) == machine_names(),
+		format_text("the list shows the %zu samples of the sampler",
+			the_trip->sampler.samples.size()));
+}
+
+static void download_all()
+{
+	step("Download all samples");
+	press(window_samples, samples_download_all);
+	for (const stored_sample &sample : the_trip->sampler.samples) {
+		const std::string path = spool_path(machine_name(sample));
+		check(words_of(path, 144) == sample.words,
+			format_text("%s holds the sampler's %zu words",
+				host.files->host_path(path.c_str()).c_str(), sample.words.size()));
+	}
+}
+
+static std::string base_name(const std::string &file)
+{
+	const std::string name = file.substr(file.rfind('/') + 1);
+	return name.substr(0, name.rfind('.'));
+}
+
+static void upload(const std::string &file)
+{
+	const std::string name = base_name(file);
+	choose(window_samples, samples_local_list, name);
+	boxes_seen.clear();
+	press(window_samples, samples_upload);
+	check(box_said("Sample successfully uploaded!"), name + " was sent");
+	const stored_sample *arrived = on_machine(sampler_name_of(name));
+	check(arrived && !arrived->words.empty(),
+		"the sampler holds " + sampler_name_of(name) +
+			(arrived ? format_text(", %zu words", arrived->words.size()) : ""));
+}
+
+static void import_and_upload()
+{
+	step("Drop WAV files on the list, and upload them");
+	drop_files(the_trip->files);
+	check(box_said(format_text(
+		      "%zu/%zu files converted!", the_trip->files.size(), the_trip->files.size())
+			       .c_str()),
+		"every file was converted");
+	for (const std::string &file : the_trip->files)
+		upload(file);
+}
+
+static void rename_one()
+{
+	step("Rename a sample on the sampler");
+	const std::string old_name = machine_names().front();
+	choose(window_samples, samples_loaded_list, old_name);
+	type_into(window_samples, samples_loaded_new_name, "JOURNEY");
+	press(window_samples, samples_loaded_rename);
+	check(on_machine("JOURNEY") && !on_machine(old_name),
+		"the sampler calls " + old_name + " JOURNEY now");
+}
+
+static void delete_one()
+{
+	step("Delete a sample on the sampler");
+	const std::size_t before = the_trip->sampler.samples.size();
+	choose(window_samples, samples_loaded_list, "JOURNEY");
+	press(window_samples, samples_loaded_delete);
+	check(!on_machine("JOURNEY") && the_trip->sampler.samples.size() == before - 1,
+		"JOURNEY is gone from the sampler");
+	check(names_in(window_samples, samples_loaded_list) == machine_names(),
+		"the list agrees with the sampler");
+}
+
+// The first sample that loops, as a picture of it shows most.
+static std::string looped_name()
+{
+	for (const stored_sample &sample : the_trip->sampler.samples)
+		if (machine_name(sample).starts_with("STRING"))
+			return machine_name(sample);
+	return machine_name(the_trip->sampler.samples.front());
+}
+
+static void look_closer()
+{
+	step("Look at a sample on both sides");
+	choose(window_samples, samples_loaded_list, machine_names()[1]);
+	press(window_samples, samples_loaded_info);
+	check(host.ui->get_text(window_samples, samples_detail_origin) == "LOADED",
+		"the sampler told about its sample");
+	choose(window_samples, samples_local_list, looped_name());
+	picture(window_samples, "samples");
+}
+
+int run_journey(const journey &trip)
+{
+	the_trip = &trip;
+	QTimer eyes;
+	QObject::connect(&eyes, &QTimer::timeout, answer_box);
+	eyes.start(1);
+	QApplication::processEvents();
+	look_at_setup();
+	load();
+	list_samples();
+	download_all();
+	import_and_upload();
+	rename_one();
+	delete_one();
+	look_closer();
+	picture(window_main, "main");
+	std::printf("WAV files: %s\nScreenshots: %s\n",
+		host.files->host_path((current_config_path + "\\sample").c_str()).c_str(),
+		trip.pictures.c_str());
+	std::printf(failures ? "%d steps FAILED\n" : "Every step did what it should.\n", failures);
+	the_trip = nullptr;
+	return failures ? 1 : 0;
+}
+
+} // namespace velmor

@@ -1,0 +1,25 @@
+// journey.h - the main job of the program, done by hand on its own windows, and checked
+
+#pragma once
+#include "virtual/s1000.h"
+#include <string>
+#include <vector>
+
+namespace velmor
+{
+
+struct journey {
+	s1000_machine &sampler;         // the one behind the configuration name
+	std::string name;               // in the list of samplers
+	std::vector<std::string> files; // WAV files to send, host paths
+	std::string pictures;           // folder of the screenshots, host path
+};
+
+// Runs it, prints what it does, and gives the exit status: 0 if every step did what it should.
+int run_journey(const journey &trip);
+
+// To be called whenever the system waits: takes the picture of the progress window, and
+// answers boxes as a user would.
+void journey_glance();
+
+} // namespace velmor

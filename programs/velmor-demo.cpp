@@ -1,0 +1,239 @@
+// velmor-demo.cpp - the desktop program with virtual samplers plugged in
+//
+//	velmor-demo                                       the windows, in real time
+//	velmor-demo --journey [WAV ...] [--out FOLDER]    the main job by itself, in seconds
+//
+// An S3000 and an S1000 hang on one MIDI cable and tell each other apart by their
+// exclusive channels, as in a rack. Settings, configurations and samples lie in a
+// folder of the demo's own, VELMOR-Demo beside the real VELMOR, so nothing of the
+// user's is ever touched.
+
+#include "platform/backends.h"
+#include "programs/journey.h"
+#include "src/velmor.h"
+#include "ui/qt_ui.h"
+#include "virtual/demo_content.h"
+#include "virtual/midi_ports.h"
+#include "virtual/usb_bus.h"
+#include <QApplication>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+
+using namespace velmor;
+
+// ---- What is plugged in -----------------------------------------------------------------------
+
+static constexpr u8 s3000_channel = 0, s1000_channel = 1;
+
+struct rack {
+	timeline time;
+	s1000_machine s3000{ s1000_model::s3000, s3000_channel };
+	s1000_machine s1000{ s1000_model::s1000, s1000_channel };
+};
+
+static rack *the_rack;
+
+// What one machine does not take for itself is for the next one on the cable.
+static midi_machine both(midi_machine first, midi_machine second)
+{
+	using hear = std::function<machine::bytes(machine::byte_view)>;
+	const auto in_turn = [](hear a, hear b) {
+		return [a, b](machine::byte_view message) {
+			machine::bytes said = a(message);
+			return said.empty() ? b(message) : said;
+		};
+	};
+	return { .answer = in_turn(first.answer, second.answer),
+		.refuse = in_turn(first.refuse, second.refuse),
+		.wait = in_turn(first.wait, second.wait) };
+}
+
+static void plug_in(rack *r)
+{
+	fill_s3000(r->s3000);
+	fill_s1000(r->s1000);
+	plug_midi(r->time, both(r->s3000.on_wire(), r->s1000.on_wire()), "Demo MIDI cable");
+}
+
+// ---- Where everything lies ----------------------------------------------------------------------
+
+static void write_configuration(const std::string &folder, const char *name, i32 model, u8 channel)
+{
+	const std::string path = folder + "/" + name + ".sampler";
+	if (std::filesystem::exists(path))
+		return;
+	_sampler sampler = {};
+	copy_text(sampler.sampler_description, name);
+	sampler.sampler_type = static_cast<u32>(model);
+	sampler.sampler_sysex = 1;
+	sampler.sampler_midi = 1;
+	sampler.sampler_sysex_channel = channel;
+	std::ofstream file(path, std::ios::binary);
+	file.write(reinterpret_cast<const char *>(&sampler), sizeof sampler);
+}
+
+static void prepare_folder(const std::string &root)
+{
+	const std::string config = root + "/VELMOR/CONFIG";
+	std::filesystem::create_directories(config);
+	setenv("LOCALAPPDATA", root.c_str(), 1);
+	setenv("XDG_CONFIG_HOME", (root + "/settings").c_str(), 1);
+	write_configuration(config, "Demo S3000", model_s3000, s3000_channel);
+	write_configuration(config, "Demo S1000", model_s1000, s1000_channel);
+	for (const char *key : { "midi_in", "midi_in_mon", "midi_out" })
+		posix_settings.save_key(key, "0");
+	// The log is written where the program runs.
+	std::filesystem::current_path(root);
+}
+
+static std::string demo_folder()
+{
+	const char *root = posix_settings.user_root();
+	if (!root) {
+		std::fprintf(stderr, "velmor-demo: there is no home folder for its files\n");
+		std::exit(1);
+	}
+	return posix_files.host_path(root) + "/VELMOR-Demo";
+}
+
+// ---- Services -----------------------------------------------------------------------------------
+
+static void install(const ui_service *ui, const clock_service *clock)
+{
+	host = { .ui = ui,
+		.midi = &virtual_midi,
+		.net = &posix_net,
+		.usb = &virtual_usb,
+		.settings = &posix_settings,
+		.clock = clock,
+		.files = &posix_files };
+}
+
+// Time that jumps to the next thing the samplers do.
+static void pass_time(double seconds)
+{
+	const double end = the_rack->time.now() + seconds;
+	the_rack->time.run_until(std::min(the_rack->time.next(), end));
+}
+
+static const clock_service jumping_clock = {
+	.time_of_day = [] { return 1700000000.0 + the_rack->time.now(); },
+	.counter = [] { return the_rack->time.now(); },
+	.sleep_ms =
+		[](int milliseconds) {
+			the_rack->time.run_until(the_rack->time.now() + milliseconds / 1000.0);
+		},
+};
+
+static ui_service jumping_ui()
+{
+	ui_service ui = qt_ui;
+	ui.pump = [](int max_ms) {
+		qt_ui.pump(0);
+		journey_glance();
+		pass_time(max_ms / 1000.0);
+	};
+	return ui;
+}
+
+// ---- The two ways to run --------------------------------------------------------------------------
+
+struct arguments {
+	bool travel = false;
+	std::vector<std::string> files;
+	std::string out;
+};
+
+static bool read_arguments(int argc, char **argv, arguments *a)
+{
+	for (int i = 1; i < argc; i++) {
+		const std::string word = argv[i];
+		if (word == "--journey")
+			a->travel = true;
+		else if (word == "--out" && i + 1 < argc)
+			a->out = std::filesystem::absolute(argv[++i]);
+		else if (a->travel && !word.starts_with("--"))
+			a->files.push_back(std::filesystem::absolute(word));
+		else
+			return false;
+	}
+	return a->travel || argc == 1;
+}
+
+// A WAV file as any editor writes it, for a journey without files of the user.
+static std::string make_file(const std::string &folder)
+{
+	const demo_sound sound = sung_vowel(22050, 220);
+	const u32 bytes = static_cast<u32>(sound.words.size()) * 2;
+	const u32 head[] = { 0x46464952, 36 + bytes, 0x45564157, 0x20746D66, 16, 0x00010001,
+		sound.rate, sound.rate * 2, 0x00100002, 0x61746164, bytes };
+	const std::string path = folder + "/Vowel.wav";
+	std::ofstream file(path, std::ios::binary);
+	file.write(reinterpret_cast<const char *>(head), sizeof head);
+	file.write(reinterpret_cast<const char *>(sound.words.data()), bytes);
+	return path;
+}
+
+// The offscreen platform says at every window what it cannot do.
+static void leave_out_platform_remarks(QtMsgType, const QMessageLogContext &, const QString &words)
+{
+	if (!words.startsWith("This plugin does not support"))
+		std::fprintf(stderr, "%s\n", words.toUtf8().constData());
+}
+
+static int travel(arguments *a)
+{
+	qInstallMessageHandler(leave_out_platform_remarks);
+	if (a->out.empty()) {
+		char pattern[] = "/tmp/velmor-journey-XXXXXX";
+		a->out = mkdtemp(pattern);
+	}
+	std::filesystem::create_directories(a->out);
+	std::filesystem::remove_all(a->out + "/data");
+	if (a->files.empty())
+		a->files = { make_file(a->out) };
+	prepare_folder(a->out + "/data");
+	static const ui_service ui = jumping_ui();
+	install(&ui, &jumping_clock);
+	create_windows();
+	start_velmor();
+	return run_journey({ .sampler = the_rack->s3000,
+		.name = "Demo S3000",
+		.files = a->files,
+		.pictures = a->out });
+}
+
+static int run_demo()
+{
+	prepare_folder(demo_folder());
+	install(&qt_ui, &posix_clock);
+	create_windows();
+	start_velmor();
+	the_rack->time.run_in_real_time();
+	return run_windows();
+}
+
+int main(int argc, char **argv)
+{
+	arguments a;
+	const bool travelling = argc > 1 && !std::strcmp(argv[1], "--journey");
+	if (travelling)
+		setenv("QT_QPA_PLATFORM", "offscreen", 0);
+	QApplication application(argc, argv);
+	QApplication::setApplicationName("velmor-demo");
+	QApplication::setApplicationDisplayName("VELMOR Sysex-Tools");
+	if (!read_arguments(argc, argv, &a)) {
+		std::fprintf(stderr, "usage: velmor-demo [--journey [WAV ...] [--out FOLDER]]\n");
+		return 2;
+	}
+	static rack r;
+	the_rack = &r;
+	plug_in(&r);
+	const int status = a.travel ? travel(&a) : run_demo();
+	std::fflush(nullptr);
+	std::_Exit(status);
+}

@@ -56,7 +56,7 @@ static void picture(int window, const char *name)
 		return;
 	// The screen of the offscreen platform is smaller than a desk's.
 	if (window == window_samples)
-		widget->resize(1000, 800);
+		widget->resize(1000, 820);
 	const QString file = QString::fromStdString(the_trip->pictures) + "/" + name + ".png";
 	check(widget->grab().save(file), "picture " + file.toStdString());
 }

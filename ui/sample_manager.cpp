@@ -49,7 +49,7 @@ static QWidget *make_side(top_window *window, const side &s)
 	auto *box = new QGroupBox(caption_of(window->id, s.list), window);
 	auto *column = new QVBoxLayout(box);
 	named_list *list = make_list(window, s.list);
-	list->setMinimumHeight(list->fontMetrics().height() * 7);
+	list->setMinimumHeight(list->fontMetrics().height() * 6);
 	add_to(column, { make_search(window, s.search, list), list });
 	if (s.list == samples_local_list)
 		list->take_files();
@@ -120,6 +120,9 @@ static QBoxLayout *make_work_line(top_window *window)
 	for (int control : { samples_work_file, samples_work_count, samples_work_percent,
 		     samples_work_outcome })
 		row->addWidget(make_text(window, control));
+	QPushButton *refresh = make_button(window, samples_refresh);
+	refresh->setShortcut(QKeySequence::Refresh);
+	row->addWidget(refresh);
 	return row;
 }
 
@@ -163,11 +166,8 @@ void create_sample_manager(QWidget *owner)
 	picture->addWidget(make_picture(window), 2);
 	column->addLayout(picture, 1);
 	column->addWidget(make_import(window));
-	QPushButton *refresh = make_button(window, samples_refresh);
-	refresh->setShortcut(QKeySequence::Refresh);
-	column->addWidget(refresh, 0, Qt::AlignRight);
 	const QSize screen = QGuiApplication::primaryScreen()->availableSize();
-	window->resize(column->sizeHint().grownBy({ 0, 0, 24, 24 }).boundedTo(screen));
+	window->resize(column->sizeHint().grownBy({ 0, 0, 40, 40 }).boundedTo(screen));
 }
 
 } // namespace velmor

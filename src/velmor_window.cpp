@@ -10,6 +10,7 @@
 // the middle of a message.
 
 #include "src/velmor_window.h"
+#include "src/usbqx.h"
 #include <cstdlib>
 #include <cstring>
 
@@ -56,6 +57,24 @@ static constexpr caption_row caption_rows[] = {
 	{ window_sampler,  sampler_tcp_on,          "Use TCP instead of MIDI", "Send the messages over the network", nullptr },
 	{ window_sampler,  sampler_tcp_off,         "Use MIDI instead of TCP", "Send the messages to the MIDI port again", nullptr },
 	{ window_sampler,  sampler_tcp_status,      "Status:", "Which way the messages go now", "USING MIDI" },
+
+	{ window_usb,      0,                       "VELMOR Manage USB Samplers", nullptr, nullptr },
+	{ window_usb,      usb_device_list,         "Device:", "The samplers found on the USB", "No sampler found on the USB" },
+	{ window_usb,      usb_hardware,            "Hardware:", "What the sampler says it is", nullptr },
+	{ window_usb,      usb_version,             "OS-Version:", "The version of its system", nullptr },
+	{ window_usb,      usb_name,                "Sampler-Name:", "The sampler's own name; Update stores it in the sampler", nullptr },
+	{ window_usb,      usb_exclusive_channel,   "Sysex-Ch:", "The exclusive channel", nullptr },
+	{ window_usb,      usb_midi_channel,        "MIDI-Ch:", "The channel on which the sampler plays notes", nullptr },
+	{ window_usb,      usb_control_channel,     "CTRL-Ch:", "The control channel", nullptr },
+	{ window_usb,      usb_device_info,         "Get Device Info", "Ask the chosen sampler who it is", nullptr },
+	{ window_usb,      usb_update,              "&Update", "Give the sampler the name in the field", nullptr },
+	{ window_usb,      control_ok,              "&Save", "Keep this sampler in the list", nullptr },
+	{ window_usb,      control_cancel,          "&Cancel", "Close without saving", nullptr },
+
+	{ window_multis,   0,                       "VELMOR Manage Multis", nullptr, nullptr },
+	{ window_multis,   multis_list,             "Multis", "The multis in the sampler's memory", "The sampler holds no multis" },
+	{ window_multis,   multis_refresh,          "&Refresh", "Read the sampler anew", nullptr },
+	{ window_multis,   control_cancel,          "&Cancel", "Close this window", nullptr },
 
 	{ window_progress, 0,                       "Progress", nullptr, nullptr },
 	{ window_progress, progress_stop,           "Stop", "End this work at the next point where the sampler stays usable", nullptr },
@@ -283,6 +302,26 @@ static void turn_tcp_off()
 	switch_off_tcp();
 }
 
+// ---- USB dialog ---------------------------------------------------------------------------
+
+static void keep_usb_sampler()
+{
+	save_usb_sampler();
+	host.ui->show(window_usb, 0, false);
+}
+
+static void ask_usb_device()
+{
+	log_line("[D] Entering USB-Setup dialog...\r\n");
+	fill_usb_info();
+}
+
+static void rename_usb_sampler()
+{
+	update_usb_sampler_name();
+	host.ui->show(window_usb, 0, false);
+}
+
 // ---- Main window ----------------------------------------------------------------------------
 
 static void load_selected_sampler()
@@ -348,8 +387,10 @@ static constexpr command_row commands[] = {
 	{ window_main,     menu_exit,               leave,                     always },
 	{ window_main,     menu_settings,           show_midi_setup,           alone  },
 	{ window_main,     menu_midi_samplers,      show_sampler_setup,        alone  },
+	{ window_main,     menu_usb_samplers,       show_usb_sampler_setup,    alone  },
 	{ window_main,     main_load,               load_selected_sampler,     alone  },
 	{ window_main,     main_samples,            show_sample_setup,         alone  },
+	{ window_main,     main_multis,             show_multi_setup,          alone  },
 	{ window_settings, control_ok,              keep_settings,             alone  },
 	{ window_settings, control_cancel,          hide<window_settings>,     always },
 	{ window_sampler,  control_ok,              keep_sampler,              alone  },
@@ -357,6 +398,12 @@ static constexpr command_row commands[] = {
 	{ window_sampler,  sampler_device_info,     ask_device_info,           alone  },
 	{ window_sampler,  sampler_tcp_on,          turn_tcp_on,               alone  },
 	{ window_sampler,  sampler_tcp_off,         turn_tcp_off,              alone  },
+	{ window_usb,      control_ok,              keep_usb_sampler,          alone  },
+	{ window_usb,      control_cancel,          hide<window_usb>,          always },
+	{ window_usb,      usb_device_info,         ask_usb_device,            alone  },
+	{ window_usb,      usb_update,              rename_usb_sampler,        alone  },
+	{ window_multis,   multis_refresh,          show_multi_setup,          alone  },
+	{ window_multis,   control_cancel,          hide<window_multis>,       always },
 	{ window_progress, progress_stop,           stop_work,                 always },
 	{ window_progress, control_cancel,          stop_work,                 always },
 	{ window_samples,  control_cancel,          hide<window_samples>,      always },

@@ -60,6 +60,9 @@ void set_up_windows();
 void show_midi_setup();
 void show_sampler_setup();
 
+// Read the multis of the loaded sampler and show them (velmor_multis.cpp).
+void show_multi_setup();
+
 // ---- Sample manager (velmor_samples.cpp) -----------------------------------------------
 
 // Read the sampler and the spool anew and show both.

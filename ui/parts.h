@@ -89,6 +89,8 @@ void add_to(QBoxLayout *layout, std::initializer_list<QWidget *> widgets);
 void create_main_window();
 void create_settings_dialog(QWidget *owner);
 void create_sampler_dialog(QWidget *owner);
+void create_usb_dialog(QWidget *owner);
+void create_multi_window(QWidget *owner);
 void create_progress_window(QWidget *owner);
 void create_sample_manager(QWidget *owner);
 

@@ -322,6 +322,8 @@ void create_windows()
 	create_sample_manager(main);
 	create_settings_dialog(main);
 	create_sampler_dialog(main);
+	create_usb_dialog(main);
+	create_multi_window(main);
 	create_progress_window(main);
 }
 

@@ -1,0 +1,49 @@
+// usb_dialog.cpp - the samplers that are connected by USB
+
+#include "ui/parts.h"
+#include <QBoxLayout>
+#include <QComboBox>
+#include <QDialogButtonBox>
+#include <QFormLayout>
+#include <QLineEdit>
+#include <QPushButton>
+
+namespace velmor
+{
+
+// Only the name can be changed on the sampler itself; the channels are stored with it.
+static void add_fields(top_window *window, QFormLayout *form)
+{
+	for (int control : { usb_hardware, usb_version, usb_name, usb_exclusive_channel,
+		     usb_midi_channel, usb_control_channel }) {
+		QLineEdit *field = make_field(window, control);
+		field->setReadOnly(control == usb_hardware || control == usb_version);
+		add_row(form, window->id, control, field);
+	}
+}
+
+void create_usb_dialog(QWidget *owner)
+{
+	auto *window = new top_window(window_usb, control_cancel, owner);
+	auto *column = new QVBoxLayout(window);
+	auto *form = new QFormLayout;
+	QComboBox *devices = make_choice(window, usb_device_list);
+	devices->setMinimumContentsLength(30);
+	add_row(form, window_usb, usb_device_list, devices);
+	add_fields(window, form);
+	column->addLayout(form);
+	auto *asking = new QHBoxLayout;
+	add_to(asking, { make_button(window, usb_device_info), make_button(window, usb_update) });
+	asking->addStretch();
+	column->addLayout(asking);
+	column->addStretch();
+
+	auto *buttons = new QDialogButtonBox(window);
+	QPushButton *save = make_button(window, control_ok);
+	buttons->addButton(save, QDialogButtonBox::AcceptRole);
+	buttons->addButton(make_button(window, control_cancel), QDialogButtonBox::RejectRole);
+	save->setDefault(true);
+	column->addWidget(buttons);
+}
+
+} // namespace velmor

@@ -436,11 +436,10 @@ void rename_local_sample()
 		return;
 	const std::string from = spool() + "\\" + old_name;
 	const std::string to = spool() + "\\" + new_name;
-	if (may_take_name(from, to, old_name.c_str(), new_name.c_str())) {
-		log_line("[D] renaming sample [%s] --> [%s]\r\n", old_name.c_str(),
-			new_name.c_str());
-		move_local(from, to);
-	}
+	if (!may_take_name(from, to, old_name.c_str(), new_name.c_str()))
+		return;
+	log_line("[D] renaming sample [%s] --> [%s]\r\n", old_name.c_str(), new_name.c_str());
+	move_local(from, to);
 	refill_local(new_name);
 }
 

@@ -116,9 +116,12 @@ static QBoxLayout *make_work_line(top_window *window)
 	auto *row = new QHBoxLayout;
 	for (int control : { samples_import, samples_export, samples_clear })
 		add_to(row, { make_button(window, control) });
-	row->addStretch();
-	for (int control : { samples_work_file, samples_work_count, samples_work_percent,
-		     samples_work_outcome })
+	// A long path must not make the window wider.
+	QLabel *file = make_text(window, samples_work_file);
+	file->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+	file->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+	row->addWidget(file, 1);
+	for (int control : { samples_work_count, samples_work_percent, samples_work_outcome })
 		row->addWidget(make_text(window, control));
 	QPushButton *refresh = make_button(window, samples_refresh);
 	refresh->setShortcut(QKeySequence::Refresh);

@@ -17,9 +17,9 @@
 //
 // Knows nothing of: what models do.
 
-#include "src/usbqx.h"
 #include "src/velmor.h"
 #include "src/controls.h"
+#include "src/usbqx.h"
 #include <algorithm>
 #include <bit>
 #include <cstdio>

@@ -251,7 +251,8 @@ TEST_F(s5000_samples, uploads_that_fail)
 			") PUT_SAMPLE [Block-Size: 0]" },
 		{ "< 00*6 45 F7 \n > 20 00 00 00 C8 'KICK' \n < 00*4 00 10 00 01",
 			"[F] UPLOAD FAILED (", ") PUT_SAMPLE [Block-Size: 1048577]" },
-		{ "< 00*6 45 F7 \n > 20 00 00 00 C8 'KICK' \n < 00*4 00 00 00 90 \n ! stall \n > 00",
+		{ "< 00*6 45 F7 \n > 20 00 00 00 C8 'KICK' \n < 00*4 00 00 00 90 \n ! stall \n > "
+		  "00",
 			"[F] UPLOAD FAILED (", ") PUT_SAMPLE" },
 		{ "< 00*6 45 F7 \n > 20 00 00 00 C8 'KICK' \n < 00*4 00 00 00 90 \n > 07*144 \n ! "
 		  "unplug",

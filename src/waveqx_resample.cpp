@@ -16,6 +16,7 @@
 #include "src/waveqx.h"
 #include "src/waveqx_chunks.h"
 #include <algorithm>
+#include <bit>
 #include <vector>
 
 namespace velmor
@@ -32,11 +33,11 @@ enum : int {
 
 static constexpr u64 window_bytes = 512 * 1024; // of the source; two frames of any size fit
 static constexpr u64 output_bytes = 256 * 1024;
-static constexpr u64 block_frames = 16 * 1024; // values in memory
-static constexpr u64 overshoot = 8;            // a value may be wider than the frame that holds it
-static constexpr double most_frames = 0x1p40;  // far past what a length field can tell
-static constexpr u32 logged_loops = 64;        // a chunk may claim millions
-static constexpr int shown_blocks = 64;        // between two looks at the interface
+static constexpr u64 block_frames = 8 * 1024; // values in memory
+static constexpr u64 overshoot = 8;           // a value may be wider than the frame that holds it
+static constexpr double most_frames = 0x1p40; // far past what a length field can tell
+static constexpr u32 logged_loops = 64;       // a chunk may claim millions
+static constexpr int shown_blocks = 64;       // between two looks at the interface
 
 u32 power2(u32 n)
 {
@@ -51,38 +52,45 @@ namespace
 
 // ---- Values by source depth. A frame's value stands at its first byte. ---------------
 
+// Little-endian whatever the host; four bytes may be read for three, a window has room.
+u32 load(const u8 *at, std::size_t size)
+{
+	u32 value = 0;
+	std::memcpy(&value, at, size);
+	if constexpr (std::endian::native == std::endian::big)
+		value = wave_read_32bit(at) & (size == 2 ? 0xFFFFu : 0xFFFFFFFFu);
+	return value;
+}
+
 struct pcm_12 {
 	// 2048 counts as positive.
 	static i32 sign(const u8 *at)
 	{
-		const i32 value = (at[0] | at[1] << 8) & 0xFFF;
+		const i32 value = static_cast<i32>(load(at, 2) & 0xFFF);
 		return (value >= 2049 ? value - 4096 : value) * 4096;
 	}
 	static i32 raw(const u8 *at) { return sign(at); }
 };
 
 struct pcm_16 {
-	static i32 sign(const u8 *at)
-	{
-		return static_cast<std::int16_t>(at[0] | at[1] << 8) * 256;
-	}
-	static i32 raw(const u8 *at) { return (at[0] | at[1] << 8) * 256; }
+	static i32 sign(const u8 *at) { return static_cast<std::int16_t>(load(at, 2)) * 256; }
+	static i32 raw(const u8 *at) { return static_cast<i32>(load(at, 2) << 8); }
 };
 
 struct pcm_24 {
-	static i32 raw(const u8 *at) { return at[0] | at[1] << 8 | at[2] << 16; }
-	static i32 sign(const u8 *at) { return (raw(at) ^ 0x800000) - 0x800000; }
+	static i32 sign(const u8 *at) { return static_cast<i32>(load(at, 4) << 8) >> 8; }
+	static i32 raw(const u8 *at) { return static_cast<i32>(load(at, 4) & 0xFFFFFF); }
 };
 
 struct pcm_32 {
-	static i32 raw(const u8 *at) { return pcm_24::raw(at); }
 	static i32 sign(const u8 *at) { return pcm_24::raw(at); }
+	static i32 raw(const u8 *at) { return pcm_24::raw(at); }
 };
 
 // 8 bits and all that is not linear has no values.
 struct pcm_none {
-	static i32 raw(const u8 *) { return 0; }
 	static i32 sign(const u8 *) { return 0; }
+	static i32 raw(const u8 *) { return 0; }
 };
 
 // Some frames of the source in memory, seen from one channel.
@@ -99,17 +107,52 @@ template <class pcm, bool as_raw> i32 value_at(const u8 *at)
 	return as_raw ? pcm::raw(at) : pcm::sign(at);
 }
 
+// A distance that the compiler knows makes a loop of its own, which it can do in parallel.
+template <std::size_t known, class action>
+void each_frame(const source_window &w, std::size_t count, action act)
+{
+	const std::size_t stride = known ? known : w.stride;
+	for (std::size_t k = 0; k < count; k++)
+		act(k, w.bytes + k * stride);
+}
+
+template <class action> void for_frames(const source_window &w, std::size_t count, action act)
+{
+	switch (w.stride) {
+	case 2:
+		return each_frame<2>(w, count, act);
+	case 3:
+		return each_frame<3>(w, count, act);
+	case 4:
+		return each_frame<4>(w, count, act);
+	default:
+		return each_frame<0>(w, count, act);
+	}
+}
+
 template <class pcm, bool as_raw>
 void copy_frames(const source_window &w, std::int64_t, std::size_t count, i32 *out)
 {
-	const u8 *at = w.bytes;
-	if (w.stride == 2) { // by far the most frequent; the compiler takes eight at once
-		for (std::size_t k = 0; k < count; k++)
-			out[k] = value_at<pcm, as_raw>(at + 2 * k);
-		return;
-	}
-	for (std::size_t k = 0; k < count; k++, at += w.stride)
-		out[k] = value_at<pcm, as_raw>(at);
+	for_frames(w, count,
+		[out](std::size_t k, const u8 *at) { out[k] = value_at<pcm, as_raw>(at); });
+}
+
+template <class pcm> i32 largest_value(const source_window &w, std::size_t count)
+{
+	i32 peak = 0;
+	for_frames(w, count,
+		[&peak](std::size_t, const u8 *at) { peak = std::max(peak, pcm::sign(at)); });
+	return peak;
+}
+
+// The most frequent depth, eight values at once.
+template <> i32 largest_value<pcm_16>(const source_window &w, std::size_t count)
+{
+	std::int16_t peak = 0;
+	for_frames(w, count, [&peak](std::size_t, const u8 *at) {
+		peak = std::max(peak, static_cast<std::int16_t>(load(at, 2)));
+	});
+	return peak * 256;
 }
 
 // The last frames of the source, where there is no neighbour to the right.
@@ -166,13 +209,15 @@ using frame_reader = void (*)(const source_window &, std::int64_t start, std::si
 struct depth_row {
 	u16 bits; // 0 ends the table and serves every other depth
 	frame_reader read[2][2];
+	i32 (*largest)(const source_window &, std::size_t count); // signed value, 0 at least
 };
 
 template <class pcm> constexpr depth_row depth(u16 bits)
 {
 	return { bits,
 		{ { copy_frames<pcm, false>, copy_frames<pcm, true> },
-			{ interpolate_frames<pcm, false>, interpolate_frames<pcm, true> } } };
+			{ interpolate_frames<pcm, false>, interpolate_frames<pcm, true> } },
+		largest_value<pcm> };
 }
 
 constexpr depth_row depths[] = { depth<pcm_12>(12), depth<pcm_16>(16), depth<pcm_24>(24),
@@ -240,8 +285,12 @@ void put_values(const u32 *values, std::size_t count, u8 *at, std::size_t frame)
 void put_slot(const u32 *values, std::size_t count, u8 *at, std::size_t frame, int width)
 {
 	if (width == 2 && frame == 2) {
-		for (std::size_t k = 0; k < count; k++)
-			wave_write_16bit(at + 2 * k, values[k]);
+		for (std::size_t k = 0; k < count; k++) {
+			u16 word = static_cast<u16>(values[k]);
+			if constexpr (std::endian::native == std::endian::big)
+				word = static_cast<u16>(word << 8 | word >> 8);
+			std::memcpy(at + 2 * k, &word, 2);
+		}
 		return;
 	}
 	static constexpr decltype(&put_values<1>) by_width[] = { put_values<0>, put_values<1>,
@@ -432,18 +481,15 @@ std::int64_t frames_in_window(const conversion &c)
 bool find_peaks(conversion &c, i32 *left, i32 *right)
 {
 	*left = *right = 0;
-	const frame_reader read = depth_of(c.head.bitspersample).read[false][false];
-	const std::int64_t most = std::min<std::int64_t>(frames_in_window(c), block_frames);
+	const depth_row &depth = depth_of(c.head.bitspersample);
+	const std::int64_t most = frames_in_window(c);
 	for (std::int64_t done = 0; done < c.frames; done += most) {
 		const std::int64_t count = std::min(most, c.frames - done);
 		if (!read_window(c, done, count))
 			return false;
 		auto largest = [&](std::size_t channel, i32 peak) {
-			read(window_of(c, done, channel), 0, static_cast<std::size_t>(count),
-				c.first.data());
-			for (std::int64_t k = 0; k < count; k++)
-				peak = std::max(peak, c.first[static_cast<std::size_t>(k)]);
-			return peak;
+			return std::max(peak, depth.largest(window_of(c, done, channel),
+						      static_cast<std::size_t>(count)));
 		};
 		*left = largest(0, *left);
 		*right = c.right ? largest(c.right, *right) : *left;
@@ -488,7 +534,8 @@ void put_block(
 	} else {
 		scale_raw(c, count, c.first.data(), scaled);
 	}
-	std::fill_n(c.out.begin(), count * c.frame, u8{ 0 });
+	if (static_cast<std::size_t>(c.layout.slots * c.layout.width) < c.frame)
+		std::fill_n(c.out.begin(), count * c.frame, u8{ 0 });
 	for (int i = 0; i < c.layout.slots; i++)
 		put_slot(scaled, count, c.out.data() + c.layout.slot[i], c.frame, c.layout.width);
 }

@@ -1,6 +1,6 @@
 // memory_host.h - a host for fuzz targets: files in memory, nobody at the windows
 //
-// A file is what put wrote or the system made; it grows to 16 MB, then the disk is
+// A file is what put wrote or the system made; it grows to 1 MB, then the disk is
 // full. Boxes and progress go nowhere, questions are answered with OK, and a process
 // that ends is a fault.
 
@@ -25,7 +25,7 @@ struct open_file {
 inline std::map<std::string, bytes> files;
 inline std::map<int, open_file> opened;
 inline int next_file = 1;
-inline constexpr std::size_t disk = 16 * 1024 * 1024;
+inline constexpr std::size_t disk = 1024 * 1024;
 inline constexpr int not_there = 2, full = 28;
 
 inline int open(const char *path, file_mode mode, int *file)

@@ -56,7 +56,7 @@ static void picture(int window, const char *name)
 		return;
 	// The screen of the offscreen platform is smaller than a desk's.
 	if (window == window_samples)
-		widget->resize(1000, 820);
+		widget->resize(1000, 790);
 	const QString file = QString::fromStdString(the_trip->pictures) + "/" + name + ".png";
 	check(widget->grab().save(file), "picture " + file.toStdString());
 }
@@ -368,6 +368,18 @@ static void look_closer()
 		"the sampler told about its sample");
 	choose(window_samples, samples_local_list, looped_name());
 	picture(window_samples, "samples");
+	press(window_main, main_multis);
+	picture(window_multis, "multis");
+}
+
+static void look_at_usb()
+{
+	step("Look at the USB samplers");
+	choose_entry(menu_usb_samplers);
+	check(host.ui->get_text(window_usb, usb_name) == "Demo S5000",
+		"the S5000 on the USB told its name");
+	picture(window_usb, "usb");
+	press(window_usb, control_cancel);
 }
 
 int run_journey(const journey &trip)
@@ -385,6 +397,7 @@ int run_journey(const journey &trip)
 	rename_one();
 	delete_one();
 	look_closer();
+	look_at_usb();
 	picture(window_main, "main");
 	std::printf("WAV files: %s\nScreenshots: %s\n",
 		host.files->host_path((current_config_path + "\\sample").c_str()).c_str(),

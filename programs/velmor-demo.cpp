@@ -4,7 +4,7 @@
 //	velmor-demo --journey [WAV ...] [--out FOLDER]    the main job by itself, in seconds
 //
 // An S3000 and an S1000 hang on one MIDI cable and tell each other apart by their
-// exclusive channels, as in a rack. Settings, configurations and samples lie in a
+// exclusive channels, as in a rack; an S5000 is on the USB. Settings, configurations and samples lie in a
 // folder of the demo's own, VELMOR-Demo beside the real VELMOR, so nothing of the
 // user's is ever touched.
 
@@ -13,6 +13,7 @@
 #include "src/velmor.h"
 #include "ui/qt_ui.h"
 #include "virtual/demo_content.h"
+#include "virtual/demo_usb.h"
 #include "virtual/midi_ports.h"
 #include "virtual/usb_bus.h"
 #include <QApplication>
@@ -33,6 +34,7 @@ struct rack {
 	timeline time;
 	s1000_machine s3000{ s1000_model::s3000, s3000_channel };
 	s1000_machine s1000{ s1000_model::s1000, s1000_channel };
+	s5000 usb_sampler;
 };
 
 static rack *the_rack;
@@ -57,17 +59,21 @@ static void plug_in(rack *r)
 	fill_s3000(r->s3000);
 	fill_s1000(r->s1000);
 	plug_midi(r->time, both(r->s3000.on_wire(), r->s1000.on_wire()), "Demo MIDI cable");
+	fill_demo(r->usb_sampler);
+	plug_usb(r->time, r->usb_sampler);
 }
 
 // ---- Where everything lies ----------------------------------------------------------------------
 
-static void write_configuration(const std::string &folder, const char *name, i32 model, u8 channel)
+static void write_configuration(const std::string &folder, const char *name, i32 model, u8 channel,
+	const char *usb_name = "")
 {
 	const std::string path = folder + "/" + name + ".sampler";
 	if (std::filesystem::exists(path))
 		return;
 	_sampler sampler = {};
 	copy_text(sampler.sampler_description, name);
+	copy_text(sampler.sampler_usbname, usb_name);
 	sampler.sampler_type = static_cast<u32>(model);
 	sampler.sampler_sysex = 1;
 	sampler.sampler_midi = 1;
@@ -84,6 +90,7 @@ static void prepare_folder(const std::string &root)
 	setenv("XDG_CONFIG_HOME", (root + "/settings").c_str(), 1);
 	write_configuration(config, "Demo S3000", model_s3000, s3000_channel);
 	write_configuration(config, "Demo S1000", model_s1000, s1000_channel);
+	write_configuration(config, "Demo S5000", model_s5000, 0, "Demo S5000");
 	for (const char *key : { "midi_in", "midi_in_mon", "midi_out" })
 		posix_settings.save_key(key, "0");
 	// The log is written where the program runs.

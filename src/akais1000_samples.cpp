@@ -381,7 +381,6 @@ static void download_words(const download_form &form, u8 sysex_channel, _sample 
 		return;
 	}
 	log_download(form, *sample);
-	forget_stop();
 	if (form.shows_progress)
 		begin_download_progress(*sample);
 	const bool complete = fetch_words(form, sysex_channel, sample);
@@ -397,6 +396,7 @@ static void download_words(const download_form &form, u8 sysex_channel, _sample 
 
 static void download(const download_form &form, u8 sysex_channel, const char *name)
 {
+	forget_stop();
 	log_line("[D] Creating Sample-File: [%s\\sample\\%s.wav]\r\n", current_config_path.c_str(),
 		name);
 	_sample *sample = read_header(sysex_channel, name, form.log_bad_header);
@@ -657,7 +657,6 @@ static void send_dump(const upload_job &job)
 	const u64 blocks = packets_of(job.announced);
 	log_line("%s Transmitting %d Blocks (Last block contains %d Words)\r\n", job.form->tag,
 		shown(blocks), shown(job.announced % words_in_packet));
-	forget_stop();
 	if (job.form->shows_progress)
 		show_progressbar(0, shown(blocks),
 			format_text("Uploading [%s]...", job.sample->name).c_str());
@@ -699,6 +698,7 @@ static void upload(const upload_form &form, const char *path)
 {
 	if (!current_sampler)
 		return;
+	forget_stop();
 	log_line("[D] Trying to upload [%s]\r\n", path);
 	_sample sample = {};
 	if (create_sample_from_file(path, &sample)) {

@@ -393,6 +393,156 @@ TEST_F(codec, a_short_block_is_not_written_past_its_end)
 	EXPECT_EQ(block[65], 0x42);
 }
 
+// ---- Where each field lies -------------------------------------------------------------------
+
+// Byte i is 5i + 131, cut to a byte, so that no two bytes of a block are alike. What each field
+// reads from that was worked out apart from the tables.
+std::vector<u8> telling_block()
+{
+	std::vector<u8> block(192);
+	for (std::size_t i = 0; i < block.size(); i++)
+		block[i] = static_cast<u8>(5 * i + 131);
+	return block;
+}
+
+template <typename record> struct expected_field {
+	number_field<record> field;
+	i32 value;
+};
+
+template <typename record>
+void expect_fields(const record &r, std::span<const expected_field<record>> fields)
+{
+	for (std::size_t i = 0; i < fields.size(); i++)
+		EXPECT_EQ(number_of(r, fields[i].field), fields[i].value) << "row " << i;
+}
+
+TEST_F(codec, every_field_of_a_program_reads_from_its_place)
+{
+	// clang-format off
+	static constexpr expected_field<_program> fields[] = {
+		{ &_program::midi_pgm_number, 207 },
+		{ &_program::midi_channel, 212 },
+		{ &_program::polyphony, 217 },
+		{ &_program::s1000_priority, 221 },
+		{ &_program::play_range_low, 226 },
+		{ &_program::play_range_high, 231 },
+		{ &_program::s1000_output, 242 },
+		{ &_program::s1000_level, 246 },
+		{ &_program::s1000_balance, 251 },
+		{ &_program::s1000_basic_loudness, 0 },
+		{ &_program::s1000_velocity_loudness, 5 },
+		{ &_program::s1000_key_loudness, 10 },
+		{ &_program::s1000_aftertouch_loudness, 15 },
+		{ &_program::s1000_lfo2_speed, 20 },
+		{ &_program::s1000_lfo2_depth, 25 },
+		{ &_program::s1000_lfo2_delay, 30 },
+		{ &_program::s1000_key_panning, 35 },
+		{ &_program::s1000_lfo1_speed, 40 },
+		{ &_program::s1000_lfo1_depth, 45 },
+		{ &_program::s1000_lfo1_delay, 50 },
+		{ &_program::s1000_lfo1_modwheel, 55 },
+		{ &_program::s1000_lfo1_pressure, 60 },
+		{ &_program::s1000_bendwheel_pitch_up, 70 },
+		{ &_program::s1000_aftertouch_bend, 75 },
+		{ &_program::crossfade_enable, 80 },
+		{ &_program::keygroups, 85 },
+		{ &_program::s1000_effect_out, 155 },
+		{ &_program::s1000_mod_panning, -96 },
+		{ &_program::s1000_lfo1_sync, 170 },
+		{ &_program::s1000_reasignement, 180 },
+		{ &_program::s1000_tunning_offset, -5022 },
+		{ &_program::s2000_mono_legato, 235 },
+		{ &_program::s2000_bendwheel_pitch_down, 240 },
+		{ &_program::s2000_aftertouch_bend_mode, 245 },
+		{ &_program::s2000_transpose_offset, -6 },
+		{ &_program::s2000_pan_mod1_source, 255 },
+		{ &_program::s2000_pan_mod2_source, 4 },
+		{ &_program::s2000_pan_mod3_source, 9 },
+		{ &_program::s2000_out_mod1_source, 14 },
+		{ &_program::s2000_out_mod2_source, 19 },
+		{ &_program::s2000_lfo1_rate_source, 24 },
+		{ &_program::s2000_lfo1_depth_source, 29 },
+		{ &_program::s2000_lfo1_delay_source, 34 },
+		{ &_program::s2000_flt_mod1_source, 39 },
+		{ &_program::s2000_flt_mod2_source, 44 },
+		{ &_program::s2000_flt_mod3_source, 49 },
+		{ &_program::s2000_amp_mod3_source, 59 },
+		{ &_program::s2000_pan_mod1_level, 64 },
+		{ &_program::s2000_pan_mod2_level, 69 },
+		{ &_program::s2000_pan_mod3_level, 74 },
+		{ &_program::s2000_out_mod1_level, 79 },
+		{ &_program::s2000_out_mod2_level, 84 },
+		{ &_program::s2000_lfo1_rate_level, 89 },
+		{ &_program::s2000_lfo1_depth_level, 94 },
+		{ &_program::s2000_lfo1_delay_level, 99 },
+		{ &_program::s2000_lfo1_waveform, 104 },
+		{ &_program::s2000_lfo2_waveform, 109 },
+		{ &_program::s2000_lfo2_retrigger, 0 },
+		{ &_program::s2000_portamento_rate, 169 },
+		{ &_program::s2000_portamento_mode, 174 },
+		{ &_program::s2000_portamento, 179 },
+	};
+	// clang-format on
+	auto program = std::make_unique<_program>();
+	akai_s1000_program_from_block({ telling_block() }, program.get());
+	expect_fields<_program>(*program, fields);
+	EXPECT_EQ(std::size(fields), akai_s1000_program_parameters.size());
+}
+
+TEST_F(codec, every_field_of_a_keygroup_reads_from_its_place)
+{
+	// clang-format off
+	static constexpr expected_field<_keygroup> fields[] = {
+		{ &_keygroup::low_note, 146 },
+		{ &_keygroup::high_note, 151 },
+		{ &_keygroup::s1000_tune_offset, -9440 },
+		{ &_keygroup::s1000_basic_filter_frequency, 166 },
+		{ &_keygroup::s1000_filter_keyboard, -85 },
+		{ &_keygroup::s1000_filter_velocity_freq, -80 },
+		{ &_keygroup::s1000_filter_pressure_freq, -75 },
+		{ &_keygroup::s1000_filter_env2_freq, -70 },
+		{ &_keygroup::amp_attack, 191 },
+		{ &_keygroup::amp_decay, 196 },
+		{ &_keygroup::amp_sustain, 201 },
+		{ &_keygroup::amp_release, 206 },
+		{ &_keygroup::s1000_env1_velocity_attack, -45 },
+		{ &_keygroup::s1000_env1_velocity_release, -40 },
+		{ &_keygroup::s1000_env1_off_velocity_release, -35 },
+		{ &_keygroup::s1000_env1_key_scaling, -30 },
+		{ &_keygroup::s1000_env2_r1, -25 },
+		{ &_keygroup::s1000_env2_r3, -20 },
+		{ &_keygroup::s1000_env2_l3, -15 },
+		{ &_keygroup::s1000_env2_r4, -10 },
+		{ &_keygroup::s1000_env2_velocity_r1, -5 },
+		{ &_keygroup::s1000_env2_velocity_r4, 0 },
+		{ &_keygroup::s1000_env2_off_velocity_r4, 5 },
+		{ &_keygroup::s1000_env2_key_r2_r4, 10 },
+		{ &_keygroup::s1000_env2_velocity_envelope, 15 },
+		{ &_keygroup::s1000_filter_env2_pitch, 20 },
+		{ &_keygroup::crossfade, 25 },
+		{ &_keygroup::kbeat, 13 },
+		{ &_keygroup::ahold, 18 },
+		{ &_keygroup::s1000_env1_attack_hold, 18 },
+		{ &_keygroup::s1000_filter_loudness_offset, 103 },
+		{ &_keygroup::s2000_filter_resonance, 108 },
+		{ &_keygroup::s2000_flt_mod1_level, 118 },
+		{ &_keygroup::s2000_flt_mod2_level, 123 },
+		{ &_keygroup::s2000_flt_mod3_level, -128 },
+		{ &_keygroup::s2000_amp_mod3_level, -118 },
+		{ &_keygroup::s2000_env2_l1, -113 },
+		{ &_keygroup::s2000_env2_r2, -108 },
+		{ &_keygroup::s2000_env2_l2, -103 },
+		{ &_keygroup::s2000_env2_l4, -98 },
+		{ &_keygroup::mute_group, 164 },
+	};
+	// clang-format on
+	auto keygroup = std::make_unique<_keygroup>();
+	akai_s1000_keygroup_from_block({ telling_block() }, keygroup.get());
+	expect_fields<_keygroup>(*keygroup, fields);
+	EXPECT_EQ(std::size(fields), akai_s1000_keygroup_parameters.size());
+}
+
 // ---- Blocks --------------------------------------------------------------------------------
 
 TEST_F(codec, a_keygroup_block_fills_its_four_zones)

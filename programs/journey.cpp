@@ -56,7 +56,8 @@ static void picture(int window, const char *name)
 		return;
 	// The screen of the offscreen platform is smaller than a desk's.
 	if (window == window_samples)
-		widget->resize(1000, 790);
+		widget->resize(960, 740);
+	QApplication::processEvents();
 	const QString file = QString::fromStdString(the_trip->pictures) + "/" + name + ".png";
 	check(widget->grab().save(file), "picture " + file.toStdString());
 }
@@ -270,6 +271,7 @@ static void load()
 	press(window_main, main_load);
 	check(current_sampler && current_sampler->sampler_description == the_trip->name,
 		the_trip->name + " is loaded");
+	picture(window_main, "main");
 	choose_entry(menu_midi_samplers);
 	picture(window_sampler, "sampler");
 	press(window_sampler, control_cancel);
@@ -398,7 +400,6 @@ int run_journey(const journey &trip)
 	delete_one();
 	look_closer();
 	look_at_usb();
-	picture(window_main, "main");
 	std::printf("WAV files: %s\nScreenshots: %s\n",
 		host.files->host_path((current_config_path + "\\sample").c_str()).c_str(),
 		trip.pictures.c_str());

@@ -135,7 +135,7 @@ static QWidget *make_import(top_window *window)
 	auto *column = new QVBoxLayout(box);
 	column->addLayout(make_import_options(window));
 	QLabel *preview = make_text(window, samples_import_preview);
-	preview->setWordWrap(true);
+	preview->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
 	preview->setMinimumHeight(preview->fontMetrics().lineSpacing() * 3);
 	preview->setAlignment(Qt::AlignLeft | Qt::AlignTop);
 	column->addWidget(preview);

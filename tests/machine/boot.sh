@@ -14,7 +14,7 @@ shared() {
 		"${1//,/,,}" "$2" "${3:-}"
 }
 
-timeout -k 5 "${LIMIT:-600}" qemu-system-x86_64 -accel tcg,thread=multi -cpu max -M q35 \
+timeout -k 5 "${LIMIT:-900}" qemu-system-x86_64 -accel tcg,thread=multi -cpu max -M q35 \
 	-smp 2 -m 1536 -nographic -no-reboot -nodefaults -serial stdio \
 	-kernel "$work"/kernel/boot/vmlinuz-* -initrd "$work/initramfs.gz" \
 	-append "console=ttyS0 quiet panic=-1 mitigations=off" \
@@ -22,5 +22,5 @@ timeout -k 5 "${LIMIT:-600}" qemu-system-x86_64 -accel tcg,thread=multi -cpu max
 	</dev/null 2>&1 | stdbuf -o0 tr -d '\r' | tee "$work/console.log"
 
 [ -s "$status" ] && exit "$(cat "$status")"
-echo "The virtual machine ended without a result (limit ${LIMIT:-600} s)." >&2
+echo "The virtual machine ended without a result (limit ${LIMIT:-900} s)." >&2
 exit 125

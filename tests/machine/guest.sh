@@ -14,7 +14,7 @@ failed=0
 for part in "$here"/guest.d/$PARTS.sh; do
 	name=$(basename "$part" .sh)
 	begin=$(up)
-	if timeout -k 5 "${PART_LIMIT:-240}" bash "$part" </dev/null; then
+	if timeout -k 5 "${PART_LIMIT:-300}" bash "$part" </dev/null; then
 		echo "PASS $name ($(($(up) - begin)) s)"
 	else
 		echo "FAIL $name (status $?)"

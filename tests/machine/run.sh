@@ -6,7 +6,7 @@
 # as it is. Inside, guest.sh runs every part of guest.d in order. The result is the
 # result of the parts; a guest that hangs or panics gives 125.
 #
-#   LIMIT=600 run.sh build-test          seconds for the whole machine
+#   LIMIT=900 run.sh build-test          seconds for the whole machine
 #   PARTS='10-*' run.sh build-test       some parts only
 set -euo pipefail
 here=$(dirname "$(readlink -f "$0")")

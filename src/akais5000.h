@@ -14,7 +14,6 @@
 #include "src/velmor.h"
 #include <array>
 #include <optional>
-#include <source_location>
 #include <string>
 #include <vector>
 
@@ -142,10 +141,10 @@ struct usb_answer {
 };
 // One request; false when it failed. The place that asks is named in the log.
 bool ask_usb(_usbdev *usb, std::span<const u8> payload, usb_answer *answer,
-	std::source_location where = std::source_location::current());
+	call_site where = call_site::current());
 // The same with the words of the list operations for a failure.
 bool ask_or_log(_usbdev *usb, std::span<const u8> payload, usb_answer *answer,
-	std::source_location where = std::source_location::current());
+	call_site where = call_site::current());
 // Section, item, text and its terminator.
 std::vector<u8> text_request(u8 section, u8 item, std::string_view text);
 
@@ -239,7 +238,7 @@ open_usbdev open_for_transfer();
 open_usbdev open_for_download();
 // One framed request; a failure is told with the words of the operation.
 bool ask_for_transfer(_usbdev *usb, std::span<const u8> payload, usb_answer *answer,
-	const char *operation, std::source_location where = std::source_location::current());
+	const char *operation, call_site where = call_site::current());
 
 // Tell a failure of a transfer: hide the bar, log the text, show it.
 void tell_transfer_failed(const char *format, ...) __attribute__((format(printf, 1, 2)));
@@ -257,16 +256,15 @@ struct raw_step {
 	const char *operation;
 	const char *write_failure, *read_failure; // "PUT_SAMPLE", "GET_SAMPLE"
 };
-bool tell_raw_outcome(const raw_step &step, exchange_outcome outcome,
-	std::source_location where = std::source_location::current());
+bool tell_raw_outcome(
+	const raw_step &step, exchange_outcome outcome, call_site where = call_site::current());
 bool exchange_raw(const raw_step &step, std::initializer_list<std::span<const u8>> runs,
-	std::size_t wanted, raw_answer *answer,
-	std::source_location where = std::source_location::current());
+	std::size_t wanted, raw_answer *answer, call_site where = call_site::current());
 // The answer to what was sent, asked for again while the sampler is busy. busy_log says so.
 bool finish_raw(const raw_step &step, bulk_exchange *exchange, raw_answer *answer,
 	void (*busy_log)(int length), bool (*busy)(bounded_bytes answer) = is_busy,
-	std::source_location where = std::source_location::current());
-const char *file_tag(const std::source_location &where);
+	call_site where = call_site::current());
+const char *file_tag(const call_site &where);
 
 // A block size that the sampler stated, against what can be; what is wrong is told.
 bool usable_block_size(u32 size);

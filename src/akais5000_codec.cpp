@@ -251,14 +251,13 @@ void block_to_keygroup(std::span<const block_row> block, bounded_bytes answer, _
 // ---- Requests ----------------------------------------------------------------------------------
 
 // The tag of a source file in the log is its name without folders.
-const char *file_tag(const std::source_location &where)
+const char *file_tag(const call_site &where)
 {
 	const char *slash = std::strrchr(where.file_name(), '/');
 	return slash ? slash + 1 : where.file_name();
 }
 
-bool ask_usb(
-	_usbdev *usb, std::span<const u8> payload, usb_answer *answer, std::source_location where)
+bool ask_usb(_usbdev *usb, std::span<const u8> payload, usb_answer *answer, call_site where)
 {
 	answer->length = 0;
 	return _sysex_midi_usb(usb, payload.data(), static_cast<int>(payload.size()),
@@ -266,8 +265,7 @@ bool ask_usb(
 		file_tag(where), static_cast<int>(where.line()));
 }
 
-bool ask_or_log(
-	_usbdev *usb, std::span<const u8> payload, usb_answer *answer, std::source_location where)
+bool ask_or_log(_usbdev *usb, std::span<const u8> payload, usb_answer *answer, call_site where)
 {
 	if (ask_usb(usb, payload, answer, where))
 		return true;

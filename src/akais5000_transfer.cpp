@@ -223,7 +223,7 @@ void tell_stopped(const char *what)
 
 // ---- Raw steps ---------------------------------------------------------------------------------
 
-bool tell_raw_outcome(const raw_step &step, exchange_outcome outcome, std::source_location where)
+bool tell_raw_outcome(const raw_step &step, exchange_outcome outcome, call_site where)
 {
 	if (outcome == exchange_done)
 		return true;
@@ -237,7 +237,7 @@ bool tell_raw_outcome(const raw_step &step, exchange_outcome outcome, std::sourc
 }
 
 bool exchange_raw(const raw_step &step, std::initializer_list<std::span<const u8>> runs,
-	std::size_t wanted, raw_answer *answer, std::source_location where)
+	std::size_t wanted, raw_answer *answer, call_site where)
 {
 	bulk_exchange e;
 	begin_exchange(&e, step.usb, runs, std::min(wanted, answer->buffer.size()));
@@ -246,8 +246,7 @@ bool exchange_raw(const raw_step &step, std::initializer_list<std::span<const u8
 }
 
 bool finish_raw(const raw_step &step, bulk_exchange *e, raw_answer *answer,
-	void (*busy_log)(int length), bool (*busy)(bounded_bytes answer),
-	std::source_location where)
+	void (*busy_log)(int length), bool (*busy)(bounded_bytes answer), call_site where)
 {
 	busy_watch watch;
 	for (const std::size_t wanted = e->wanted;; begin_exchange(e, step.usb, {}, wanted)) {
@@ -479,7 +478,7 @@ open_usbdev open_for_download()
 }
 
 bool ask_for_transfer(_usbdev *usb, std::span<const u8> payload, usb_answer *answer,
-	const char *operation, std::source_location where)
+	const char *operation, call_site where)
 {
 	if (ask_usb(usb, payload, answer, where))
 		return true;

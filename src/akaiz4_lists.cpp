@@ -149,8 +149,7 @@ struct z4_walk {
 	_usbdev *usb;
 	usb_answer answer{ list_capacity };
 
-	bool ask(std::span<const u8> payload,
-		std::source_location where = std::source_location::current())
+	bool ask(std::span<const u8> payload, call_site where = call_site::current())
 	{
 		return ask_or_log(usb, payload, &answer, where);
 	}

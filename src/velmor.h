@@ -40,6 +40,22 @@ void add_log_format(const char *file, int line, const char *format, ...)
 	__attribute__((format(printf, 3, 4)));
 #define log_line(...) ::velmor::add_log_format(__FILE_NAME__, __LINE__, __VA_ARGS__)
 
+// Where in the sources a call stands, for helpers that log in the name of their caller: the
+// last argument of such a helper, which its callers leave out. (std::source_location is not
+// there with every compiler that builds this.)
+struct call_site {
+	const char *file;
+	int number;
+
+	static constexpr call_site current(
+		const char *in_file = __builtin_FILE(), int in_line = __builtin_LINE())
+	{
+		return { in_file, in_line };
+	}
+	constexpr const char *file_name() const { return file; }
+	constexpr int line() const { return number; }
+};
+
 // Show a text in a box. printf-checked; use for every box.
 void show_box(const char *caption, const char *format, ...) __attribute__((format(printf, 2, 3)));
 // The same with OK and Cancel; true for OK.

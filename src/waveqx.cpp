@@ -428,55 +428,56 @@ static void only_name(_sample *sample, std::string_view name)
 	copy_text(sample->name, name);
 }
 
+// The words of a failed step; nothing is left in the record but its name.
+static int give_up(_sample *sample, const char *step, const std::string &path, int line, int code)
+{
+	const std::string name = sample->name;
+	free_sample_data(sample);
+	only_name(sample, name);
+	log_line("[F] FAILED TO %s [%s] (%s)\r\n", step, path.c_str(),
+		error_words(__FILE_NAME__, line, code).c_str());
+	return 0;
+}
+
+static int no_room(_sample *sample, const std::string &path, u64 bytes)
+{
+	const std::string name = sample->name;
+	free_sample_data(sample);
+	only_name(sample, name);
+	log_line("[F] FAILED TO MALLOC FOR [%s](%llu Bytes) (%s)\r\n", path.c_str(),
+		static_cast<unsigned long long>(bytes),
+		bytes > largest_sample ? "more than any sampler holds" : "out of memory");
+	return 0;
+}
+
 int create_sample_from_file(const char *filebase, _sample *sample)
 {
 	const std::string base = filebase, path = wave_path_of(base);
-	const std::string name = base.substr(base.rfind('\\') + 1);
-	only_name(sample, name);
+	only_name(sample, base.substr(base.rfind('\\') + 1));
 
 	input_file file;
-	int code = file.measure(path.c_str());
-	if (code) {
-		log_line("[F] FAILED TO STAT [%s] (%s)\r\n", path.c_str(),
-			error_words(__FILE_NAME__, __LINE__, code).c_str());
-		return 0;
-	}
-	code = file.open(path.c_str());
-	if (code) {
-		log_line("[F] FAILED TO OPEN [%s] (%s)\r\n", path.c_str(),
-			error_words(__FILE_NAME__, __LINE__, code).c_str());
-		return 0;
-	}
+	if (const int code = file.measure(path.c_str()))
+		return give_up(sample, "STAT", path, __LINE__, code);
+	if (const int code = file.open(path.c_str()))
+		return give_up(sample, "OPEN", path, __LINE__, code);
 	wave_head head;
 	sample_places places;
 	const char *fault = nullptr;
-	code = read_wave_head(file, &head);
+	int code = read_wave_head(file, &head);
 	if (!code)
 		fault = find_places(file, head, &places, &code);
-	if (!code && fault) {
+	if (code)
+		return give_up(sample, "READ FROM", path, __LINE__, code);
+	if (fault) {
 		log_line("[F] (%s:%d) File-Header corrupted [%s] (%s)\r\n", __FILE_NAME__, __LINE__,
 			path.c_str(), fault);
 		return 0;
 	}
-	if (!code &&
-		!allocate_sample(sample, wave_bytes_held(file, places.data), head.bytespersample)) {
-		const u64 bytes = wave_bytes_held(file, places.data);
-		free_sample_data(sample);
-		only_name(sample, name);
-		log_line("[F] FAILED TO MALLOC FOR [%s](%llu Bytes) (%s)\r\n", path.c_str(),
-			static_cast<unsigned long long>(bytes),
-			bytes > largest_sample ? "more than any sampler holds" : "out of memory");
-		return 0;
-	}
-	if (!code)
-		code = fill_record(file, head, places, sample);
-	if (code) {
-		free_sample_data(sample);
-		only_name(sample, name);
-		log_line("[F] FAILED TO READ FROM [%s] (%s)\r\n", path.c_str(),
-			error_words(__FILE_NAME__, __LINE__, code).c_str());
-		return 0;
-	}
+	const u64 bytes = wave_bytes_held(file, places.data);
+	if (!allocate_sample(sample, bytes, head.bytespersample))
+		return no_room(sample, path, bytes);
+	if ((code = fill_record(file, head, places, sample)))
+		return give_up(sample, "READ FROM", path, __LINE__, code);
 	decode_words(sample);
 	log_line("[D] Converted %llu Sample Bytes (%u Bit) to %llu Sample Words...PLAYMODE: %d\r\n",
 		static_cast<unsigned long long>(sample->sample_bytes), sample->bitspersample,

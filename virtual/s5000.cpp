@@ -132,7 +132,7 @@ void s5000::answer_with(char status, bytes_in data)
 		bytes[5] = 'O';
 	bytes.insert(bytes.end(), data.begin(), data.end());
 	bytes.push_back(0xF7);
-	say(std::move(bytes), latency);
+	say_framed(std::move(bytes));
 }
 
 // Section of the front panel: keys, wheel, keyboard.

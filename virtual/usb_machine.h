@@ -49,6 +49,8 @@ struct usb_message {
 	double delay = 0;    // seconds after the host's message until it can be read
 	int repeats = 0;     // sent so many times more, endlessly if negative,
 	double interval = 0; // each this many seconds after the one before
+	// An empty packet follows where the last one is full, for the host cannot know the size.
+	bool closed = false;
 	usb_fault fault = usb_fault::none;
 	// The bus keeps these.
 	bool posted = false;
@@ -57,10 +59,10 @@ struct usb_message {
 	bool awaited = false;
 };
 
-struct usb_exchange {
+struct usb_crossing {
 	bool from_host;
 	usb_bytes bytes;
-	bool operator==(const usb_exchange &) const = default;
+	bool operator==(const usb_crossing &) const = default;
 };
 
 class usb_machine
@@ -81,7 +83,7 @@ public:
 
 	// With record set, every whole message each way, in order.
 	bool record = false;
-	std::vector<usb_exchange> recorded;
+	std::vector<usb_crossing> recorded;
 
 	// Bytes from the host; ended says that a short packet came with them.
 	void take(std::span<const std::uint8_t> bytes, bool ended);

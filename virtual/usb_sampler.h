@@ -82,9 +82,14 @@ protected:
 
 	std::size_t message_size(std::span<const std::uint8_t> come, bool ended) const override;
 	void handle(std::span<const std::uint8_t> message) override;
+	// A message whose size the host knows, and one whose size it does not.
 	void say(usb_bytes bytes, double delay)
 	{
 		answer({ .bytes = std::move(bytes), .delay = delay });
+	}
+	void say_framed(usb_bytes bytes)
+	{
+		answer({ .bytes = std::move(bytes), .delay = latency, .closed = true });
 	}
 	void say_busy();
 	void forget_transfer();

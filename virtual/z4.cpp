@@ -146,7 +146,7 @@ void z4::answer_with(char status, bytes_in data)
 		bytes.resize(data_offset());
 	bytes.insert(bytes.end(), data.begin(), data.end());
 	bytes.push_back(0xF7);
-	say(std::move(bytes), latency);
+	say_framed(std::move(bytes));
 }
 
 // Section of the front panel: keys, wheel, keyboard.

@@ -232,7 +232,6 @@ int main(int argc, char **argv)
 		setenv("QT_QPA_PLATFORM", "offscreen", 0);
 	QApplication application(argc, argv);
 	QApplication::setApplicationName("velmor-demo");
-	QApplication::setApplicationDisplayName("VELMOR Sysex-Tools");
 	if (!read_arguments(argc, argv, &a)) {
 		std::fprintf(stderr, "usage: velmor-demo [--journey [WAV ...] [--out FOLDER]]\n");
 		return 2;

@@ -22,7 +22,6 @@ int main(int argc, char **argv)
 {
 	QApplication application(argc, argv);
 	QApplication::setApplicationName("velmor");
-	QApplication::setApplicationDisplayName("VELMOR Sysex-Tools");
 	install_services();
 	create_windows();
 	start_velmor();

@@ -313,6 +313,18 @@ TEST_F(sample_windows, both_lists_and_a_download)
 	EXPECT_EQ(at<named_list>(window_samples, samples_loaded_list)->chosen(), 1);
 }
 
+TEST_F(sample_windows, tab_leads_from_the_list_to_its_buttons)
+{
+	open();
+	auto *list = at(window_samples, samples_loaded_list);
+	ASSERT_TRUE(QTest::qWaitForWindowActive(at(window_samples, 0)));
+	EXPECT_TRUE(list->hasFocus());
+	for (int control : { samples_download, samples_download_all, samples_loaded_info }) {
+		QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+		EXPECT_EQ(QApplication::focusWidget(), at(window_samples, control)) << control;
+	}
+}
+
 TEST_F(sample_windows, stop_is_pressed_in_the_middle)
 {
 	open();

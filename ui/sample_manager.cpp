@@ -1,6 +1,7 @@
 // sample_manager.cpp - the samples of the sampler beside those of this computer
 
 #include "ui/parts.h"
+#include "ui/qt_ui.h"
 #include "ui/waveform.h"
 #include <QBoxLayout>
 #include <QFormLayout>
@@ -50,13 +51,16 @@ static QWidget *make_side(top_window *window, const side &s)
 	auto *column = new QVBoxLayout(box);
 	named_list *list = make_list(window, s.list);
 	list->setMinimumHeight(list->fontMetrics().height() * 6);
-	add_to(column, { make_search(window, s.search, list), list });
+	QLineEdit *search = make_search(window, s.search, list);
+	add_to(column, { search, list });
+	QWidget::setTabOrder(search, list);
 	if (s.list == samples_local_list)
 		list->take_files();
 
 	auto *grid = new QGridLayout;
+	QPushButton *move = make_button(window, s.move);
 	QPushButton *more = s.more ? make_button(window, s.more) : nullptr;
-	grid->addWidget(make_button(window, s.move), 0, 0, 1, more ? 1 : 2);
+	grid->addWidget(move, 0, 0, 1, more ? 1 : 2);
 	if (more)
 		grid->addWidget(more, 0, 1);
 	grid->addWidget(make_button(window, s.information), 1, 0);
@@ -164,6 +168,7 @@ void create_sample_manager(QWidget *owner)
 	auto *sides = new QHBoxLayout;
 	add_to(sides, { make_side(window, loaded_side), make_side(window, local_side) });
 	column->addLayout(sides, 3);
+	find_widget(window_samples, samples_loaded_list)->setFocus();
 	auto *picture = new QHBoxLayout;
 	picture->addWidget(make_details(window), 1);
 	picture->addWidget(make_picture(window), 2);

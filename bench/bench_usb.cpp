@@ -1,0 +1,161 @@
+// bench_usb.cpp - transfers and lists of the S5000 against what the bus and the machine need
+//
+// The driver talks to a virtual S5000 on a virtual full-speed bus, in virtual time. The
+// least that any program could take is what crosses the bus in its packets, one after the
+// other, and the rest of the machine before each answer:
+//
+//	packet = (bytes + 13) / 77 / 19000 s, at most 64 bytes a packet
+//	least  = packets of every message both ways + the machine's rest before each answer
+//
+// Of a transfer, only the blocks count, their acknowledgements and the answers to them.
+//
+// Ends with 1 when a measure misses its mark.
+
+#include "src/usbqx.h"
+#include "tests/support/test_host.h"
+#include "virtual/demo_usb.h"
+#include "virtual/usb_bus.h"
+#include <chrono>
+#include <cstdio>
+
+namespace velmor
+{
+namespace
+{
+
+constexpr double most_above_least = 1.02;   // of a walk
+constexpr double least_of_speed = 0.90;     // of a transfer
+constexpr double most_of_computer = 0.0002; // seconds an answer
+constexpr std::size_t header = 144, sound = 16 << 20;
+
+bool missed = false;
+
+void report(const char *what, const char *measure, bool good)
+{
+	std::printf("%-44s %s%s\n", what, measure, good ? "" : "   MISSED");
+	missed |= !good;
+}
+
+double on_bus(std::size_t bytes)
+{
+	const auto packet = [](std::size_t n) {
+		return (static_cast<double>(n) + 13) / 77 / 19000;
+	};
+	const std::size_t rest = bytes % 64;
+	return static_cast<double>(bytes / 64) * packet(64) + (rest || !bytes ? packet(rest) : 0);
+}
+
+struct bench {
+	test_host h;
+	s5000 machine;
+	_dev_status *status = nullptr;
+
+	bench()
+	{
+		machine.name = "Bench";
+		host.usb = &virtual_usb;
+		plug_usb(h.time, machine);
+		current_run_mode.diagnostics = false;
+	}
+	~bench() { unplug_all_usb(); }
+	const _sampler_type &load()
+	{
+		init_usb(1);
+		h.use_sampler(model_s5000, 0, "Bench");
+		status = current_sampler->status;
+		const _sampler_type &row = *get_sampler(model_s5000);
+		row.getstatus(1, 0, status);
+		row.getsamplelist(1, 0, status);
+		return row;
+	}
+	std::string in_spool(const char *name) { return h.config + "\\sample\\" + name; }
+};
+
+// What crosses the bus with each block: the block, the acknowledgement, the answer to it.
+double least_of_blocks(std::size_t bytes, std::size_t block, std::size_t answer, double rest)
+{
+	const std::size_t whole = bytes / block, last = bytes % block;
+	const double each = on_bus(1) + on_bus(answer) + rest;
+	return static_cast<double>(whole) * (on_bus(block) + each) +
+	       (last ? on_bus(last) + each : 0);
+}
+
+void report_transfer(const char *what, double took, double least, bool whole)
+{
+	char measure[160];
+	std::snprintf(measure, sizeof measure, "%9.3f s   least %9.3f s   %.4f of it   (%.3f MB/s)",
+		took, least, least / took, static_cast<double>(sound) / 1e6 / took);
+	report(what, measure, whole && least / took >= least_of_speed);
+}
+
+void measure_transfers()
+{
+	bench b;
+	std::vector<std::int16_t> words(sound / 2);
+	for (std::size_t i = 0; i < words.size(); i++)
+		words[i] = static_cast<std::int16_t>(i * 31);
+	const usb_bytes file = make_wave(words, {});
+	b.machine.add_sample("LONG", file);
+	const _sampler_type &row = b.load();
+	const std::size_t block = b.machine.block_sizes[0];
+	const double rest = b.machine.block_latency;
+
+	double began = b.h.time.now();
+	row.downloadsample(1, 0, "LONG");
+	report_transfer("download of 16 MiB", b.h.time.now() - began,
+		least_of_blocks(sound, block, 4, rest),
+		b.h.content(b.in_spool("LONG.wav")) == file);
+
+	// The first block holds the header alone, and every block has its full size.
+	b.h.put_content(b.in_spool("BACK.wav"), file);
+	const std::size_t blocks = 1 + (sound + block - 1) / block;
+	began = b.h.time.now();
+	row.uploadsample(b.in_spool("BACK").c_str());
+	report_transfer("upload of 16 MiB", b.h.time.now() - began,
+		least_of_blocks(blocks * block, block, 8, rest),
+		b.machine.samples.size() == 2 && b.machine.samples[1].wave == file);
+}
+
+void measure_walk()
+{
+	bench b;
+	fill_for_usb_benchmark(b.machine, 50, 16);
+	const _sampler_type &row = b.load();
+	b.machine.record = true;
+	const double began = b.h.time.now();
+	const auto real = std::chrono::steady_clock::now();
+	row.getproglist(1, 0, b.status);
+	const double took = b.h.time.now() - began;
+	const std::chrono::duration<double> cost = std::chrono::steady_clock::now() - real;
+
+	double least = 0;
+	std::size_t answers = 0;
+	for (const usb_crossing &c : b.machine.recorded) {
+		least += on_bus(c.bytes.size()) + (c.from_host ? 0 : b.machine.latency);
+		answers += !c.from_host;
+	}
+	const bool all =
+		b.status->programs == 50 && b.status->program[49].keygroups == 16 &&
+		!std::string_view("SAMPLE 001")
+			 .compare(b.status->program[49].keygroup[15].keyzone[3].samplename);
+	char measure[160];
+	std::snprintf(measure, sizeof measure,
+		"%9.3f s   least %9.3f s   ratio %.4f   (%zu answers)", took, least, took / least,
+		answers);
+	report("walk of 50 programs of 16 keygroups", measure,
+		all && took / least <= most_above_least);
+	std::snprintf(measure, sizeof measure, "%9.1f us of this computer for each answer",
+		cost.count() / static_cast<double>(answers) * 1e6);
+	report("  the program and the virtual machine", measure,
+		answers && cost.count() / static_cast<double>(answers) <= most_of_computer);
+}
+
+} // namespace
+} // namespace velmor
+
+int main()
+{
+	velmor::measure_transfers();
+	velmor::measure_walk();
+	return velmor::missed;
+}

@@ -224,21 +224,28 @@ static std::string spool_path(const std::string &name)
 	return current_config_path + "\\sample\\" + file_name_of(name) + ".wav";
 }
 
-// What stands in a file from at on, as words; the head of the program's own files takes 144
-// bytes.
-static std::vector<std::int16_t> words_of(const std::string &path, std::size_t at)
+static std::vector<u8> bytes_of(const std::string &path)
 {
 	file_info info;
 	int file;
-	std::vector<std::int16_t> words;
-	if (host.files->stat(path.c_str(), &info) || info.size < at ||
+	if (host.files->stat(path.c_str(), &info) ||
 		host.files->open(path.c_str(), file_read, &file))
-		return words;
+		return {};
 	std::vector<u8> bytes(info.size);
 	std::size_t moved = 0;
 	host.files->read(file, bytes.data(), bytes.size(), &moved);
 	host.files->close(file);
-	for (std::size_t i = at; i + 1 < moved; i += 2)
+	bytes.resize(moved);
+	return bytes;
+}
+
+// What stands in a file from at on, as words; the head of the program's own files takes 144
+// bytes.
+static std::vector<std::int16_t> words_of(const std::string &path, std::size_t at)
+{
+	const std::vector<u8> bytes = bytes_of(path);
+	std::vector<std::int16_t> words;
+	for (std::size_t i = at; i + 1 < bytes.size(); i += 2)
 		words.push_back(static_cast<std::int16_t>(bytes[i] | bytes[i + 1] << 8));
 	return words;
 }
@@ -374,6 +381,46 @@ static void look_closer()
 	picture(window_multis, "multis");
 }
 
+static void load_usb(const usb_stop &stop)
+{
+	step(("Load the " + stop.name + " on the USB, and list what it holds").c_str());
+	choose(window_main, main_sampler_list, stop.name);
+	press(window_main, main_load);
+	check(current_sampler && current_sampler->sampler_usbname == stop.sampler.name,
+		stop.name + " is loaded");
+	press(window_main, main_multis);
+	const _dev_status *status = current_sampler ? current_sampler->status : nullptr;
+	check(status && status->programs == static_cast<i32>(stop.programs),
+		format_text("its %zu programs were read", stop.programs));
+	check(names_in(window_multis, multis_list) == stop.multis,
+		format_text("the list shows its %zu multis", stop.multis.size()));
+	press(window_main, main_samples);
+	std::vector<std::string> names;
+	for (const usb_sample &sample : stop.sampler.samples)
+		names.push_back(sample.name);
+	check(names_in(window_samples, samples_loaded_list) == names,
+		format_text("the list shows its %zu samples", names.size()));
+}
+
+static void transfer_usb(const usb_stop &stop)
+{
+	step("Download a sample from it, and upload one to it");
+	const usb_sample first = stop.sampler.samples.front();
+	choose(window_samples, samples_loaded_list, first.name);
+	press(window_samples, samples_download);
+	const std::string path = spool_path(first.name);
+	check(bytes_of(path) == first.wave,
+		format_text("%s is the sampler's %zu bytes",
+			host.files->host_path(path.c_str()).c_str(), first.wave.size()));
+	const std::string sent = base_name(the_trip->files.front());
+	choose(window_samples, samples_local_list, sent);
+	press(window_samples, samples_upload);
+	const auto arrived = std::find_if(stop.sampler.samples.begin(), stop.sampler.samples.end(),
+		[&](const usb_sample &sample) { return sample.name == sent; });
+	check(arrived != stop.sampler.samples.end() && arrived->wave == bytes_of(spool_path(sent)),
+		"the sampler holds the file " + sent);
+}
+
 static void look_at_usb()
 {
 	step("Look at the USB samplers");
@@ -400,6 +447,11 @@ int run_journey(const journey &trip)
 	delete_one();
 	look_closer();
 	look_at_usb();
+	for (const usb_stop &stop : trip.usb) {
+		load_usb(stop);
+		transfer_usb(stop);
+	}
+	picture(window_multis, "multis-usb");
 	std::printf("WAV files: %s\nScreenshots: %s\n",
 		host.files->host_path((current_config_path + "\\sample").c_str()).c_str(),
 		trip.pictures.c_str());

@@ -2,15 +2,25 @@
 
 #pragma once
 #include "virtual/s1000.h"
+#include "virtual/usb_sampler.h"
 #include <string>
 #include <vector>
 
 namespace velmor
 {
 
+// A sampler on the USB that the journey comes by.
+struct usb_stop {
+	usb_sampler &sampler;
+	std::string name;                // in the list of samplers
+	std::size_t programs;            // that it holds
+	std::vector<std::string> multis; // that the program lists
+};
+
 struct journey {
-	s1000_machine &sampler;         // the one behind the configuration name
-	std::string name;               // in the list of samplers
+	s1000_machine &sampler; // the one behind the configuration name
+	std::string name;       // in the list of samplers
+	std::vector<usb_stop> usb;
 	std::vector<std::string> files; // WAV files to send, host paths
 	std::string pictures;           // folder of the screenshots, host path
 };

@@ -34,7 +34,8 @@ struct rack {
 	timeline time;
 	s1000_machine s3000{ s1000_model::s3000, s3000_channel };
 	s1000_machine s1000{ s1000_model::s1000, s1000_channel };
-	s5000 usb_sampler;
+	s5000 usb_s5000;
+	z4 usb_z8{ z4_model::z8 };
 };
 
 static rack *the_rack;
@@ -59,8 +60,10 @@ static void plug_in(rack *r)
 	fill_s3000(r->s3000);
 	fill_s1000(r->s1000);
 	plug_midi(r->time, both(r->s3000.on_wire(), r->s1000.on_wire()), "Demo MIDI cable");
-	fill_demo(r->usb_sampler);
-	plug_usb(r->time, r->usb_sampler);
+	fill_demo(r->usb_s5000);
+	plug_usb(r->time, r->usb_s5000);
+	fill_demo(r->usb_z8);
+	plug_usb(r->time, r->usb_z8);
 }
 
 // ---- Where everything lies ----------------------------------------------------------------------
@@ -91,6 +94,7 @@ static void prepare_folder(const std::string &root)
 	write_configuration(config, "Demo S3000", model_s3000, s3000_channel);
 	write_configuration(config, "Demo S1000", model_s1000, s1000_channel);
 	write_configuration(config, "Demo S5000", model_s5000, 0, "Demo S5000");
+	write_configuration(config, "Demo Z8", model_z4, 0, "Demo Z8");
 	for (const char *key : { "midi_in", "midi_in_mon", "midi_out" })
 		posix_settings.save_key(key, "0");
 	// The log is written where the program runs.
@@ -210,6 +214,9 @@ static int travel(arguments *a)
 	start_velmor();
 	return run_journey({ .sampler = the_rack->s3000,
 		.name = "Demo S3000",
+		.usb = { { the_rack->usb_s5000, "Demo S5000", the_rack->usb_s5000.programs.size(),
+				 the_rack->usb_s5000.multis },
+			{ the_rack->usb_z8, "Demo Z8", the_rack->usb_z8.programs.size(), {} } },
 		.files = a->files,
 		.pictures = a->out });
 }

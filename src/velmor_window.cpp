@@ -45,7 +45,7 @@ static constexpr caption_row caption_rows[] = {
 	{ window_sampler,  0,                       "VELMOR Manage current Sampler", nullptr, nullptr },
 	{ window_sampler,  sampler_name,            "Name:", "Any name by which you know this sampler", "For example S3000 in the rack" },
 	{ window_sampler,  sampler_brand_list,      "Brand:", "The model of the sampler", nullptr },
-	{ window_sampler,  sampler_midi_list,       "MIDI-Ch (1-16):", "The channel on which the sampler plays notes", nullptr },
+	{ window_sampler,  sampler_midi_list,       "Midi-Ch(1-16):", "The channel on which the sampler plays notes", nullptr },
 	{ window_sampler,  sampler_control_list,    "CTRL-Ch(1-16):", "The basic channel of the sampler", nullptr },
 	{ window_sampler,  sampler_exclusive_list,  "Sysex-Ch (1-127):", "The exclusive channel, as the sampler's own MIDI page shows it", nullptr },
 	{ window_sampler,  sampler_device_info,     "Get Device Info", "Ask the sampler who it is; its answer appears in the log", nullptr },

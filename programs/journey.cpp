@@ -126,9 +126,8 @@ static std::vector<std::string> names_in(int window, int control)
 static void choose(int window, int control, const std::string &name)
 {
 	QListWidget *list = list_of(window, control);
-	const auto found =
-		list ? list->findItems(QString::fromStdString(name), Qt::MatchFixedString)
-		     : QList<QListWidgetItem *>();
+	const auto found = list ? list->findItems(QString::fromStdString(name), Qt::MatchExactly)
+				: QList<QListWidgetItem *>();
 	if (found.isEmpty()) {
 		check(false, "\"" + name + "\" is not in the list");
 		return;

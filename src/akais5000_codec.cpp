@@ -277,9 +277,10 @@ bool ask_or_log(_usbdev *usb, std::span<const u8> payload, usb_answer *answer, c
 
 std::vector<u8> text_request(u8 section, u8 item, std::string_view text)
 {
-	std::vector<u8> request = { section, item };
-	request.insert(request.end(), text.begin(), text.end());
-	request.push_back(0);
+	std::vector<u8> request(2 + text.size() + 1);
+	request[0] = section;
+	request[1] = item;
+	std::copy(text.begin(), text.end(), request.begin() + 2);
 	return request;
 }
 

@@ -285,10 +285,10 @@ bool usable_block_size(u32 size)
 
 std::vector<u8> upload::announcement(std::string_view name) const
 {
-	std::vector<u8> command(5);
+	std::vector<u8> command(5 + name.size());
 	command[0] = put_sample_command;
 	put_big_endian_32(&command[1], static_cast<u32>(file.size));
-	command.insert(command.end(), name.begin(), name.end());
+	std::copy(name.begin(), name.end(), command.begin() + 5);
 	return command;
 }
 

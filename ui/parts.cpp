@@ -30,10 +30,48 @@ namespace velmor
 // Everything enrolled. A destroyed window leaves nulls behind.
 static std::map<std::pair<int, int>, QPointer<QObject>> controls;
 
-QObject *find_control(int window, int control)
+static QObject *enrolled(int window, int control)
 {
 	const auto found = controls.find({ window, control });
 	return found == controls.end() ? nullptr : found->second.data();
+}
+
+// A dialog is made when something of it is first needed, so that the main window is there at
+// once.
+struct dialog_maker {
+	int window;
+	void (*make)(QWidget *owner);
+};
+
+static constexpr dialog_maker dialogs[] = {
+	{ window_samples, create_sample_manager },
+	{ window_settings, create_settings_dialog },
+	{ window_sampler, create_sampler_dialog },
+	{ window_usb, create_usb_dialog },
+	{ window_multis, create_multi_window },
+	{ window_progress, create_progress_window },
+};
+
+static bool dialogs_wanted;
+
+void let_dialogs_be_made(bool wanted)
+{
+	dialogs_wanted = wanted;
+}
+
+static void make_dialog(int window)
+{
+	auto *owner = qobject_cast<QWidget *>(enrolled(window_main, 0));
+	for (const dialog_maker &row : dialogs)
+		if (row.window == window && owner)
+			row.make(owner);
+}
+
+QObject *find_control(int window, int control)
+{
+	if (dialogs_wanted && !enrolled(window, 0))
+		make_dialog(window);
+	return enrolled(window, control);
 }
 
 QWidget *find_widget(int window, int control)

@@ -87,6 +87,8 @@ void add_to(QBoxLayout *layout, std::initializer_list<QWidget *> widgets);
 
 // The windows, one a file.
 void create_main_window();
+// From when until when find_control makes the dialog that it looks for.
+void let_dialogs_be_made(bool wanted);
 void create_settings_dialog(QWidget *owner);
 void create_sampler_dialog(QWidget *owner);
 void create_usb_dialog(QWidget *owner);

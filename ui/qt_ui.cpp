@@ -318,18 +318,13 @@ void create_windows()
 	QApplication::setQuitOnLastWindowClosed(false);
 	events = QCoreApplication::eventDispatcher();
 	create_main_window();
-	QWidget *main = find_widget(window_main, 0);
-	create_sample_manager(main);
-	create_settings_dialog(main);
-	create_sampler_dialog(main);
-	create_usb_dialog(main);
-	create_multi_window(main);
-	create_progress_window(main);
+	let_dialogs_be_made(true);
 }
 
 void destroy_windows()
 {
 	events = nullptr;
+	let_dialogs_be_made(false);
 	delete find_widget(window_main, 0);
 	forget_log_text();
 }

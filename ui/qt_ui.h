@@ -14,14 +14,15 @@ namespace velmor
 
 extern const ui_service qt_ui;
 
-// Make every window, all hidden. Once, after the QApplication.
+// Make the main window, hidden, and the dialogs as they are needed. Once, after the
+// QApplication.
 void create_windows();
 // Forget them again; for tests, which make them anew.
 void destroy_windows();
 // Show the main window and run until the process ends.
 int run_windows();
 
-// The window (control 0), widget or menu entry of that id, or null.
+// The window (control 0), widget or menu entry of that id, or null. Makes its dialog if need be.
 QObject *find_control(int window, int control);
 // The same as a widget, or null.
 QWidget *find_widget(int window, int control);

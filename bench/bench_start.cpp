@@ -4,7 +4,8 @@
 // makes a QApplication, shows a main window with an empty text field and ends when it has been
 // painted; the bare one has not even that, so that Qt loads no font, which any window with a
 // word in it has to wait for. The program makes its own window and runs its start-up with a
-// configuration folder of its own. Needs a display (xvfb-run serves). Fails above 1.3 times the empty window.
+// configuration folder of its own. Needs a display (xvfb-run serves). Fails above 1.3 times
+// the empty window.
 
 #include "platform/backends.h"
 #include "src/velmor.h"

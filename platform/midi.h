@@ -32,8 +32,8 @@ struct midi_service {
 
 	// Open an input; index -1 fails. Nothing is received before it is armed.
 	int (*open_input)(int index, int *handle);
-	// Receive every byte that comes into buffer, at most capacity bytes, from now until disarm or close_input.
-	// What exceeds the capacity is dropped.
+	// Receive every byte that comes into buffer, at most capacity bytes, from now until disarm
+	// or close_input. What exceeds the capacity is dropped.
 	int (*arm)(int handle, unsigned char *buffer, std::size_t capacity);
 	// Bytes in the armed buffer at this moment.
 	std::size_t (*received)(int handle);

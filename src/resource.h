@@ -312,7 +312,7 @@ extern _sampler *current_sampler;
 // What is being edited, as indexes into the loaded tree. Changed by the program windows.
 extern i32 current_pgm_index, current_keygroup_index, current_keyzone_index;
 
-// A zeroed record straight from the system, or null. Never freed while the process lives.
+// A zeroed record straight from the system, or null; std::free gives it back.
 _dev_status *allocate_dev_status();
 // Give both data blocks back and forget them.
 void free_sample_data(_sample *sample);

@@ -325,7 +325,7 @@ bool get_wave_info(const char *filename, u8 *bits, u8 *channels, int *sample_rat
 	}
 	u64 at = u64{ head.fmt_length } + 20;
 	for (int i = 0; !code && i < max_wave_chunks && at < file.size; i++) {
-		wave_chunk chunk;
+		wave_chunk chunk = {};
 		code = read_wave_chunk(file, at, &chunk);
 		log_line("[D] %s Chunk: [%.4s] (%u Bytes)\r\n", filename, chunk.name, chunk.size);
 		if (!code && chunk.is("smpl")) {

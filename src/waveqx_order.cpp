@@ -35,7 +35,7 @@ static int find_chunks(input_file &file, const wave_head &head, ordered_chunks *
 	*found = {};
 	u64 at = u64{ head.fmt_length } + 20;
 	for (int i = 0; i < max_wave_chunks && at < file.size; i++) {
-		wave_chunk chunk;
+		wave_chunk chunk = {};
 		if (const int code = read_wave_chunk(file, at, &chunk))
 			return code;
 		log_line("[D] AKAI_IT --> CHUNK [%.4s] (%u Bytes)\r\n", chunk.name, chunk.size);

@@ -174,7 +174,7 @@ bool find_data(conversion &c)
 {
 	u64 at = u64{ c.head.fmt_length } + 20;
 	for (int i = 0; i < max_wave_chunks && at < c.file.size; i++) {
-		wave_chunk chunk;
+		wave_chunk chunk = {};
 		if (read_wave_chunk(c.file, at, &chunk))
 			return failed("Cannot read", c.source);
 		log_line("[D] Found Chunk: [%.4s] (%u Bytes)\r\n", chunk.name, chunk.size);

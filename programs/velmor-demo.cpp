@@ -200,8 +200,9 @@ static int travel(arguments *a)
 {
 	qInstallMessageHandler(leave_out_platform_remarks);
 	if (a->out.empty()) {
-		char pattern[] = "/tmp/velmor-journey-XXXXXX";
-		a->out = mkdtemp(pattern);
+		std::string pattern =
+			std::filesystem::temp_directory_path() / "velmor-journey-XXXXXX";
+		a->out = mkdtemp(pattern.data());
 	}
 	std::filesystem::create_directories(a->out);
 	std::filesystem::remove_all(a->out + "/data");

@@ -145,6 +145,9 @@ TEST_F(virtual_s900, gives_a_dump_block_by_block)
 	ask("F0 7E 00 00 00 F7");
 	ask("F0 47 03 03 40 00 00 F7");
 	EXPECT_EQ(ask("F0 7E 7F F7"), bytes()) << "broken off";
+	ask("F0 7E 00 00 00 F7");
+	ask("F0 7E 01 F7");
+	EXPECT_EQ(ask("F0 7E 7F F7"), bytes()) << "and by a dump";
 	ask("F0 47 03 06 40 00 00 F7");
 	EXPECT_EQ(ask("F0 7E 00 00 00 F7"), bytes()) << "off";
 }
@@ -171,7 +174,7 @@ TEST_F(virtual_s900, takes_a_dump)
 		hex("3D 00 00 00 80 3E C0 03 00 00 4C 00 3D 00 00 00 0A 00 00 00 28 00 00 00"));
 
 	s900_machine::put_name(s.header, 0, "KEPT");
-	m.word_room = 61;
+	m.word_room = 4;
 	EXPECT_EQ(
 		ask("F0 7E 01 05 00 0C 28 43 01 01 00 00 00*6 01 00 40 04 00*118 44 F7"), go_on(2));
 	EXPECT_EQ(s.words, std::vector<std::int16_t>{ 1 });
@@ -264,13 +267,16 @@ TEST_F(s900_on_wire, takes_a_dump_at_its_own_pace)
 
 TEST_F(s900_on_wire, loses_a_dump_with_a_block_and_begins_anew)
 {
-	wire.set_fault({ .kind = wire_fault_kind::silent, .exchange = 3 });
-	EXPECT_EQ(dump(0.5, 0.4, 0.4), 0u);
-	EXPECT_EQ(hear(looped, 0.4), go_on(1));
-	hear(block_0, 0.4);
-	hear("F0 7E 01 05 00 " + rate_and_count, 0.4);
-	EXPECT_EQ(hear(looped + block_0 + "F7", 0.4), go_on(1)) << "what came before is forgotten";
-	EXPECT_EQ(dump(0.5, 0.4, 0.4), 1u);
+	EXPECT_EQ(hear(looped, 0.4), bytes()) << "common exclusive is off";
+	m.takes_time = false;
+	wire.set_fault({ .kind = wire_fault_kind::silent, .exchange = 4 });
+	EXPECT_EQ(dump(0.1, 0.1, 0.1), 0u);
+	EXPECT_EQ(hear(looped, 0.1), go_on(1));
+	EXPECT_EQ(hear(looped, 0.1), go_on(1)) << "the first one is forgotten";
+	hear("F0 47 03 03", 0.1);
+	EXPECT_EQ(hear(looped + block_0 + "F7", 0.1), go_on(2));
+	EXPECT_EQ(dump(0.1, 0.1, 0.1), 1u);
+	EXPECT_EQ(hear(looped + block_0 + "F7", 0.1), go_on(2));
 }
 
 TEST_F(s900_on_wire, shares_its_cable)

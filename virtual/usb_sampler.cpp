@@ -45,14 +45,19 @@ void usb_sampler::plugged_in()
 	confirms = confirms_at_power_on;
 	current_sample = 0;
 	forget_transfer();
+	outbox.clear();
 }
 
+// It is not busy any more, whatever waits to be read.
 void usb_sampler::forget_transfer()
 {
 	doing = phase::framed;
 	arriving = {};
 	leaving.clear();
-	outbox.clear();
+	if (!keeps_unread)
+		outbox.clear();
+	for (usb_message &m : outbox)
+		m.repeats = 0;
 }
 
 const usb_sample *usb_sampler::sample_now() const

@@ -52,6 +52,10 @@ public:
 	int busy = 0; // so many "AkaI" before each answer in a transfer; endlessly if negative
 	double busy_interval = 0.010;
 	bool display_busy = false;
+	// A wake-up breaks off what goes on, and drops answers that nobody has read; or keeps them.
+	bool keeps_unread = false;
+	// Whether an empty packet ends an answer whose last packet is full.
+	bool empty_packets = true;
 	int refuse_after = -1; // an upload is refused when it has so many blocks
 
 	void add_sample(std::string sample_name, usb_bytes wave);
@@ -89,7 +93,7 @@ protected:
 	}
 	void say_framed(usb_bytes bytes)
 	{
-		answer({ .bytes = std::move(bytes), .delay = latency, .closed = true });
+		answer({ .bytes = std::move(bytes), .delay = latency, .closed = empty_packets });
 	}
 	void say_busy();
 	void forget_transfer();

@@ -76,7 +76,7 @@ transcript_usb::transcript_usb(test_host &test, u16 product) : host_of_test(test
 	devices.push_back({ .vendor = 0x09E8,
 		.product = product,
 		.path = "usb:1",
-		.name = "AKAI",
+		.address = "001/002",
 		.interfaces = { { .number = 0,
 			.interface_class = 0xFF,
 			.pipes = { { 0x82, 2, 64 }, { 0x02, 2, 64 } } } } });

@@ -28,7 +28,7 @@ void init_usb_sem()
 	usb_semaphore.reset(new (std::nothrow) usb_place{ 1 });
 	if (!usb_semaphore) {
 		show_box("ERROR", "Cannot create semaphore!");
-		host.ui->exit_process(0);
+		end_program(0);
 	}
 }
 
@@ -200,6 +200,7 @@ bool open_midi_usb(_usbdev *usb)
 	}
 	copy_text(usb->device_path, before.path);
 	usb->address = before.address;
+	tell_usb_line(usb, false);
 	return false;
 }
 

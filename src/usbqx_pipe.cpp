@@ -15,6 +15,7 @@
 // Knows nothing of: what a command means, how devices are found.
 
 #include "src/usbqx_pipe.h"
+#include "src/velmor_outcome.h"
 #include <algorithm>
 #include <array>
 #include <cstring>
@@ -197,6 +198,17 @@ static exchange_outcome run_exchange(bulk_exchange *e)
 	return !e->wanted || finish_read(e) ? exchange_done : exchange_read_failed;
 }
 
+// What the line to the loaded sampler did; another device says nothing about it.
+void tell_usb_line(const _usbdev *usb, bool answered)
+{
+	if (!current_sampler || std::strcmp(current_sampler->sampler_usbname, usb->usb_name) != 0)
+		return;
+	if (answered)
+		line_answered();
+	else
+		line_silent(host.usb->error_text(usb_last_result));
+}
+
 // Every exchange that failed ends here.
 static void exchange_failed(bulk_exchange *e, exchange_outcome outcome)
 {
@@ -210,6 +222,7 @@ static void exchange_failed(bulk_exchange *e, exchange_outcome outcome)
 	if (usb_last_result == usb_stalled)
 		host.usb->reset_pipe(e->usb->interface_handle,
 			static_cast<u8>(e->usb->pipe_id | (read ? in_pipe_bit : 0)));
+	tell_usb_line(e->usb, false);
 }
 
 exchange_outcome finish_exchange(bulk_exchange *e, u8 *answer, std::size_t *received)
@@ -227,6 +240,7 @@ exchange_outcome finish_exchange(bulk_exchange *e, u8 *answer, std::size_t *rece
 	*received = std::min(usb->kept_to - usb->kept_from, e->wanted);
 	std::memcpy(answer, usb->landing.data() + usb->kept_from, *received);
 	usb->kept_from += *received;
+	tell_usb_line(usb, true);
 	return outcome;
 }
 

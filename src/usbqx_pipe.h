@@ -14,6 +14,8 @@ bool usb_scanning();
 
 // ---- usbqx_pipe.cpp --------------------------------------------------------------------
 
+// Tell the rest of the program whether the device of the loaded sampler answers.
+void tell_usb_line(const _usbdev *usb, bool answered);
 // Bytes to a device that is not yet spoken to in frames.
 bool send_usb_bytes(_usbdev *usb, std::span<const u8> bytes);
 // One packet after the other up to the end of an answer: a short packet, or an end byte in

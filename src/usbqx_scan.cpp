@@ -250,7 +250,7 @@ static void scan_bus()
 	std::vector<usb_device> devices;
 	if (!host.usb->list(&devices)) {
 		display_error_text(__FILE_NAME__, __LINE__, host.usb->error_text(usb_failed));
-		host.ui->exit_process(0);
+		end_program(0);
 		return;
 	}
 	log_line("[D] DiGetClassDevs completed...\r\n");

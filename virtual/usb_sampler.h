@@ -56,6 +56,9 @@ public:
 	bool keeps_unread = false;
 	// Whether an empty packet ends an answer whose last packet is full.
 	bool empty_packets = true;
+	// Wake-ups that came inside a block, in front of its go-on, or before what was sent was read;
+	// and blocks that came short.
+	int interrupted = 0;
 	int refuse_after = -1; // an upload is refused when it has so many blocks
 
 	void add_sample(std::string sample_name, usb_bytes wave);
@@ -97,6 +100,7 @@ protected:
 	}
 	void say_busy();
 	void forget_transfer();
+	bool inside_block() const;
 	const usb_sample *sample_now() const;
 	wave_facts facts_now() const;
 	// The part of a transfer that answers with zeros when it refuses.

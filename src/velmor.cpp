@@ -188,6 +188,8 @@ int load_sampler(const char *sampler_name)
 	if (!sampler_name || !*sampler_name)
 		return 1;
 	init_usb(1);
+	if (!usb_init_done)
+		return 1; // stopped
 	const std::string path = sampler_path(sampler_name);
 	log_line("[D] LOADING SAMPLER-CONFIG from: [%s]\r\n", path.c_str());
 	show_progressbar(window_main, 100, "Loading Sampler...");
@@ -195,6 +197,7 @@ int load_sampler(const char *sampler_name)
 	_sampler record = {};
 	read_record(path, &record);
 	make_current(record);
+	copy_text(current_usb_name, current_sampler->sampler_usbname); // for the next save
 	set_progressbar(20);
 	fill_sampler_dialog(sampler_name, *current_sampler);
 	log_line("[I]Successfully loaded sampler configuration from [%s] - SYSEX: %d, "

@@ -426,6 +426,7 @@ static constexpr command_row commands[] = {
 static constexpr command_row selections[] = {
 	{ window_settings, settings_midi_in,        choose_midi_in,            alone  },
 	{ window_settings, settings_midi_out,       choose_midi_out,           alone  },
+	{ window_usb,      usb_device_list,         choose_usb_device,         alone  },
 	{ window_samples,  samples_local_list,      show_local_selection,      alone  },
 	{ window_samples,  samples_bits_keep,       preview_options,           alone  },
 	{ window_samples,  samples_bits_16,         preview_options,           alone  },

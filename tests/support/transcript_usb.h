@@ -2,7 +2,7 @@
 //
 //   # words        what this step is, shown when it fails
 //   > bytes        one transfer to the OUT pipe, exactly these; 'text' stands for its letters
-//   < bytes        what one read of the IN pipe brings
+//   < bytes        one message of the device, in packets of 64; no bytes: an empty packet
 //   ! silence      the read under way gets nothing and runs into its deadline
 //   ! stall        the next transfer of the direction asked for is refused by the pipe
 //   ! cut n        the next transfer out moves only n bytes
@@ -48,6 +48,7 @@ private:
 		std::string words;
 		std::vector<u8> bytes;
 		int number;
+		std::size_t taken = 0; // bytes handed out
 	};
 	struct transfer {
 		int id;
@@ -66,6 +67,7 @@ private:
 	void cancel(int id);
 	void go_on();
 	bool take_step(transfer &t);
+	void hand_out(transfer &t);
 	void match_write(transfer &t);
 	void end(transfer &t, int result, std::size_t moved, double after);
 	transfer *find(int id);

@@ -1,23 +1,13 @@
-// akais5000_codec.cpp - the checksum of the S5000, and asking, for both USB drivers
+// akaiusb.cpp - what the drivers of all USB samplers have in common: asking, names, counts
 //
-// Knows nothing of: transports, the order of an operation's requests.
+// Knows nothing of: the requests of a model, frames.
 
-#include "src/akais5000.h"
+#include "src/akaiusb.h"
 #include <algorithm>
 #include <cstring>
 
 namespace velmor
 {
-
-u8 akai_s5000_calc_checksum(const u8 *bytes, int length)
-{
-	int sum = 0;
-	for (int i = 4; length >= 5 && i < length; i++)
-		sum += bytes[i];
-	return static_cast<u8>(sum & 0x7F);
-}
-
-// ---- Requests ----------------------------------------------------------------------------------
 
 // The tag of a source file in the log is its name without folders.
 const char *file_tag(const call_site &where)
@@ -44,6 +34,11 @@ bool ask_or_log(_usbdev *usb, std::span<const u8> payload, usb_answer *answer, c
 	return false;
 }
 
+u8 usb_status(const _usbdev *usb, const usb_answer &answer)
+{
+	return answer.bytes()[family_of(*usb).status_offset];
+}
+
 std::vector<u8> text_request(u8 section, u8 item, std::string_view text)
 {
 	std::vector<u8> request(2 + text.size() + 1);
@@ -55,8 +50,7 @@ std::vector<u8> text_request(u8 section, u8 item, std::string_view text)
 
 std::optional<std::string> name_walk::next()
 {
-	constexpr u8 end_byte = 0xF7;
-	if (at >= bytes.size() || bytes[at] == end_byte)
+	if (at >= bytes.size() || bytes[at] == usb_end_byte)
 		return std::nullopt;
 	std::string name = bytes.text(at);
 	at += name.size() + 1;

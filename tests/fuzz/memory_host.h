@@ -26,13 +26,15 @@ inline std::map<std::string, bytes> files;
 inline std::map<int, open_file> opened;
 inline int next_file = 1;
 inline constexpr std::size_t disk = 1024 * 1024;
-inline constexpr int not_there = 2, full = 28;
+inline constexpr int not_there = 2, already_there = 17, full = 28;
 
 inline int open(const char *path, file_mode mode, int *file)
 {
 	if (mode == file_append) // the log
 		return full;
-	if (mode == file_create)
+	if (mode == file_exclusive && files.count(path))
+		return already_there;
+	if (mode == file_create || mode == file_exclusive)
 		files[path].clear();
 	if (!files.count(path))
 		return not_there;
@@ -80,6 +82,7 @@ inline const files_service memory_files = {
 			return 0;
 		},
 	.sync = [](int) { return 0; },
+	.sync_folder = [](const char *) { return 0; },
 	.close = [](int file) { return opened.erase(file) ? 0 : 9; },
 	.stat = stat,
 	.rename =
@@ -98,8 +101,11 @@ inline const files_service memory_files = {
 		},
 	.host_path = [](const char *path) { return std::string(path); },
 	.system_path = [](const char *path) { return std::string(path); },
-	.exists_already = [](int) { return false; },
+	.exists_already = [](int code) { return code == already_there; },
 	.not_found = [](int code) { return code == not_there; },
+	.disk_full = [](int code) { return code == full; },
+	.process = [] { return 1L; },
+	.process_runs = [](long) { return true; },
 	.error_text = [](int) { return "words"; },
 };
 

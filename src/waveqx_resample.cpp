@@ -540,8 +540,10 @@ bool write_ordered(conversion &c, u64 data_size)
 	};
 	std::vector<u8> head;
 	const kept_chunks kept = { whole(c.fact, c.has_fact), whole(c.smpl, c.has_smpl) };
-	const char *fault = make_spool_head(
-		{ c.prefix.get(), at_fact }, kept, static_cast<u32>(data_size), c.pitch, &head);
+	const char *fault = c.prefix_size + data_size < smallest_file
+				    ? "too small"
+				    : make_spool_head({ c.prefix.get(), at_fact }, kept,
+					      static_cast<u32>(data_size), c.pitch, &head);
 	if (!fault)
 		return write_target(c, head, data_size);
 	corrupted(c, fault);

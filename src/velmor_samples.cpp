@@ -8,6 +8,7 @@
 
 #include "src/velmor_window.h"
 #include "src/waveqx.h"
+#include "src/waveqx_file.h"
 #include <algorithm>
 #include <cstring>
 
@@ -387,10 +388,25 @@ static bool file_exists(const std::string &path)
 	return host.files->stat(path.c_str(), &info) == 0;
 }
 
+// Two names of one file: both are found, but the folder lists only one of them.
+static bool one_file(const std::string &from, const std::string &to)
+{
+	if (!equal_but_for_case(from, to) || !file_exists(from) || !file_exists(to))
+		return false;
+	std::vector<std::string> names;
+	host.files->list(spool().c_str(), &names);
+	return std::count_if(names.begin(), names.end(), [&](const std::string &name) {
+		return equal_but_for_case(spool() + "\\" + name, from);
+	}) < 2;
+}
+
 // The name is free, or the user gives up what bears it. Both files of a sample are asked for.
 static bool may_take_name(
 	const std::string &from, const std::string &to, const char *old_name, const char *new_name)
 {
+	// On a disk that does not tell cases apart, the name in another case is the file itself.
+	if (one_file(wave_path_of(from), wave_path_of(to)))
+		return true;
 	if (file_exists(wave_path_of(to)) &&
 		!ask_box("INFO", "A sample with that name already exists, overwrite?")) {
 		log_line("Not renaming [%s] --> [%s]\r\n", old_name, new_name);
@@ -406,8 +422,10 @@ static bool may_take_name(
 
 static void move_local(const std::string &from, const std::string &to)
 {
-	host.files->remove(wave_path_of(to).c_str());
-	host.files->remove((to + ".info").c_str());
+	if (!one_file(wave_path_of(from), wave_path_of(to)))
+		host.files->remove(wave_path_of(to).c_str());
+	if (!one_file(from + ".info", to + ".info"))
+		host.files->remove((to + ".info").c_str());
 	int code = host.files->rename(wave_path_of(from).c_str(), (to + ".wav").c_str());
 	if (!code && file_exists(from + ".info"))
 		code = host.files->rename((from + ".info").c_str(), (to + ".info").c_str());
@@ -452,7 +470,8 @@ void export_spool()
 	if (copy_folder(window_samples, spool().c_str(), target.c_str()))
 		show_box("INFO", "Export completed");
 	else
-		show_box("FATAL", "Export failed");
+		show_box("FATAL", "Export failed%s%s", import_failure.empty() ? "" : "\n",
+			import_failure.c_str());
 }
 
 void clear_spool()
@@ -491,8 +510,9 @@ void import_files(std::span<const std::string> paths)
 			if (progress_stopped() || close_requested())
 				break;
 			hide_progressbar(window_samples);
-			show_box("ERROR", "Conversion failed! [%s] (%d/%d)", path.c_str(), done + 1,
-				count);
+			show_box("ERROR", "Conversion failed! [%s] (%d/%d)%s%s", path.c_str(),
+				done + 1, count, import_failure.empty() ? "" : "\n",
+				import_failure.c_str());
 			refill_local(local_name_chosen());
 			return;
 		}

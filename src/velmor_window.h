@@ -99,6 +99,15 @@ void show_local_selection();
 // Say what the import options make of these files. None: of the selected local sample.
 void show_import_preview(std::span<const std::string> paths);
 
+// What an upload to that model would make of a WAV file of the spool.
+struct upload_verdict {
+	bool sends; // the sound arrives; otherwise the upload is to be refused with the words
+	bool helps; // import_wave with this conversion, of the file itself, makes it arrive
+	import_options conversion;
+	std::string words; // a sentence or two; what arrives, where it does
+};
+upload_verdict upload_check(const _sampler_type &model, const std::string &path);
+
 // Seconds that an upload of so many bytes takes to a sampler of that model: over MIDI from the
 // wire's 31250 baud, over USB from full speed.
 double transfer_seconds(const _sampler_type &model, u64 bytes);

@@ -4,6 +4,7 @@
 // protocol says. Every fault of the wire is tried at every exchange of every operation.
 
 #include "src/akais1000.h"
+#include "src/velmor_window.h"
 #include "src/waveqx.h"
 #include "tests/support/test_host.h"
 #include "virtual/midi_ports.h"
@@ -244,14 +245,33 @@ TEST_F(conversations, stop_leaves_sampler_and_spool_whole)
 		if (h.time.now() > stop_at)
 			stop_progress();
 	};
+	EXPECT_TRUE(h.boxes.empty());
 	c.row->uploadsample(c.spool("LONG").c_str());
 	EXPECT_FALSE(h.progress.visible);
-	EXPECT_TRUE(h.boxes.empty());
+	ASSERT_EQ(h.boxes.size(), 1u);
+	EXPECT_NE(h.boxes[0].text.find("[LONG] that the sampler had in this place is gone"),
+		std::string::npos);
+	// The machine knows too: what comes now belongs to no dump.
+	ASSERT_EQ(c.machine.heard.back().size(), 6u);
+	EXPECT_EQ(c.machine.heard.back()[3], 0x7D);
+	EXPECT_EQ(c.machine.answer(hex("F0 7E 05 02 00 00*120 79 F7")), hex("F0 7E 05 7D 00 F7"));
+	EXPECT_TRUE(c.machine.samples[2].words.empty());
 	h.on_pump = nullptr;
 	c.list();
 	EXPECT_EQ(c.dev().programs, 3);
 	EXPECT_EQ(c.dev().samples, 3);
 	EXPECT_STREQ(c.dev().sample[2].name, "LONG");
+}
+
+// An Exit ends a list at once, the first operation of it too, and the program behind it.
+TEST_F(conversations, exit_in_the_first_list_operation_ends_the_program)
+{
+	conversation c(h, s1000_model::s3000, model_s3000);
+	for (int i = 0; i < 100; i++)
+		c.machine.add_sample(format_text("SAMPLE %d", i), 44100, {});
+	h.on_pump = [] { velmor_command(window_main, menu_exit); };
+	EXPECT_THROW(velmor_command(window_main, main_samples), process_ended);
+	EXPECT_LE(c.machine.heard.size(), 4u);
 }
 
 // ---- Faults ------------------------------------------------------------------------------

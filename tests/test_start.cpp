@@ -2,6 +2,7 @@
 
 #include "src/controls.h"
 #include "tests/support/transcript_midi.h"
+#include "tests/support/transcript_usb.h"
 
 namespace velmor
 {
@@ -15,6 +16,7 @@ protected:
 TEST_F(start, reads_the_settings_and_fills_the_windows)
 {
 	transcript_midi t(h, "");
+	transcript_usb usb(h, 0x5E);
 	h.put_content(h.root + "/velmor.log", hex("41 42"));
 	h.put_content(h.config + "\\rack.sampler", {});
 	h.settings = { { "midi_in", "0" }, { "midi_out", "1" } };
@@ -33,6 +35,7 @@ TEST_F(start, reads_the_settings_and_fills_the_windows)
 	EXPECT_TRUE((h.visible[{ window_main, 0 }]));
 	EXPECT_EQ(current_sampler, nullptr);
 	EXPECT_TRUE(t.wake == host.ui->wake);
+	EXPECT_TRUE(usb.wake == host.ui->wake);
 	// The log of the run before is gone; devices were told before the screen log began.
 	const std::vector<std::string> log = h.log();
 	ASSERT_EQ(log.size(), 3u);

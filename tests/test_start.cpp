@@ -2,6 +2,7 @@
 
 #include "src/controls.h"
 #include "tests/support/transcript_midi.h"
+#include "tests/support/transcript_usb.h"
 
 namespace velmor
 {

@@ -48,7 +48,7 @@ struct transcript_calls {
 		plugged->reset.push_back(pipe);
 		return usb_ok;
 	}
-	static void on_arrival(void (*)()) {}
+	static void on_arrival(void (*wake)()) { plugged->wake = wake; }
 	static const char *error_text(int code)
 	{
 		static constexpr const char *texts[] = { "Success", "Pending", "Timed out",

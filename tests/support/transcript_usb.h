@@ -36,6 +36,7 @@ public:
 	std::vector<usb_device> devices;
 	int open_result = usb_ok, claim_result = usb_ok;
 	bool can_list = true;
+	void (*wake)() = nullptr;
 	int opened = 0, closed = 0;
 	std::vector<int> claimed;    // interface numbers, in order
 	std::vector<u8> reset;       // pipes, in order

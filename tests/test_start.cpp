@@ -2,7 +2,6 @@
 
 #include "src/controls.h"
 #include "tests/support/transcript_midi.h"
-#include "tests/support/transcript_usb.h"
 
 namespace velmor
 {

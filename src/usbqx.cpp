@@ -13,7 +13,7 @@
 // Knows nothing of: what the samplers hold.
 
 #include "src/usbqx.h"
-#include "src/velmor.h"
+#include "src/velmor_outcome.h"
 #include <algorithm>
 #include <array>
 #include <cstring>
@@ -468,6 +468,8 @@ static bool refuse_open(_usbdev *usb, const char *what, int code)
 	usb_last_result = code;
 	log_line("[F] DEVICE_HANDLE: %d,%s ERROR: [%s] (File: %s)\r\n", usb->device_handle, what,
 		usb_error(__FILE_NAME__, __LINE__, code), usb->device_path);
+	if (current_sampler && !std::strcmp(usb->usb_name, current_sampler->sampler_usbname))
+		line_silent(host.usb->error_text(code));
 	release_semaphore();
 	return false;
 }

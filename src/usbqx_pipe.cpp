@@ -14,7 +14,7 @@
 
 #include "src/akais5000.h"
 #include "src/usbqx.h"
-#include "src/velmor.h"
+#include "src/velmor_outcome.h"
 #include <algorithm>
 #include <cstring>
 
@@ -151,10 +151,21 @@ static bool finish_write(bulk_exchange *e, int run)
 	}
 }
 
+// The line is that of the loaded sampler; other devices on the bus are no part of it.
+static bool is_loaded(const _usbdev *usb)
+{
+	return current_sampler && *current_sampler->sampler_usbname &&
+	       !std::strcmp(usb->usb_name, current_sampler->sampler_usbname);
+}
+
 static exchange_outcome failed_exchange(bulk_exchange *e, exchange_outcome outcome)
 {
 	abandon_exchange(e);
-	return e->may_stop && progress_stopped() ? exchange_stopped : outcome;
+	if (e->may_stop && progress_stopped())
+		return exchange_stopped;
+	if (is_loaded(e->usb))
+		line_silent(host.usb->error_text(usb_last_result));
+	return outcome;
 }
 
 exchange_outcome finish_exchange(bulk_exchange *e, u8 *answer, std::size_t *received)
@@ -172,6 +183,8 @@ exchange_outcome finish_exchange(bulk_exchange *e, u8 *answer, std::size_t *rece
 	*received = std::min(usb->kept_to - usb->kept_from, e->wanted);
 	std::memcpy(answer, usb->landing.data() + usb->kept_from, *received);
 	usb->kept_from += *received;
+	if (is_loaded(usb))
+		line_answered();
 	return exchange_done;
 }
 

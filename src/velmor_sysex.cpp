@@ -16,7 +16,7 @@
 
 #include "src/controls.h"
 #include "src/rmidi.h"
-#include "src/velmor.h"
+#include "src/velmor_outcome.h"
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
@@ -335,6 +335,23 @@ static bool begin_exchange(u8 *input, int *_input_len, int msg_count)
 	return false;
 }
 
+// Tells at the end of an exchange that wanted an answer whether a whole one came, whichever way
+// it ended. A port that failed leaves the length as it was, over a cleared buffer.
+struct answer_report {
+	const u8 *input;
+	const int *length;
+	bool wanted;
+	~answer_report()
+	{
+		const int count = wanted ? *length : 0;
+		if (count > 0 && input[count - 1] == end_byte)
+			line_answered();
+		else if (wanted)
+			line_silent(
+				count > 0 && !input[0] ? "The port failed." : "No answer came.");
+	}
+};
+
 // The bridge knows no count of messages: an answer ends at its first end byte.
 static void exchange_over_tcp(const u8 *output, int output_len, u8 *input, int *_input_len)
 {
@@ -351,6 +368,7 @@ void send_midi_string_ex(
 	if (!begin_exchange(input, _input_len, msg_count))
 		return;
 	const exchange_guard running;
+	const answer_report report = { input, _input_len, msg_count > 0 };
 	if (use_tcp) {
 		exchange_over_tcp(output, output_len, input, _input_len);
 		return;
@@ -399,6 +417,7 @@ void send_midi_string_ex_s900(
 	if (!begin_exchange(input, _input_len, msg_count))
 		return;
 	const exchange_guard running;
+	const answer_report report = { input, _input_len, msg_count > 0 };
 	if (use_tcp) {
 		exchange_over_tcp(output, output_len, input, _input_len);
 		return;

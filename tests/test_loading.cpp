@@ -1,6 +1,7 @@
 // test_loading.cpp - stored configurations, loading and saving a sampler, start-up
 
 #include "src/controls.h"
+#include "src/velmor_work.h"
 #include "tests/support/test_host.h"
 #include <cerrno>
 #include <cstring>

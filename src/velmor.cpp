@@ -352,10 +352,7 @@ int save_sampler()
 static outcome verdict_of(const reached &to, const _dev_status &answer, const line_watch &watch)
 {
 	if (answer.status == 1)
-		return { .words = format_text(
-				 "%s answered on exclusive channel %d through %s: version %s.",
-				 to.model->sampler_brand, to.exclusive_channel,
-				 way_text(to).c_str(), answer.version) };
+		return { .words = answer_words(to, answer.version) };
 	if (watch.heard() && !watch.dead())
 		return { .how = ending::refused, .words = stranger_words(to) };
 	return { .how = ending::no_answer, .words = silence_words(to) };

@@ -85,6 +85,8 @@ static std::string through(const reached &to)
 	if (use_tcp)
 		return format_text("through the TCP bridge at %s:%d", tcp_address, tcp_port);
 	const std::string in = input_name(), out = output_name();
+	if (out.empty())
+		return "over MIDI";
 	return in == out ? "through '" + out + "'" : "through '" + out + "' and '" + in + "'";
 }
 
@@ -99,6 +101,13 @@ std::string silence_words(const reached &to)
 	return format_text("No answer on exclusive channel %d %s. Is the sampler on? Its channel "
 			   "stands on its own MIDI page.",
 		to.exclusive_channel, through(to).c_str());
+}
+
+std::string answer_words(const reached &to, const std::string &version)
+{
+	return format_text("%s answered on exclusive channel %d %s%s.",
+		to.model ? to.model->sampler_brand : "", to.exclusive_channel, through(to).c_str(),
+		version.empty() ? "" : (": version " + version).c_str());
 }
 
 std::string stranger_words(const reached &to)

@@ -103,7 +103,7 @@ void open_window(int window)
 
 bool was_opened(int window)
 {
-	return opened_windows.contains(window);
+	return window == window_main || opened_windows.contains(window);
 }
 
 // ---- The gate ---------------------------------------------------------------------------------

@@ -32,6 +32,8 @@ struct reached {
 reached loaded_reached();
 // "MIDI 'USB MIDI 1'", "TCP 192.168.0.10:9999", "USB 'Z8'".
 std::string way_text(const reached &to);
+// It answered.
+std::string answer_words(const reached &to, const std::string &version);
 // Nobody answered: on which way, and what to try.
 std::string silence_words(const reached &to);
 // Somebody answered, but not as this model does.

@@ -190,8 +190,8 @@ TEST_F(window_commands, device_info_asks_the_described_sampler)
 		"[D] Requesting Sampler-Info, Brand: 1007, MIDI_CHANNEL: 4, SYSEXCHAN: 9"));
 	EXPECT_EQ(model.calls, std::vector<std::string>{ "getstatus 4 9" });
 	const std::pair<int, int> verdict = { window_sampler, sampler_verdict };
-	EXPECT_EQ(h.texts[verdict], "Akai S3000/S3000XL answered on exclusive channel 9 through no "
-				    "MIDI port: version .");
+	EXPECT_EQ(
+		h.texts[verdict], "Akai S3000/S3000XL answered on exclusive channel 9 over MIDI.");
 	EXPECT_EQ(h.roles[verdict], text_role::good);
 
 	// Beside the button, in words, whatever came back.

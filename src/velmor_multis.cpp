@@ -15,7 +15,7 @@ static constexpr list_controls multi_controls = {
 	.list = multis_list,
 	.heading = multis_heading,
 	.retry = multis_retry,
-	.what = "multis",
+	.what = "multi",
 };
 
 static std::vector<std::string> multi_names()

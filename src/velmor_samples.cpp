@@ -61,7 +61,13 @@ static outcome have_sample(const std::string &name)
 	return ready;
 }
 
-// The list could not be read after the work, so nobody knows how it ended.
+// The list was read after the work, if perhaps with a gap, and can be looked at.
+static bool can_look(const outcome &read)
+{
+	return read.done() || (read.how == ending::no_answer && !the_lists.samples.silent);
+}
+
+// It could not, so nobody knows how the work ended.
 static outcome unknown_end(const outcome &read, const std::string &what)
 {
 	return { .how = read.how,
@@ -79,24 +85,28 @@ bool in_spool(const std::string &name)
 	return test_sample(&sample, nullptr) != 0;
 }
 
-static const _sampler_type *model_that_downloads(outcome *why)
+outcome offers_download()
 {
-	const _sampler_type *model = loaded_model(why);
-	if (model && !model->downloadsample) {
-		*why = { .how = ending::refused, .words = "DOWNLOADING OF SAMPLES NOT SUPPORTED!" };
-		return nullptr;
-	}
-	return model;
+	outcome why;
+	const _sampler_type *model = loaded_model(&why);
+	if (model && !model->downloadsample)
+		return { .how = ending::refused, .words = "DOWNLOADING OF SAMPLES NOT SUPPORTED!" };
+	return why;
+}
+
+static const _sampler_type &row_of_loaded()
+{
+	return *get_sampler(static_cast<i32>(current_sampler->sampler_type));
 }
 
 // One sample, from a list that is fresh. What the driver told comes with it.
-static outcome fetch(const _sampler_type &model, const std::string &name)
+static outcome fetch(const std::string &name)
 {
 	if (!is_listed(name))
 		return gone(name);
 	box_keeper keeper;
 	const line_watch watch;
-	model.downloadsample(control_channel(), exclusive_channel(), name.c_str());
+	row_of_loaded().downloadsample(control_channel(), exclusive_channel(), name.c_str());
 	outcome result = { .line = "Downloaded " + quoted(name) + "." };
 	result.told = keeper.take();
 	if (progress_stopped())
@@ -118,14 +128,11 @@ static outcome fetch(const _sampler_type &model, const std::string &name)
 
 outcome download_sample(const std::string &name)
 {
-	outcome why;
-	const _sampler_type *model = model_that_downloads(&why);
-	if (!model)
-		return why;
-	const outcome ready = have_sample(name);
+	const outcome offered = offers_download();
+	const outcome ready = offered.done() ? have_sample(name) : offered;
 	if (!ready.done())
 		return ready;
-	outcome result = fetch(*model, name);
+	outcome result = fetch(name);
 	if (!result.done() && result.how != ending::stopped && result.told.empty())
 		result.words = result.line;
 	return result;
@@ -204,11 +211,8 @@ static bool ends_queue(const outcome &last, const std::string &trouble, const st
 
 outcome download_samples(work_queue *queue)
 {
-	outcome why;
-	const _sampler_type *model = model_that_downloads(&why);
-	if (!model)
-		return why;
-	outcome last = have_sample_list();
+	const outcome offered = offers_download();
+	outcome last = offered.done() ? have_sample_list() : offered;
 	if (!last.done())
 		return last;
 	const int all = count_of(*queue, item_state::waiting);
@@ -218,7 +222,7 @@ outcome download_samples(work_queue *queue)
 		if (item.state != item_state::waiting)
 			continue;
 		log_line("[I] Downloading [%s] (%d/%d)\r\n", item.name.c_str(), ++number, all);
-		last = fetch(*model, item.name);
+		last = fetch(item.name);
 		item.state = last.done() ? item_state::done : item_state::failed;
 		item.words = last.done() ? "" : reason_of(last);
 		if (ends_queue(last, item.words, before))
@@ -289,7 +293,7 @@ static outcome change(const std::string &name, const char *new_name, const std::
 	model->renamesample(control_channel(), exclusive_channel(), name.c_str(), new_name);
 	const outcome read = read_sample_list();
 	outcome result = { .words = done };
-	if (!read.done())
+	if (!can_look(read))
 		result = unknown_end(read, what);
 	else if (times_listed(name) >= before && !(new_name && may_be_called(new_name, name)))
 		result = { .how = ending::refused,
@@ -332,7 +336,7 @@ static outcome judge_upload(const std::string &name, int before, const outcome &
 		return { .how = read.how == ending::no_answer ? ending::no_answer : ending::refused,
 			.line = quoted(name) + " was not sent.",
 			.told = troubles(told) };
-	if (!read.done())
+	if (!can_look(read))
 		return unknown_end(read, quoted(name) + " has arrived");
 	if (static_cast<int>(loaded_names().size()) <= before && !is_listed(name))
 		return { .how = ending::refused,
@@ -346,17 +350,23 @@ __attribute__((weak)) std::string why_silent(const _sampler_type &, const char *
 	return "";
 }
 
-outcome upload_sample(const std::string &path)
+outcome offers_upload()
 {
 	outcome why;
 	const _sampler_type *model = loaded_model(&why);
-	if (!model)
-		return why;
-	if (!model->uploadsample)
+	if (model && !model->uploadsample)
 		return { .how = ending::refused,
 			.words = "Upload for this sampler is not supported (yet)!",
 			.caption = "FATAL" };
-	const std::string silent = why_silent(*model, path.c_str());
+	return why;
+}
+
+outcome upload_sample(const std::string &path)
+{
+	const outcome offered = offers_upload();
+	if (!offered.done())
+		return offered;
+	const std::string silent = why_silent(row_of_loaded(), path.c_str());
 	if (!silent.empty())
 		return { .how = ending::refused, .words = silent, .caption = "WARNING" };
 	const outcome ready = have_sample_list();
@@ -364,7 +374,7 @@ outcome upload_sample(const std::string &path)
 		return ready;
 	const int before = static_cast<int>(loaded_names().size());
 	box_keeper keeper;
-	model->uploadsample(path.c_str());
+	row_of_loaded().uploadsample(path.c_str());
 	const bool stopped = progress_stopped();
 	const std::vector<kept_box> told = keeper.take();
 	const outcome read = read_sample_list();

@@ -23,7 +23,7 @@ static constexpr list_controls loaded_controls = {
 	.list = samples_loaded_list,
 	.heading = samples_loaded_heading,
 	.retry = samples_retry,
-	.what = "samples",
+	.what = "sample",
 };
 
 static constexpr int detail_fields[] = { samples_detail_origin, samples_detail_name,
@@ -113,7 +113,7 @@ static void fill_local(const chosen_entry &before)
 		names.emplace_back(local.displayname);
 	refill(samples_local_list, names, before);
 	host.ui->set_text(window_samples, samples_local_heading,
-		format_text("%d samples", local_samples).c_str());
+		format_text("%d sample%s", local_samples, local_samples == 1 ? "" : "s").c_str());
 	clear_details();
 	show_local_selection();
 }
@@ -273,10 +273,9 @@ static void show_local_information()
 
 static void download_selected_sample()
 {
-	outcome why;
-	const _sampler_type *model = loaded_model(&why);
-	if (!model || !model->downloadsample) {
-		show_outcome(model ? download_sample("") : why);
+	const outcome offered = offers_download();
+	if (!offered.done()) {
+		show_outcome(offered);
 		return;
 	}
 	const chosen_entry chosen = chosen_loaded(), local = chosen_local();
@@ -288,8 +287,9 @@ static void download_selected_sample()
 	}
 	const outcome result = download_sample(chosen.name);
 	if (!close_requested())
-		read_anew(chosen,
-			result.done() ? chosen_entry{ file_name_of(chosen.name), 0 } : local);
+		read_anew(chosen, result.done()
+					  ? chosen_entry{ file_name_of(chosen.name), local.index }
+					  : local);
 	show_outcome(result);
 	host.ui->focus(window_samples, samples_loaded_list);
 }
@@ -372,13 +372,12 @@ static void rename_loaded_sample()
 
 static void upload_selected_sample()
 {
-	const chosen_entry chosen = chosen_local(), loaded = chosen_loaded();
-	outcome why;
-	const _sampler_type *model = loaded_model(&why);
-	if (!model || !model->uploadsample) {
-		show_outcome(model ? upload_sample("") : why);
+	const outcome offered = offers_upload();
+	if (!offered.done()) {
+		show_outcome(offered);
 		return;
 	}
+	const chosen_entry chosen = chosen_local(), loaded = chosen_loaded();
 	if (no_local(chosen))
 		return;
 	const outcome result =

@@ -60,12 +60,12 @@ void show_outcome(const outcome &result)
 		line = first_line(result.told.back().text);
 	if (!line.empty())
 		shown_outcome = { line, role_of(result.how) };
-	if (close_requested())
-		return;
-	update_status();
+	if (!close_requested())
+		update_status();
 	for (const kept_box &box : result.told)
 		show_box(box.caption.c_str(), "%s", box.text.c_str());
-	if (!result.words.empty())
+	// Who is closing the program has what the sampler is left with to read, and no more.
+	if (!result.words.empty() && !close_requested())
 		show_box(result.caption.c_str(), "%s", result.words.c_str());
 }
 
@@ -74,17 +74,13 @@ void show_outcome(const outcome &result)
 static std::string heading_of(const list_controls &where, const known_list &known, int count)
 {
 	const std::string at = clock_text(known.asked_at);
+	const std::string many =
+		format_text("%d %s%s · read ", count, where.what, count == 1 ? "" : "s") + at;
 	if (known.silent)
 		return "not read · asked " + at;
-	switch (known.state()) {
-	case freshness::read:
-		return format_text("%d %s · read ", count, where.what) + at;
-	case freshness::stale:
-		return format_text("%d %s · read ", count, where.what) + at + ", may have changed";
-	case freshness::never:
+	if (known.state() == freshness::never)
 		return "not read yet";
-	}
-	return "";
+	return known.state() == freshness::read ? many : many + ", may have changed";
 }
 
 void show_list_knowledge(const list_controls &where, const known_list &known, int count)

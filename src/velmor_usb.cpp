@@ -194,6 +194,7 @@ void show_usb_sampler_setup()
 {
 	log_line("[D] Starting USB-Sampler Setup\r\n");
 	open_window(window_usb);
+	host.ui->set_text(window_usb, usb_verdict, "");
 	init_usb(1);
 	std::vector<std::string> names;
 	for (const _usbdev &usb : usbdev)

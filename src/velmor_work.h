@@ -99,6 +99,9 @@ outcome get_device_info(
 
 // True if the spool holds a sample that a download of that name would replace.
 bool in_spool(const std::string &name);
+// Done where the loaded model can do it; otherwise the words for it.
+outcome offers_download();
+outcome offers_upload();
 // Fetch a sample into the spool, over one of its name.
 outcome download_sample(const std::string &name);
 // What an upload to that model would send as silence, and the conversion that helps; "" for a

@@ -467,7 +467,7 @@ TEST_F(samples, a_silent_sampler_is_not_shown_as_an_empty_one)
 		"No MIDI port is chosen for the way to the sampler or back. Choose MIDI-Out and "
 		"MIDI-In in Basic settings. What it holds is not known, so nothing is sent to it.");
 	EXPECT_EQ(shown(samples_loaded_heading), "not read · asked " + clock_text(1000000000));
-	EXPECT_EQ(shown(samples_local_heading), "1 samples");
+	EXPECT_EQ(shown(samples_local_heading), "1 sample");
 	EXPECT_TRUE((h.visible[{ window_samples, samples_retry }]));
 	EXPECT_FALSE((h.enabled[{ window_samples, samples_upload }]));
 	EXPECT_EQ((h.reasons[{ window_samples, samples_upload }]),
@@ -599,6 +599,18 @@ TEST_F(samples, success_is_told_when_the_list_agrees)
 	EXPECT_EQ(model.names, (lines{ "KICK 2", "SNARE", "bell" }));
 	// A machine may write a name in its own letters.
 	EXPECT_TRUE(rename_sample("KICK 2", "kick 2").done());
+	// A list with a gap can still be looked at; what is sent next waits for a better one.
+	static list_operation whole;
+	whole = model.row.getsamplelist;
+	model.row.getsamplelist = [](u8 control, u8 exclusive, _dev_status *dev) {
+		line_silent("No answer came.");
+		whole(control, exclusive, dev);
+	};
+	model.refuses = false;
+	EXPECT_TRUE(delete_sample("SNARE").done());
+	EXPECT_EQ(the_lists.samples.state(), freshness::stale);
+	EXPECT_EQ(delete_sample("bell").how, ending::no_answer);
+	EXPECT_EQ(model.names, (lines{ "KICK 2", "bell" }));
 }
 
 TEST_F(samples, a_second_press_hits_the_neighbour_and_nothing_else)

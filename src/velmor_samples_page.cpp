@@ -370,6 +370,25 @@ static void rename_loaded_sample()
 
 // ---- To the sampler, and the files of the spool -----------------------------------------------
 
+// What would arrive as silence is converted first, if the user wants it. False: nothing is sent,
+// and the user has read why.
+static bool make_audible(const std::string &path)
+{
+	const upload_verdict check = upload_check(
+		*get_sampler(static_cast<i32>(current_sampler->sampler_type)), wave_path_of(path));
+	if (check.sends || !check.helps)
+		return true; // the workflow has the words
+	if (!ask_box("WARNING", "%s\nConvert it now, and upload what it becomes?",
+		    check.words.c_str()))
+		return false;
+	const std::string file[] = { wave_path_of(path) };
+	const outcome converted = import_files(
+		file, [&] { return check.conversion; }, window_samples);
+	if (!converted.done())
+		show_outcome(converted);
+	return converted.done();
+}
+
 static void upload_selected_sample()
 {
 	const outcome offered = offers_upload();
@@ -380,8 +399,10 @@ static void upload_selected_sample()
 	const chosen_entry chosen = chosen_local(), loaded = chosen_loaded();
 	if (no_local(chosen))
 		return;
-	const outcome result =
-		upload_sample(local_sample[static_cast<std::size_t>(chosen.index)].pathname);
+	const std::string path = local_sample[static_cast<std::size_t>(chosen.index)].pathname;
+	if (!make_audible(path))
+		return;
+	const outcome result = upload_sample(path);
 	show_change(result, { result.done() ? chosen.name : loaded.name, loaded.index }, chosen);
 	host.ui->focus(window_samples, samples_local_list);
 }

@@ -95,6 +95,21 @@ outcome load_by_name(const std::string &name);
 outcome get_device_info(
 	u8 control_channel, i32 brand_id, u8 sysex_channel, char *result, int *_maxlen);
 
+// What an import makes of a file; 0 keeps what it has.
+struct import_options {
+	int bits, rate, channels;
+	int mixing; // as import_wave takes it
+};
+
+// What an upload to a model would make of a WAV file of the spool (velmor_preview.cpp).
+struct upload_verdict {
+	bool sends; // the sound arrives; otherwise the upload is to be refused with the words
+	bool helps; // import_wave with this conversion, of the file itself, makes it arrive
+	import_options conversion;
+	std::string words; // a sentence or two; what arrives, where it does
+};
+upload_verdict upload_check(const _sampler_type &model, const std::string &path);
+
 // ---- Samples on the sampler (velmor_samples.cpp) ---------------------------------------------
 
 // True if the spool holds a sample that a download of that name would replace.
@@ -104,10 +119,8 @@ outcome offers_download();
 outcome offers_upload();
 // Fetch a sample into the spool, over one of its name.
 outcome download_sample(const std::string &name);
-// What an upload to that model would send as silence, and the conversion that helps; "" for a
-// file that can be heard. path is without extension.
-std::string why_silent(const _sampler_type &model, const char *path);
-// Send a file of the spool; path is without extension. The list is read again behind it.
+// Send a file of the spool; path is without extension. What would arrive as silence is refused
+// in front of the transfer. The list is read again behind it.
 outcome upload_sample(const std::string &path);
 // The list is read again, and decides.
 outcome rename_sample(const std::string &name, const std::string &new_name);
@@ -142,11 +155,6 @@ outcome rename_local(const std::string &name, const std::string &new_name);
 outcome export_spool_to(const std::string &folder);
 outcome clear_spool_folder();
 
-// What an import makes of a file; 0 keeps what it has.
-struct import_options {
-	int bits, rate, channels;
-	int mixing; // as import_wave takes it
-};
 // Bring WAV files into the spool; the options are asked for each. A window, or 0, shows how far
 // it is. Ends at the first file that fails.
 outcome import_files(std::span<const std::string> paths,

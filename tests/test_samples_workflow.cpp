@@ -486,6 +486,18 @@ TEST_F(samples, a_silent_sampler_is_not_shown_as_an_empty_one)
 	model.names.clear();
 	press(samples_refresh);
 	EXPECT_EQ(state(), list_state::empty);
+
+	// Once it was read, silence is still silence, and costs one question.
+	model.silent = true;
+	model.calls.clear();
+	press(samples_refresh);
+	EXPECT_EQ(state(), list_state::silent);
+	EXPECT_EQ(model.calls, lines{ "getstatus 1 7" });
+	// It is no news of another channel.
+	current_sampler->sampler_sysex_channel = 3;
+	press(samples_local_info);
+	EXPECT_EQ(state(), list_state::unread);
+	EXPECT_TRUE((h.enabled[{ window_samples, samples_upload }]));
 }
 
 TEST_F(samples, nothing_is_sent_from_a_list_that_could_not_be_read)
@@ -610,7 +622,7 @@ TEST_F(samples, success_is_told_when_the_list_agrees)
 	EXPECT_TRUE(delete_sample("SNARE").done());
 	EXPECT_EQ(the_lists.samples.state(), freshness::stale);
 	EXPECT_EQ(delete_sample("bell").how, ending::no_answer);
-	EXPECT_EQ(model.names, (lines{ "KICK 2", "bell" }));
+	EXPECT_EQ(model.names, (lines{ "kick 2", "bell" }));
 }
 
 TEST_F(samples, a_second_press_hits_the_neighbour_and_nothing_else)

@@ -8,7 +8,7 @@
 
 #include "src/controls.h"
 #include "src/usbqx.h"
-#include "src/velmor.h"
+#include "src/velmor_window.h"
 #include <cstdlib>
 
 namespace velmor
@@ -141,6 +141,7 @@ void fill_usb_info()
 // asked they stay empty.
 void choose_usb_device()
 {
+	host.ui->set_text(window_usb, usb_verdict, "");
 	_usbdev *usb = device_to_show();
 	if (!usb)
 		return;
@@ -211,7 +212,8 @@ void save_usb_sampler()
 void show_usb_sampler_setup()
 {
 	log_line("[D] Starting USB-Sampler Setup\r\n");
-	host.ui->show(window_usb, 0, true);
+	open_window(window_usb);
+	host.ui->set_text(window_usb, usb_verdict, "");
 	init_usb(1);
 	std::vector<std::string> names;
 	listed.clear();
@@ -224,5 +226,72 @@ void show_usb_sampler_setup()
 		host.ui->select(window_usb, usb_device_list, 0);
 	fill_usb_info();
 }
+
+// ---- The window -------------------------------------------------------------------------
+
+static void keep_usb_sampler()
+{
+	save_usb_sampler();
+	empty_open_pages();
+	host.ui->show(window_usb, 0, false);
+}
+
+static void show_usb_verdict(const std::string &words, text_role role)
+{
+	host.ui->set_text(window_usb, usb_verdict, words.c_str());
+	host.ui->set_role(window_usb, usb_verdict, role);
+}
+
+// Whoever does not answer ends the program, in words of its own.
+static void ask_usb_device()
+{
+	log_line("[D] Entering USB-Setup dialog...\r\n");
+	fill_usb_info();
+	auto text = [](int field) { return host.ui->get_text(window_usb, field); };
+	if (selected_device())
+		show_usb_verdict("'" + text(usb_name) + "' answered: " + text(usb_hardware) +
+					 ", version " + text(usb_version) + ".",
+			text_role::good);
+	else
+		show_usb_verdict("No sampler was found on the USB. Is it on, and its cable plugged "
+				 "in? Open this window again to look again.",
+			text_role::failed);
+}
+
+static void rename_usb_sampler()
+{
+	update_usb_sampler_name();
+	host.ui->show(window_usb, 0, false);
+}
+
+// clang-format off
+static constexpr caption_row usb_captions[] = {
+	// window          control                  caption, tooltip, empty
+	{ window_usb,      0,                       "VELMOR Manage USB Samplers", nullptr, nullptr },
+	{ window_usb,      usb_device_list,         "Device:", "The samplers found on the USB", "No sampler found on the USB" },
+	{ window_usb,      usb_hardware,            "Hardware:", "What the sampler says it is", nullptr },
+	{ window_usb,      usb_version,             "OS-Version:", "The version of its system", nullptr },
+	{ window_usb,      usb_name,                "Sampler-Name:", "The sampler's own name; Update stores it in the sampler", nullptr },
+	{ window_usb,      usb_exclusive_channel,   "Sysex-Ch:", "The exclusive channel", nullptr },
+	{ window_usb,      usb_midi_channel,        "MIDI-Ch:", "The channel on which the sampler plays notes", nullptr },
+	{ window_usb,      usb_control_channel,     "CTRL-Ch:", "The control channel", nullptr },
+	{ window_usb,      usb_device_info,         "Get Device Info", "Ask the chosen sampler who it is", nullptr },
+	{ window_usb,      usb_update,              "&Update", "Give the sampler the name in the field", nullptr },
+	{ window_usb,      control_ok,              "&Save", "Keep this sampler in the list", nullptr },
+	{ window_usb,      control_cancel,          "&Cancel", "Close without saving", nullptr },
+	{ window_usb,      usb_verdict,             "Answer of the sampler", nullptr, nullptr },
+};
+static constexpr command_row usb_commands[] = {
+	{ window_usb,      control_ok,              keep_usb_sampler,          alone  },
+	{ window_usb,      control_cancel,          hide_window<window_usb>,   always },
+	{ window_usb,      usb_device_info,         ask_usb_device,            alone  },
+	{ window_usb,      usb_update,              rename_usb_sampler,        alone  },
+};
+static constexpr command_row usb_selections[] = {
+	{ window_usb,      usb_device_list,         choose_usb_device,         alone  },
+};
+// clang-format on
+
+constinit const window_rows usb_rows = { usb_captions, usb_commands, usb_selections };
 
 } // namespace velmor

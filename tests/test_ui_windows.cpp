@@ -333,7 +333,7 @@ TEST_F(sample_windows, stop_is_pressed_in_the_middle)
 			QTest::mouseClick(at(window_progress, progress_stop), Qt::LeftButton);
 	};
 	press(window_samples, samples_download_all);
-	EXPECT_EQ(h.boxes.back(), (shown_box{ "1/3 samples downloaded!", "INFO" }));
+	EXPECT_TRUE(h.boxes.back().text.starts_with("1/3 samples downloaded!\n"));
 	EXPECT_EQ(names(samples_local_list), QStringList("KICK"));
 	EXPECT_FALSE(shown(window_progress));
 }
@@ -365,6 +365,7 @@ TEST_F(sample_windows, rename_and_delete_with_real_keys)
 
 TEST_F(sample_windows, the_multi_view_lists_the_multis)
 {
+	model.row.getproglist = nullptr;
 	model.row.getmultilist = [](u8, u8, _dev_status *dev) {
 		dev->multis = 2;
 		copy_text(dev->multi[0].name, "LIVE SET");

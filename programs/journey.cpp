@@ -8,12 +8,12 @@
 #include "programs/journey.h"
 #include "platform/host.h"
 #include "src/velmor_window.h"
+#include "ui/parts/entry_list.h"
 #include "ui/qt_ui.h"
 #include <QAction>
 #include <QApplication>
 #include <QDropEvent>
 #include <QLineEdit>
-#include <QListWidget>
 #include <QMenu>
 #include <QMenuBar>
 #include <QMessageBox>
@@ -56,7 +56,9 @@ static void picture(int window, const char *name)
 		return;
 	// The screen of the offscreen platform is smaller than a desk's.
 	if (window == window_samples)
-		widget->resize(960, 740);
+		widget->resize(976, 700);
+	if (window == window_main)
+		widget->resize(992, 600);
 	QApplication::processEvents();
 	const QString file = QString::fromStdString(the_trip->pictures) + "/" + name + ".png";
 	check(widget->grab().save(file), "picture " + file.toStdString());
@@ -109,31 +111,30 @@ static void choose_entry(int control)
 	check(false, format_text("menu entry %d is in no menu", control));
 }
 
-static QListWidget *list_of(int window, int control)
+static entry_list *list_of(int window, int control)
 {
-	return qobject_cast<QListWidget *>(find_widget(window, control));
+	return dynamic_cast<entry_list *>(find_widget(window, control));
 }
 
 static std::vector<std::string> names_in(int window, int control)
 {
 	std::vector<std::string> names;
-	const QListWidget *list = list_of(window, control);
+	const entry_list *list = list_of(window, control);
 	for (int i = 0; list && i < list->count(); i++)
-		names.push_back(list->item(i)->text().toStdString());
+		names.push_back(list->name_of(i).toStdString());
 	return names;
 }
 
 static void choose(int window, int control, const std::string &name)
 {
-	QListWidget *list = list_of(window, control);
-	const auto found = list ? list->findItems(QString::fromStdString(name), Qt::MatchExactly)
-				: QList<QListWidgetItem *>();
-	if (found.isEmpty()) {
+	entry_list *list = list_of(window, control);
+	const int found = list ? list->place_of(QString::fromStdString(name)) : -1;
+	if (found < 0) {
 		check(false, "\"" + name + "\" is not in the list");
 		return;
 	}
-	list->scrollToItem(found.first());
-	click_at(list->viewport(), list->visualItemRect(found.first()).center());
+	list->scrollToItem(list->topLevelItem(found));
+	click_at(list->viewport(), list->place_on_screen(found).center());
 }
 
 static void type_into(int window, int control, const std::string &text)
@@ -152,7 +153,7 @@ static void type_into(int window, int control, const std::string &text)
 
 static void drop_files(const std::vector<std::string> &files)
 {
-	QListWidget *list = list_of(window_samples, samples_local_list);
+	entry_list *list = list_of(window_samples, samples_local_list);
 	QMimeData data;
 	QList<QUrl> urls;
 	for (const std::string &file : files)

@@ -27,6 +27,33 @@ enum : int {
 	control_cancel = 2,
 };
 
+// At the foot of every window: how the sampler is reached, how the last work ended, and the way
+// back where there is one.
+enum : int {
+	status_line = 60001,
+	status_outcome = 60002,
+	status_undo = 60003,
+};
+
+// Beside the name of a list: how many there are, and when they were read.
+enum : int {
+	samples_loaded_heading = 60011,
+	samples_local_heading = 60012,
+	multis_heading = 60013,
+};
+
+// In place of the entries of a list that could not be read.
+enum : int {
+	samples_retry = 60021,
+	multis_retry = 60023,
+};
+
+// Beside "Get Device Info": what came of it.
+enum : int {
+	sampler_verdict = 60031,
+	usb_verdict = 60032,
+};
+
 enum main_control : int {
 	menu_exit = 9001,
 	menu_settings = 9002,
@@ -40,6 +67,12 @@ enum main_control : int {
 	main_programs = 12002,
 	main_multis = 12003,
 	main_lcd = 12004,
+	main_card = 60041, // what is loaded, and how many of what it holds
+	main_card_name = 60042,
+	main_card_way = 60043,
+	main_card_samples = 60044,
+	main_card_programs = 60045,
+	main_card_multis = 60046,
 };
 
 enum settings_control : int {

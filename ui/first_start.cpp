@@ -7,6 +7,7 @@
 #include "ui/parts/style.h"
 #include "ui/parts/told.h"
 #include "ui/parts/window.h"
+#include "ui/qt_ui.h"
 #include <QBoxLayout>
 #include <QPainter>
 #include <QPointer>
@@ -129,12 +130,14 @@ static QWidget *make_way(top_window *window, const way_row &way, bool main)
 	return box;
 }
 
-QWidget *make_first_start(top_window *window)
+// Made when it is first wanted, as most starts are not the first.
+static QWidget *make_page(top_window *window)
 {
 	auto *all = new QWidget(window);
 	auto *column = new QVBoxLayout(all);
 	column->setContentsMargins(0, 0, 0, 0);
-	column->addWidget(make_title("How is your sampler connected?", 1.55, true, all));
+	column->setSpacing(between_controls);
+	column->addWidget(make_title("How is your sampler connected?", 1.3, true, all));
 	auto *words = new told_label(all);
 	words->set_role(text_role::quiet);
 	words->say("Choose one way. More samplers can be added later, of either kind.");
@@ -144,15 +147,22 @@ QWidget *make_first_start(top_window *window)
 	for (const way_row &way : ways)
 		cards->addWidget(make_way(window, way, &way == ways), 1);
 	column->addLayout(cards, 1);
-	all->hide();
-	shown = all;
 	return all;
 }
 
-void show_first_start(bool wanted)
+void show_first_start(QBoxLayout *place, bool wanted)
 {
+	if (wanted && !shown) {
+		auto *window = static_cast<top_window *>(find_widget(window_main, 0));
+		shown = make_page(window);
+		place->insertWidget(0, shown);
+		window->letter_buttons();
+	}
 	if (shown)
 		shown->setVisible(wanted);
+	// The list beside it says why.
+	if (QWidget *load = find_widget(window_main, main_load))
+		load->setEnabled(!wanted);
 }
 
 } // namespace velmor

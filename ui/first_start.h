@@ -2,15 +2,12 @@
 
 #pragma once
 
-class QWidget;
+class QBoxLayout;
 
 namespace velmor
 {
 
-class top_window;
-
-// Shown as long as the list of samplers is empty (show_first_start).
-QWidget *make_first_start(top_window *window);
-void show_first_start(bool wanted);
+// Show them above everything else in that column, or put them away.
+void show_first_start(QBoxLayout *place, bool wanted);
 
 } // namespace velmor

@@ -126,7 +126,7 @@ static QMenuBar *make_menu(top_window *window)
 static QWidget *make_left_side(top_window *window)
 {
 	auto *side = new QWidget(window);
-	side->setFixedWidth(280);
+	side->setFixedWidth(300);
 	auto *column = new QVBoxLayout(side);
 	column->setContentsMargins(0, 0, 0, 0);
 	entry_list *list = make_list(window, main_sampler_list);
@@ -205,6 +205,14 @@ static QWidget *make_loaded_card(top_window *window)
 	return box;
 }
 
+static QPointer<QBoxLayout> right_side;
+
+void show_samplers_wanted(bool wanted)
+{
+	if (right_side)
+		show_first_start(right_side, wanted);
+}
+
 void create_main_window()
 {
 	auto *window = new top_window(window_main, menu_exit, nullptr);
@@ -213,11 +221,9 @@ void create_main_window()
 	sides->setSpacing(between_panels);
 	sides->addWidget(make_left_side(window));
 	auto *right = new QVBoxLayout;
+	right_side = right;
 	right->setSpacing(between_panels);
-	QWidget *loaded = make_loaded_card(window);
-	QWidget *start = make_first_start(window);
-	right->addWidget(loaded);
-	right->addWidget(start);
+	right->addWidget(make_loaded_card(window));
 	right->addWidget(make_log_card(window), 1);
 	sides->addLayout(right, 1);
 	window->content->addLayout(sides);

@@ -7,7 +7,6 @@
 #include "ui/qt_ui.h"
 #include "platform/host.h"
 #include "src/velmor_window.h"
-#include "ui/first_start.h"
 #include "ui/parts/entry_list.h"
 #include "ui/parts/form_view.h"
 #include "ui/parts/palette.h"
@@ -48,6 +47,10 @@ static top_window *find_window(int window)
 
 static void set_text(int window, int control, const char *text)
 {
+	if (not_made_yet(window))
+		return keep_for_later(window, [window, control, kept = std::string(text)] {
+			set_text(window, control, kept.c_str());
+		});
 	QObject *object = find_control(window, control);
 	if (window == window_main && control == main_log)
 		set_log_text(text);
@@ -86,7 +89,7 @@ static void fill_list(int window, int control, const std::vector<QStringList> &r
 	if (auto *list = dynamic_cast<entry_list *>(object)) {
 		list->fill(rows);
 		if (window == window_main)
-			show_first_start(rows.empty());
+			show_samplers_wanted(rows.empty());
 	} else if (auto *box = qobject_cast<QComboBox *>(object)) {
 		// Its choices are told when a user makes them, so it may be set as it is.
 		box->clear();
@@ -123,6 +126,8 @@ static void set_list_state(int window, int control, list_state state, const char
 
 static void set_role(int window, int control, text_role role)
 {
+	if (not_made_yet(window))
+		return keep_for_later(window, [=] { set_role(window, control, role); });
 	if (auto *label = dynamic_cast<told_label *>(find_control(window, control)))
 		label->set_role(role);
 }
@@ -160,6 +165,8 @@ static bool is_checked(int window, int control)
 
 static void show_control(int window, int control, bool visible)
 {
+	if (not_made_yet(window) && (control || !visible))
+		return keep_for_later(window, [=] { show_control(window, control, visible); });
 	QObject *object = find_control(window, control);
 	if (auto *entry = qobject_cast<QAction *>(object)) {
 		entry->setVisible(visible);
@@ -203,6 +210,13 @@ static void enable_control(int window, int control, bool enabled)
 
 // Disabled windows cannot have the focus: it goes where it should when they work again.
 static QPointer<QWidget> focus_wanted;
+
+// A dialog that is not made has what it has words for.
+static bool exists(int window, int control)
+{
+	return not_made_yet(window) ? find_caption(window, control) != nullptr
+				    : find_control(window, control) != nullptr;
+}
 
 static void focus_control(int window, int control)
 {
@@ -451,7 +465,7 @@ const ui_service qt_ui = {
 	.checked       = is_checked,
 	.show          = show_control,
 	.enable        = enable_control,
-	.exists        = [](int window, int control) { return find_control(window, control) != nullptr; },
+	.exists        = exists,
 	.set_rows      = set_rows,
 	.set_list_state = set_list_state,
 	.set_role      = set_role,

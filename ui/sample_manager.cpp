@@ -86,12 +86,15 @@ static QBoxLayout *make_side(top_window *window, const side &s)
 	column->setSpacing(between_controls);
 	entry_list *list = make_side_list(window, s);
 	QLineEdit *search = make_search(window, s.search, list);
-	QWidget::setTabOrder(search, list);
-	QPushButton *refresh = s.refresh ? make_button(window, s.refresh) : nullptr;
-	if (refresh)
+	auto *finding = new QHBoxLayout;
+	finding->addWidget(search, 1);
+	if (s.refresh) {
+		QPushButton *refresh = make_button(window, s.refresh);
 		refresh->setShortcut(QKeySequence::Refresh);
-	column->addLayout(make_heading(window, s.list, s.heading, s.picture, refresh));
-	column->addWidget(search);
+		finding->addWidget(refresh);
+	}
+	column->addLayout(make_heading(window, s.list, s.heading, s.picture));
+	column->addLayout(finding);
 	column->addWidget(list, 1);
 	auto *renaming = new QHBoxLayout;
 	renaming->addWidget(make_field(window, s.new_name), 1);
@@ -297,6 +300,15 @@ void create_sample_manager(QWidget *owner)
 	column->addWidget(make_chosen(window));
 	column->addWidget(make_import(window));
 	window->finish();
+	// A list was made before what stands over it.
+	const auto tab = [](int from, int to) {
+		QWidget::setTabOrder(
+			find_widget(window_samples, from), find_widget(window_samples, to));
+	};
+	tab(samples_loaded_search, samples_refresh);
+	tab(samples_refresh, samples_loaded_list);
+	tab(samples_loaded_list, samples_loaded_new_name);
+	tab(samples_local_search, samples_local_list);
 	find_widget(window_samples, samples_loaded_list)->setFocus();
 	window->open_at({ 976, 719 });
 }

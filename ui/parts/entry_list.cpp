@@ -64,10 +64,12 @@ void two_line_entry::paint(
 	const Qt::Alignment upper = details.isEmpty() ? Qt::AlignVCenter : Qt::AlignTop;
 	painter->drawText(words, static_cast<int>(Qt::AlignLeft | upper),
 		QFontMetrics(bold).elidedText(index.data().toString(), Qt::ElideRight, room));
-	painter->setFont(option.font);
+	QFont small = option.font;
+	small.setPointSizeF(small.pointSizeF() * 0.95);
+	painter->setFont(small);
 	painter->setPen(color(QPalette::PlaceholderText));
 	painter->drawText(words, Qt::AlignLeft | Qt::AlignBottom,
-		option.fontMetrics.elidedText(details, Qt::ElideRight, words.width()));
+		QFontMetrics(small).elidedText(details, Qt::ElideRight, words.width()));
 }
 
 // ---- Making -----------------------------------------------------------------------------------
@@ -210,16 +212,20 @@ void entry_list::make_silence()
 {
 	silence = new card(this);
 	silence->setAutoFillBackground(true);
+	silence->setBackgroundRole(QPalette::Window);
 	silence->setFocusPolicy(Qt::NoFocus);
 	auto *column = new QVBoxLayout(silence);
-	column->setContentsMargins(24, 16, 24, 16);
+	column->setContentsMargins(margin_side, margin_above, margin_side, margin_above);
+	auto *head = new QHBoxLayout;
+	head->addWidget(new icon_label(icon::unplugged, 28, text_role::careful, silence));
 	told_label *title = make_title("The sampler did not answer", 1.3, true, silence);
 	title->setWordWrap(true);
+	head->addWidget(title, 1);
 	silent_words = new told_label(silence);
 	silent_words->setWordWrap(true);
 	column->addStretch();
-	add_to(column, { new icon_label(icon::unplugged, 32, text_role::careful, silence), title,
-			       silent_words });
+	column->addLayout(head);
+	column->addWidget(silent_words);
 	column->addStretch();
 	silence->hide();
 }
@@ -249,6 +255,7 @@ void entry_list::set_state(list_state state, const QString &words)
 		silence->setGeometry(rect());
 		silence->raise();
 	}
+	setVerticalScrollBarPolicy(silent ? Qt::ScrollBarAlwaysOff : Qt::ScrollBarAsNeeded);
 	setFocusPolicy(silent ? Qt::NoFocus : Qt::WheelFocus);
 	if (auto *retry = silence ? silence->findChild<QPushButton *>() : nullptr;
 		retry && silent && had_focus)

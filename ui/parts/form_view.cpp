@@ -306,15 +306,14 @@ void form_view::set_changed(int row, bool changed)
 		return;
 	line &shown = lines[static_cast<std::size_t>(row)];
 	if (changed && !shown.dot) {
-		shown.dot = new told_label(rows_shown);
-		shown.dot->set_spoken("Changed");
-		shown.dot->say("\u25CF");
-		shown.dot->set_role(text_role::careful);
+		shown.dot = new icon_label(icon::dot, 8, QPalette::Link, rows_shown);
 		static_cast<QGridLayout *>(rows_shown->layout())
 			->addWidget(shown.dot, row, column_dot, Qt::AlignCenter);
 	}
 	if (shown.dot)
 		shown.dot->setVisible(changed);
+	if (l->field)
+		l->field->setAccessibleDescription(changed ? "Changed" : "");
 	set_bold(l->label, changed);
 	set_bold(l->field, changed);
 	set_bold(l->check, changed);

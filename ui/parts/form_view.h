@@ -34,7 +34,8 @@ public:
 
 private:
 	struct line {
-		told_label *dot = nullptr, *label = nullptr;
+		QWidget *dot = nullptr;
+		told_label *label = nullptr;
 		QSlider *bar = nullptr;
 		QLineEdit *field = nullptr;
 		QComboBox *choice = nullptr;

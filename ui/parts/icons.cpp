@@ -55,6 +55,7 @@ static constexpr picture_row pictures[] = {
 	{ icon::failed,       "O 8 8 6.5 M 5.6 5.6 L 10.4 10.4 M 10.4 5.6 L 5.6 10.4" },
 	{ icon::waiting,      "O 8 8 6.5 M 8 4.4 L 8 8 L 10.4 9.6" },
 	{ icon::idle,         "O 8 8 6.5" },
+	{ icon::dot,          "D 8 8 6" },
 	{ icon::fold_open,    "M 3 5.5 L 8 10.5 L 13 5.5" },
 	{ icon::fold_closed,  "M 5.5 3 L 10.5 8 L 5.5 13" },
 	{ icon::search,       "O 6.6 6.6 4.8 M 10.2 10.2 L 14.4 14.4" },

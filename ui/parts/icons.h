@@ -39,6 +39,7 @@ enum class icon {
 	failed,
 	waiting,
 	idle,
+	dot,
 	fold_open,
 	fold_closed,
 	search,

@@ -20,7 +20,9 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QToolButton>
+#include <algorithm>
 #include <map>
+#include <utility>
 
 namespace velmor
 {
@@ -54,10 +56,8 @@ static constexpr dialog_maker dialogs[] = {
 
 static bool dialogs_wanted;
 
-void let_dialogs_be_made(bool wanted)
-{
-	dialogs_wanted = wanted;
-}
+// What was to be done to the controls of a dialog before it was made, in order.
+static std::map<int, std::vector<std::function<void()>>> kept_for_later;
 
 static void make_dialog(int window)
 {
@@ -65,6 +65,27 @@ static void make_dialog(int window)
 	for (const dialog_maker &row : dialogs)
 		if (row.window == window && owner)
 			row.make(owner);
+	const auto kept = std::exchange(kept_for_later[window], {});
+	for (const std::function<void()> &work : kept)
+		work();
+}
+
+void let_dialogs_be_made(bool wanted)
+{
+	dialogs_wanted = wanted;
+	kept_for_later.clear();
+}
+
+bool not_made_yet(int window)
+{
+	const auto is_it = [window](const dialog_maker &row) { return row.window == window; };
+	return dialogs_wanted && !enrolled(window, 0) &&
+	       std::any_of(std::begin(dialogs), std::end(dialogs), is_it);
+}
+
+void keep_for_later(int window, std::function<void()> work)
+{
+	kept_for_later[window].push_back(std::move(work));
 }
 
 QObject *find_control(int window, int control)
@@ -240,6 +261,10 @@ QWidget *make_options(
 	top_window *window, const QString &title, std::initializer_list<int> ids, int columns)
 {
 	auto *box = new QGroupBox(title, window);
+	// The title is bold, and wider than the box thinks.
+	QFont bold = box->font();
+	bold.setBold(true);
+	box->setMinimumWidth(QFontMetrics(bold).horizontalAdvance(title) + 2 * between_controls);
 	auto *grid = new QGridLayout(box);
 	grid->setContentsMargins(0, between_controls / 2, 0, 0);
 	grid->setVerticalSpacing(between_controls / 2);

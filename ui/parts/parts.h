@@ -9,6 +9,7 @@
 #include "src/controls.h"
 #include "ui/parts/icons.h"
 #include <QString>
+#include <functional>
 #include <initializer_list>
 #include <string>
 
@@ -69,12 +70,18 @@ void add_closing_buttons(top_window *window);
 void create_main_window();
 // From when until when find_control makes the dialog that it looks for.
 void let_dialogs_be_made(bool wanted);
+// What is done to a dialog that nobody has asked for waits until it is made.
+bool not_made_yet(int window);
+void keep_for_later(int window, std::function<void()> work);
 void create_settings_dialog(QWidget *owner);
 void create_sampler_dialog(QWidget *owner);
 void create_usb_dialog(QWidget *owner);
 void create_multi_window(QWidget *owner);
 void create_progress_window(QWidget *owner);
 void create_sample_manager(QWidget *owner);
+
+// True while the list of samplers is empty: the main window says how to begin.
+void show_samplers_wanted(bool wanted);
 
 // The log's text is kept here and painted a little later, so that logging stays cheap.
 void set_log_text(const char *text);

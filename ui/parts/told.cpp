@@ -110,7 +110,8 @@ void told_label::paintEvent(QPaintEvent *)
 				icon_size, icon_size),
 			meaning == text_role::plain ? palette().color(QPalette::Dark) : color);
 	const QRect place = area.adjusted(mark_width(), 0, 0, 0);
-	painter.setPen(color);
+	// Beside a mark the words need no colour.
+	painter.setPen(marked ? palette().color(foregroundRole()) : color);
 	const QString words = cut && !text().contains('\n')
 				      ? metrics.elidedText(text(), Qt::ElideRight, place.width())
 				      : text();

@@ -80,7 +80,16 @@ void top_window::finish(bool with_status)
 		for (const QAction *menu : bar->actions())
 			letters_taken +=
 				menu->text().mid(menu->text().indexOf('&') + 1, 1).toLower();
-	const QList<QPushButton *> buttons = findChildren<QPushButton *>();
+	letter_buttons();
+}
+
+// A dialog's buttons are its own, although the dialog belongs to the main window.
+void top_window::letter_buttons()
+{
+	QList<QPushButton *> buttons;
+	for (QPushButton *button : findChildren<QPushButton *>())
+		if (button->window() == this && !button->property("caption").isValid())
+			buttons += button;
 	for (const QPushButton *button : buttons)
 		if (const qsizetype mark = button->text().indexOf('&'); mark >= 0)
 			letters_taken += button->text().mid(mark + 1, 1).toLower();

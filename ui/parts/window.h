@@ -21,6 +21,8 @@ public:
 	// To be called when the content is complete: the status line comes last in the order of
 	// the keys, and letters are given to the buttons.
 	void finish(bool with_status = true);
+	// Give a letter to the buttons that have none.
+	void letter_buttons();
 	// Open as large as its content wants and the screen allows.
 	void open_at(const QSize &wanted);
 	// Have a button say something else, with a letter of its own.

@@ -47,6 +47,12 @@ enum main_control : int {
 	main_programs = 12002,
 	main_multis = 12003,
 	main_lcd = 12004,
+	main_card = 60041, // what is loaded, and how many of what it holds
+	main_card_name = 60042,
+	main_card_way = 60043,
+	main_card_samples = 60044,
+	main_card_programs = 60045,
+	main_card_multis = 60046,
 };
 
 enum settings_control : int {

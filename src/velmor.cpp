@@ -150,7 +150,7 @@ void load_sampler_list()
 	for (const std::string &file : files)
 		if (names_sampler(file) && can_be_loaded(file))
 			conf_sampler.push_back(file.substr(0, file.rfind('.')));
-	host.ui->set_list(window_main, main_sampler_list, conf_sampler);
+	show_sampler_list();
 	for (std::size_t i = 0; i < conf_sampler.size(); i++)
 		std::printf("SAMPLER[%d]: '%s'\r\n", static_cast<int>(i), conf_sampler[i].c_str());
 	if (!conf_sampler.empty())
@@ -207,6 +207,8 @@ static void show_sampler_buttons(bool loaded, u8 flags)
 	host.ui->show(window_main, main_programs, loaded);
 	host.ui->show(window_main, main_samples, loaded);
 	host.ui->enable(window_main, main_multis, current_run_mode.multis);
+	show_loaded_card();
+	show_sampler_list();
 }
 
 // A model that the table does not know, perhaps from a later version of this program.

@@ -174,6 +174,9 @@ extern char current_usb_name[256];
 void start_velmor();
 
 void load_sampler_list();
+// Show conf_sampler, and what is loaded (velmor_card.cpp).
+void show_sampler_list();
+void show_loaded_card();
 // Make a configuration current: 0, or 1 when nothing was named or the load was refused.
 // A missing or short file ends the process.
 int load_sampler(const char *sampler_name);

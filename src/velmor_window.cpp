@@ -131,8 +131,10 @@ bool run_through_gate(const std::function<void()> &work)
 		const running_command guard;
 		work();
 	}
-	if (!close_requested())
+	if (!close_requested()) {
 		update_status();
+		show_loaded_card();
+	}
 	close_if_wanted();
 	return true;
 }
@@ -167,6 +169,35 @@ void velmor_hover(int window, int control, std::span<const std::string> paths)
 {
 	if (const drop_row *row = find_row(&window_rows::drops, window, control))
 		run_through_gate([&] { row->hover(paths); });
+}
+
+// ---- Keys, mouse and forms --------------------------------------------------------------------
+
+// Those of the panel stand here when it is built.
+std::span<const input_row> input_rows;
+
+template <typename slot, typename... words>
+static bool take_input(int window, int control, slot input_row::*which, words... said)
+{
+	for (const input_row &row : input_rows)
+		if (row.window == window && row.control == control && row.*which)
+			return run_through_gate([&] { (row.*which)(said...); });
+	return false;
+}
+
+bool velmor_key(int window, int control, int key, std::string_view text, bool pressed)
+{
+	return take_input(window, control, &input_row::key, key, text, pressed);
+}
+
+bool velmor_mouse(int window, int control, int x, int y, mouse_action action, int amount)
+{
+	return take_input(window, control, &input_row::mouse, x, y, action, amount);
+}
+
+bool velmor_form(int window, int form, int row, form_event event, int value)
+{
+	return take_input(window, form, &input_row::form, row, event, value);
 }
 
 bool command_running()

@@ -19,6 +19,7 @@
 #include <span>
 #include <string>
 #include <vector>
+#include <string_view>
 
 namespace velmor
 {
@@ -88,6 +89,29 @@ void velmor_hover(int window, int control, std::span<const std::string> paths);
 // included, so that no two pieces of work meet on a line: false, and nothing was done, while a
 // command runs or a device is open.
 bool run_through_gate(const std::function<void()> &work);
+// Keys, mouse and forms. A window that takes them has a row, and nobody else hears of them; all
+// are refused while a command runs.
+enum class mouse_action : int {
+	down,
+	up,
+	wheel,
+};
+struct input_row {
+	int window, control;
+	// text is what the key types, "" for a key that types nothing; key is the toolkit's number.
+	void (*key)(int key, std::string_view text, bool pressed);
+	// Places are pixels of the picture, outside it too; amount is the button, from 1 for the
+	// left one, or the steps of the wheel, upwards.
+	void (*mouse)(int x, int y, mouse_action action, int amount);
+	// value is the bar's, the number typed (0 for no number), or the place of the choice.
+	void (*form)(int row, form_event event, int value);
+};
+// Of all windows; an empty slot takes nothing of its kind.
+extern std::span<const input_row> input_rows;
+// False if no row takes it, or not just now.
+bool velmor_key(int window, int control, int key, std::string_view text, bool pressed);
+bool velmor_mouse(int window, int control, int x, int y, mouse_action action, int amount);
+bool velmor_form(int window, int form, int row, form_event event, int value);
 
 // True while a command runs.
 bool command_running();

@@ -114,6 +114,12 @@ static const clock_service test_clock = {
 
 using place = std::pair<int, int>;
 
+// The row of a form; a test that names one that is not there is wrong.
+static form_row &form_row_of(int window, int form, int row)
+{
+	return the_test_host->forms.at(place(window, form)).at(static_cast<std::size_t>(row));
+}
+
 static const ui_service test_ui = {
 	.set_text = [](int w, int c,
 			    const char *text) { the_test_host->texts[place(w, c)] = text; },
@@ -162,6 +168,18 @@ static const ui_service test_ui = {
 				bits.assign(view->bits.begin(), view->bits.end());
 		},
 	.set_waveform = [](int, int, const waveform_view *) {},
+	.build_form =
+		[](int w, int c, std::span<const form_row> rows) {
+			the_test_host->forms[place(w, c)].assign(rows.begin(), rows.end());
+		},
+	.set_row_value = [](int w, int c, int row,
+				 int value) { form_row_of(w, c, row).value = value; },
+	.row_value = [](int w, int c, int row) { return form_row_of(w, c, row).value; },
+	.set_row_text = [](int w, int c, int row,
+				const char *text) { form_row_of(w, c, row).text = text; },
+	.row_text = [](int w, int c, int row) { return form_row_of(w, c, row).text; },
+	.set_row_changed = [](int w, int c, int row,
+				   bool changed) { form_row_of(w, c, row).changed = changed; },
 	.message =
 		[](const char *text, const char *caption) {
 			the_test_host->boxes.push_back({ text, caption });

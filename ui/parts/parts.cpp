@@ -1,26 +1,28 @@
 // parts.cpp - what the windows are made of: controls enrolled by window and id
 
-#include "ui/parts.h"
-#include "platform/host.h"
+#include "ui/parts/parts.h"
 #include "src/velmor_window.h"
+#include "ui/parts/entry_list.h"
+#include "ui/parts/pixel_picture.h"
+#include "ui/parts/style.h"
+#include "ui/parts/told.h"
+#include "ui/parts/window.h"
 #include "ui/qt_ui.h"
 #include <QAction>
 #include <QBoxLayout>
 #include <QButtonGroup>
-#include <QCloseEvent>
 #include <QComboBox>
-#include <QDropEvent>
 #include <QFormLayout>
 #include <QGroupBox>
-#include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
-#include <QMimeData>
-#include <QPainter>
 #include <QPointer>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QToolButton>
+#include <algorithm>
 #include <map>
+#include <utility>
 
 namespace velmor
 {
@@ -54,10 +56,8 @@ static constexpr dialog_maker dialogs[] = {
 
 static bool dialogs_wanted;
 
-void let_dialogs_be_made(bool wanted)
-{
-	dialogs_wanted = wanted;
-}
+// What was to be done to the controls of a dialog before it was made, in order.
+static std::map<int, std::vector<std::function<void()>>> kept_for_later;
 
 static void make_dialog(int window)
 {
@@ -65,6 +65,27 @@ static void make_dialog(int window)
 	for (const dialog_maker &row : dialogs)
 		if (row.window == window && owner)
 			row.make(owner);
+	const auto kept = std::exchange(kept_for_later[window], {});
+	for (const std::function<void()> &work : kept)
+		work();
+}
+
+void let_dialogs_be_made(bool wanted)
+{
+	dialogs_wanted = wanted;
+	kept_for_later.clear();
+}
+
+bool not_made_yet(int window)
+{
+	const auto is_it = [window](const dialog_maker &row) { return row.window == window; };
+	return dialogs_wanted && !enrolled(window, 0) &&
+	       std::any_of(std::begin(dialogs), std::end(dialogs), is_it);
+}
+
+void keep_for_later(int window, std::function<void()> work)
+{
+	kept_for_later[window].push_back(std::move(work));
 }
 
 QObject *find_control(int window, int control)
@@ -85,9 +106,16 @@ QString caption_of(int window, int control)
 	return row ? QString::fromUtf8(row->caption) : QString();
 }
 
+// As it is said, and in a menu as it is shown: one letter at most is marked.
 static QString without_marks(QString caption)
 {
 	return caption.remove('&').remove(':');
+}
+
+static QString with_one_mark(QString caption)
+{
+	const qsizetype mark = caption.indexOf('&');
+	return mark < 0 ? caption : caption.remove('&').insert(mark, '&');
 }
 
 void enroll(int window, int control, QObject *object)
@@ -98,152 +126,21 @@ void enroll(int window, int control, QObject *object)
 	auto *widget = qobject_cast<QWidget *>(object);
 	if (!row || !widget)
 		return;
-	widget->setAccessibleName(without_marks(QString::fromUtf8(row->caption)));
+	const QString said = without_marks(QString::fromUtf8(row->caption));
+	if (auto *label = dynamic_cast<told_label *>(widget))
+		label->set_spoken(said);
+	else
+		widget->setAccessibleName(said);
 	if (!row->tooltip)
 		return;
 	widget->setToolTip(QString::fromUtf8(row->tooltip));
 	widget->setAccessibleDescription(QString::fromUtf8(row->tooltip));
 }
 
-// ---- Windows --------------------------------------------------------------------------------
-
-top_window::top_window(int window, int close, QWidget *owner)
-	: QWidget(owner, owner ? Qt::Dialog : Qt::Window), id(window), close_command(close)
+void tell_apart(QWidget *widget, const QString &among)
 {
-	enroll(window, 0, this);
-	setWindowTitle(caption_of(window, 0));
-}
-
-// The command hides the window, or ends the program: the system decides.
-void top_window::closeEvent(QCloseEvent *event)
-{
-	event->ignore();
-	velmor_command(id, close_command);
-}
-
-void top_window::keyPressEvent(QKeyEvent *event)
-{
-	if (event->matches(QKeySequence::Cancel) && close_command == control_cancel)
-		velmor_command(id, close_command);
-	else if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
-		velmor_command(id, control_ok);
-	else
-		QWidget::keyPressEvent(event);
-}
-
-// ---- Lists ----------------------------------------------------------------------------------
-
-named_list::named_list(int window, int control, QWidget *parent)
-	: QListWidget(parent), window_id(window), control_id(control)
-{
-	const caption_row *row = find_caption(window, control);
-	if (row && row->empty)
-		empty_text = QString::fromUtf8(row->empty);
-	setUniformItemSizes(true);
-	connect(this, &QListWidget::currentRowChanged, this,
-		[this] { velmor_selection(window_id, control_id); });
-}
-
-void named_list::fill(const QStringList &names)
-{
-	const QSignalBlocker quiet(this);
-	clear();
-	addItems(names);
-	for (int i = 0; i < count(); i++)
-		item(i)->setHidden(!item(i)->text().contains(letters_sought, Qt::CaseInsensitive));
-	viewport()->update();
-}
-
-void named_list::choose(int index)
-{
-	const QSignalBlocker quiet(this);
-	setCurrentRow(index);
-}
-
-int named_list::chosen() const
-{
-	const QListWidgetItem *current = currentItem();
-	return current && !current->isHidden() ? currentRow() : -1;
-}
-
-void named_list::search(const QString &letters)
-{
-	letters_sought = letters;
-	int first = -1;
-	for (int i = 0; i < count(); i++) {
-		const bool found = item(i)->text().contains(letters, Qt::CaseInsensitive);
-		item(i)->setHidden(!found);
-		if (found && first < 0)
-			first = i;
-	}
-	if (chosen() < 0 && first >= 0)
-		setCurrentRow(first);
-	viewport()->update();
-}
-
-void named_list::paintEvent(QPaintEvent *event)
-{
-	QListWidget::paintEvent(event);
-	bool any = false;
-	for (int i = 0; i < count() && !any; i++)
-		any = !item(i)->isHidden();
-	if (any)
-		return;
-	QPainter painter(viewport());
-	painter.setPen(palette().color(QPalette::PlaceholderText));
-	const int margin = fontMetrics().height() / 2;
-	painter.drawText(viewport()->rect().adjusted(margin, margin, -margin, -margin),
-		Qt::AlignCenter | Qt::TextWordWrap,
-		count() ? QStringLiteral("No name holds these letters") : empty_text);
-}
-
-void named_list::take_files()
-{
-	setAcceptDrops(true);
-	setDragDropMode(QAbstractItemView::DropOnly);
-}
-
-static std::vector<std::string> paths_of(const QMimeData *data)
-{
-	std::vector<std::string> paths;
-	for (const QUrl &url : data->urls())
-		if (url.isLocalFile())
-			paths.push_back(
-				host.files->system_path(url.toLocalFile().toUtf8().constData()));
-	return paths;
-}
-
-void named_list::dragEnterEvent(QDragEnterEvent *event)
-{
-	const std::vector<std::string> paths = paths_of(event->mimeData());
-	if (!acceptDrops() || paths.empty() || command_running())
-		return;
-	event->setDropAction(Qt::CopyAction);
-	event->accept();
-	velmor_hover(window_id, control_id, paths);
-}
-
-void named_list::dragMoveEvent(QDragMoveEvent *event)
-{
-	event->setDropAction(Qt::CopyAction);
-	event->accept();
-}
-
-void named_list::dragLeaveEvent(QDragLeaveEvent *)
-{
-	velmor_hover(window_id, control_id, {});
-}
-
-// The work begins after the drop is over, so that the program the files come from is not
-// kept waiting.
-void named_list::dropEvent(QDropEvent *event)
-{
-	const std::vector<std::string> paths = paths_of(event->mimeData());
-	event->setDropAction(Qt::CopyAction);
-	event->accept();
-	QMetaObject::invokeMethod(
-		this, [this, paths] { velmor_drop(window_id, control_id, paths); },
-		Qt::QueuedConnection);
+	widget->setProperty("among", among);
+	widget->setAccessibleName(widget->accessibleName() + ", " + among);
 }
 
 // ---- Makers ---------------------------------------------------------------------------------
@@ -255,6 +152,7 @@ QPushButton *make_button(top_window *window, int control)
 		return nullptr;
 	auto *button = new QPushButton(caption_of(id, control), window);
 	button->setAutoDefault(true);
+	button->setIcon(make_icon(icon_of(id, control)));
 	enroll(id, control, button);
 	QObject::connect(button, &QPushButton::clicked, button,
 		[id, control] { velmor_command(id, control); });
@@ -266,7 +164,8 @@ void make_entry(top_window *window, QMenu *menu, int control)
 	const int id = window->id;
 	if (!has_command(id, control))
 		return;
-	QAction *entry = menu->addAction(caption_of(id, control));
+	QAction *entry = menu->addAction(
+		make_icon(icon_of(id, control)), with_one_mark(caption_of(id, control)));
 	enroll(id, control, entry);
 	const caption_row *row = find_caption(id, control);
 	if (row && row->tooltip)
@@ -275,9 +174,9 @@ void make_entry(top_window *window, QMenu *menu, int control)
 		entry, &QAction::triggered, entry, [id, control] { velmor_command(id, control); });
 }
 
-named_list *make_list(top_window *window, int control)
+entry_list *make_list(top_window *window, int control)
 {
-	auto *list = new named_list(window->id, control, window);
+	auto *list = new entry_list(window, control);
 	enroll(window->id, control, list);
 	return list;
 }
@@ -292,27 +191,48 @@ static void set_empty_text(QLineEdit *field, int window, int control)
 QLineEdit *make_field(top_window *window, int control)
 {
 	auto *field = new QLineEdit(window);
+	field->setTextMargins(2, 0, 2, 0);
 	enroll(window->id, control, field);
 	set_empty_text(field, window->id, control);
 	return field;
 }
 
-QLineEdit *make_search(top_window *window, int control, named_list *list)
+QLineEdit *make_search(top_window *window, int control, entry_list *list)
 {
 	QLineEdit *field = make_field(window, control);
-	field->setClearButtonEnabled(true);
+	field->setTextMargins(icon_size + between_controls, 0, 2, 0);
+	auto *inside = new QHBoxLayout(field);
+	inside->setContentsMargins(between_controls, 0, 0, 0);
+	inside->addWidget(new icon_label(icon::search, icon_size, QPalette::Dark, field));
+	inside->addStretch();
 	QObject::connect(field, &QLineEdit::textChanged, list,
 		[list](const QString &letters) { list->search(letters); });
 	return field;
 }
 
-QLabel *make_text(top_window *window, int control)
+told_label *make_text(top_window *window, int control)
 {
-	auto *label = new QLabel(window);
-	label->setTextFormat(Qt::PlainText);
-	label->setTextInteractionFlags(Qt::TextSelectableByMouse);
+	auto *label = new told_label(window);
 	enroll(window->id, control, label);
 	return label;
+}
+
+told_label *make_verdict(top_window *window, int control)
+{
+	told_label *verdict = make_text(window, control);
+	verdict->set_spoken("Verdict");
+	verdict->set_marked();
+	verdict->setWordWrap(true);
+	verdict->setAlignment(Qt::AlignLeft | Qt::AlignTop);
+	verdict->setMinimumHeight(verdict->fontMetrics().lineSpacing() * 3 + 4);
+	return verdict;
+}
+
+pixel_picture *make_picture(top_window *window, int control)
+{
+	auto *picture = new pixel_picture(window->id, control, window);
+	enroll(window->id, control, picture);
+	return picture;
 }
 
 QComboBox *make_choice(top_window *window, int control)
@@ -341,12 +261,19 @@ QWidget *make_options(
 	top_window *window, const QString &title, std::initializer_list<int> ids, int columns)
 {
 	auto *box = new QGroupBox(title, window);
+	// The title is bold, and wider than the box thinks.
+	QFont bold = box->font();
+	bold.setBold(true);
+	box->setMinimumWidth(QFontMetrics(bold).horizontalAdvance(title) + 2 * between_controls);
 	auto *grid = new QGridLayout(box);
+	grid->setContentsMargins(0, between_controls / 2, 0, 0);
+	grid->setVerticalSpacing(between_controls / 2);
 	auto *group = new QButtonGroup(box);
 	const int rows = (static_cast<int>(ids.size()) + columns - 1) / columns;
 	int place = 0;
 	for (int control : ids) {
 		QRadioButton *option = make_option(window, control, group);
+		tell_apart(option, title);
 		option->setChecked(place == 0);
 		grid->addWidget(option, place % rows, place / rows);
 		place++;
@@ -355,10 +282,56 @@ QWidget *make_options(
 	return box;
 }
 
+QToolButton *make_fold(QWidget *part, const QString &name, bool open, QWidget *parent)
+{
+	auto *fold = new QToolButton(parent);
+	fold->setAutoRaise(true);
+	fold->setFocusPolicy(Qt::TabFocus);
+	fold->setAccessibleName(name);
+	fold->setCheckable(true);
+	const auto turn = [fold, part, name](bool shown) {
+		fold->setIcon(make_icon(shown ? icon::fold_open : icon::fold_closed));
+		fold->setToolTip((shown ? "Hide " : "Show ") + name);
+		part->setVisible(shown);
+	};
+	QObject::connect(fold, &QToolButton::toggled, part, turn);
+	fold->setChecked(open);
+	turn(open);
+	return fold;
+}
+
+QLayout *make_heading(top_window *window, int list, int told, icon picture, QPushButton *button)
+{
+	auto *row = new QHBoxLayout;
+	if (picture != icon::none)
+		row->addWidget(new icon_label(picture, icon_size, QPalette::Link, window));
+	told_label *title = make_title(caption_of(window->id, list), 1.1, true, window);
+	title->setBuddy(find_widget(window->id, list));
+	row->addWidget(title);
+	if (told) {
+		told_label *words = make_text(window, told);
+		words->set_spoken(title->text() + " heading");
+		words->set_role(text_role::quiet);
+		words->set_cut();
+		row->addWidget(words, 1);
+	} else {
+		row->addStretch(1);
+	}
+	if (button) {
+		button->setFlat(true);
+		row->addWidget(button);
+	}
+	// The same height with a button and without.
+	row->addStrut(button_height);
+	return row;
+}
+
 void add_row(QFormLayout *form, int window, int control, QWidget *field)
 {
-	auto *label = new QLabel(caption_of(window, control), field->parentWidget());
+	auto *label = new told_label(field->parentWidget());
+	label->say(caption_of(window, control));
 	label->setBuddy(field);
+	label->setMinimumHeight(dynamic_cast<told_label *>(field) ? 0 : form_row_height);
 	form->addRow(label, field);
 }
 
@@ -367,6 +340,17 @@ void add_to(QBoxLayout *layout, std::initializer_list<QWidget *> widgets)
 	for (QWidget *widget : widgets)
 		if (widget)
 			layout->addWidget(widget);
+}
+
+void add_closing_buttons(top_window *window)
+{
+	auto *row = new QHBoxLayout;
+	row->addStretch();
+	QPushButton *keep = make_button(window, control_ok);
+	keep->setProperty("main", true);
+	add_to(row, { make_button(window, control_cancel), keep });
+	window->content->addStretch();
+	window->content->addLayout(row);
 }
 
 } // namespace velmor

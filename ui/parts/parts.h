@@ -7,8 +7,9 @@
 
 #pragma once
 #include "src/controls.h"
-#include <QListWidget>
-#include <QWidget>
+#include "ui/parts/icons.h"
+#include <QString>
+#include <functional>
 #include <initializer_list>
 #include <string>
 
@@ -16,85 +17,71 @@ class QBoxLayout;
 class QButtonGroup;
 class QComboBox;
 class QFormLayout;
-class QLabel;
+class QLayout;
 class QLineEdit;
 class QMenu;
 class QPushButton;
 class QRadioButton;
+class QToolButton;
+class QWidget;
 
 namespace velmor
 {
 
-// A window of the program. Its close box and Escape are a command.
-class top_window : public QWidget
-{
-public:
-	const int id, close_command;
-
-	// Enrolled as control 0, titled by its caption.
-	top_window(int window, int close, QWidget *owner);
-
-protected:
-	void closeEvent(QCloseEvent *event) override;
-	void keyPressEvent(QKeyEvent *event) override;
-};
-
-// A list that says something when it is empty, and takes dropped files if it is told to.
-class named_list : public QListWidget
-{
-public:
-	named_list(int window, int control, QWidget *parent);
-	void take_files();
-	// Hide every entry that does not hold these letters.
-	void search(const QString &letters);
-	// The chosen entry, -1 when it is none or hidden by the search.
-	int chosen() const;
-	// Fill without telling the system, as only the user's choices are told.
-	void fill(const QStringList &names);
-	void choose(int index);
-
-protected:
-	void paintEvent(QPaintEvent *event) override;
-	void dragEnterEvent(QDragEnterEvent *event) override;
-	void dragMoveEvent(QDragMoveEvent *event) override;
-	void dragLeaveEvent(QDragLeaveEvent *event) override;
-	void dropEvent(QDropEvent *event) override;
-
-private:
-	const int window_id, control_id;
-	QString letters_sought, empty_text;
-};
+class entry_list;
+class pixel_picture;
+class told_label;
+class top_window;
 
 // Make this object findable, and give it its words.
 void enroll(int window, int control, QObject *object);
 QString caption_of(int window, int control);
+// Where several controls of a window say the same, a screen reader is told which this is.
+void tell_apart(QWidget *widget, const QString &among);
 
 QPushButton *make_button(top_window *window, int control);
 void make_entry(top_window *window, QMenu *menu, int control);
-named_list *make_list(top_window *window, int control);
-QLineEdit *make_search(top_window *window, int control, named_list *list);
+entry_list *make_list(top_window *window, int control);
+QLineEdit *make_search(top_window *window, int control, entry_list *list);
 QLineEdit *make_field(top_window *window, int control);
-QLabel *make_text(top_window *window, int control);
+told_label *make_text(top_window *window, int control);
+// What came of something, beside the button that did it; it keeps its room.
+told_label *make_verdict(top_window *window, int control);
 QComboBox *make_choice(top_window *window, int control);
 QRadioButton *make_option(top_window *window, int control, QButtonGroup *group);
-// A box around exclusive options, the first of them chosen.
+// A group of exclusive options, the first of them chosen.
 QWidget *make_options(
 	top_window *window, const QString &title, std::initializer_list<int> controls, int columns);
+pixel_picture *make_picture(top_window *window, int control);
+// Shows and hides a part of the window.
+QToolButton *make_fold(QWidget *part, const QString &name, bool open, QWidget *parent);
+
+// Above a list: its name, what its heading tells, and a button at the right, or null.
+QLayout *make_heading(
+	top_window *window, int list, int told, icon picture, QPushButton *button = nullptr);
 
 // Add a row whose label is the control's caption.
 void add_row(QFormLayout *form, int window, int control, QWidget *field);
 void add_to(QBoxLayout *layout, std::initializer_list<QWidget *> widgets);
+// The foot of a dialog: the button that keeps, filled, and the one that leaves.
+void add_closing_buttons(top_window *window);
 
 // The windows, one a file.
 void create_main_window();
 // From when until when find_control makes the dialog that it looks for.
 void let_dialogs_be_made(bool wanted);
+// What is done to a dialog that nobody has asked for waits until it is made.
+bool not_made_yet(int window);
+void keep_for_later(int window, std::function<void()> work);
 void create_settings_dialog(QWidget *owner);
 void create_sampler_dialog(QWidget *owner);
 void create_usb_dialog(QWidget *owner);
 void create_multi_window(QWidget *owner);
 void create_progress_window(QWidget *owner);
 void create_sample_manager(QWidget *owner);
+
+// True while the list of samplers is empty: the main window says how to begin.
+void show_samplers_wanted(bool wanted);
 
 // The log's text is kept here and painted a little later, so that logging stays cheap.
 void set_log_text(const char *text);

@@ -411,47 +411,24 @@ TEST_F(wave_order, fact_stands_ahead_of_smpl)
 	ASSERT_TRUE(read("out", &back));
 	EXPECT_EQ(back.end_position, 0x99u);
 	free_sample_data(&back);
-}
-
-TEST_F(wave_order, the_result_of_a_file_without_smpl_reads_its_loop_end_from_the_data)
-{
+	// A smpl made here has no loop, and its loop end is read from word 1 of the data.
 	order(riff(fmt_22 + chunk("data", hex("11 12 13 14 15 16 17 18 19 1A"))));
-	_sample back;
 	ASSERT_TRUE(read("out", &back));
-	// 12 bytes behind the 44 of the chunk: word 1 of data
 	EXPECT_EQ(back.loop_end, 0x18171615u);
 	EXPECT_EQ(back.original_pitch, 60);
 	free_sample_data(&back);
 }
 
-TEST_F(wave_order, what_cannot_be_put_in_order_is_refused)
+// Which files are refused: the random ones of test_wave_resample.
+TEST_F(wave_order, a_disk_that_fails_keeps_the_old_file)
 {
 	const bytes data = chunk("data", hex("00*8"));
-	EXPECT_TRUE(refused(riff(fmt_22)));                               // too small
-	EXPECT_TRUE(refused(riff(fmt_22 + chunk("LIST", hex("00*20"))))); // no data
-	EXPECT_TRUE(refused(riff(fmt({ 1, 16, 0, 22050 }) + data)));      // block align 0
-	EXPECT_TRUE(refused(riff(fmt({ 1, 16, 2, 65536 }) + data)));      // no period in 16 bits
-	EXPECT_TRUE(refused(riff(fmt_22 + text("smpl") + word(0xFFFFFFF0) + data)));
 	h.disk.space_left = 60;
 	EXPECT_TRUE(refused(riff(fmt_22 + data)));
 	EXPECT_TRUE(logged_part(h, "Cannot write 110 Bytes to [" + spool + "out.wav]"));
 	h.disk = { .space_left = {}, .open_for_writing = EROFS };
 	EXPECT_TRUE(refused(riff(fmt_22 + data)));
 	EXPECT_TRUE(logged_part(h, "Cannot open [" + spool + "out.wav]"));
-}
-
-TEST_F(wave_order, a_file_may_be_put_in_order_in_its_place)
-{
-	const bytes source = riff(fmt_22 + chunk("data", hex("01 02")));
-	put("in.wav", source);
-	h.disk.space_left = 50;
-	const std::string path = spool + "in.wav";
-	EXPECT_FALSE(akai_it(path.c_str(), path.c_str(), 60));
-	EXPECT_EQ(content("in.wav"), source);
-	h.disk.space_left.reset();
-	EXPECT_TRUE(akai_it(path.c_str(), path.c_str(), 60));
-	EXPECT_EQ(content("in.wav").size(), 38u + 12 + 44 + 10);
-	EXPECT_EQ(names(), strings{ "in.wav" });
 }
 
 } // namespace

@@ -22,6 +22,31 @@ struct waveform_view {
 	std::uint64_t loop_end;
 };
 
+// What a list of things on the sampler shows.
+enum class list_state {
+	fresh,  // its entries, as last read
+	unread, // nothing was asked yet
+	silent, // asked, and no answer came: the words stand in its place
+	empty,  // read, and there is nothing
+	stale,  // its entries, which may no longer be true
+};
+
+// What a text means, for its colour and mark.
+enum class text_role {
+	plain,
+	quiet,
+	good,    // answered, done
+	careful, // something is lost or missing
+	failed,
+};
+
+// A picture of one bit a pixel, rows from the top, each padded to a byte, the leftmost pixel in
+// the highest bit. A set bit is dark.
+struct bitmap_view {
+	std::span<const std::uint8_t> bits;
+	int width, height; // pixels
+};
+
 struct ui_service {
 	// Controls. control 0 is the window itself: show raises it, text is its title.
 	// get_text gives back the same bytes, "\r\n" included, until the user edits them. The log
@@ -36,7 +61,16 @@ struct ui_service {
 	void (*show)(int window, int control, bool visible);
 	void (*enable)(int window, int control, bool enabled);
 	bool (*exists)(int window, int control);
+	// A list with columns: one entry a row, its name first.
+	void (*set_rows)(int window, int control, std::span<const std::vector<std::string>> rows);
+	// Words stand in place of the entries where the state has none; "" keeps the caption's.
+	void (*set_list_state)(int window, int control, list_state state, const char *words);
+	void (*set_role)(int window, int control, text_role role);
+	// Disable a control and say why in its tooltip; a null reason enables it again.
+	void (*set_reason)(int window, int control, const char *why_not);
+	void (*focus)(int window, int control);
 	// A null view clears the picture.
+	void (*set_bitmap)(int window, int control, const bitmap_view *view);
 	void (*set_waveform)(int window, int control, const waveform_view *view);
 
 	// Modal boxes. ask has the buttons OK and Cancel and is true for OK.
@@ -50,6 +84,10 @@ struct ui_service {
 	void (*progress_show)(const char *caption, int range);
 	void (*progress_set)(int value, const char *info, const char *time_left);
 	void (*progress_hide)();
+
+	// Call tick every so many milliseconds, on the main thread, until the timer is stopped.
+	int (*start_timer)(int milliseconds, void (*tick)());
+	void (*stop_timer)(int timer);
 
 	// Run pending interface events, and return as soon as one came, a byte arrived, or
 	// max_ms milliseconds (0 to 100) have passed.

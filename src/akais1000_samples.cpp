@@ -126,7 +126,7 @@ static _sample *require_sample(const char *name, bool log_compares)
 	if (status && index < std::min(status->samples, max_samples))
 		return &current_sampler->status->sample[index];
 	show_box("FATAL", "Internal error (akai_s1000 Module) aborting! (Sample index not found)");
-	host.ui->exit_process(0);
+	end_program(0);
 	return nullptr;
 }
 

@@ -471,7 +471,7 @@ open_usbdev open_for_download()
 	if (!open_midi_usb(usb)) {
 		hide_progressbar(window_samples);
 		show_box("INFO", "Failed to open USB-Device!");
-		host.ui->exit_process(0);
+		end_program(0);
 		return nullptr;
 	}
 	return open_usbdev(usb);

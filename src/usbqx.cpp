@@ -90,7 +90,7 @@ void init_usb_sem()
 	usb_semaphore.reset(new (std::nothrow) usb_place{ 1 });
 	if (!usb_semaphore) {
 		show_box("ERROR", "Cannot create semaphore!");
-		host.ui->exit_process(0);
+		end_program(0);
 	}
 }
 
@@ -369,7 +369,7 @@ static void scan_bus()
 	std::vector<usb_device> devices;
 	if (!host.usb->list(&devices)) {
 		display_error_text(__FILE_NAME__, __LINE__, host.usb->error_text(usb_failed));
-		host.ui->exit_process(0);
+		end_program(0);
 		return;
 	}
 	log_line("[D] DiGetClassDevs completed...\r\n");

@@ -84,7 +84,7 @@ void probe_usb_sampler()
 	if (!usb) {
 		show_box("FATAL", "Could not find USB-Interface for [%s]",
 			current_sampler->sampler_usbname);
-		host.ui->exit_process(0);
+		end_program(0);
 		return;
 	}
 	// Opening asks the sampler for its channel, so this has no lasting effect.
@@ -92,7 +92,7 @@ void probe_usb_sampler()
 	if (!open_midi_usb(usb)) {
 		show_box("FATAL", "Could not open USB-Interface for [%s]",
 			current_sampler->sampler_usbname);
-		host.ui->exit_process(0);
+		end_program(0);
 		return;
 	}
 	log_contents(usb);

@@ -129,7 +129,7 @@ static void read_record(const std::string &path, _sampler *record)
 	int code = host.files->open(path.c_str(), file_read, &file);
 	if (code) {
 		_display_error(__FILE_NAME__, __LINE__, code);
-		host.ui->exit_process(0);
+		end_program(0);
 		return;
 	}
 	std::size_t count = 0;
@@ -140,7 +140,7 @@ static void read_record(const std::string &path, _sampler *record)
 		display_error_text(__FILE_NAME__, __LINE__,
 			code ? host.files->error_text(code)
 			     : "The file is shorter than 536 bytes.");
-		host.ui->exit_process(0);
+		end_program(0);
 		return;
 	}
 	record->sampler_description[sizeof record->sampler_description - 1] = '\0';

@@ -61,6 +61,9 @@ void show_box(const char *caption, const char *format, ...) __attribute__((forma
 // The same with OK and Cancel; true for OK.
 bool ask_box(const char *caption, const char *format, ...) __attribute__((format(printf, 2, 3)));
 
+// End the process, after showing boxes that were kept aside. Tests throw here.
+void end_program(int status);
+
 // Show the system's words in a box with the caption "ERROR (file:line)"; words that are
 // null say that no text exists, which goes to standard output.
 void display_error_text(const char *file, int line, const char *words);

@@ -8,7 +8,7 @@
 // Knows nothing of: what the texts are about.
 
 #include "src/controls.h"
-#include "src/velmor.h"
+#include "src/velmor_outcome.h"
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
@@ -107,13 +107,51 @@ void add_log_format(const char *file, int line, const char *format, ...)
 	_add_scroll_string(file, line, text.c_str());
 }
 
+// ---- Boxes ------------------------------------------------------------------------------
+
+static box_keeper *innermost_keeper = nullptr;
+
+box_keeper::box_keeper() : outer(innermost_keeper)
+{
+	innermost_keeper = this;
+}
+
+// What nobody took is shown after all, also when the process is about to end.
+box_keeper::~box_keeper()
+{
+	innermost_keeper = outer;
+	show();
+}
+
+void box_keeper::show()
+{
+	for (const kept_box &box : boxes)
+		host.ui->message(box.text.c_str(), box.caption.c_str());
+	boxes.clear();
+}
+
+void end_program(int status)
+{
+	for (box_keeper *keeper = innermost_keeper; keeper; keeper = keeper->enclosing())
+		keeper->show();
+	host.ui->exit_process(status);
+}
+
+static void show_message(const std::string &text, const char *caption)
+{
+	if (innermost_keeper)
+		innermost_keeper->boxes.push_back({ caption, text });
+	else
+		host.ui->message(text.c_str(), caption);
+}
+
 void show_box(const char *caption, const char *format, ...)
 {
 	va_list list;
 	va_start(list, format);
 	const std::string text = format_list(format, list);
 	va_end(list);
-	host.ui->message(text.c_str(), caption);
+	show_message(text, caption);
 }
 
 bool ask_box(const char *caption, const char *format, ...)
@@ -132,7 +170,7 @@ void display_error_text(const char *file, int line, const char *words)
 		std::printf("[%s] FATAL: Could not create ERROR-Text-Message\n", caption.c_str());
 		return;
 	}
-	host.ui->message(std::string(words).c_str(), caption.c_str());
+	show_message(words, caption.c_str());
 }
 
 void _display_error(const char *file, int line, int code)

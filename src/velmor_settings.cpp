@@ -113,7 +113,7 @@ static void save_device(const device_setting &row)
 	std::printf("Current selection (%s): %d\n", row.direction, index);
 	*row.selected = index;
 	if (save_key(row.key, format_text("%d", index).c_str()) != 0)
-		host.ui->exit_process(0);
+		end_program(0);
 }
 
 // ---- The folder of the configurations ---------------------------------------------------------
@@ -138,7 +138,7 @@ static void choose_first_config_path()
 	if (!root) {
 		display_error_text(__FILE_NAME__, __LINE__,
 			"The system names no folder for this user's data. Is HOME set?");
-		host.ui->exit_process(0);
+		end_program(0);
 		return;
 	}
 	const std::string folder = std::string(root) + "\\VELMOR";

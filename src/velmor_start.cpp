@@ -32,7 +32,7 @@ void start_velmor()
 {
 	if (init_wrt_midi() != 0) {
 		show_box("FATAL", "Cannot init WRT!");
-		host.ui->exit_process(0);
+		end_program(0);
 		return;
 	}
 	wake_on_arrival();

@@ -215,7 +215,7 @@ static void allocate_block(armed_input *in, int capacity)
 	if (in->block)
 		return;
 	show_box("FATAL", "Out of memory at %s:%d", __FILE_NAME__, __LINE__);
-	host.ui->exit_process(0);
+	end_program(0);
 }
 
 // Open the chosen input and receive from now on.
@@ -410,7 +410,7 @@ void send_midi_string_ex_s900(
 	if (g_MidiOutPortOpenFunc(selected_midi_out_interface, &out.port) != 0) {
 		out.port = -1;
 		show_box("FATAL", "Failed to open Midi-Out Device");
-		host.ui->exit_process(0);
+		end_program(0);
 		return;
 	}
 	if (msg_count > 0 && !open_input(&in))

@@ -78,7 +78,7 @@ static open_usbdev open_or_end(_usbdev *usb)
 	if (open_midi_usb(usb))
 		return open_usbdev(usb);
 	display_error_text(__FILE_NAME__, __LINE__, host.usb->error_text(usb_last_result));
-	host.ui->exit_process(0);
+	end_program(0);
 	return nullptr;
 }
 
@@ -86,7 +86,7 @@ static void end_with(open_usbdev usb, const char *words)
 {
 	usb.reset();
 	show_box("FATAL", "%s", words);
-	host.ui->exit_process(0);
+	end_program(0);
 }
 
 static std::string info_text(const info_row &row, bounded_bytes answer)

@@ -148,7 +148,7 @@ static bool close_wanted;
 static void close_application()
 {
 	log_line("[D] Closing Application!\r\n");
-	host.ui->exit_process(0);
+	end_program(0);
 }
 
 static void leave()

@@ -407,7 +407,7 @@ bool read_whole(const char *filename, owned_bytes *bytes, std::size_t *size)
 	*bytes = allocate_bytes(file.size);
 	if (!*bytes) {
 		show_box("FATAL", "Out of memory!");
-		host.ui->exit_process(0);
+		end_program(0);
 		return false;
 	}
 	*size = static_cast<std::size_t>(file.size);

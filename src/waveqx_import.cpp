@@ -204,7 +204,7 @@ void load_local_samples(const char *folder_name)
 	std::vector<std::string> names;
 	if (host.files->list(folder.c_str(), &names) != 0) {
 		show_box("FATAL", "Cannot open directory: [%s]", folder.c_str());
-		host.ui->exit_process(0);
+		end_program(0);
 		return;
 	}
 	for (const std::string &name : names) {

@@ -22,6 +22,7 @@
 #include <atomic>
 #include <cstdio>
 #include <cstdlib>
+#include <map>
 
 namespace velmor
 {
@@ -83,6 +84,14 @@ static void set_list(int window, int control, std::span<const std::string> items
 	}
 }
 
+static void set_rows(int window, int control, std::span<const std::vector<std::string>> rows)
+{
+	std::vector<std::string> names;
+	for (const std::vector<std::string> &row : rows)
+		names.push_back(row.empty() ? "" : row.front());
+	set_list(window, control, names);
+}
+
 static void select_entry(int window, int control, int index)
 {
 	QObject *object = find_control(window, control);
@@ -139,6 +148,19 @@ static void enable_control(int window, int control, bool enabled)
 		entry->setEnabled(enabled);
 	else if (auto *widget = qobject_cast<QWidget *>(object))
 		widget->setEnabled(enabled);
+}
+
+static void set_reason(int window, int control, const char *why_not)
+{
+	enable_control(window, control, !why_not);
+	if (QWidget *widget = find_widget(window, control); widget && why_not)
+		widget->setToolTip(QString::fromUtf8(why_not));
+}
+
+static void focus_control(int window, int control)
+{
+	if (QWidget *widget = find_widget(window, control))
+		widget->setFocus();
 }
 
 static void set_waveform(int window, int control, const waveform_view *view)
@@ -251,6 +273,30 @@ static void progress_hide()
 		main->raise();
 }
 
+// ---- Timers -------------------------------------------------------------------------------------
+
+static std::map<int, QTimer *> timers;
+
+static int start_timer(int milliseconds, void (*tick)())
+{
+	static int last = 0;
+	auto *timer = new QTimer(QCoreApplication::instance());
+	timers[++last] = timer;
+	QObject::connect(timer, &QTimer::timeout, timer, tick);
+	timer->start(milliseconds);
+	return last;
+}
+
+static void stop_timer(int timer)
+{
+	const auto found = timers.find(timer);
+	if (found == timers.end())
+		return;
+	found->second->stop();
+	found->second->deleteLater();
+	timers.erase(found);
+}
+
 // ---- Waiting ------------------------------------------------------------------------------------
 
 static std::atomic<bool> woken;
@@ -297,6 +343,12 @@ const ui_service qt_ui = {
 	.show          = show_control,
 	.enable        = enable_control,
 	.exists        = [](int window, int control) { return find_control(window, control) != nullptr; },
+	.set_rows      = set_rows,
+	.set_list_state = [](int, int, list_state, const char *) {},
+	.set_role      = [](int, int, text_role) {},
+	.set_reason    = set_reason,
+	.focus         = focus_control,
+	.set_bitmap    = [](int, int, const bitmap_view *) {},
 	.set_waveform  = set_waveform,
 	.message       = message,
 	.ask           = ask,
@@ -305,6 +357,8 @@ const ui_service qt_ui = {
 	.progress_show = progress_show,
 	.progress_set  = progress_set,
 	.progress_hide = progress_hide,
+	.start_timer   = start_timer,
+	.stop_timer    = stop_timer,
 	.pump          = pump,
 	.wake          = wake,
 	.exit_process  = exit_process,

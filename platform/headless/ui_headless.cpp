@@ -79,6 +79,14 @@ static bool exists(int window, int control)
 	return log || controls.contains({ window, control });
 }
 
+static void set_rows(int window, int control, std::span<const std::vector<std::string>> rows)
+{
+	std::vector<std::string> names;
+	for (const std::vector<std::string> &row : rows)
+		names.push_back(row.empty() ? "" : row.front());
+	set_list(window, control, names);
+}
+
 static void message(const char *text, const char *caption)
 {
 	std::fprintf(stderr, "%s: %s\n", caption ? caption : "", text ? text : "");
@@ -135,6 +143,12 @@ const ui_service headless_ui = {
 	.show = [](int, int, bool) {},
 	.enable = [](int, int, bool) {},
 	.exists = exists,
+	.set_rows = set_rows,
+	.set_list_state = [](int, int, list_state, const char *) {},
+	.set_role = [](int, int, text_role) {},
+	.set_reason = [](int, int, const char *) {},
+	.focus = [](int, int) {},
+	.set_bitmap = [](int, int, const bitmap_view *) {},
 	.set_waveform = [](int, int, const waveform_view *) {},
 	.message = message,
 	.ask = ask,
@@ -148,6 +162,9 @@ const ui_service headless_ui = {
 			if (isatty(STDERR_FILENO))
 				std::fputs("\r\033[K", stderr);
 		},
+	// Nothing of a program without windows repeats by itself.
+	.start_timer = [](int, void (*)()) { return 0; },
+	.stop_timer = [](int) {},
 	.pump = pump,
 	.wake = wake,
 	.exit_process =

@@ -113,6 +113,8 @@ inline ui_service quiet_ui()
 	ui.progress_show = [](const char *, int) {};
 	ui.progress_set = [](int, const char *, const char *) {};
 	ui.progress_hide = [] {};
+	ui.set_rows = [](int, int, std::span<const std::vector<std::string>>) {};
+	ui.set_list_state = [](int, int, list_state, const char *) {};
 	ui.pump = [](int) {};
 	ui.exit_process = [](int) { std::abort(); };
 	return ui;

@@ -54,6 +54,33 @@ static const ui_service test_ui = {
 	.show = [](int w, int c, bool on) { the_test_host->visible[place(w, c)] = on; },
 	.enable = [](int w, int c, bool on) { the_test_host->enabled[place(w, c)] = on; },
 	.exists = [](int, int) { return true; },
+	.set_rows =
+		[](int w, int c, std::span<const std::vector<std::string>> rows) {
+			std::vector<std::string> &names = the_test_host->lists[place(w, c)];
+			names.clear();
+			for (const std::vector<std::string> &row : rows)
+				names.push_back(row.empty() ? "" : row.front());
+			the_test_host->rows[place(w, c)].assign(rows.begin(), rows.end());
+			the_test_host->selections[place(w, c)] = -1;
+		},
+	.set_list_state =
+		[](int w, int c, list_state state, const char *words) {
+			the_test_host->states[place(w, c)] = { state, words };
+		},
+	.set_role = [](int w, int c, text_role role) { the_test_host->roles[place(w, c)] = role; },
+	.set_reason =
+		[](int w, int c, const char *why_not) {
+			the_test_host->enabled[place(w, c)] = !why_not;
+			the_test_host->reasons[place(w, c)] = why_not ? why_not : "";
+		},
+	.focus = [](int w, int c) { the_test_host->focus = place(w, c); },
+	.set_bitmap =
+		[](int w, int c, const bitmap_view *view) {
+			auto &bits = the_test_host->bitmaps[place(w, c)];
+			bits.clear();
+			if (view)
+				bits.assign(view->bits.begin(), view->bits.end());
+		},
 	.set_waveform = [](int, int, const waveform_view *) {},
 	.message =
 		[](const char *text, const char *caption) {
@@ -82,6 +109,13 @@ static const ui_service test_ui = {
 			the_test_host->progress.infos.push_back(info);
 		},
 	.progress_hide = [] { the_test_host->progress.visible = false; },
+	.start_timer =
+		[](int milliseconds, void (*tick)()) {
+			const int timer = ++the_test_host->last_timer;
+			the_test_host->timers[timer] = { milliseconds, tick };
+			return timer;
+		},
+	.stop_timer = [](int timer) { the_test_host->timers.erase(timer); },
 	.pump =
 		[](int max_ms) {
 			if (the_test_host->on_pump)

@@ -67,6 +67,19 @@ public:
 	std::map<std::pair<int, int>, std::vector<std::string>> lists;
 	std::map<std::pair<int, int>, int> selections;
 	std::map<std::pair<int, int>, bool> visible, enabled, checks;
+	std::map<std::pair<int, int>, std::vector<std::vector<std::string>>> rows;
+	std::map<std::pair<int, int>, std::pair<list_state, std::string>> states;
+	std::map<std::pair<int, int>, text_role> roles;
+	std::map<std::pair<int, int>, std::string> reasons;
+	std::map<std::pair<int, int>, std::vector<u8>> bitmaps;
+	std::pair<int, int> focus;
+	// Running timers. Nothing ticks by itself: a test calls tick when it is time.
+	struct running_timer {
+		int milliseconds;
+		void (*tick)();
+	};
+	std::map<int, running_timer> timers;
+	int last_timer = 0;
 
 	// Everything logged since the start or the last forget_log, without stamps and tags of
 	// source lines, one text an entry ("\r\n" ends kept). Reads velmor.log.

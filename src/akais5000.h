@@ -62,11 +62,10 @@ std::vector<u8> write_request(const parameter<_program> &row, _program &r);
 std::vector<u8> write_request(const parameter<_keygroup> &row, _keygroup &r);
 std::vector<u8> write_request(const parameter<_keyzone> &row, _keyzone &r, u8 zone_number);
 
-// The requests that read and write a block of the keygroup of that number, from 1.
-std::vector<u8> block_read_request(
-	parameters<_keygroup> block, u8 index_high, u8 index_low, u8 number);
+// The requests that read and write block 1, 2 or 3 of the keygroup of that number, from 1.
+std::vector<u8> block_read_request(int block, u8 index_high, u8 index_low, u8 number);
 std::vector<u8> block_write_request(
-	parameters<_keygroup> block, u8 index_high, u8 index_low, u8 number, _keygroup &keygroup);
+	int block, u8 index_high, u8 index_low, u8 number, _keygroup &keygroup);
 
 // ---- Requests, for both drivers ----------------------------------------------------------
 

@@ -148,19 +148,19 @@ static bool ask_value(program_walk *w, std::initializer_list<u8> payload)
 	return ask_or_log(w->usb, std::span<const u8>(payload.begin(), payload.size()), &w->answer);
 }
 
-static bool read_block(program_walk *w, u8 number, u8 kg, _keygroup *keygroup)
+static bool read_block(program_walk *w, int block, u8 kg, _keygroup *keygroup)
 {
-	const parameters<_keygroup> block = akai_s5000_keygroup_blocks[number - 1];
 	const std::vector<u8> request = block_read_request(block, w->index_high, w->index_low, kg);
 	log_line("[D] ------> REQUESTING KEYGROUP(%d) BLOCK-DATA (%d Bytes)[%d]\r\n", kg,
-		static_cast<int>(request.size()), number);
+		static_cast<int>(request.size()), block);
 	if (!ask_or_log(w->usb, request, &w->answer))
 		return false;
 	// Only the answer to the third block is logged with its number.
 	if (current_run_mode.diagnostics)
 		log_line("[D] ------> BLOCK-ANSWER: [%d Bytes] [%s]%s\r\n", w->answer.length,
-			hex_text(w->answer.bytes().bytes).c_str(), number == 3 ? "[3]" : "");
-	block_to_record(block, w->answer.bytes(), *keygroup);
+			hex_text(w->answer.bytes().bytes).c_str(), block == 3 ? "[3]" : "");
+	block_to_record(akai_s5000_keygroup_blocks[static_cast<std::size_t>(block - 1)],
+		w->answer.bytes(), *keygroup);
 	return true;
 }
 
@@ -193,7 +193,7 @@ static bool read_zone(program_walk *w, u8 number, _keygroup *keygroup)
 
 static bool read_keygroup(program_walk *w, const char *name, u8 kg, _keygroup *keygroup)
 {
-	for (u8 block = 1; block <= akai_s5000_keygroup_blocks.size(); block++)
+	for (int block = 1; block <= 3; block++)
 		if (!read_block(w, block, kg, keygroup))
 			return false;
 	log_line("[D] Selecting Keygroup %d for [%s]\r\n", kg, name);

@@ -266,28 +266,31 @@ std::vector<u8> write_request(const parameter<_keyzone> &row, _keyzone &r, u8 zo
 	return write_request_of(row, r, zone_number);
 }
 
-std::vector<u8> block_read_request(
-	parameters<_keygroup> block, u8 index_high, u8 index_low, u8 keygroup)
+std::vector<u8> block_read_request(int block, u8 index_high, u8 index_low, u8 number)
 {
-	std::vector<u8> request = { section_block, index_high, index_low, keygroup };
-	for (const auto &row : block)
+	std::vector<u8> request = { section_block, index_high, index_low, number };
+	for (const auto &row : akai_s5000_keygroup_blocks[static_cast<std::size_t>(block - 1)])
 		request.insert(request.end(), { row.items.read_item, row.items.sub, 0, 0 });
 	return request;
 }
 
-// Groups in the order of writing, each filled up with zeros.
+// Groups in the order of writing, each filled up with zeros, but for the last of block 3.
 std::vector<u8> block_write_request(
-	parameters<_keygroup> block, u8 index_high, u8 index_low, u8 number, _keygroup &keygroup)
+	int block, u8 index_high, u8 index_low, u8 number, _keygroup &keygroup)
 {
 	std::vector<u8> request = { section_block, index_high, index_low, number };
-	in_order_of_writing(block, [&](const parameter<_keygroup> &row) {
+	const auto write_group = [&](const parameter<_keygroup> &row) {
 		u8 group[block_group_size + max_value_size] = { row.items.write_item };
 		std::size_t at = 1;
 		if (row.items.sub)
 			group[at++] = row.items.sub;
 		record_to_value(row, keygroup, &group[at]);
 		request.insert(request.end(), group, group + block_group_size);
-	});
+	};
+	in_order_of_writing(
+		akai_s5000_keygroup_blocks[static_cast<std::size_t>(block - 1)], write_group);
+	if (block == 3)
+		request.pop_back();
 	return request;
 }
 

@@ -109,7 +109,7 @@ static void release_semaphore()
 bool usb_in_use()
 {
 	return scanning || std::any_of(usbdev.begin(), usbdev.end(), [](const _usbdev &d) {
-		return d.device_handle != no_usb_handle;
+		return d.device_handle != no_usb_handle && !d.left_open;
 	});
 }
 
@@ -364,6 +364,8 @@ static void test_devices()
 
 static void scan_bus()
 {
+	for (_usbdev &left : usbdev)
+		close_midi_usb(&left);
 	usbdev.clear();
 	usbdevs = 0;
 	std::vector<usb_device> devices;
@@ -421,7 +423,14 @@ void close_midi_usb(_usbdev *usb)
 	release_semaphore();
 	usb->device_handle = usb->usb_handle = usb->interface_handle = no_usb_handle;
 	usb->kept_from = usb->kept_to = 0;
+	usb->left_open = false;
 	log_line("[D] USB Device closed SYSEX-CHANNEL: [%d]\r\n", usb->sysex_channel);
+}
+
+void leave_midi_usb_open(_usbdev *usb)
+{
+	if (usb)
+		usb->left_open = true;
 }
 
 static bool wake_s5000(_usbdev *usb)
@@ -474,6 +483,8 @@ static bool refuse_open(_usbdev *usb, const char *what, int code)
 
 bool open_midi_usb(_usbdev *usb)
 {
+	if (usb->left_open)
+		close_midi_usb(usb);
 	if (usb->device_handle != no_usb_handle) {
 		// An operation is under way on it, and this one came from inside its wait.
 		usb_last_result = usb_busy;

@@ -63,7 +63,7 @@ using block = std::vector<u8>;
 
 static bool is_whole(const akai_answer &a)
 {
-	return a.size() >= shortest_answer && a[0] == 0xF0 && a[1] == 0x47 &&
+	return a.size() >= shortest_answer && a[0] == 0xF0 && a[1] == 0x47 && a[4] == 0x48 &&
 	       a.bytes.back() == 0xF7;
 }
 
@@ -183,6 +183,7 @@ struct s1000_save {
 	int index = 0;       // on the sampler
 	bool begun = false;  // something was changed there
 	block keygroup = {}; // as last read, for the next one that does not exist
+	int held = 0;        // keygroups that are there
 	int refused = 0;     // keygroups
 };
 
@@ -239,7 +240,9 @@ static std::optional<found_place> find_for_saving(const s1000_save &s)
 			return std::nullopt;
 		const akai_answer answer = ask_program(i);
 		const std::optional<block> common = program_in(answer, i);
-		if (!common && !is_refusal(answer)) {
+		const bool gone = is_refusal(answer) &&
+				  !same_but_for_case(akai_list_name(list, i), s.program->name);
+		if (!common && !gone) {
 			save_failed(s, answer);
 			return std::nullopt;
 		}
@@ -281,7 +284,8 @@ static bool save_common(s1000_save *s, bool existed)
 	if (!common.empty()) {
 		common[0] = block_is_program;
 		record_to_block(akai_s1000_program_parameters, s->takers, *s->program, common);
-		const int surplus = common[program_keygroups] - s->keygroups;
+		s->held = common[program_keygroups];
+		const int surplus = s->held - s->keygroups;
 		if (surplus > 0)
 			program_done_but(format_text("The program on the sampler has %d keygroups "
 						     "more, which stay there.",
@@ -319,7 +323,7 @@ static held_keygroup read_held(s1000_save *s, int k)
 		return held_keygroup::empty;
 	if (held)
 		s->keygroup = std::move(*held);
-	if (held || is_refusal(answer))
+	if (held || (is_refusal(answer) && k >= s->held))
 		return held ? held_keygroup::read : held_keygroup::refused;
 	save_failed(*s, answer);
 	return held_keygroup::unknown;

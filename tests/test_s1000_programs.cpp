@@ -6,10 +6,9 @@
 #include "src/akaiprograms.h"
 #include "src/akais1000.h"
 #include "tests/support/test_host.h"
+#include "tests/support/told_format.h"
 #include "virtual/midi_ports.h"
 #include "virtual/s1000.h"
-#include <functional>
-#include <map>
 
 namespace velmor
 {
@@ -23,18 +22,10 @@ using Z = _keyzone;
 
 // ---- The format, read once more -------------------------------------------------------------
 
-// Fields that stand one behind the other and are counted alike: b byte, s signed byte, m one
-// less, z the same with FF for 0, n not, t tuning, w word, x text.
-template <typename record> struct told_row {
-	int index;
-	char as;
-	std::vector<member<record>> fields;
-	bool later = false; // not on an S1000
-	int step = 0;       // from zone to zone
-};
+// Runs that are special are not on an S1000.
 // clang-format off
-const told_row<P> of_program[] = {
-	{ 3, 'x', { &P::name } }, { 15, 'm', { &P::midi_pgm_number, &P::midi_channel, &P::polyphony } },
+const told_runs<P> of_program = {
+	{ 3, 'a', { &P::name } }, { 15, 'm', { &P::midi_pgm_number, &P::midi_channel, &P::polyphony } },
 	{ 18, 'b', { &P::s1000_priority, &P::play_range_low, &P::play_range_high } },
 	{ 22, 'm', { &P::s1000_output } }, { 23, 'b', { &P::s1000_level } }, { 24, 's', { &P::s1000_balance } },
 	{ 25, 'b', { &P::s1000_basic_loudness } },
@@ -55,7 +46,7 @@ const told_row<P> of_program[] = {
 	{ 97, 'b', { &P::s2000_lfo1_waveform, &P::s2000_lfo2_waveform }, true }, { 102, 'n', { &P::s2000_lfo2_retrigger }, true },
 	{ 110, 'b', { &P::s2000_portamento_rate, &P::s2000_portamento_mode, &P::s2000_portamento }, true },
 };
-const told_row<K> of_keygroup[] = {
+const told_runs<K> of_keygroup = {
 	{ 3, 'b', { &K::low_note, &K::high_note } }, { 5, 't', { &K::s1000_tune_offset } }, { 7, 'b', { &K::s1000_basic_filter_frequency } },
 	{ 8, 's', { &K::s1000_filter_keyboard, &K::s1000_filter_velocity_freq, &K::s1000_filter_pressure_freq, &K::s1000_filter_env2_freq } },
 	{ 12, 'b', { &K::amp_attack, &K::amp_decay, &K::amp_sustain, &K::amp_release } },
@@ -69,81 +60,46 @@ const told_row<K> of_keygroup[] = {
 	{ 155, 's', { &K::s2000_amp_mod3_level, &K::s2000_env2_l1, &K::s2000_env2_r2, &K::s2000_env2_l2, &K::s2000_env2_l4 }, true },
 	{ 160, 'z', { &K::mute_group }, true },
 };
-const told_row<Z> of_zone[] = {
-	{ 34, 'x', { &Z::samplename }, false, 24 }, { 46, 'b', { &Z::low_velocity, &Z::high_velocity }, false, 24 },
+const told_runs<Z> of_zone = {
+	{ 34, 'a', { &Z::samplename }, false, 24 }, { 46, 'b', { &Z::low_velocity, &Z::high_velocity }, false, 24 },
 	{ 48, 't', { &Z::tunning }, false, 24 }, { 50, 'b', { &Z::level, &Z::filter, &Z::zone_panning, &Z::zone_playback }, false, 24 },
 	{ 132, 'b', { &Z::zone_keyboard_track }, false, 1 }, { 136, 'b', { &Z::s1000_vzout }, false, 1 },
 	{ 140, 'w', { &Z::velocity_start }, false, 2 },
 };
 // clang-format on
 
-template <typename record> using told_rows = std::span<const told_row<record>>;
-
-// How a value lies in its bytes.
-bytes told_bytes(char as, i32 v, const char *text)
-{
-	const auto low = [](i32 n) { return static_cast<u8>(n); };
-	const i32 cents = v < 0 ? v - 100 : v;
-	bytes name(12);
-	machine::put_name(name, 0, text ? text : "");
-	const std::map<char, bytes> all = { { 'b', { low(v) } }, { 's', { low(v) } },
-		{ 'm', { low(v - 1) } }, { 'z', { v ? low(v - 1) : u8{ 0xFF } } },
-		{ 'n', { u8{ v == 0 } } }, { 'w', { low(v), low(v >> 8) } }, { 'x', name },
-		{ 't', { low(cents % 100 * 256 / 100), low(cents / 100) } } };
-	return all.at(as);
-}
-
 template <typename record>
-void told_over(told_rows<record> rows, const record &r, bool later, bytes &block, int nth = 0)
+void told_over(
+	const told_runs<record> &runs, const record &r, bool later, bytes &block, int nth = 0)
 {
-	for (const auto &row : rows) {
-		auto at = block.begin() + row.index + nth * row.step;
-		for (const auto &field : row.fields) {
-			const auto *text = std::get_if<typename member<record>::text>(&field.field);
-			const bytes value =
-				told_bytes(row.as, field.get(r), text ? r.*(*text) : nullptr);
-			at = later || !row.later ? std::copy(value.begin(), value.end(), at) : at;
-		}
-	}
+	int at = 0;
+	each_told<record>(runs, r, [&](const told_run<record> &run, u8 i, const bytes &value) {
+		at = i ? at : run.at + nth * run.step;
+		if (later || !run.special)
+			std::copy(value.begin(), value.end(), block.begin() + at);
+		at += static_cast<int>(value.size());
+	});
 }
 
 bytes told_keygroup(const K &k, bool later, bytes block)
 {
-	told_over<K>(of_keygroup, k, later, block);
+	told_over(of_keygroup, k, later, block);
 	for (int z = 0; z < std::min(k.keyzones, 4); z++)
-		told_over<Z>(of_zone, k.keyzone[z], later, block, z);
+		told_over(of_zone, k.keyzone[z], later, block, z);
 	return block;
-}
-
-// Every field at its least (0), its most (1) or a value of its own (2 and on).
-template <typename record> void fill(told_rows<record> rows, record &r, int pass, int seed)
-{
-	for (const auto &row : rows) {
-		const bool wide = row.as == 't', sign = wide || row.as == 's';
-		const i32 least = wide ? -5000 : sign ? -128 : 0;
-		const i32 most = wide ? 5000 : row.as == 'w' ? 65535 : sign ? 127 : 255;
-		for (const auto &field : row.fields) {
-			seed += 7;
-			const i32 own = (seed * 13 + pass) % 100 - (sign ? 50 : 0);
-			field.set(&r, pass == 0 ? least : pass == 1 ? most : own);
-			const auto *text = std::get_if<typename member<record>::text>(&field.field);
-			if (text)
-				copy_text(r.*(*text),
-					pass ? format_text("Zone#%d.:+- abc", seed) : "");
-		}
-	}
 }
 
 void fill_program(P &p, const char *name, int keygroups, int pass)
 {
-	fill<P>(of_program, p, pass, 0);
+	int seed = 0;
+	fill_told(of_program, p, pass, &seed);
 	copy_text(p.name, name);
 	p.keygroups = keygroups;
 	for (int k = 0; k < keygroups; k++) {
-		fill<K>(of_keygroup, p.keygroup[k], pass, 31 * k);
+		fill_told(of_keygroup, p.keygroup[k], pass, &seed);
 		p.keygroup[k].keyzones = pass == 3 ? 8 : pass == 4 ? 1 : 4;
-		for (int z = 0; z < 8; z++)
-			fill<Z>(of_zone, p.keygroup[k].keyzone[z], pass, 31 * k + 11 * z);
+		for (Z &zone : p.keygroup[k].keyzone)
+			fill_told(of_zone, zone, pass, &seed);
 	}
 }
 
@@ -247,7 +203,7 @@ void expect_save(
 	}
 	all.push_back(frame(0x06, { place, 0 }));
 	std::copy_n(&now.common[1], 2, &block[1]);
-	told_over<P>(of_program, before, s.later, block);
+	told_over(of_program, before, s.later, block);
 	all.push_back(frame(0x07, { place, 0 }, block));
 	for (u8 k = 0; k < before.keygroups; k++) {
 		const bool added = held && k >= held->keygroups.size();
@@ -305,6 +261,7 @@ TEST_F(s1000_programs, words_of_a_save_and_what_it_leaves_in_the_record)
 {
 	heard_sampler s(h, s1000_model::s3000, model_s3000);
 	fill_program(s.record(), "Target  ", 1, 2);
+	copy_text(s.record().keygroup[0].keyzone[3].samplename, "Kick 1");
 	s.record().s1000_tunning_offset = -50;
 	s.record().keygroup[0].keyzone[3].tunning = -100;
 	s.record().keygroup[0].s1000_tune_offset = 150;
@@ -319,7 +276,7 @@ TEST_F(s1000_programs, words_of_a_save_and_what_it_leaves_in_the_record)
 		"[D] Comparing: [TARGET] (Sampler) <> [Target ] (Memory)",
 		"[D] CREATING Program [Target ] PGM_IDX: 3",
 		"[D] KEYGROUP 0 not found...creating now!",
-		"[D] KG: 0, KEYZONE: 3, Sample: [Zone#40.:+- abc]",
+		"[D] KG: 0, KEYZONE: 3, Sample: [Kick 1]",
 		"[D] Keygroup update-Response: [F0 47 05 16 48 00 F7] (7 Bytes)",
 		"[D] Received 7 Bytes of P-Data  [F0 47 05 16 48 00 F7] FROM UPDATE-REQUEST! "
 		"NIBBLE_LEN: 384, REQUEST_LEN: 392 --> KEYGROUPS: 1",

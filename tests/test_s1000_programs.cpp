@@ -260,7 +260,7 @@ TEST_F(s1000_programs, every_field_at_its_extremes_goes_to_its_byte)
 TEST_F(s1000_programs, words_of_a_save_and_what_it_leaves_in_the_record)
 {
 	heard_sampler s(h, s1000_model::s3000, model_s3000);
-	fill_program(s.record(), "Target  ", 1, 2);
+	fill_program(s.record(), "Target  ", 2, 2);
 	copy_text(s.record().keygroup[0].keyzone[3].samplename, "Kick 1");
 	s.record().s1000_tunning_offset = -50;
 	s.record().keygroup[0].keyzone[3].tunning = -100;
@@ -271,7 +271,10 @@ TEST_F(s1000_programs, words_of_a_save_and_what_it_leaves_in_the_record)
 	EXPECT_EQ(s.record().keygroup[0].keyzone[3].tunning, -200);
 	EXPECT_EQ(s.record().keygroup[0].s1000_tune_offset, 150);
 	EXPECT_EQ(h.progress.caption, "Saving [Target ] to sampler...");
-	EXPECT_EQ(h.progress.range, 10);
+	EXPECT_EQ(h.progress.range, 20);
+	EXPECT_EQ(h.progress.infos,
+		(std::vector<std::string>{ "25.00 %", "0.00 %", "45.00 %", "100.00 %" }));
+	s.record().keygroups = 1;
 	s.expect_logged({ "[D] Saving Program 0 (Target ), SYSEX_CHANNEL: 5 [LOADED]",
 		"[D] Comparing: [TARGET] (Sampler) <> [Target ] (Memory)",
 		"[D] CREATING Program [Target ] PGM_IDX: 3",
@@ -279,7 +282,7 @@ TEST_F(s1000_programs, words_of_a_save_and_what_it_leaves_in_the_record)
 		"[D] KG: 0, KEYZONE: 3, Sample: [Kick 1]",
 		"[D] Keygroup update-Response: [F0 47 05 16 48 00 F7] (7 Bytes)",
 		"[D] Received 7 Bytes of P-Data  [F0 47 05 16 48 00 F7] FROM UPDATE-REQUEST! "
-		"NIBBLE_LEN: 384, REQUEST_LEN: 392 --> KEYGROUPS: 1",
+		"NIBBLE_LEN: 384, REQUEST_LEN: 392 --> KEYGROUPS: 2",
 		"[D] Received 7 Bytes of P-Data  [F0 47 05 16 48 00 F7] FROM UPDATE-REQUEST! "
 		"NIBBLE_LEN: 384, REQUEST_LEN: 392" });
 	copy_text(s.record().name, "target");
@@ -526,7 +529,8 @@ TEST_P(s1000_program_faults, and_stop_at_every_exchange)
 			const wire_fault fault = { .kind = static_cast<wire_fault_kind>(
 							   kind % kinds),
 				.exchange = static_cast<int>(at),
-				.from_then_on = kind >= kinds };
+				.from_then_on = kind >= kinds,
+				.seconds = 4 };
 			run([&](heard_sampler &s) { port_wire(s.port).set_fault(fault); },
 				&healthy);
 		}

@@ -28,12 +28,23 @@ protected:
 	}
 };
 
-// Blocks as they travel: two bytes of nibbles for each byte of a block.
+// Exchanges on channel 5, each what is asked and what is answered, "" for silence.
+std::string said(std::initializer_list<std::pair<std::string, std::string>> exchanges)
+{
+	std::string script;
+	for (const auto &[request, answer] : exchanges)
+		script += "> F0 47 05 " + request + " F7\n" +
+			  (answer.empty() ? "< nothing\n" : "< F0 47 05 " + answer + " F7\n");
+	return script;
+}
+constexpr char refused[] = "16 48 01";
+
+// A block as it travels: two bytes of nibbles for each of its bytes.
 std::string nibbles(std::string_view block)
 {
 	std::string text;
 	for (u8 byte : hex(block))
-		text += format_text("%02X %02X ", byte & 0x0F, byte >> 4);
+		text += format_text(" %02X %02X", byte & 0x0F, byte >> 4);
 	return text;
 }
 
@@ -104,26 +115,11 @@ TEST_F(lists, programs_come_with_keygroups_and_zones)
 	const std::string keygroup_0 = nibbles("02 00 00  18 3B 80 FF 63 0C 00*25 "
 					       "1A 13 0B 18 19 0A 0C 0D 0A*4 00 7F");
 	const std::string keygroup_1 = nibbles("02 00 00  3C 7F");
-	play("# program list\n"
-	     "> F0 47 05 02 48 F7\n"
-	     "< F0 47 05 03 48 02 00  19 16 0E 0A*9  0C 0B 1D 1D 0A*8 F7\n"
-	     "# programs\n"
-	     "> F0 47 05 06 48 00 00 F7\n"
-	     "< F0 47 05 07 48 00 00 " +
-			program_0 +
-			" F7\n"
-			"> F0 47 05 06 48 01 00 F7\n"
-			"< F0 47 05 07 48 01 00 " +
-			program_1 +
-			" F7\n"
-			"# keygroups\n"
-			"> F0 47 05 08 48 00 00 00 F7\n"
-			"< F0 47 05 09 48 00 00 00 " +
-			keygroup_0 +
-			" F7\n"
-			"> F0 47 05 08 48 00 00 01 F7\n"
-			"< F0 47 05 09 48 00 00 01 " +
-			keygroup_1 + " F7\n",
+	play(said({ { "02 48", "03 48 02 00  19 16 0E 0A*9  0C 0B 1D 1D 0A*8" },
+		     { "06 48 00 00", "07 48 00 00" + program_0 },
+		     { "06 48 01 00", "07 48 01 00" + program_1 },
+		     { "08 48 00 00 00", "09 48 00 00 00" + keygroup_0 },
+		     { "08 48 00 00 01", "09 48 00 00 01" + keygroup_1 } }),
 		akai_s1000_getproglist);
 	ASSERT_EQ(dev().programs, 2);
 	const _program &piano = dev().program[0], &bass = dev().program[1];
@@ -193,13 +189,10 @@ TEST_F(lists, a_refused_program_keeps_its_fields_and_the_lists_name)
 	dev().program[0].polyphony = 11;
 	dev().program[0].keygroups = 0;
 	dev().program[1].polyphony = 11;
-	play("> F0 47 05 02 48 F7\n"
-	     "< F0 47 05 03 48 02 00 0B*4 0A*8 0C*4 0A*8 F7\n"
-	     "> F0 47 05 06 48 00 00 F7\n"
-	     "< F0 47 05 07 48 00 00 01 00 00*20 F7\n"
-	     "> F0 47 05 06 48 01 00 F7\n"
-	     "< F0 47 05 07 48 01 00 01 00 00*4 0D 00 0D 00 0D 00 0D 00 0D 00 0D 00 0D 00 0D 00 0D "
-	     "F7\n",
+	play(said({ { "02 48", "03 48 02 00 0B*4 0A*8 0C*4 0A*8" },
+		     { "06 48 00 00", "07 48 00 00 01 00 00*20" },
+		     { "06 48 01 00", "07 48 01 00 01 00 00*4 0D 00 0D 00 0D 00 0D 00 0D 00 0D 00 "
+				      "0D 00 0D 00 0D" } }),
 		akai_s1000_getproglist);
 	EXPECT_STREQ(dev().program[0].name, "AAAA") << "trimmed in the list";
 	EXPECT_EQ(dev().program[0].polyphony, 11);
@@ -212,12 +205,9 @@ TEST_F(lists, a_silent_keygroup_reads_as_zero)
 {
 	answered();
 	dev().program[0].keygroup[0].high_note = 99;
-	play("> F0 47 05 02 48 F7\n"
-	     "< F0 47 05 03 48 01 00 0B*4 0A*8 F7\n"
-	     "> F0 47 05 06 48 00 00 F7\n"
-	     "< F0 47 05 07 48 00 00 01 00 00*4 0A 00*77 01 00 00*20 F7\n"
-	     "> F0 47 05 08 48 00 00 00 F7\n"
-	     "< nothing\n",
+	play(said({ { "02 48", "03 48 01 00 0B*4 0A*8" },
+		     { "06 48 00 00", "07 48 00 00" + nibbles("01 00*41 01 00*10") },
+		     { "08 48 00 00 00", "" } }),
 		akai_s1000_getproglist);
 	ASSERT_EQ(dev().program[0].keygroups, 1);
 	EXPECT_EQ(dev().program[0].keygroup[0].high_note, 0);
@@ -225,14 +215,14 @@ TEST_F(lists, a_silent_keygroup_reads_as_zero)
 	EXPECT_FALSE(h.progress.visible);
 }
 
-// 7F 7F is 16383 programs. 512 are read, all of them are refused here.
-TEST_F(lists, a_count_beyond_the_record_is_cut)
+// 7F 7F is 16383 programs. 512 are read, all of them are refused here; and 255 keygroups of
+// another sampler, of which 128 are read.
+TEST_F(lists, counts_beyond_the_record_are_cut)
 {
 	answered();
-	std::string script = "> F0 47 05 02 48 F7\n< F0 47 05 03 48 7F 7F 0B*12 0C*5 F7\n";
+	std::string script = said({ { "02 48", "03 48 7F 7F 0B*12 0C*5" } });
 	for (int i = 0; i < 512; i++)
-		script += format_text("> F0 47 05 06 48 %02X %02X F7\n< F0 47 05 16 48 01 F7\n",
-			i & 0x7F, i >> 7);
+		script += said({ { format_text("06 48 %02X %02X", i & 0x7F, i >> 7), refused } });
 	play(script, akai_s1000_getproglist);
 	EXPECT_EQ(dev().programs, 512);
 	EXPECT_STREQ(dev().program[0].name, "AAAAAAAAAAAA");
@@ -240,54 +230,56 @@ TEST_F(lists, a_count_beyond_the_record_is_cut)
 	EXPECT_STREQ(dev().program[2].name, "");
 	EXPECT_TRUE(h.logged("[W] The sampler counts 16383 programs, 512 are read"));
 
-	script = "> F0 47 05 04 48 F7\n< F0 47 05 05 48 7F 7F F7\n";
+	script = said({ { "04 48", "05 48 7F 7F" } });
 	for (int i = 0; i < 512; i++)
-		script += format_text("> F0 47 05 0A 48 %02X %02X F7\n< F0 47 05 16 48 01 F7\n",
-			i & 0x7F, i >> 7);
+		script += said({ { format_text("0A 48 %02X %02X", i & 0x7F, i >> 7), refused } });
 	play(script, akai_s1000_getsamplelist);
 	EXPECT_EQ(dev().samples, 512);
 	EXPECT_EQ(dev().sample[511].number, 511);
-}
 
-// Index 42 of the block at FF: 255 keygroups, of which 128 are read.
-TEST_F(lists, keygroups_beyond_the_record_are_cut)
-{
-	answered();
-	std::string script = "> F0 47 05 02 48 F7\n< F0 47 05 03 48 01 00 0B*12 F7\n"
-			     "> F0 47 05 06 48 00 00 F7\n"
-			     "< F0 47 05 07 48 00 00 0F*300 F7\n";
+	script =
+		said({ { "02 48", "03 48 01 00 0B*12" }, { "06 48 00 00", "07 48 00 00 0F*300" } });
 	for (int k = 0; k < 128; k++)
-		script +=
-			format_text("> F0 47 05 08 48 00 00 %02X F7\n< F0 47 05 16 48 01 F7\n", k);
+		script += said({ { format_text("08 48 00 00 %02X", k), refused } });
 	play(script, akai_s1000_getproglist);
 	EXPECT_EQ(dev().program[0].keygroups, 128);
 	EXPECT_TRUE(h.logged("[W] The sampler counts 255 keygroups, 128 are read"));
 }
 
-TEST_F(lists, stop_ends_a_list_and_leaves_no_keygroups_of_another)
+// Pressed in the first pass, and while the second keygroup is on its way: what is not whole
+// has no keygroups, also not those of an earlier list.
+TEST_F(lists, stop_ends_a_list_and_leaves_no_keygroups)
 {
 	answered();
 	dev().program[1].keygroups = 5;
-	{
-		transcript_midi port(h, "> F0 47 05 02 48 F7\n"
-					"< F0 47 05 03 48 02 00 0B*12 0C*12 F7\n"
-					"> F0 47 05 06 48 00 00 F7\n"
-					"< F0 47 05 07 48 00 00 0F*300 F7\n");
-		h.on_pump = [this] {
-			if (h.progress.visible)
-				stop_progress();
-		};
-		akai_s1000_getproglist(1, 5, &dev());
-		EXPECT_TRUE(port.finished());
-	}
+	h.on_pump = [this] {
+		if (h.progress.visible)
+			stop_progress();
+	};
+	play(said({ { "02 48", "03 48 02 00 0B*12 0C*12" },
+		     { "06 48 00 00", "07 48 00 00 0F*300" } }),
+		akai_s1000_getproglist);
 	EXPECT_FALSE(h.progress.visible);
 	EXPECT_EQ(dev().programs, 2);
 	EXPECT_STREQ(dev().program[1].name, "BBBBBBBBBBBB");
 	EXPECT_EQ(dev().program[1].keygroups, 0);
 	EXPECT_TRUE(h.logged("[W] Reading of programs ended early, 0 of 2 are complete"));
+
+	h.on_pump = [this] {
+		if (dev().program[0].keygroup[0].low_note == 24)
+			stop_progress();
+	};
+	play(said({ { "02 48", "03 48 01 00 0B*12" },
+		     { "06 48 00 00", "07 48 00 00" + nibbles("01 00*41 02 00*10") },
+		     { "08 48 00 00 00", "09 48 00 00 00" + nibbles("02 00 00 18 3B") },
+		     { "08 48 00 00 01", "09 48 00 00 01" + nibbles("02 00 00 3C 7F") } }),
+		akai_s1000_getproglist);
+	EXPECT_EQ(dev().program[0].keygroups, 0);
+	EXPECT_EQ(dev().program[0].keygroup[1].low_note, 0);
+	EXPECT_TRUE(h.logged("[W] Reading of programs ended early, 0 of 1 are complete"));
 	// What comes next begins afresh.
 	h.on_pump = nullptr;
-	play("> F0 47 05 02 48 F7\n< F0 47 05 03 48 00 00 F7\n", akai_s1000_getproglist);
+	play(said({ { "02 48", "03 48 00 00" } }), akai_s1000_getproglist);
 	EXPECT_EQ(dev().programs, 0);
 	EXPECT_EQ(h.progress.range, 1);
 }
@@ -295,8 +287,7 @@ TEST_F(lists, stop_ends_a_list_and_leaves_no_keygroups_of_another)
 TEST_F(lists, a_port_that_fails_in_a_list_says_so_once)
 {
 	answered();
-	transcript_midi port(h, "> F0 47 05 02 48 F7\n"
-				"< F0 47 05 03 48 7F 00 0B*12 F7\n");
+	transcript_midi port(h, said({ { "02 48", "03 48 7F 00 0B*12" } }));
 	h.on_pump = [&] {
 		if (h.progress.visible)
 			port.faults.write = 19;
@@ -308,54 +299,16 @@ TEST_F(lists, a_port_that_fails_in_a_list_says_so_once)
 	EXPECT_EQ(dev().program[0].keygroups, 0);
 }
 
-// One program of two keygroups, stopped while the second is on its way: none of them counts.
-TEST_F(lists, stop_in_the_middle_of_keygroup_1_leaves_none)
-{
-	answered();
-	h.on_pump = [this] {
-		if (dev().program[0].keygroup[0].low_note == 24)
-			stop_progress();
-	};
-	play("> F0 47 05 02 48 F7\n"
-	     "< F0 47 05 03 48 01 00 0B*12 F7\n"
-	     "> F0 47 05 06 48 00 00 F7\n"
-	     "< F0 47 05 07 48 00 00 " +
-			nibbles("01 00*41 02 00*10") +
-			" F7\n"
-			"> F0 47 05 08 48 00 00 00 F7\n"
-			"< F0 47 05 09 48 00 00 00 " +
-			nibbles("02 00 00 18 3B") +
-			" F7\n"
-			"> F0 47 05 08 48 00 00 01 F7\n"
-			"< F0 47 05 09 48 00 00 01 " +
-			nibbles("02 00 00 3C 7F") + " F7\n",
-		akai_s1000_getproglist);
-	h.on_pump = nullptr;
-	EXPECT_EQ(dev().program[0].keygroups, 0);
-	EXPECT_EQ(dev().program[0].keygroup[1].low_note, 0);
-	EXPECT_TRUE(h.logged("[W] Reading of programs ended early, 0 of 1 are complete"));
-}
-
 // ---- Samples -----------------------------------------------------------------------------
 
 TEST_F(lists, the_header_names_a_sample_and_not_the_list)
 {
 	answered();
-	play("# sample list\n"
-	     "> F0 47 05 04 48 F7\n"
-	     "< F0 47 05 05 48 03 00  0B*12  0C 0C 0A*10  0D*12 F7\n"
-	     "# header 0: KICK\n"
-	     "> F0 47 05 0A 48 00 00 F7\n"
-	     "< F0 47 05 0B 48 00 00 " +
-			nibbles("03 01 3C 15 13 0D 15 0A*8 00*135") +
-			" F7\n"
-			"# refused\n"
-			"> F0 47 05 0A 48 01 00 F7\n"
-			"< F0 47 05 16 48 01 F7\n"
-			"# another function, and taken all the same: TOM\n"
-			"> F0 47 05 0A 48 02 00 F7\n"
-			"< F0 47 05 07 48 01 00 " +
-			nibbles("03 01 3C 1E 19 17 0A*9") + " F7\n",
+	// The first names KICK, the second is refused, the third has another function.
+	play(said({ { "04 48", "05 48 03 00  0B*12  0C 0C 0A*10  0D*12" },
+		     { "0A 48 00 00", "0B 48 00 00" + nibbles("03 01 3C 15 13 0D 15 0A*8 00*135") },
+		     { "0A 48 01 00", refused },
+		     { "0A 48 02 00", "07 48 01 00" + nibbles("03 01 3C 1E 19 17 0A*9") } }),
 		akai_s1000_getsamplelist);
 	ASSERT_EQ(dev().samples, 3);
 	EXPECT_STREQ(dev().sample[0].name, "KICK");
@@ -369,18 +322,12 @@ TEST_F(lists, a_sampler_that_falls_silent_is_left_alone)
 {
 	answered();
 	dev().samples = 5;
-	play("> F0 47 05 04 48 F7\n< F0 47 05 05 48 00 00 F7\n", akai_s1000_getsamplelist);
+	play(said({ { "04 48", "05 48 00 00" } }), akai_s1000_getsamplelist);
 	EXPECT_EQ(dev().samples, 0);
 	// Three silent answers in a row end it; two, and two more, do not.
-	play("> F0 47 05 04 48 F7\n"
-	     "< F0 47 05 05 48 09 00 0B*108 F7\n"
-	     "> F0 47 05 0A 48 00 00 F7\n"
-	     "> F0 47 05 0A 48 01 00 F7\n"
-	     "> F0 47 05 0A 48 02 00 F7\n"
-	     "< F0 47 05 16 48 01 F7\n"
-	     "> F0 47 05 0A 48 03 00 F7\n"
-	     "> F0 47 05 0A 48 04 00 F7\n"
-	     "> F0 47 05 0A 48 05 00 F7\n",
+	play(said({ { "04 48", "05 48 09 00 0B*108" }, { "0A 48 00 00", "" }, { "0A 48 01 00", "" },
+		     { "0A 48 02 00", refused }, { "0A 48 03 00", "" }, { "0A 48 04 00", "" },
+		     { "0A 48 05 00", "" } }),
 		akai_s1000_getsamplelist);
 	EXPECT_EQ(dev().samples, 9);
 	EXPECT_STREQ(dev().sample[8].name, "AAAAAAAAAAAA");

@@ -128,41 +128,37 @@ TEST_F(s5000_lists, nothing_works_without_a_status_or_a_device)
 TEST_F(s5000_lists, multis)
 {
 	dev->status = 1;
-	wire.play(open_s5000);
-	ask("0C 40", "00 02");
-	ask("0C 51", "'LIVE SET' 00 'B' 00");
-	akai_s5000_getmultilist(1, 1, dev);
-	EXPECT_EQ(dev->multis, 2);
-	EXPECT_STREQ(dev->multi[0].name, "LIVE SET");
+	struct {
+		const char *count, *names;
+		int multis;
+		const char *first, *logged;
+	} rows[] = {
+		{ "00 02", "'LIVE SET' 00 'B' 00", 2, "LIVE SET",
+			"[D] Requesting Akai S5000 MULTILIST on Exclusive Channel: 1 "
+			"[SYSEX-CHANNEL: 1]" },
+		{ "7F 7F", "'A' 00 'B' 00", 2, "A",
+			"[W] The sampler announced 16383 multis, only 512 can be held" },
+		{ "00 03", "'A' 00 'B' 00", 2, "A",
+			"[W] The sampler announced 3 multis and listed 2" },
+		// The count stays, and no names.
+		{ "01 02", "silence", 130, "", ") WARNING! SYSEX-MIDI_USB FAILED!" },
+	};
+	for (const auto &row : rows) {
+		dev->multi[0] = {};
+		wire.play(open_s5000);
+		ask("0C 40", row.count);
+		ask("0C 51", row.names);
+		akai_s5000_getmultilist(1, 1, dev);
+		EXPECT_EQ(dev->multis, row.multis) << row.logged;
+		EXPECT_STREQ(dev->multi[0].name, row.first) << row.logged;
+		const auto told_so = [&](const std::string &line) {
+			return line.starts_with("[") &&
+			       line.ends_with(row.logged + std::string("\r\n"));
+		};
+		const std::vector<std::string> log = h.log();
+		EXPECT_TRUE(std::any_of(log.begin(), log.end(), told_so)) << row.logged;
+	}
 	EXPECT_STREQ(dev->multi[1].name, "B");
-}
-
-TEST_F(s5000_lists, a_failed_multi_list_leaves_the_count_and_no_names)
-{
-	dev->status = 1;
-	wire.play(open_s5000);
-	ask("0C 40", "01 02");
-	ask("0C 51", "silence");
-	akai_s5000_getmultilist(1, 1, dev);
-	EXPECT_EQ(dev->multis, 130);
-	EXPECT_STREQ(dev->multi[0].name, "");
-	bool warned = false;
-	for (const std::string &line : h.log())
-		warned |= line.starts_with("[I] (akais5000_lists.cpp:") &&
-			  line.ends_with(") WARNING! SYSEX-MIDI_USB FAILED!\r\n");
-	EXPECT_TRUE(warned);
-}
-
-TEST_F(s5000_lists, more_multis_than_can_be_held_and_fewer_than_announced)
-{
-	dev->status = 1;
-	wire.play(open_s5000);
-	ask("0C 40", "7F 7F");
-	ask("0C 51", "'A' 00 'B' 00");
-	akai_s5000_getmultilist(1, 1, dev);
-	EXPECT_EQ(dev->multis, 2);
-	EXPECT_TRUE(h.logged("[W] The sampler announced 16383 multis, only 512 can be held"));
-	EXPECT_TRUE(h.logged("[W] The sampler announced 512 multis and listed 2"));
 }
 
 // The high byte of the count is left out: 130 samples show as 2.
@@ -400,17 +396,17 @@ TEST(usb_values, a_zone_is_written_in_its_own_order_and_keeps_magnitudes)
 {
 	_keyzone z = {};
 	copy_text(z.samplename, "AB");
-	z.high_velocity = 127, z.low_velocity = 1, z.zone_level = -600, z.zone_panning = -64;
+	z.high_velocity = 127, z.low_velocity = 1, z.zone_level = -200, z.zone_panning = -64;
 	z.zone_output = 24, z.zone_filter = -7, z.fine_tune = -50, z.semitone_tune = 12;
 	z.velocity_start = -200, z.zone_keyboard_track = 1, z.zone_playback = 6;
 	z.zone_mute = 1, z.zone_solo = 2;
-	// 600 is 258 hex, 58 in seven bits; 200 is 01 48.
+	// 200 is C8 hex, 48 in seven bits, and 01 48 in fourteen.
 	EXPECT_EQ(written(akai_s5000_zone_values, z, u8{ 3 }),
-		"06 01 03 41 42 00 | 06 0B 03 7F | 06 0C 03 01 | 06 02 03 01 58 | 06 03 03 00 | "
+		"06 01 03 41 42 00 | 06 0B 03 7F | 06 0C 03 01 | 06 02 03 01 48 | 06 03 03 00 | "
 		"06 04 03 18 | 06 05 03 01 07 | 06 06 03 01 32 | 06 07 03 00 0C | "
 		"06 0A 03 01 01 48 | 06 08 03 01 | 06 09 03 06 | 06 0D 03 01 | 06 0E 03 02");
 	EXPECT_EQ(told(akai_s5000_zone_values.subspan(3), z),
-		"zone_level 600, zone_panning -64, zone_output 24, zone_filter 7, fine_tune 50, "
+		"zone_level 200, zone_panning -64, zone_output 24, zone_filter 7, fine_tune 50, "
 		"semitone_tune 12, zone_keyboard_track 1, zone_playback 6, velocity_start 200, "
 		"zone_mute 1, zone_solo 2");
 	z.zone_level = -200;

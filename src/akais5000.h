@@ -31,6 +31,7 @@ extern const conversion as_velocity_start; // the same, and reading is no invers
 
 inline constexpr int s5000_answer_status = 6;
 inline constexpr int s5000_answer_data = 9;
+inline constexpr u8 status_refused = 0x45; // 'E'
 inline constexpr u8 section_zone = 0x06;
 inline constexpr u8 section_keygroup = 0x08;
 inline constexpr u8 section_block = 0x3A;
@@ -73,5 +74,12 @@ void akai_s5000_downloadsample(u8 exclusive_channel, u8 sysex_channel, const cha
 void akai_s5000_renamesample(
 	u8 exclusive_channel, u8 sysex_channel, const char *oldname, const char *newname);
 const char *akai_s5000_getplaymode(i32 playmode);
+// Entry program of source, or of the loaded tree where source is null. A save changes the record:
+// level, filter, tunings and velocity start of its zones keep their magnitude. A failed one
+// leaves the bar showing; a failed deletion or renaming leaves the device open, for the next
+// operation to close.
+void akai_s5000_program_save(i32 program, _program *source);
+void akai_s5000_program_delete(i32 program);
+void akai_s5000_program_rename(i32 program, const char *newname);
 
 } // namespace velmor

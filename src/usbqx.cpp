@@ -47,7 +47,7 @@ static void release_semaphore()
 bool usb_in_use()
 {
 	return usb_scanning() || std::any_of(usbdev.begin(), usbdev.end(), [](const _usbdev &d) {
-		return d.device_handle != no_usb_handle;
+		return d.device_handle != no_usb_handle && !d.left_open;
 	});
 }
 
@@ -59,7 +59,14 @@ void close_midi_usb(_usbdev *usb)
 	release_semaphore();
 	usb->device_handle = usb->usb_handle = usb->interface_handle = no_usb_handle;
 	usb->kept_from = usb->kept_to = 0;
+	usb->left_open = false;
 	log_line("[D] USB Device closed SYSEX-CHANNEL: [%d]\r\n", usb->sysex_channel);
+}
+
+void leave_midi_usb_open(_usbdev *usb)
+{
+	if (usb)
+		usb->left_open = true;
 }
 
 // ---- Opening ---------------------------------------------------------------------------
@@ -185,6 +192,8 @@ static std::vector<bus_place> places_of(const _usbdev &usb)
 
 bool open_midi_usb(_usbdev *usb)
 {
+	if (usb->left_open)
+		close_midi_usb(usb);
 	if (usb->device_handle != no_usb_handle) {
 		// An operation is under way on it, and this one came from inside its wait.
 		return refuse_open(usb, "", usb_busy);

@@ -48,6 +48,7 @@ struct _usbdev {
 	std::string address; // on the bus, when it was last opened
 	u8 interface_number; // by which the host claims the interface
 	int packet_size;     // bytes of one packet of the IN pipe
+	bool left_open;      // by an operation that failed and is over; the next one closes it
 	// Bytes that came in one packet with what was asked for, for the next raw read.
 	std::vector<u8> landing;
 	std::size_t kept_from, kept_to;
@@ -69,11 +70,15 @@ void init_usb(int force);
 // The first device of exactly that name, or null.
 _usbdev *find_usbdev(const char *name);
 // Open, wake and claim; the device stays open until close_midi_usb. A device that is open
-// already is refused. One that was plugged in again is found at its new address, and one
-// that was plugged into another socket by its name.
+// already is refused, unless it was left open. One that was plugged in again is found at its new
+// address, and one that was plugged into another socket by its name.
 bool open_midi_usb(_usbdev *usb);
 void close_midi_usb(_usbdev *usb);
-// True while a device is open or being looked for. Windows refuse commands meanwhile.
+// End an operation without closing the device. It is closed when it is opened again, or when
+// devices are looked for.
+void leave_midi_usb_open(_usbdev *usb);
+// True while a device is in use by an operation, or being looked for. Windows refuse commands
+// meanwhile.
 bool usb_in_use();
 
 // One request and one answer. command is the payload without its frame; *_received gets the

@@ -244,6 +244,8 @@ static void scan_samplers(std::span<const usb_device> samplers)
 
 static void scan_bus()
 {
+	for (_usbdev &left : usbdev)
+		close_midi_usb(&left);
 	usbdev.clear();
 	usbdevs = 0;
 	usb_init_done = 0;

@@ -29,11 +29,13 @@ inline constexpr std::size_t z4_most_zones = 4, z4_most_keygroups = 128;
 struct z4_zone {
 	std::string sample;
 	std::array<std::uint8_t, 3> level = {}; // sign, low, high: tenths of a decibel
+	bool operator==(const z4_zone &) const = default;
 };
 
 struct z4_keygroup {
 	std::uint8_t low_note = 0, high_note = 127;
 	std::vector<z4_zone> zones = std::vector<z4_zone>(z4_most_zones);
+	bool operator==(const z4_keygroup &) const = default;
 };
 
 struct z4_program {
@@ -41,6 +43,7 @@ struct z4_program {
 	std::vector<z4_keygroup> keygroups;
 	std::uint8_t polyphony = 64, reassignment = 0;
 	std::uint32_t handle = 0; // given by the machine
+	bool operator==(const z4_program &) const = default;
 };
 
 struct z4_disk {

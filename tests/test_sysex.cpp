@@ -231,6 +231,9 @@ TEST_F(sysex, another_choice_takes_effect_with_the_next_message)
 	EXPECT_EQ(t.outputs_open, 0);
 	EXPECT_EQ(the_outHandle, -1);
 	send("90 3D 40");
+	velmor_command(window_settings, control_ok);
+	EXPECT_EQ(t.outputs_open, 0) << "kept settings take effect as well";
+	h.boxes.clear();
 	selected_midi_in_interface = -1;
 	EXPECT_EQ(ask(10, 1).size(), 10u);
 	EXPECT_EQ(h.boxes.size(), 1u) << "no input is chosen";

@@ -94,15 +94,12 @@ TEST_F(sysex, what_comes_decides_how_the_wait_ends)
 			0.50292 },
 		{ "a part, then silence", "< F0 01 02", 100, 1, "F0 01 02", 3 },
 		{ "a full block without an end", "< F0 01*9", 10, 1, "F0 01*9", 0.00292 },
-		{ "a full block with its end", "< F0 01*8 F7", 10, 1, "F0 01*8 F7", 0.00292 },
 		{ "more than the block holds", "< F0 01*5000 F7", 10, 1, "F0 01*9", 0.00292 },
-		{ "a flood of one byte", "< 7F*100000", 1000, 1, "", 0.00292 },
 		{ "a flood inside a message", "< F0 7F*100000", 1000, 1, "F0 7F*999", 0.00292 },
 		{ "active sensing, a note and a clock around and in the message",
 			"< FE 90 3C 40 F8 F0 01 FE 02 F8 F7 FE", 100, 1, "F0 01 02 F7", 0.00292 },
 		{ "an end byte alone", "< F7\n< @0.5 F0 01 F7", 100, 1, "F0 01 F7", 0.50292 },
 		{ "no room at all", "< F0 01 F7", 0, 1, "", 0.00292 },
-		{ "an answer after the deadline", "< @4 F0 01 F7", 100, 1, "", 3 },
 	};
 	for (const auto &a : arrivals) {
 		SCOPED_TRACE(a.name);
@@ -231,6 +228,9 @@ TEST_F(sysex, another_choice_takes_effect_with_the_next_message)
 	EXPECT_EQ(t.outputs_open, 0);
 	EXPECT_EQ(the_outHandle, -1);
 	send("90 3D 40");
+	velmor_command(window_settings, control_ok);
+	EXPECT_EQ(t.outputs_open, 0) << "kept settings take effect as well";
+	h.boxes.clear();
 	selected_midi_in_interface = -1;
 	EXPECT_EQ(ask(10, 1).size(), 10u);
 	EXPECT_EQ(h.boxes.size(), 1u) << "no input is chosen";

@@ -68,6 +68,7 @@ static void make_current(const _sampler &record)
 	owned_sampler = std::make_unique<_sampler>(record);
 	owned_sampler->status = nullptr;
 	current_sampler = owned_sampler.get();
+	copy_text(current_usb_name, record.sampler_usbname); // for the next save
 }
 
 _dev_status *require_dev_status()
@@ -197,7 +198,6 @@ int load_sampler(const char *sampler_name)
 	_sampler record = {};
 	read_record(path, &record);
 	make_current(record);
-	copy_text(current_usb_name, current_sampler->sampler_usbname); // for the next save
 	set_progressbar(20);
 	fill_sampler_dialog(sampler_name, *current_sampler);
 	log_line("[I]Successfully loaded sampler configuration from [%s] - SYSEX: %d, "

@@ -6,6 +6,7 @@
 #include <csignal>
 #include <cstdio>
 #include <cstring>
+#include <optional>
 #include <string>
 
 using namespace velmor;
@@ -16,7 +17,7 @@ static const char usage[] =
 	"Port 0 takes any free port and says which.\n"
 	"\n"
 	"  --tcp PORT        port to listen on, 0 to 65535\n"
-	"  --model MODEL     s1000, s2000, s2800 or s3000 (default: s3000)\n"
+	"  --model MODEL     s900, s950, s1000, s2000, s2800 or s3000 (default: s3000)\n"
 	"  --channel N       exclusive channel of the machine, 0 to 127 (default: 0)\n"
 	"  --no-wire-delay   answer at once instead of at the speed of a MIDI cable\n"
 	"  --fault FAULT     KIND[:EXCHANGE[+][:SECONDS]], may be given more than once:\n"
@@ -30,9 +31,19 @@ struct options {
 	int port = -1;
 	int channel = 0;
 	s1000_model model = s1000_model::s3000;
+	std::optional<s900_model> older; // instead of model
 	wire_settings settings;
 	std::vector<wire_fault> faults;
 };
+
+static bool read_model(const char *text, options *o)
+{
+	s900_model older = {};
+	o->older.reset();
+	if (read_s900_model(text, &older))
+		o->older = older;
+	return o->older || read_s1000_model(text, &o->model);
+}
 
 static bool read_number(const char *text, int most, int *value)
 {
@@ -50,7 +61,7 @@ static std::string read_option(const std::string &name, const char *value, optio
 	if (name == "--channel")
 		return read_number(value, 127, &o->channel) ? "" : "no such channel";
 	if (name == "--model")
-		return read_s1000_model(value, &o->model) ? "" : "no such model";
+		return read_model(value, o) ? "" : "no such model";
 	if (!read_wire_fault(value, &fault))
 		return "no such fault";
 	o->faults.push_back(fault);
@@ -91,8 +102,12 @@ static int serve(const options &o)
 {
 	timeline time;
 	s1000_machine machine(o.model, static_cast<std::uint8_t>(o.channel));
+	s900_machine older(
+		o.older.value_or(s900_model::s900), static_cast<std::uint8_t>(o.channel));
 	fill_demo(machine);
-	midi_wire wire(time, machine.on_wire(), o.settings);
+	fill_demo(older);
+	older.takes_time = o.settings.byte_time > 0;
+	midi_wire wire(time, o.older ? older.on_wire(time) : machine.on_wire(), o.settings);
 	for (const wire_fault &fault : o.faults)
 		wire.set_fault(fault);
 	tcp_server server(wire);

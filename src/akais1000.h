@@ -93,13 +93,29 @@ std::string akai_trimmed_name(bounded_bytes in);
 
 // Cents as a fraction byte (256ths of a semitone) and a semitone byte. A negative value is
 // first lowered by 100, and it is the lowered one that the record then holds.
-i32 akai_cents_from_bytes(const u8 *bytes);
+i32 akai_cents_from_bytes(bounded_bytes bytes);
 i32 akai_cents_to_bytes(u8 *bytes, i32 cents);
 inline constexpr conversion as_akai_tuning = {
 	.name = "cents",
 	.width = 2,
 	.get = akai_cents_from_bytes,
 	.put = akai_cents_to_bytes,
+};
+// Names of 12 bytes, with and without the blanks at their end. Both fill up with blanks.
+void put_akai_name(u8 *bytes, const char *text);
+inline constexpr conversion as_akai_name = {
+	.name = "name",
+	.width = akai_name_size,
+	.of_text = true,
+	.get_text = akai_name,
+	.put_text = put_akai_name,
+};
+inline constexpr conversion as_trimmed_akai_name = {
+	.name = "name without blanks at its end",
+	.width = akai_name_size,
+	.of_text = true,
+	.get_text = akai_trimmed_name,
+	.put_text = put_akai_name,
 };
 
 // Bytes of program common data on this model.
@@ -164,13 +180,13 @@ enum {
 };
 inline constexpr int program_name = 3; // 12 bytes
 inline constexpr int akai_zones = 4;   // of a keygroup on the wire, always
-inline constexpr int zone_name = 34;   // 12 bytes
 inline constexpr int zone_step = 24;
+inline constexpr int s1000_zones_end = 148;
 inline constexpr int s1000_keygroup_size = 192; // room for every row of the tables
 
-extern const std::span<const parameter<_program>> akai_s1000_program_parameters;
-extern const std::span<const parameter<_keygroup>> akai_s1000_keygroup_parameters;
-extern const std::span<const parameter<_keyzone>> akai_s1000_keyzone_parameters;
+extern const parameters<_program> akai_s1000_program_parameters;
+extern const parameters<_keygroup> akai_s1000_keygroup_parameters;
+extern const parameters<_keyzone> akai_s1000_keyzone_parameters;
 
 // Fill a record from a decoded block. A program keeps its keygroups; a keygroup has four zones
 // afterwards, and the other four stay as they were.

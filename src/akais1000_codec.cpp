@@ -144,6 +144,13 @@ void make_akai_name(const char *in, u8 *out, int n)
 	out[n] = 0;
 }
 
+void put_akai_name(u8 *bytes, const char *text)
+{
+	u8 name[akai_name_size + 1];
+	make_akai_name(text, name, akai_name_size);
+	std::copy_n(name, akai_name_size, bytes);
+}
+
 void trim_akai_name(char *name)
 {
 	for (std::size_t length = std::strlen(name); length && name[length - 1] == ' '; length--)
@@ -166,7 +173,7 @@ std::string akai_trimmed_name(bounded_bytes in)
 
 // ---- Tuning ------------------------------------------------------------------------------
 
-i32 akai_cents_from_bytes(const u8 *bytes)
+i32 akai_cents_from_bytes(bounded_bytes bytes)
 {
 	const i32 fraction = bytes[0] * 100 >> 8;
 	const i32 semitones = bytes[1] & 0x80 ? -(128 - (bytes[1] & 127)) : bytes[1];

@@ -31,7 +31,7 @@ static constexpr u8 multi_names[]       = { 0x0C, 0x51 };
 static constexpr u8 sample_count[]      = { 0x0E, 0x10 };
 static constexpr u8 sample_names[]      = { 0x0E, 0x12 };
 static constexpr u8 section_program = 0x0A, select_program = 0x05;
-static constexpr u8 select_keygroup = 0x01, zone_sample = 0x21;
+static constexpr u8 select_keygroup = 0x01;
 enum { first_byte = s5000_answer_data, second_byte = s5000_answer_data + 1 };
 // clang-format on
 
@@ -148,66 +148,57 @@ static bool ask_value(program_walk *w, std::initializer_list<u8> payload)
 	return ask_or_log(w->usb, std::span<const u8>(payload.begin(), payload.size()), &w->answer);
 }
 
-static bool read_block(
-	program_walk *w, std::span<const block_row> block, u8 kg, int number, _keygroup *keygroup)
+static bool read_block(program_walk *w, int block, u8 kg, _keygroup *keygroup)
 {
 	const std::vector<u8> request = block_read_request(block, w->index_high, w->index_low, kg);
 	log_line("[D] ------> REQUESTING KEYGROUP(%d) BLOCK-DATA (%d Bytes)[%d]\r\n", kg,
-		static_cast<int>(request.size()), number);
+		static_cast<int>(request.size()), block);
 	if (!ask_or_log(w->usb, request, &w->answer))
 		return false;
 	// Only the answer to the third block is logged with its number.
 	if (current_run_mode.diagnostics)
 		log_line("[D] ------> BLOCK-ANSWER: [%d Bytes] [%s]%s\r\n", w->answer.length,
-			hex_text(w->answer.bytes().bytes).c_str(), number == 3 ? "[3]" : "");
-	block_to_keygroup(block, w->answer.bytes(), keygroup);
+			hex_text(w->answer.bytes().bytes).c_str(), block == 3 ? "[3]" : "");
+	block_to_record(akai_s5000_keygroup_blocks[static_cast<std::size_t>(block - 1)],
+		w->answer.bytes(), *keygroup);
 	return true;
 }
 
-static bool read_keygroup_values(program_walk *w, _keygroup *keygroup)
+// Values that travel alone, one request each; zone is 0 for those of the keygroup.
+template <typename record>
+static bool read_values(program_walk *w, parameters<record> rows, u8 zone, record *r)
 {
-	for (const keygroup_row &row : keygroup_values) {
-		const u8 payload[] = { section_keygroup, row.read_item, row.sub };
-		if (!ask_or_log(w->usb, std::span(payload).first(row.sub ? 3 : 2), &w->answer))
+	for (const auto &row : rows) {
+		if (!ask_or_log(w->usb, read_request(row.items, zone), &w->answer))
 			return false;
-		row.field.set(keygroup, row.form->get(w->answer.bytes().from(s5000_answer_data)));
-	}
-	return true;
-}
-
-static bool read_zone_values(
-	program_walk *w, std::span<const zone_row> rows, u8 number, _keyzone *zone)
-{
-	for (const zone_row &row : rows) {
-		if (!ask_value(w, { section_zone, row.read_item, number }))
-			return false;
-		row.field.set(zone, row.form->get(w->answer.bytes().from(s5000_answer_data)));
+		block_to_record({ &row, 1 }, w->answer.bytes(), *r);
 	}
 	return true;
 }
 
 static bool read_zone(program_walk *w, u8 number, _keygroup *keygroup)
 {
-	if (!ask_value(w, { section_zone, zone_sample, number }))
+	constexpr std::size_t name = 1, velocities = 2;
+	const parameters<_keyzone> rows = akai_s5000_zone_values;
+	_keyzone &zone = keygroup->keyzone[keygroup->keyzones];
+	if (!read_values(w, rows.first(name), number, &zone))
 		return false;
-	_keyzone &zone = keygroup->keyzone[keygroup->keyzones++];
-	copy_text(zone.samplename, w->answer.bytes().text(s5000_answer_data));
-	if (!read_zone_values(w, zone_velocities, number, &zone))
+	keygroup->keyzones++;
+	if (!read_values(w, rows.subspan(name, velocities), number, &zone))
 		return false;
 	log_line("[D] Zone(%d) Sample: [%s] VEL-LOW: %d, VEL-HIGH: %d\r\n", number, zone.samplename,
 		zone.low_velocity, zone.high_velocity);
-	return read_zone_values(w, zone_values, number, &zone);
+	return read_values(w, rows.subspan(name + velocities), number, &zone);
 }
 
 static bool read_keygroup(program_walk *w, const char *name, u8 kg, _keygroup *keygroup)
 {
-	if (!read_block(w, keygroup_block_1, kg, 1, keygroup) ||
-		!read_block(w, keygroup_block_2, kg, 2, keygroup) ||
-		!read_block(w, keygroup_block_3, kg, 3, keygroup))
-		return false;
+	for (int block = 1; block <= 3; block++)
+		if (!read_block(w, block, kg, keygroup))
+			return false;
 	log_line("[D] Selecting Keygroup %d for [%s]\r\n", kg, name);
 	if (!ask_value(w, { section_keygroup, select_keygroup, kg }) ||
-		!read_keygroup_values(w, keygroup))
+		!read_values(w, akai_s5000_keygroup_values, 0, keygroup))
 		return false;
 	keygroup->keyzones = 0;
 	for (u8 zone = 1; zone <= usb_zones; zone++)

@@ -10,6 +10,7 @@
 //
 // Knows nothing of: the layout of a WAV file beyond the header's shape.
 
+#include "src/akais5000.h"
 #include "src/akaiusb_info.h"
 #include "src/controls.h"
 #include <algorithm>
@@ -34,8 +35,8 @@ static constexpr const char *failed_query = "GET CURRENT SAMPLE RATE";
 
 static const sample_request info_requests[] = {
 	// section       item offset form        field                     log word                      failure
-	{ section_sample, 0x31, 9, &as_plain,  &_sample::channels,       nullptr,                      failed_query },
-	{ section_sample, 0x48, 9, &as_plain,  &_sample::playback_mode,  nullptr,                      failed_query },
+	{ section_sample, 0x31, 9, &as_byte,   &_sample::channels,       nullptr,                      failed_query },
+	{ section_sample, 0x48, 9, &as_byte,   &_sample::playback_mode,  nullptr,                      failed_query },
 	{ section_sample, 0x40, 9, &as_word28, &_sample::start_position, "S5000 Current Sample start", failed_query },
 	{ section_sample, 0x41, 9, &as_word28, &_sample::end_position,   "S5000 Current Sample end",   failed_query },
 	{ section_sample, 0x33, 9, &as_word28, &_sample::sample_rate,    "S5000 Current Sample rate",  failed_query },
@@ -47,7 +48,7 @@ static const sample_info_model s5000_info = {
 	.selected_log   = nullptr, // says nothing here
 	.before_length  = info_requests,
 	.length = { section_sample, 0x32, 9, &as_word28, &_sample::sample_length,  "S5000 Current Sample len", failed_query },
-	.pitch  = { section_sample, 0x42, 9, &as_plain,  &_sample::original_pitch, nullptr,                    failed_query },
+	.pitch  = { section_sample, 0x42, 9, &as_byte,   &_sample::original_pitch, nullptr,                    failed_query },
 	.bits           = 16,      // this model has no request for it
 };
 // clang-format on

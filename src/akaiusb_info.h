@@ -4,7 +4,8 @@
 // Knows nothing of: the requests of a model, which it gets as a table.
 
 #pragma once
-#include "src/akais5000.h"
+#include "src/akaiusb.h"
+#include "src/parameters.h"
 
 namespace velmor
 {
@@ -13,7 +14,7 @@ namespace velmor
 struct sample_request {
 	u8 section, item;
 	int offset; // of the value in the answer
-	const value_form *form;
+	const conversion *form;
 	member<_sample> field;
 	const char *log_word; // of "[D] %s: %d\n", or null
 	const char *failure;  // of "[F] %s (%s:%d) SYSEX"

@@ -7,7 +7,7 @@
 // Knows nothing of: windows, other than the boxes it shows.
 
 #pragma once
-#include "src/resource.h"
+#include "src/parameters.h"
 
 namespace velmor
 {
@@ -16,6 +16,18 @@ inline constexpr int z4_answer_status = 4;
 inline constexpr int z4_answer_data = 8;
 inline constexpr u8 status_reply = 0x52; // 'R'
 inline constexpr int z4_keygroups = 16;  // read of a program, whatever it holds
+
+// ---- Values on the wire (akaiz4_parameters.cpp) -------------------------------------------
+
+extern const conversion as_z4_word28;   // four groups of 7 bits, lowest first
+extern const conversion as_z4_rate;     // three groups of 7 bits, lowest first; never written
+extern const conversion as_z4_signed14; // sign, low 7 bits, high 7 bits
+
+extern const parameters<_program> akai_z4_program_values;   // polyphony, reassignment
+extern const parameters<_keygroup> akai_z4_keygroup_values; // low note, high note
+extern const parameters<_keyzone> akai_z4_zone_values;      // sample name, level
+
+// ---- The operations of the rows ----------------------------------------------------------
 
 void akai_z4_getstatus(u8 exclusive_channel, u8 sysex_channel, _dev_status *dev);
 void akai_mpc_getstatus(u8 exclusive_channel, u8 sysex_channel, _dev_status *dev);

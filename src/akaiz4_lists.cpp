@@ -23,11 +23,7 @@ static constexpr u8 reported_name[]      = { 0x07, 0x01 };       // data at 9
 static constexpr u8 program_count[]      = { 0x14, 0x01 };
 static constexpr u8 program_list[]       = { 0x14, 0x02, 0x02 };
 static constexpr u8 program_name[]       = { 0x14, 0x06 };
-static constexpr u8 program_polyphony[]  = { 0x17, 0x10 };
-static constexpr u8 program_reassign[]   = { 0x17, 0x11 };
 static constexpr u8 keygroup_number[]    = { 0x10, 0x02 };
-static constexpr u8 keygroup_low_note[]  = { 0x13, 0x04 };
-static constexpr u8 keygroup_high_note[] = { 0x13, 0x05 };
 static constexpr u8 sample_count[]       = { 0x1C, 0x01 };
 static constexpr u8 sample_list_first[]  = { 0x1C, 0x02, 0x03 }; // not looked at
 static constexpr u8 sample_list[]        = { 0x1C, 0x02, 0x01 };
@@ -154,7 +150,6 @@ struct z4_walk {
 		return ask_or_log(usb, payload, &answer, where);
 	}
 	u8 status() const { return answer.bytes()[z4_answer_status]; }
-	bounded_bytes data() const { return answer.bytes().from(z4_answer_data); }
 	std::string dump() const
 	{
 		return current_run_mode.diagnostics ? hex_text(answer.bytes().bytes) : "";
@@ -168,28 +163,49 @@ enum class walk_step {
 	failed
 };
 
-static walk_step read_zone(z4_walk *w, int kg, u8 number, _keygroup *keygroup)
+// Ask for the value of a row and store it, whatever the status says.
+template <typename record>
+static bool read_value(
+	z4_walk *w, const parameter<record> &row, record *r, call_site where = call_site::current())
 {
-	const u8 ask_sample[] = { 0x0F, 0x01, number }, ask_level[] = { 0x0F, 0x02, number };
-	if (!w->ask(ask_sample))
+	if (!w->ask(read_request(row.items), where))
+		return false;
+	block_to_record({ &row, 1 }, w->answer.bytes(), *r);
+	return true;
+}
+
+// The same of a zone, which may not be there.
+static walk_step read_zone_value(
+	z4_walk *w, const parameter<_keyzone> &row, u8 number, _keyzone *zone)
+{
+	if (!w->ask(read_request(row.items, number)))
 		return walk_step::failed;
 	if (w->status() != status_reply)
 		return walk_step::no_more;
-	_keyzone &zone = keygroup->keyzone[keygroup->keyzones++];
-	copy_text(zone.samplename, w->data().text(0));
+	block_to_record({ &row, 1 }, w->answer.bytes(), *zone);
+	return walk_step::read;
+}
+
+static walk_step read_zone(z4_walk *w, int kg, u8 number, _keygroup *keygroup)
+{
+	const auto &name = akai_z4_zone_values[0], &level = akai_z4_zone_values[1];
+	_keyzone &zone = keygroup->keyzone[keygroup->keyzones];
+	walk_step step = read_zone_value(w, name, number, &zone);
+	if (step != walk_step::read)
+		return step;
+	keygroup->keyzones++;
 	log_line("[D] KEYGROUP: %d, ZONE: %d, Sample: [%s]\r\n", kg, number, zone.samplename);
-	if (!w->ask(ask_level))
-		return walk_step::failed;
-	if (w->status() != status_reply)
-		return walk_step::no_more; // and the zone counts
-	zone.zone_level = as_z4_signed14.get(w->data());
+	step = read_zone_value(w, level, number, &zone);
+	if (step != walk_step::read)
+		return step; // and the zone counts
 	log_line("[D] KEYGROUP: %d, ZONE: %d, LEVEL: [%s] (%d)\r\n", kg, number, w->dump().c_str(),
 		zone.zone_level);
-	return walk_step::read;
+	return step;
 }
 
 static walk_step read_keygroup(z4_walk *w, u8 kg, _program *program)
 {
+	static constexpr const char *words[] = { "LOW", "HIGH" };
 	log_line("[D] Requesting Keygroup %d\r\n", kg);
 	const u8 select[] = { 0x10, 0x01, kg };
 	if (!w->ask(select))
@@ -199,14 +215,11 @@ static walk_step read_keygroup(z4_walk *w, u8 kg, _program *program)
 	_keygroup *keygroup = &program->keygroup[program->keygroups++];
 	if (!w->ask(keygroup_number))
 		return walk_step::failed;
-	log_line("[D] Requesting Keygroup LOW-Note\r\n");
-	if (!w->ask(keygroup_low_note))
-		return walk_step::failed;
-	keygroup->low_note = w->data()[0];
-	log_line("[D] Requesting Keygroup HIGH-Note\r\n");
-	if (!w->ask(keygroup_high_note))
-		return walk_step::failed;
-	keygroup->high_note = w->data()[0];
+	for (std::size_t i = 0; i < std::size(words); i++) {
+		log_line("[D] Requesting Keygroup %s-Note\r\n", words[i]);
+		if (!read_value(w, akai_z4_keygroup_values[i], keygroup))
+			return walk_step::failed;
+	}
 	keygroup->keyzones = 0;
 	walk_step step = walk_step::read;
 	for (u8 zone = 1; zone <= usb_zones && step == walk_step::read; zone++)
@@ -223,18 +236,17 @@ static bool select_program(z4_walk *w, const _program &program)
 
 static bool read_program(z4_walk *w, _program *program)
 {
+	static constexpr const char *words[] = { "GETPOLYPHONY", "GET REASIGNEMENT" };
 	if (!select_program(w, *program))
 		return false;
 	program->keygroups = 0;
 	program->sampler_type = model_z4; // on the MPC as well
-	if (!w->ask(program_polyphony))
-		return false;
-	program->polyphony = w->data()[0];
-	log_line("[D] PROGRAM[%d] GETPOLYPHONY [%s]\r\n", program->number, w->dump().c_str());
-	if (!w->ask(program_reassign))
-		return false;
-	program->s1000_reasignement = w->data()[0];
-	log_line("[D] PROGRAM[%d] GET REASIGNEMENT [%s]\r\n", program->number, w->dump().c_str());
+	for (std::size_t i = 0; i < std::size(words); i++) {
+		if (!read_value(w, akai_z4_program_values[i], program))
+			return false;
+		log_line("[D] PROGRAM[%d] %s [%s]\r\n", program->number, words[i],
+			w->dump().c_str());
+	}
 	walk_step step = walk_step::read;
 	for (u8 kg = 0; kg < z4_keygroups && step == walk_step::read; kg++)
 		step = read_keygroup(w, kg, program);

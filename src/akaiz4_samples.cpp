@@ -11,6 +11,7 @@
 //
 // Knows nothing of: the layout of a WAV file beyond the header's shape.
 
+#include "src/akais5000.h"
 #include "src/akaiusb_info.h"
 #include "src/akaiz4.h"
 #include "src/controls.h"
@@ -38,10 +39,10 @@ static constexpr const char *failed_mode = "GET CURRENT PLAYBACK MODE";
 // start and end stand one byte further. The log says S5000 here too.
 static const sample_request info_requests[] = {
 	// item       offset form         field                     log word                      failure
-	{ 0x1F, 0x52, 8, &as_plain,    &_sample::bitspersample,  nullptr,                      failed_rate },
+	{ 0x1F, 0x52, 8, &as_byte,     &_sample::bitspersample,  nullptr,                      failed_rate },
 	{ 0x1F, 0x51, 8, &as_z4_rate,  &_sample::sample_rate,    "Z4 Current Sample rate",     failed_rate },
-	{ 0x1F, 0x55, 8, &as_plain,    &_sample::channels,       nullptr,                      failed_mode },
-	{ 0x1F, 0x26, 8, &as_plain,    &_sample::playback_mode,  nullptr,                      failed_mode },
+	{ 0x1F, 0x55, 8, &as_byte,     &_sample::channels,       nullptr,                      failed_mode },
+	{ 0x1F, 0x26, 8, &as_byte,     &_sample::playback_mode,  nullptr,                      failed_mode },
 	{ 0x1F, 0x20, 9, &as_word28,   &_sample::start_position, "S5000 Current Sample start", failed_rate },
 	{ 0x1F, 0x21, 9, &as_word28,   &_sample::end_position,   "S5000 Current Sample end",   failed_rate },
 };
@@ -52,7 +53,7 @@ static const sample_info_model z4_info = {
 	.selected_log   = "[D] Current Sample set at Z4/Z8\r\n",
 	.before_length  = info_requests,
 	.length = { 0x1F, 0x50, 8, &as_word28, &_sample::sample_length,  "S5000 Current Sample len", failed_rate },
-	.pitch  = { 0x1F, 0x24, 8, &as_plain,  &_sample::original_pitch, nullptr,                    failed_rate },
+	.pitch  = { 0x1F, 0x24, 8, &as_byte,   &_sample::original_pitch, nullptr,                    failed_rate },
 	.bits           = 0,       // asked
 };
 // clang-format on

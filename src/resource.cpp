@@ -11,19 +11,73 @@ namespace velmor
 {
 
 // clang-format off
-// In the order of the brand list. The S3200 repeats the id of the S3000: every
-// look-up by id finds the S3000 first, and both rows hold the same operations.
-_sampler_type sampler_type[11] = {
-	{
+// What tells the models of the S1000 family apart.
+struct s1000_family_model {
+	const char *brand;
+	i32 id;
+	u8 flags;
+	list_operation getstatus;
+	sample_operation downloadsample, infosample;
+};
+static consteval _sampler_type s1000_family(const s1000_family_model &own)
+{
+	return {
 		.userlevel                = 0,
-		.sampler_brand            = "Generic",
-		.sampler_flags            = 0x00,
+		.sampler_brand            = own.brand,
+		.sampler_flags            = own.flags,
+		.lcd_pixel_data_length    = 0,
+		.lcd_control_data_length  = 0,
+		.lcd_width                = 0,
+		.lcd_height               = 0,
+		.default_keyzones         = 4,
+		.sampler_type             = own.id,
+		.ctrl                     = nullptr,  // no panel
+		.getstatus                = own.getstatus,
+		.getproglist              = akai_s1000_getproglist,
+		.getsamplelist            = akai_s1000_getsamplelist,
+		.getmultilist             = akai_s1000_getmultilist,
+		.renamesample             = akai_s1000_sample_rename,
+		.downloadsample           = own.downloadsample,
+		.infosample               = own.infosample,
+		.uploadsample             = akai_s2000_sample_upload,
+		.getplaymode              = akai_s1000_getplaymode,
+		.getpanel                 = nullptr,  // no panel
+		.saveprogram              = nullptr,  // not built yet
+		.deleteprogram            = nullptr,  // not built yet
+		.renameprogram            = nullptr,  // not built yet
+		.assignvoice              = nullptr,  // not built yet
+		.assignvoice_callback     = nullptr,  // not built yet
+		.assignpad                = nullptr,  // only the MPC 4000 has pads
+		.assignpad_callback       = nullptr,  // only the MPC 4000 has pads
+		.assignqlink              = nullptr,  // no model has it
+		.assignqlink_callback     = nullptr,  // no model has it
+		.assignvelocity           = nullptr,  // not built yet
+		.assignvelocity_callback  = nullptr,  // not built yet
+		.assignprog               = nullptr,  // not built yet
+		.assignprog_callback      = nullptr,  // not built yet
+		.del_keygroup             = nullptr,  // not built yet
+	};
+}
+
+// A row that no sampler is behind.
+struct row_without_operations {
+	const char *brand;
+	i32 id;
+	u8 flags;
+	i32 userlevel;
+};
+static consteval _sampler_type no_operations(const row_without_operations &own)
+{
+	return {
+		.userlevel                = own.userlevel,
+		.sampler_brand            = own.brand,
+		.sampler_flags            = own.flags,
 		.lcd_pixel_data_length    = 0,
 		.lcd_control_data_length  = 0,
 		.lcd_width                = 0,
 		.lcd_height               = 0,
 		.default_keyzones         = 0,
-		.sampler_type             = model_generic,
+		.sampler_type             = own.id,
 		.ctrl                     = nullptr,  // no panel
 		.getstatus                = nullptr,
 		.getproglist              = nullptr,
@@ -49,7 +103,14 @@ _sampler_type sampler_type[11] = {
 		.assignprog               = nullptr,
 		.assignprog_callback      = nullptr,
 		.del_keygroup             = nullptr,
-	},
+	};
+}
+
+// In the order of the brand list. The S3200 repeats the id of the S3000: every
+// look-up by id finds the S3000 first, and both rows hold the same operations.
+_sampler_type sampler_type[11] = {
+	//              brand      id             flags  userlevel
+	no_operations({ "Generic", model_generic, 0x00,  0 }),
 	{
 		.userlevel                = 0,
 		.sampler_brand            = "Akai S900/950",
@@ -65,51 +126,15 @@ _sampler_type sampler_type[11] = {
 		.getproglist              = nullptr,  // not built yet
 		.getsamplelist            = nullptr,  // not built yet
 		.getmultilist             = nullptr,  // not built yet
-		.renamesample             = nullptr,  // not built yet
+		.renamesample             = nullptr,  // the machine takes no such request
 		.downloadsample           = nullptr,  // not built yet
 		.infosample               = nullptr,  // not built yet
 		.uploadsample             = nullptr,  // not built yet
-		.getplaymode              = nullptr,  // not built yet
-		.getpanel                 = nullptr,  // not built yet
-		.saveprogram              = nullptr,  // not built yet
-		.deleteprogram            = nullptr,  // not built yet
-		.renameprogram            = nullptr,  // not built yet
-		.assignvoice              = nullptr,  // not built yet
-		.assignvoice_callback     = nullptr,  // not built yet
-		.assignpad                = nullptr,  // not built yet
-		.assignpad_callback       = nullptr,  // not built yet
-		.assignqlink              = nullptr,  // no model has it
-		.assignqlink_callback     = nullptr,  // no model has it
-		.assignvelocity           = nullptr,  // not built yet
-		.assignvelocity_callback  = nullptr,  // not built yet
-		.assignprog               = nullptr,  // not built yet
-		.assignprog_callback      = nullptr,  // not built yet
-		.del_keygroup             = nullptr,  // not built yet
-	},
-	{
-		.userlevel                = 0,
-		.sampler_brand            = "Akai S1000, S1100",
-		.sampler_flags            = 0x00,
-		.lcd_pixel_data_length    = 0,
-		.lcd_control_data_length  = 0,
-		.lcd_width                = 0,
-		.lcd_height               = 0,
-		.default_keyzones         = 4,
-		.sampler_type             = model_s1000,
-		.ctrl                     = nullptr,  // no panel
-		.getstatus                = akai_s1000_getstatus,
-		.getproglist              = akai_s1000_getproglist,
-		.getsamplelist            = akai_s1000_getsamplelist,
-		.getmultilist             = akai_s1000_getmultilist,
-		.renamesample             = akai_s1000_sample_rename,
-		.downloadsample           = akai_s1000_sample_download,
-		.infosample               = akai_s1000_sample_info,
-		.uploadsample             = akai_s2000_sample_upload,
-		.getplaymode              = akai_s1000_getplaymode,
+		.getplaymode              = nullptr,  // its modes have no names
 		.getpanel                 = nullptr,  // no panel
 		.saveprogram              = nullptr,  // not built yet
-		.deleteprogram            = nullptr,  // not built yet
-		.renameprogram            = nullptr,  // not built yet
+		.deleteprogram            = nullptr,  // the machine takes no such request
+		.renameprogram            = nullptr,  // the machine takes no such request
 		.assignvoice              = nullptr,  // not built yet
 		.assignvoice_callback     = nullptr,  // not built yet
 		.assignpad                = nullptr,  // only the MPC 4000 has pads
@@ -120,152 +145,14 @@ _sampler_type sampler_type[11] = {
 		.assignvelocity_callback  = nullptr,  // not built yet
 		.assignprog               = nullptr,  // not built yet
 		.assignprog_callback      = nullptr,  // not built yet
-		.del_keygroup             = nullptr,  // not built yet
+		.del_keygroup             = nullptr,  // the machine takes no such request
 	},
-	{
-		.userlevel                = 0,
-		.sampler_brand            = "Akai S2000",
-		.sampler_flags            = flag_multis,
-		.lcd_pixel_data_length    = 0,
-		.lcd_control_data_length  = 0,
-		.lcd_width                = 0,
-		.lcd_height               = 0,
-		.default_keyzones         = 4,
-		.sampler_type             = model_s2000,
-		.ctrl                     = nullptr,  // no panel
-		.getstatus                = akai_s2000_getstatus,
-		.getproglist              = akai_s1000_getproglist,
-		.getsamplelist            = akai_s1000_getsamplelist,
-		.getmultilist             = akai_s1000_getmultilist,
-		.renamesample             = akai_s1000_sample_rename,
-		.downloadsample           = akai_s2000_sample_download,
-		.infosample               = akai_s2000_sample_info,
-		.uploadsample             = akai_s2000_sample_upload,
-		.getplaymode              = akai_s1000_getplaymode,
-		.getpanel                 = nullptr,  // no panel
-		.saveprogram              = nullptr,  // not built yet
-		.deleteprogram            = nullptr,  // not built yet
-		.renameprogram            = nullptr,  // not built yet
-		.assignvoice              = nullptr,  // not built yet
-		.assignvoice_callback     = nullptr,  // not built yet
-		.assignpad                = nullptr,  // only the MPC 4000 has pads
-		.assignpad_callback       = nullptr,  // only the MPC 4000 has pads
-		.assignqlink              = nullptr,  // no model has it
-		.assignqlink_callback     = nullptr,  // no model has it
-		.assignvelocity           = nullptr,  // not built yet
-		.assignvelocity_callback  = nullptr,  // not built yet
-		.assignprog               = nullptr,  // not built yet
-		.assignprog_callback      = nullptr,  // not built yet
-		.del_keygroup             = nullptr,  // not built yet
-	},
-	{
-		.userlevel                = 0,
-		.sampler_brand            = "Akai S2800",
-		.sampler_flags            = flag_multis,
-		.lcd_pixel_data_length    = 0,
-		.lcd_control_data_length  = 0,
-		.lcd_width                = 0,
-		.lcd_height               = 0,
-		.default_keyzones         = 4,
-		.sampler_type             = model_s2800,
-		.ctrl                     = nullptr,  // no panel
-		.getstatus                = akai_s2000_getstatus,
-		.getproglist              = akai_s1000_getproglist,
-		.getsamplelist            = akai_s1000_getsamplelist,
-		.getmultilist             = akai_s1000_getmultilist,
-		.renamesample             = akai_s1000_sample_rename,
-		.downloadsample           = akai_s2000_sample_download,
-		.infosample               = akai_s2000_sample_info,
-		.uploadsample             = akai_s2000_sample_upload,
-		.getplaymode              = akai_s1000_getplaymode,
-		.getpanel                 = nullptr,  // no panel
-		.saveprogram              = nullptr,  // not built yet
-		.deleteprogram            = nullptr,  // not built yet
-		.renameprogram            = nullptr,  // not built yet
-		.assignvoice              = nullptr,  // not built yet
-		.assignvoice_callback     = nullptr,  // not built yet
-		.assignpad                = nullptr,  // only the MPC 4000 has pads
-		.assignpad_callback       = nullptr,  // only the MPC 4000 has pads
-		.assignqlink              = nullptr,  // no model has it
-		.assignqlink_callback     = nullptr,  // no model has it
-		.assignvelocity           = nullptr,  // not built yet
-		.assignvelocity_callback  = nullptr,  // not built yet
-		.assignprog               = nullptr,  // not built yet
-		.assignprog_callback      = nullptr,  // not built yet
-		.del_keygroup             = nullptr,  // not built yet
-	},
-	{
-		.userlevel                = 0,
-		.sampler_brand            = "Akai S3000/S3000XL",
-		.sampler_flags            = flag_multis,
-		.lcd_pixel_data_length    = 0,
-		.lcd_control_data_length  = 0,
-		.lcd_width                = 0,
-		.lcd_height               = 0,
-		.default_keyzones         = 4,
-		.sampler_type             = model_s3000,
-		.ctrl                     = nullptr,  // no panel
-		.getstatus                = akai_s2000_getstatus,
-		.getproglist              = akai_s1000_getproglist,
-		.getsamplelist            = akai_s1000_getsamplelist,
-		.getmultilist             = akai_s1000_getmultilist,
-		.renamesample             = akai_s1000_sample_rename,
-		.downloadsample           = akai_s2000_sample_download,
-		.infosample               = akai_s2000_sample_info,
-		.uploadsample             = akai_s2000_sample_upload,
-		.getplaymode              = akai_s1000_getplaymode,
-		.getpanel                 = nullptr,  // no panel
-		.saveprogram              = nullptr,  // not built yet
-		.deleteprogram            = nullptr,  // not built yet
-		.renameprogram            = nullptr,  // not built yet
-		.assignvoice              = nullptr,  // not built yet
-		.assignvoice_callback     = nullptr,  // not built yet
-		.assignpad                = nullptr,  // only the MPC 4000 has pads
-		.assignpad_callback       = nullptr,  // only the MPC 4000 has pads
-		.assignqlink              = nullptr,  // no model has it
-		.assignqlink_callback     = nullptr,  // no model has it
-		.assignvelocity           = nullptr,  // not built yet
-		.assignvelocity_callback  = nullptr,  // not built yet
-		.assignprog               = nullptr,  // not built yet
-		.assignprog_callback      = nullptr,  // not built yet
-		.del_keygroup             = nullptr,  // not built yet
-	},
-	{
-		.userlevel                = 0,
-		.sampler_brand            = "Akai S3200",
-		.sampler_flags            = flag_multis,
-		.lcd_pixel_data_length    = 0,
-		.lcd_control_data_length  = 0,
-		.lcd_width                = 0,
-		.lcd_height               = 0,
-		.default_keyzones         = 4,
-		.sampler_type             = model_s3000,
-		.ctrl                     = nullptr,  // no panel
-		.getstatus                = akai_s2000_getstatus,
-		.getproglist              = akai_s1000_getproglist,
-		.getsamplelist            = akai_s1000_getsamplelist,
-		.getmultilist             = akai_s1000_getmultilist,
-		.renamesample             = akai_s1000_sample_rename,
-		.downloadsample           = akai_s2000_sample_download,
-		.infosample               = akai_s2000_sample_info,
-		.uploadsample             = akai_s2000_sample_upload,
-		.getplaymode              = akai_s1000_getplaymode,
-		.getpanel                 = nullptr,  // no panel
-		.saveprogram              = nullptr,  // not built yet
-		.deleteprogram            = nullptr,  // not built yet
-		.renameprogram            = nullptr,  // not built yet
-		.assignvoice              = nullptr,  // not built yet
-		.assignvoice_callback     = nullptr,  // not built yet
-		.assignpad                = nullptr,  // only the MPC 4000 has pads
-		.assignpad_callback       = nullptr,  // only the MPC 4000 has pads
-		.assignqlink              = nullptr,  // no model has it
-		.assignqlink_callback     = nullptr,  // no model has it
-		.assignvelocity           = nullptr,  // not built yet
-		.assignvelocity_callback  = nullptr,  // not built yet
-		.assignprog               = nullptr,  // not built yet
-		.assignprog_callback      = nullptr,  // not built yet
-		.del_keygroup             = nullptr,  // not built yet
-	},
+	//             brand                 id           flags        getstatus             downloadsample              infosample
+	s1000_family({ "Akai S1000, S1100",  model_s1000, 0x00,        akai_s1000_getstatus, akai_s1000_sample_download, akai_s1000_sample_info }),
+	s1000_family({ "Akai S2000",         model_s2000, flag_multis, akai_s2000_getstatus, akai_s2000_sample_download, akai_s2000_sample_info }),
+	s1000_family({ "Akai S2800",         model_s2800, flag_multis, akai_s2000_getstatus, akai_s2000_sample_download, akai_s2000_sample_info }),
+	s1000_family({ "Akai S3000/S3000XL", model_s3000, flag_multis, akai_s2000_getstatus, akai_s2000_sample_download, akai_s2000_sample_info }),
+	s1000_family({ "Akai S3200",         model_s3000, flag_multis, akai_s2000_getstatus, akai_s2000_sample_download, akai_s2000_sample_info }),
 	{
 		.userlevel                = 0,
 		.sampler_brand            = "Akai S5000/6000",
@@ -374,43 +261,7 @@ _sampler_type sampler_type[11] = {
 		.assignprog_callback      = nullptr,  // no form for the MPC
 		.del_keygroup             = nullptr,  // the model has no such request
 	},
-	{
-		.userlevel                = 2,
-		.sampler_brand            = nullptr,
-		.sampler_flags            = 0xFF,
-		.lcd_pixel_data_length    = 0,
-		.lcd_control_data_length  = 0,
-		.lcd_width                = 0,
-		.lcd_height               = 0,
-		.default_keyzones         = 0,
-		.sampler_type             = -1,
-		.ctrl                     = nullptr,  // no panel
-		.getstatus                = nullptr,
-		.getproglist              = nullptr,
-		.getsamplelist            = nullptr,
-		.getmultilist             = nullptr,
-		.renamesample             = nullptr,
-		.downloadsample           = nullptr,
-		.infosample               = nullptr,
-		.uploadsample             = nullptr,
-		.getplaymode              = nullptr,
-		.getpanel                 = nullptr,
-		.saveprogram              = nullptr,
-		.deleteprogram            = nullptr,
-		.renameprogram            = nullptr,
-		.assignvoice              = nullptr,
-		.assignvoice_callback     = nullptr,
-		.assignpad                = nullptr,
-		.assignpad_callback       = nullptr,
-		.assignqlink              = nullptr,
-		.assignqlink_callback     = nullptr,
-		.assignvelocity           = nullptr,
-		.assignvelocity_callback  = nullptr,
-		.assignprog               = nullptr,
-		.assignprog_callback      = nullptr,
-		.del_keygroup             = nullptr,
-	},
-
+	no_operations({ nullptr, -1, 0xFF, 2 }), // the end
 };
 // clang-format on
 

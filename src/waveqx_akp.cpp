@@ -17,7 +17,7 @@
 //
 // Knows nothing of: how a program gets to a sampler.
 
-#include "src/velmor.h"
+#include "src/parameters.h"
 #include "src/waveqx.h"
 #include "src/waveqx_file.h"
 #include <algorithm>
@@ -44,219 +44,201 @@ namespace
 
 // ---- The tables ------------------------------------------------------------------------
 
-enum sign {
-	plain,
-	with_sign
+// Semitones and the byte behind them, cents, in one field.
+constexpr conversion as_semitones_and_cents = {
+	.name = "semitones, cents",
+	.width = 2,
+	.get =
+		[](bounded_bytes bytes) {
+			return as_signed_byte.get(bytes) * 100 + as_signed_byte.get(bytes.from(1));
+		},
 };
 
-// One byte of a chunk and the field that it goes to.
-template <class record> struct akp_row {
-	int at;
-	sign reading;
-	u8 record::*byte = nullptr;
-	i32 record::*number = nullptr;
-	u32 record::*word = nullptr;
+using program_row = parameter<_program>;
+using keygroup_row = parameter<_keygroup>;
+using keyzone_row = parameter<_keyzone>;
 
-	constexpr akp_row(int offset, u8 record::*field, sign s = plain)
-		: at(offset), reading(s), byte(field)
-	{
-	}
-	constexpr akp_row(int offset, i32 record::*field, sign s = plain)
-		: at(offset), reading(s), number(field)
-	{
-	}
-	constexpr akp_row(int offset, u32 record::*field, sign s = plain)
-		: at(offset), reading(s), word(field)
-	{
-	}
-};
-
-using program_row = akp_row<_program>;
-using keygroup_row = akp_row<_keygroup>;
-using keyzone_row = akp_row<_keyzone>;
-
+// All rows are only read: nothing writes these files.
 // clang-format off
 constexpr program_row prg_rows[] = {
-	{ 1, &_program::midi_pgm_number },
-	{ 2, &_program::keygroups },
+	{ {  1 }, field_of<&_program::midi_pgm_number>,                     &as_byte },
+	{ {  2 }, field_of<&_program::keygroups>,                           &as_byte },
 };
 
 constexpr program_row out_rows[] = {
-	{ 1, &_program::s1000_basic_loudness },
-	{ 2, &_program::s2000_out_mod1_level },
-	{ 3, &_program::s2000_out_mod2_level },
-	{ 4, &_program::s2000_pan_mod1_level },
-	{ 5, &_program::s2000_pan_mod2_level },
-	{ 6, &_program::s2000_pan_mod3_level },
-	{ 7, &_program::s1000_velocity_loudness, with_sign },
+	{ {  1 }, field_of<&_program::s1000_basic_loudness>,                &as_byte },
+	{ {  2 }, field_of<&_program::s2000_out_mod1_level>,                &as_byte },
+	{ {  3 }, field_of<&_program::s2000_out_mod2_level>,                &as_byte },
+	{ {  4 }, field_of<&_program::s2000_pan_mod1_level>,                &as_byte },
+	{ {  5 }, field_of<&_program::s2000_pan_mod2_level>,                &as_byte },
+	{ {  6 }, field_of<&_program::s2000_pan_mod3_level>,                &as_byte },
+	{ {  7 }, field_of<&_program::s1000_velocity_loudness>,             &as_signed_byte },
 };
 
 constexpr program_row lfo1_rows[] = {
-	{ 1, &_program::s2000_lfo1_waveform },
-	{ 2, &_program::s1000_lfo1_speed },
-	{ 3, &_program::s1000_lfo1_delay },
-	{ 4, &_program::s1000_lfo1_depth },
-	{ 5, &_program::s1000_lfo1_sync },
-	{ 7, &_program::s1000_lfo1_modwheel },
-	{ 8, &_program::s1000_lfo1_pressure },
-	{ 9, &_program::s2000_lfo1_rate_source },
-	{ 10, &_program::s2000_lfo1_delay_source },
-	{ 11, &_program::s2000_lfo1_depth_source },
+	{ {  1 }, field_of<&_program::s2000_lfo1_waveform>,                 &as_byte },
+	{ {  2 }, field_of<&_program::s1000_lfo1_speed>,                    &as_byte },
+	{ {  3 }, field_of<&_program::s1000_lfo1_delay>,                    &as_byte },
+	{ {  4 }, field_of<&_program::s1000_lfo1_depth>,                    &as_byte },
+	{ {  5 }, field_of<&_program::s1000_lfo1_sync>,                     &as_byte },
+	{ {  7 }, field_of<&_program::s1000_lfo1_modwheel>,                 &as_byte },
+	{ {  8 }, field_of<&_program::s1000_lfo1_pressure>,                 &as_byte },
+	{ {  9 }, field_of<&_program::s2000_lfo1_rate_source>,              &as_byte },
+	{ { 10 }, field_of<&_program::s2000_lfo1_delay_source>,             &as_byte },
+	{ { 11 }, field_of<&_program::s2000_lfo1_depth_source>,             &as_byte },
 };
 
 constexpr program_row lfo2_rows[] = {
-	{ 1, &_program::s2000_lfo2_waveform },
-	{ 2, &_program::s1000_lfo2_speed },
-	{ 3, &_program::s1000_lfo2_delay },
-	{ 4, &_program::s1000_lfo2_depth },
-	{ 5, &_program::s2000_lfo2_retrigger },
+	{ {  1 }, field_of<&_program::s2000_lfo2_waveform>,                 &as_byte },
+	{ {  2 }, field_of<&_program::s1000_lfo2_speed>,                    &as_byte },
+	{ {  3 }, field_of<&_program::s1000_lfo2_delay>,                    &as_byte },
+	{ {  4 }, field_of<&_program::s1000_lfo2_depth>,                    &as_byte },
+	{ {  5 }, field_of<&_program::s2000_lfo2_retrigger>,                &as_byte },
 };
 
-// Bytes 1 and 2 are semitones and cents of one field.
 constexpr program_row tune_rows[] = {
-	{ 3, &_program::c_detune, with_sign },
-	{ 4, &_program::c_cross_detune, with_sign },
-	{ 5, &_program::d_detune, with_sign },
-	{ 6, &_program::eb_detune, with_sign },
-	{ 7, &_program::e_detune, with_sign },
-	{ 8, &_program::f_detune, with_sign },
-	{ 9, &_program::f_cross_detune, with_sign },
-	{ 10, &_program::g_detune, with_sign },
-	{ 11, &_program::g_cross_detune, with_sign },
-	{ 12, &_program::a_detune, with_sign },
-	{ 13, &_program::bb_detune, with_sign },
-	{ 14, &_program::b_detune, with_sign },
-	{ 15, &_program::s1000_bendwheel_pitch_up },
-	{ 16, &_program::s2000_bendwheel_pitch_down },
-	{ 17, &_program::s2000_aftertouch_bend_mode },
-	{ 18, &_program::s1000_aftertouch_bend, with_sign },
+	{ {  1 }, field_of<&_program::s1000_tunning_offset>,                &as_semitones_and_cents },
+	{ {  3 }, field_of<&_program::c_detune>,                            &as_signed_byte },
+	{ {  4 }, field_of<&_program::c_cross_detune>,                      &as_signed_byte },
+	{ {  5 }, field_of<&_program::d_detune>,                            &as_signed_byte },
+	{ {  6 }, field_of<&_program::eb_detune>,                           &as_signed_byte },
+	{ {  7 }, field_of<&_program::e_detune>,                            &as_signed_byte },
+	{ {  8 }, field_of<&_program::f_detune>,                            &as_signed_byte },
+	{ {  9 }, field_of<&_program::f_cross_detune>,                      &as_signed_byte },
+	{ { 10 }, field_of<&_program::g_detune>,                            &as_signed_byte },
+	{ { 11 }, field_of<&_program::g_cross_detune>,                      &as_signed_byte },
+	{ { 12 }, field_of<&_program::a_detune>,                            &as_signed_byte },
+	{ { 13 }, field_of<&_program::bb_detune>,                           &as_signed_byte },
+	{ { 14 }, field_of<&_program::b_detune>,                            &as_signed_byte },
+	{ { 15 }, field_of<&_program::s1000_bendwheel_pitch_up>,            &as_byte },
+	{ { 16 }, field_of<&_program::s2000_bendwheel_pitch_down>,          &as_byte },
+	{ { 17 }, field_of<&_program::s2000_aftertouch_bend_mode>,          &as_byte },
+	{ { 18 }, field_of<&_program::s1000_aftertouch_bend>,               &as_signed_byte },
 };
 
 constexpr program_row mods_rows[] = {
-	{ 5, &_program::s2000_out_mod1_source },
-	{ 7, &_program::s2000_out_mod2_source },
-	{ 9, &_program::s2000_pan_mod1_source },
-	{ 11, &_program::s2000_pan_mod2_source },
-	{ 13, &_program::s2000_pan_mod3_source },
-	{ 15, &_program::s2000_lfo1_rate_source },
-	{ 17, &_program::s2000_lfo1_delay_source },
-	{ 19, &_program::s2000_lfo1_depth_source },
-	{ 21, &_program::s5000_lfo2_rate_source },
-	{ 23, &_program::s5000_lfo2_delay_source },
-	{ 25, &_program::s5000_lfo2_depth_source },
-	{ 27, &_program::s5000_kg_pitch_mod1_source },
-	{ 29, &_program::s5000_kg_pitch_mod2_source },
-	{ 31, &_program::s5000_kg_amp_mod_source },
-	{ 33, &_program::s2000_flt_mod1_source },
-	{ 35, &_program::s2000_flt_mod2_source },
-	{ 37, &_program::s2000_flt_mod3_source },
+	{ {  5 }, field_of<&_program::s2000_out_mod1_source>,               &as_byte },
+	{ {  7 }, field_of<&_program::s2000_out_mod2_source>,               &as_byte },
+	{ {  9 }, field_of<&_program::s2000_pan_mod1_source>,               &as_byte },
+	{ { 11 }, field_of<&_program::s2000_pan_mod2_source>,               &as_byte },
+	{ { 13 }, field_of<&_program::s2000_pan_mod3_source>,               &as_byte },
+	{ { 15 }, field_of<&_program::s2000_lfo1_rate_source>,              &as_byte },
+	{ { 17 }, field_of<&_program::s2000_lfo1_delay_source>,             &as_byte },
+	{ { 19 }, field_of<&_program::s2000_lfo1_depth_source>,             &as_byte },
+	{ { 21 }, field_of<&_program::s5000_lfo2_rate_source>,              &as_byte },
+	{ { 23 }, field_of<&_program::s5000_lfo2_delay_source>,             &as_byte },
+	{ { 25 }, field_of<&_program::s5000_lfo2_depth_source>,             &as_byte },
+	{ { 27 }, field_of<&_program::s5000_kg_pitch_mod1_source>,          &as_byte },
+	{ { 29 }, field_of<&_program::s5000_kg_pitch_mod2_source>,          &as_byte },
+	{ { 31 }, field_of<&_program::s5000_kg_amp_mod_source>,             &as_byte },
+	{ { 33 }, field_of<&_program::s2000_flt_mod1_source>,               &as_byte },
+	{ { 35 }, field_of<&_program::s2000_flt_mod2_source>,               &as_byte },
+	{ { 37 }, field_of<&_program::s2000_flt_mod3_source>,               &as_byte },
 };
 
-// Bytes 6 and 7 are also semitones and cents of s1000_tune_offset.
 constexpr keygroup_row kloc_rows[] = {
-	{ 4, &_keygroup::low_note },
-	{ 5, &_keygroup::high_note },
-	{ 6, &_keygroup::s5000_semitone_tune, with_sign },
-	{ 7, &_keygroup::s5000_fine_tune, with_sign },
-	{ 8, &_keygroup::fx_override },
-	{ 9, &_keygroup::fx_sendlevel },
-	{ 10, &_keygroup::s5000_pitch_mod1_val, with_sign },
-	{ 11, &_keygroup::s5000_pitch_mod2_val, with_sign },
-	{ 12, &_keygroup::s5000_amp_mod1_val, with_sign },
-	{ 13, &_keygroup::crossfade },
-	{ 14, &_keygroup::mute_group },
+	{ {  4 }, field_of<&_keygroup::low_note>,                           &as_byte },
+	{ {  5 }, field_of<&_keygroup::high_note>,                          &as_byte },
+	{ {  6 }, field_of<&_keygroup::s1000_tune_offset>,                  &as_semitones_and_cents },
+	{ {  6 }, field_of<&_keygroup::s5000_semitone_tune>,                &as_signed_byte },
+	{ {  7 }, field_of<&_keygroup::s5000_fine_tune>,                    &as_signed_byte },
+	{ {  8 }, field_of<&_keygroup::fx_override>,                        &as_byte },
+	{ {  9 }, field_of<&_keygroup::fx_sendlevel>,                       &as_byte },
+	{ { 10 }, field_of<&_keygroup::s5000_pitch_mod1_val>,               &as_signed_byte },
+	{ { 11 }, field_of<&_keygroup::s5000_pitch_mod2_val>,               &as_signed_byte },
+	{ { 12 }, field_of<&_keygroup::s5000_amp_mod1_val>,                 &as_signed_byte },
+	{ { 13 }, field_of<&_keygroup::crossfade>,                          &as_byte },
+	{ { 14 }, field_of<&_keygroup::mute_group>,                         &as_byte },
 };
 
 // Byte 7 is the sustain: it stands behind the release.
 constexpr keygroup_row amp_env_rows[] = {
-	{ 1, &_keygroup::amp_attack },
-	{ 3, &_keygroup::amp_decay },
-	{ 7, &_keygroup::amp_sustain },
-	{ 4, &_keygroup::amp_release },
+	{ {  1 }, field_of<&_keygroup::amp_attack>,                         &as_byte },
+	{ {  3 }, field_of<&_keygroup::amp_decay>,                          &as_byte },
+	{ {  4 }, field_of<&_keygroup::amp_release>,                        &as_byte },
+	{ {  7 }, field_of<&_keygroup::amp_sustain>,                        &as_byte },
 };
 
 constexpr keygroup_row filter_env_rows[] = {
-	{ 1, &_keygroup::filter_attack },
-	{ 3, &_keygroup::filter_decay },
-	{ 7, &_keygroup::filter_sustain },
-	{ 4, &_keygroup::filter_release },
+	{ {  1 }, field_of<&_keygroup::filter_attack>,                      &as_byte },
+	{ {  3 }, field_of<&_keygroup::filter_decay>,                       &as_byte },
+	{ {  4 }, field_of<&_keygroup::filter_release>,                     &as_byte },
+	{ {  7 }, field_of<&_keygroup::filter_sustain>,                     &as_byte },
 };
 
 // Most bytes go to two fields, one of each family.
 constexpr keygroup_row aux_env_rows[] = {
-	{ 1, &_keygroup::aux_rate1 },       { 1, &_keygroup::s1000_env2_r1 },
-	{ 2, &_keygroup::aux_rate2 },       { 2, &_keygroup::s2000_env2_r2 },
-	{ 3, &_keygroup::aux_rate3 },       { 3, &_keygroup::s1000_env2_r3 },
-	{ 4, &_keygroup::aux_rate4 },       { 4, &_keygroup::s1000_env2_r4 },
-	{ 5, &_keygroup::aux_rate1_level }, { 5, &_keygroup::s2000_env2_l1 },
-	{ 6, &_keygroup::aux_rate2_level }, { 6, &_keygroup::s2000_env2_l2 },
-	{ 7, &_keygroup::aux_rate3_level }, { 7, &_keygroup::s1000_env2_l3 },
-	{ 8, &_keygroup::aux_rate4_level }, { 8, &_keygroup::s2000_env2_l4 },
-	{ 10, &_keygroup::s1000_env2_velocity_r1 },
-	{ 12, &_keygroup::s1000_env2_key_r2_r4 },
-	{ 14, &_keygroup::s1000_env2_velocity_r4 },
-	{ 15, &_keygroup::s1000_env2_off_velocity_r4 },
-	{ 16, &_keygroup::s1000_env2_velocity_envelope },
+	{ {  1 }, field_of<&_keygroup::aux_rate1>,                          &as_byte },
+	{ {  1 }, field_of<&_keygroup::s1000_env2_r1>,                      &as_byte },
+	{ {  2 }, field_of<&_keygroup::aux_rate2>,                          &as_byte },
+	{ {  2 }, field_of<&_keygroup::s2000_env2_r2>,                      &as_byte },
+	{ {  3 }, field_of<&_keygroup::aux_rate3>,                          &as_byte },
+	{ {  3 }, field_of<&_keygroup::s1000_env2_r3>,                      &as_byte },
+	{ {  4 }, field_of<&_keygroup::aux_rate4>,                          &as_byte },
+	{ {  4 }, field_of<&_keygroup::s1000_env2_r4>,                      &as_byte },
+	{ {  5 }, field_of<&_keygroup::aux_rate1_level>,                    &as_byte },
+	{ {  5 }, field_of<&_keygroup::s2000_env2_l1>,                      &as_byte },
+	{ {  6 }, field_of<&_keygroup::aux_rate2_level>,                    &as_byte },
+	{ {  6 }, field_of<&_keygroup::s2000_env2_l2>,                      &as_byte },
+	{ {  7 }, field_of<&_keygroup::aux_rate3_level>,                    &as_byte },
+	{ {  7 }, field_of<&_keygroup::s1000_env2_l3>,                      &as_byte },
+	{ {  8 }, field_of<&_keygroup::aux_rate4_level>,                    &as_byte },
+	{ {  8 }, field_of<&_keygroup::s2000_env2_l4>,                      &as_byte },
+	{ { 10 }, field_of<&_keygroup::s1000_env2_velocity_r1>,             &as_byte },
+	{ { 12 }, field_of<&_keygroup::s1000_env2_key_r2_r4>,               &as_byte },
+	{ { 14 }, field_of<&_keygroup::s1000_env2_velocity_r4>,             &as_byte },
+	{ { 15 }, field_of<&_keygroup::s1000_env2_off_velocity_r4>,         &as_byte },
+	{ { 16 }, field_of<&_keygroup::s1000_env2_velocity_envelope>,       &as_byte },
 };
 
 constexpr keygroup_row filt_rows[] = {
-	{ 1, &_keygroup::s5000_filter_mode },
-	{ 2, &_keygroup::s5000_filter_cutoff },
-	{ 2, &_keygroup::s1000_basic_filter_frequency },
-	{ 3, &_keygroup::s5000_filter_resonance },
-	{ 3, &_keygroup::s2000_filter_resonance, with_sign },
-	{ 4, &_keygroup::s5000_filter_keyboard_track, with_sign },
-	{ 4, &_keygroup::s1000_filter_keyboard, with_sign },
-	{ 5, &_keygroup::s5000_filter_mod1_input, with_sign },
-	{ 5, &_keygroup::s2000_flt_mod1_level, with_sign },
-	{ 6, &_keygroup::s5000_filter_mod2_input, with_sign },
-	{ 6, &_keygroup::s2000_flt_mod2_level, with_sign },
-	{ 7, &_keygroup::s5000_filter_mod3_input, with_sign },
-	{ 7, &_keygroup::s2000_flt_mod3_level, with_sign },
-	{ 8, &_keygroup::s5000_filter_attenuation },
+	{ {  1 }, field_of<&_keygroup::s5000_filter_mode>,                  &as_byte },
+	{ {  2 }, field_of<&_keygroup::s5000_filter_cutoff>,                &as_byte },
+	{ {  2 }, field_of<&_keygroup::s1000_basic_filter_frequency>,       &as_byte },
+	{ {  3 }, field_of<&_keygroup::s5000_filter_resonance>,             &as_byte },
+	{ {  3 }, field_of<&_keygroup::s2000_filter_resonance>,             &as_signed_byte },
+	{ {  4 }, field_of<&_keygroup::s5000_filter_keyboard_track>,        &as_signed_byte },
+	{ {  4 }, field_of<&_keygroup::s1000_filter_keyboard>,              &as_signed_byte },
+	{ {  5 }, field_of<&_keygroup::s5000_filter_mod1_input>,            &as_signed_byte },
+	{ {  5 }, field_of<&_keygroup::s2000_flt_mod1_level>,               &as_signed_byte },
+	{ {  6 }, field_of<&_keygroup::s5000_filter_mod2_input>,            &as_signed_byte },
+	{ {  6 }, field_of<&_keygroup::s2000_flt_mod2_level>,               &as_signed_byte },
+	{ {  7 }, field_of<&_keygroup::s5000_filter_mod3_input>,            &as_signed_byte },
+	{ {  7 }, field_of<&_keygroup::s2000_flt_mod3_level>,               &as_signed_byte },
+	{ {  8 }, field_of<&_keygroup::s5000_filter_attenuation>,           &as_byte },
 };
 
 constexpr keyzone_row zone_rows[] = {
-	{ 34, &_keyzone::low_velocity },
-	{ 35, &_keyzone::high_velocity },
-	{ 38, &_keyzone::filter, with_sign },
-	{ 38, &_keyzone::zone_filter, with_sign },
-	{ 42, &_keyzone::level, with_sign },
-	{ 42, &_keyzone::zone_level, with_sign },
-	{ 43, &_keyzone::zone_keyboard_track },
+	{ { 34 }, field_of<&_keyzone::low_velocity>,                        &as_byte },
+	{ { 35 }, field_of<&_keyzone::high_velocity>,                       &as_byte },
+	{ { 38 }, field_of<&_keyzone::filter>,                              &as_signed_byte },
+	{ { 38 }, field_of<&_keyzone::zone_filter>,                         &as_signed_byte },
+	{ { 42 }, field_of<&_keyzone::level>,                               &as_signed_byte },
+	{ { 42 }, field_of<&_keyzone::zone_level>,                          &as_signed_byte },
+	{ { 43 }, field_of<&_keyzone::zone_keyboard_track>,                 &as_byte },
 };
 // clang-format on
+
+// The shortest chunk seen of each kind holds all its rows.
+static_assert(table_is_sound<_program>(prg_rows, 6));
+static_assert(table_is_sound<_program>(out_rows, 8));
+static_assert(table_is_sound<_program>(lfo1_rows, 12) && table_is_sound<_program>(lfo2_rows, 12));
+static_assert(table_is_sound<_program>(tune_rows, 22) && table_is_sound<_program>(mods_rows, 38));
+static_assert(table_is_sound<_keygroup>(kloc_rows, 16));
+static_assert(table_is_sound<_keygroup>(amp_env_rows, 18));
+static_assert(table_is_sound<_keygroup>(filter_env_rows, 18));
+static_assert(table_is_sound<_keygroup>(aux_env_rows, 18));
+static_assert(table_is_sound<_keygroup>(filt_rows, 10));
+static_assert(table_is_sound<_keyzone>(zone_rows, 46));
 constexpr int zone_name_length = 1, zone_name = 2, zone_name_end = 34;
 
 // ---- Chunks ----------------------------------------------------------------------------
 
-i32 signed_byte(bounded_bytes data, std::size_t at)
-{
-	return static_cast<std::int8_t>(data[at]);
-}
-
 // A byte that the chunk does not have leaves its field alone.
 template <class record, std::size_t count>
-void read_rows(const akp_row<record> (&rows)[count], bounded_bytes data, record *to)
+void read_rows(const parameter<record> (&rows)[count], bounded_bytes data, record *to)
 {
-	for (const akp_row<record> &row : rows) {
-		const std::size_t at = static_cast<std::size_t>(row.at);
-		if (at >= data.size())
-			continue;
-		const i32 value = row.reading == with_sign ? signed_byte(data, at) : data[at];
-		if (row.byte)
-			to->*row.byte = static_cast<u8>(value);
-		else if (row.number)
-			to->*row.number = value;
-		else
-			to->*row.word = static_cast<u32>(value);
-	}
-}
-
-// Semitones and the byte behind them, cents.
-i32 read_tune(bounded_bytes data, std::size_t at)
-{
-	return signed_byte(data, at) * 100 + signed_byte(data, at + 1);
+	block_to_record(rows, data, *to, 0, past_the_end::stays);
 }
 
 struct akp_chunk {
@@ -320,7 +302,6 @@ void read_keygroup(bounded_bytes data, _keygroup *to)
 			chunk.size);
 		if (chunk.name == "kloc") {
 			read_rows(kloc_rows, chunk.data, to);
-			to->s1000_tune_offset = read_tune(chunk.data, 6);
 		} else if (chunk.name == "env ") {
 			read_envelope(chunk.data, envelopes++, to);
 		} else if (chunk.name == "filt") {
@@ -347,12 +328,6 @@ void read_lfo(akp_state &state, bounded_bytes data)
 	state.lfos++;
 }
 
-void read_tuning(akp_state &state, bounded_bytes data)
-{
-	read_rows(tune_rows, data, state.program);
-	state.program->s1000_tunning_offset = read_tune(data, 1);
-}
-
 void read_kgrp(akp_state &state, bounded_bytes data)
 {
 	if (state.keygroups < max_keygroups)
@@ -368,7 +343,7 @@ constexpr chunk_reader readers[] = {
 	{ "prg ", read_prg },
 	{ "out ", [](akp_state &s, bounded_bytes d) { read_rows(out_rows, d, s.program); } },
 	{ "lfo ", read_lfo },
-	{ "tune", read_tuning },
+	{ "tune", [](akp_state &s, bounded_bytes d) { read_rows(tune_rows, d, s.program); } },
 	{ "mods", [](akp_state &s, bounded_bytes d) { read_rows(mods_rows, d, s.program); } },
 	{ "kgrp", read_kgrp },
 };

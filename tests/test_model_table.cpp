@@ -1,12 +1,12 @@
 // test_model_table.cpp - the table of models, its look-ups, and the names of notes
 
-#include "src/resource.h"
+#include "src/akais1000.h"
+#include "src/akais5000.h"
+#include "src/akaiz4.h"
 #include <cstdlib>
 #include <fstream>
 #include <gtest/gtest.h>
-#include <sstream>
 #include <string>
-#include <vector>
 
 namespace velmor
 {
@@ -68,32 +68,41 @@ TEST(model_table, look_ups_stop_at_the_terminator)
 	EXPECT_EQ(get_sampler_brand_index(get_sampler_brand_id(6)), 5);
 }
 
-TEST(model_table, the_twins_hold_the_same_operations)
+// Every slot of the lists and samples, by row; rows 4 to 6 are as row 3.
+TEST(model_table, holds_what_each_model_can)
 {
-	for (int i : { 4, 5, 6 }) {
-		_sampler_type twin = sampler_type[3], row = sampler_type[i];
-		EXPECT_EQ(twin.getstatus, row.getstatus);
-		EXPECT_EQ(twin.getproglist, row.getproglist);
-		EXPECT_EQ(twin.getsamplelist, row.getsamplelist);
-		EXPECT_EQ(twin.getmultilist, row.getmultilist);
-		EXPECT_EQ(twin.renamesample, row.renamesample);
-		EXPECT_EQ(twin.downloadsample, row.downloadsample);
-		EXPECT_EQ(twin.infosample, row.infosample);
-		EXPECT_EQ(twin.uploadsample, row.uploadsample);
-		EXPECT_EQ(twin.getplaymode, row.getplaymode);
-		EXPECT_EQ(twin.saveprogram, row.saveprogram);
-		EXPECT_EQ(twin.deleteprogram, row.deleteprogram);
-		EXPECT_EQ(twin.renameprogram, row.renameprogram);
-		EXPECT_EQ(twin.del_keygroup, row.del_keygroup);
-	}
-}
-
-TEST(model_table, slots_that_no_model_has_are_empty_everywhere)
-{
+	const auto expect = [](int index, list_operation status, list_operation programs,
+				    list_operation samples, list_operation multis,
+				    decltype(_sampler_type::renamesample) rename,
+				    sample_operation download, sample_operation info,
+				    decltype(_sampler_type::uploadsample) upload,
+				    decltype(_sampler_type::getplaymode) playmode) {
+		const _sampler_type &row = sampler_type[index];
+		EXPECT_TRUE(row.getstatus == status && row.getproglist == programs) << index;
+		EXPECT_TRUE(row.getsamplelist == samples && row.getmultilist == multis) << index;
+		EXPECT_TRUE(row.renamesample == rename && row.downloadsample == download) << index;
+		EXPECT_TRUE(row.infosample == info && row.uploadsample == upload) << index;
+		EXPECT_TRUE(row.getplaymode == playmode) << index;
+	};
+	expect(2, akai_s1000_getstatus, akai_s1000_getproglist, akai_s1000_getsamplelist,
+		akai_s1000_getmultilist, akai_s1000_sample_rename, akai_s1000_sample_download,
+		akai_s1000_sample_info, akai_s2000_sample_upload, akai_s1000_getplaymode);
+	for (int index : { 3, 4, 5, 6 })
+		expect(index, akai_s2000_getstatus, akai_s1000_getproglist,
+			akai_s1000_getsamplelist, akai_s1000_getmultilist, akai_s1000_sample_rename,
+			akai_s2000_sample_download, akai_s2000_sample_info,
+			akai_s2000_sample_upload, akai_s1000_getplaymode);
+	expect(7, akai_s5000_getstatus, akai_s5000_getproglist, akai_s5000_getsamplelist,
+		akai_s5000_getmultilist, akai_s5000_renamesample, akai_s5000_downloadsample,
+		akai_s5000_sampleinfo, akai_s5000_uploadsample, akai_s5000_getplaymode);
+	for (int index : { 8, 9 })
+		expect(index, index == 8 ? akai_z4_getstatus : akai_mpc_getstatus,
+			akai_z4_getproglist, akai_z4_getsamplelist, akai_z4_getmultilist,
+			akai_z4_renamesample, akai_z4_downloadsample, akai_z4_sampleinfo,
+			akai_z4_uploadsample, akai_z4_getplaymode);
 	for (const _sampler_type &row : sampler_type) {
 		EXPECT_FALSE(row.assignqlink || row.assignqlink_callback);
-		const bool panel = row.sampler_flags != 0xFF && (row.sampler_flags & flag_lcd);
-		EXPECT_TRUE(panel || !row.getpanel);
+		EXPECT_TRUE(!row.getpanel || (row.sampler_brand && row.sampler_flags & flag_lcd));
 	}
 	// The S900 has no renaming and no deleting over MIDI.
 	const _sampler_type &s900 = sampler_type[1];
@@ -101,58 +110,36 @@ TEST(model_table, slots_that_no_model_has_are_empty_everywhere)
 		     s900.renameprogram || s900.del_keygroup);
 }
 
-// A slot that a row leaves out is an empty one that nobody decided on.
-TEST(model_table, every_row_mentions_every_slot_and_says_why_one_is_empty)
+// That none is left out is the compiler's to see.
+TEST(model_table, every_empty_slot_says_why)
 {
 	const char *source = std::getenv("VELMOR_SOURCE");
 	ASSERT_TRUE(source) << "set by ctest";
 	std::ifstream file(std::string(source) + "/src/resource.cpp");
-	ASSERT_TRUE(file);
-	static const std::vector<std::string> slots = { "userlevel", "sampler_brand",
-		"sampler_flags", "lcd_pixel_data_length", "lcd_control_data_length", "lcd_width",
-		"lcd_height", "default_keyzones", "sampler_type", "ctrl", "getstatus",
-		"getproglist", "getsamplelist", "getmultilist", "renamesample", "downloadsample",
-		"infosample", "uploadsample", "getplaymode", "getpanel", "saveprogram",
-		"deleteprogram", "renameprogram", "assignvoice", "assignvoice_callback",
-		"assignpad", "assignpad_callback", "assignqlink", "assignqlink_callback",
-		"assignvelocity", "assignvelocity_callback", "assignprog", "assignprog_callback",
-		"del_keygroup" };
-	std::vector<std::string> mentioned;
-	bool no_operations = false; // "Generic" and the terminator, which need no reasons
+	bool no_operations = false; // rows that no sampler is behind need no reasons
+	int slots = 0;
 	for (std::string line; std::getline(file, line);) {
-		if (!line.starts_with("\t\t."))
+		if (line.find(".userlevel") != line.npos)
+			no_operations = line.find("own.userlevel") != line.npos;
+		if (!line.starts_with("\t\t.") || line.find("nullptr,") == line.npos)
 			continue;
-		const std::string slot = line.substr(3, line.find_first_of(" =", 3) - 3);
-		mentioned.push_back(slot);
-		const bool empty = line.find("nullptr") != line.npos;
-		if (slot == "sampler_brand")
-			no_operations = empty || line.find("Generic") != line.npos;
-		EXPECT_TRUE(!empty || no_operations || line.find("//") != line.npos) << line;
+		EXPECT_TRUE(no_operations || line.find("  // ") != line.npos) << line;
+		slots++;
 	}
-	std::vector<std::string> due;
-	for (std::size_t i = 0; i < std::size(sampler_type); i++)
-		due.insert(due.end(), slots.begin(), slots.end());
-	EXPECT_EQ(mentioned, due);
+	EXPECT_GT(slots, 34);
 }
 
 // ---- Names ----------------------------------------------------------------------------------------
 
 TEST(names, middle_c_is_c3)
 {
-	EXPECT_STREQ(midi_note[0], "C-2");
-	EXPECT_STREQ(midi_note[1], "C#-2");
-	EXPECT_STREQ(midi_note[12], "C-1");
-	EXPECT_STREQ(midi_note[24], "C0");
-	EXPECT_STREQ(midi_note[60], "C3");
-	EXPECT_STREQ(midi_note[69], "A3");
-	EXPECT_STREQ(midi_note[127], "G8");
+	const std::pair<int, const char *> notes[] = { { 0, "C-2" }, { 1, "C#-2" }, { 12, "C-1" },
+		{ 24, "C0" }, { 60, "C3" }, { 69, "A3" }, { 127, "G8" } };
+	for (const auto &[note, name] : notes)
+		EXPECT_STREQ(midi_note[static_cast<std::size_t>(note)], name);
 	EXPECT_EQ(midi_note[128], nullptr);
-}
-
-TEST(names, a_note_above_127_is_named_by_its_low_seven_bits)
-{
 	EXPECT_STREQ(display_midi_note(60), "60 (C3)");
-	EXPECT_STREQ(display_midi_note(128), "128 (C-2)");
+	EXPECT_STREQ(display_midi_note(128), "128 (C-2)") << "by its low seven bits";
 	EXPECT_STREQ(display_midi_note(255), "255 (G8)");
 }
 

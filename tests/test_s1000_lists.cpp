@@ -1,6 +1,7 @@
 // test_s1000_lists.cpp - status and lists of the S1000 family, byte by byte on the wire
 
 #include "src/akais1000.h"
+#include "tests/support/told.h"
 #include "tests/support/transcript_midi.h"
 
 namespace velmor
@@ -27,12 +28,23 @@ protected:
 	}
 };
 
-// Blocks as they travel: two bytes of nibbles for each byte of a block.
+// Exchanges on channel 5, each what is asked and what is answered, "" for silence.
+std::string said(std::initializer_list<std::pair<std::string, std::string>> exchanges)
+{
+	std::string script;
+	for (const auto &[request, answer] : exchanges)
+		script += "> F0 47 05 " + request + " F7\n" +
+			  (answer.empty() ? "< nothing\n" : "< F0 47 05 " + answer + " F7\n");
+	return script;
+}
+constexpr char refused[] = "16 48 01";
+
+// A block as it travels: two bytes of nibbles for each of its bytes.
 std::string nibbles(std::string_view block)
 {
 	std::string text;
 	for (u8 byte : hex(block))
-		text += format_text("%02X %02X ", byte & 0x0F, byte >> 4);
+		text += format_text(" %02X %02X", byte & 0x0F, byte >> 4);
 	return text;
 }
 
@@ -40,7 +52,7 @@ std::string nibbles(std::string_view block)
 
 constexpr char status_answer[] = "< F0 47 05 01 48 0A 02 00*12 04 F7\n";
 
-TEST_F(lists, status_of_an_s1000)
+TEST_F(lists, a_status_is_logged_by_the_s2000_alone)
 {
 	play(std::string("> F0 47 05 00 48 F7\n") + status_answer, akai_s1000_getstatus);
 	EXPECT_EQ(dev().status, 1);
@@ -50,12 +62,7 @@ TEST_F(lists, status_of_an_s1000)
 			     "[SYSEX-CHANNEL: 5]"));
 	for (const std::string &line : h.log())
 		EXPECT_EQ(line.find("Requested Akai S1000"), line.npos);
-}
-
-TEST_F(lists, status_of_an_s2000_is_logged_both_ways)
-{
 	play(std::string("> F0 47 05 00 48 F7\n") + status_answer, akai_s2000_getstatus);
-	EXPECT_EQ(dev().status, 1);
 	EXPECT_TRUE(h.logged("[D] Requesting Akai S2000 Status on Exclusive Channel: 1 "
 			     "[SYSEX-CHANNEL: 5] [F0 47 05 00 48 F7]"));
 	EXPECT_TRUE(h.logged("Requested Akai S2000 Status on Exclusive Channel: 1 "
@@ -104,61 +111,31 @@ TEST_F(lists, programs_come_with_keygroups_and_zones)
 	answered();
 	const std::string program_0 = nibbles("01 0C 90  1A 13 0B 18 19 0A*7  00 01 0F 01 18 7F 00 "
 					      "FF 63 CE 50 EC 00*15 02  00*29 01 02 00 FE 00*116");
-	const std::string program_1 = nibbles("01 0C 90  0C 0B 1D 1D 0A*8  7F 0F 1F 02 00 7F 00 "
-					      "07 32 32 00*17 00  00*59 01 00*90");
+	const std::string program_1 = nibbles("01 0C 90  0C 0B 1D 1D 0A*8  7F 0F 1F 02 00*132");
 	const std::string keygroup_0 = nibbles("02 00 00  18 3B 80 FF 63 0C 00*25 "
 					       "1A 13 0B 18 19 0A 0C 0D 0A*4 00 7F");
 	const std::string keygroup_1 = nibbles("02 00 00  3C 7F");
-	play("# program list\n"
-	     "> F0 47 05 02 48 F7\n"
-	     "< F0 47 05 03 48 02 00  19 16 0E 0A*9  0C 0B 1D 1D 0A*8 F7\n"
-	     "# program 0\n"
-	     "> F0 47 05 06 48 00 00 F7\n"
-	     "< F0 47 05 07 48 00 00 " +
-			program_0 +
-			" F7\n"
-			"# program 1\n"
-			"> F0 47 05 06 48 01 00 F7\n"
-			"< F0 47 05 07 48 01 00 " +
-			program_1 +
-			" F7\n"
-			"# keygroup 0\n"
-			"> F0 47 05 08 48 00 00 00 F7\n"
-			"< F0 47 05 09 48 00 00 00 " +
-			keygroup_0 +
-			" F7\n"
-			"# keygroup 1\n"
-			"> F0 47 05 08 48 00 00 01 F7\n"
-			"< F0 47 05 09 48 00 00 01 " +
-			keygroup_1 + " F7\n",
+	play(said({ { "02 48", "03 48 02 00  19 16 0E 0A*9  0C 0B 1D 1D 0A*8" },
+		     { "06 48 00 00", "07 48 00 00" + program_0 },
+		     { "06 48 01 00", "07 48 01 00" + program_1 },
+		     { "08 48 00 00 00", "09 48 00 00 00" + keygroup_0 },
+		     { "08 48 00 00 01", "09 48 00 00 01" + keygroup_1 } }),
 		akai_s1000_getproglist);
 	ASSERT_EQ(dev().programs, 2);
 	const _program &piano = dev().program[0], &bass = dev().program[1];
-	EXPECT_STREQ(piano.name, "PIANO       ") << "the block's name, untrimmed";
-	EXPECT_EQ(piano.midi_pgm_number, 1);
-	EXPECT_EQ(piano.midi_channel, 2);
-	EXPECT_EQ(piano.polyphony, 16);
-	EXPECT_EQ(piano.play_range_low, 24);
-	EXPECT_EQ(piano.play_range_high, 127);
-	EXPECT_EQ(piano.s1000_output, 0);
-	EXPECT_EQ(piano.s1000_level, 99);
-	EXPECT_EQ(piano.s1000_balance, 0xCE) << "a byte in the record too";
-	EXPECT_EQ(piano.s1000_velocity_loudness, -20);
-	EXPECT_EQ(piano.s2000_mono_legato, 1);
-	EXPECT_EQ(piano.s2000_bendwheel_pitch_down, 2);
+	EXPECT_EQ(told(akai_s1000_program_parameters.first(4), piano),
+		"name PIANO       , midi_pgm_number 1, midi_channel 2, polyphony 16")
+		<< "the block's name, untrimmed";
 	EXPECT_EQ(piano.s2000_transpose_offset, -2);
-	EXPECT_EQ(piano.s2000_lfo2_retrigger, 1);
-	EXPECT_EQ(bass.s2000_lfo2_retrigger, 0);
 	EXPECT_EQ(piano.keygroups, 2);
 	EXPECT_STREQ(bass.name, "BASS        ");
 	EXPECT_EQ(bass.midi_pgm_number, 128);
-	EXPECT_EQ(bass.s1000_output, 8);
 	EXPECT_EQ(bass.keygroups, 0);
-	EXPECT_EQ(piano.keygroup[0].low_note, 24);
-	EXPECT_EQ(piano.keygroup[0].s1000_tune_offset, -50);
+	EXPECT_EQ(told(akai_s1000_keygroup_parameters.first(3), piano.keygroup[0]),
+		"low_note 24, high_note 59, s1000_tune_offset -50");
 	EXPECT_EQ(piano.keygroup[0].keyzones, 4);
-	EXPECT_STREQ(piano.keygroup[0].keyzone[0].samplename, "PIANO BC");
-	EXPECT_EQ(piano.keygroup[0].keyzone[0].high_velocity, 127);
+	EXPECT_EQ(told(akai_s1000_keyzone_parameters.first(3), piano.keygroup[0].keyzone[0]),
+		"samplename PIANO BC, low_velocity 0, high_velocity 127");
 	EXPECT_EQ(piano.keygroup[1].low_note, 60);
 	// The bar counts programs, and one more than there are.
 	EXPECT_FALSE(h.progress.visible);
@@ -212,13 +189,10 @@ TEST_F(lists, a_refused_program_keeps_its_fields_and_the_lists_name)
 	dev().program[0].polyphony = 11;
 	dev().program[0].keygroups = 0;
 	dev().program[1].polyphony = 11;
-	play("> F0 47 05 02 48 F7\n"
-	     "< F0 47 05 03 48 02 00 0B*4 0A*8 0C*4 0A*8 F7\n"
-	     "> F0 47 05 06 48 00 00 F7\n"
-	     "< F0 47 05 07 48 00 00 01 00 00*20 F7\n"
-	     "> F0 47 05 06 48 01 00 F7\n"
-	     "< F0 47 05 07 48 01 00 01 00 00*4 0D 00 0D 00 0D 00 0D 00 0D 00 0D 00 0D 00 0D 00 0D "
-	     "F7\n",
+	play(said({ { "02 48", "03 48 02 00 0B*4 0A*8 0C*4 0A*8" },
+		     { "06 48 00 00", "07 48 00 00 01 00 00*20" },
+		     { "06 48 01 00", "07 48 01 00 01 00 00*4 0D 00 0D 00 0D 00 0D 00 0D 00 0D 00 "
+				      "0D 00 0D 00 0D" } }),
 		akai_s1000_getproglist);
 	EXPECT_STREQ(dev().program[0].name, "AAAA") << "trimmed in the list";
 	EXPECT_EQ(dev().program[0].polyphony, 11);
@@ -231,12 +205,9 @@ TEST_F(lists, a_silent_keygroup_reads_as_zero)
 {
 	answered();
 	dev().program[0].keygroup[0].high_note = 99;
-	play("> F0 47 05 02 48 F7\n"
-	     "< F0 47 05 03 48 01 00 0B*4 0A*8 F7\n"
-	     "> F0 47 05 06 48 00 00 F7\n"
-	     "< F0 47 05 07 48 00 00 01 00 00*4 0A 00*77 01 00 00*20 F7\n"
-	     "> F0 47 05 08 48 00 00 00 F7\n"
-	     "< nothing\n",
+	play(said({ { "02 48", "03 48 01 00 0B*4 0A*8" },
+		     { "06 48 00 00", "07 48 00 00" + nibbles("01 00*41 01 00*10") },
+		     { "08 48 00 00 00", "" } }),
 		akai_s1000_getproglist);
 	ASSERT_EQ(dev().program[0].keygroups, 1);
 	EXPECT_EQ(dev().program[0].keygroup[0].high_note, 0);
@@ -244,27 +215,14 @@ TEST_F(lists, a_silent_keygroup_reads_as_zero)
 	EXPECT_FALSE(h.progress.visible);
 }
 
-TEST_F(lists, a_hundred_programs_are_named_by_the_list)
+// 7F 7F is 16383 programs. 512 are read, all of them are refused here; and 255 keygroups of
+// another sampler, of which 128 are read.
+TEST_F(lists, counts_beyond_the_record_are_cut)
 {
 	answered();
-	std::string script = "> F0 47 05 02 48 F7\n< F0 47 05 03 48 64 00 " +
-			     std::string("0B 0C*11 ") + "0B*1188 F7\n";
-	for (int i = 0; i < 100; i++)
-		script += format_text("> F0 47 05 06 48 %02X 00 F7\n< F0 47 05 16 48 01 F7\n", i);
-	play(script, akai_s1000_getproglist);
-	ASSERT_EQ(dev().programs, 100);
-	EXPECT_STREQ(dev().program[0].name, "ABBBBBBBBBBB");
-	EXPECT_STREQ(dev().program[99].name, "AAAAAAAAAAAA");
-}
-
-// 7F 7F is 16383 programs. 512 are read, all of them are refused here.
-TEST_F(lists, a_count_beyond_the_record_is_cut)
-{
-	answered();
-	std::string script = "> F0 47 05 02 48 F7\n< F0 47 05 03 48 7F 7F 0B*12 0C*5 F7\n";
+	std::string script = said({ { "02 48", "03 48 7F 7F 0B*12 0C*5" } });
 	for (int i = 0; i < 512; i++)
-		script += format_text("> F0 47 05 06 48 %02X %02X F7\n< F0 47 05 16 48 01 F7\n",
-			i & 0x7F, i >> 7);
+		script += said({ { format_text("06 48 %02X %02X", i & 0x7F, i >> 7), refused } });
 	play(script, akai_s1000_getproglist);
 	EXPECT_EQ(dev().programs, 512);
 	EXPECT_STREQ(dev().program[0].name, "AAAAAAAAAAAA");
@@ -272,73 +230,56 @@ TEST_F(lists, a_count_beyond_the_record_is_cut)
 	EXPECT_STREQ(dev().program[2].name, "");
 	EXPECT_TRUE(h.logged("[W] The sampler counts 16383 programs, 512 are read"));
 
-	script = "> F0 47 05 04 48 F7\n< F0 47 05 05 48 7F 7F F7\n";
+	script = said({ { "04 48", "05 48 7F 7F" } });
 	for (int i = 0; i < 512; i++)
-		script += format_text("> F0 47 05 0A 48 %02X %02X F7\n< F0 47 05 16 48 01 F7\n",
-			i & 0x7F, i >> 7);
+		script += said({ { format_text("0A 48 %02X %02X", i & 0x7F, i >> 7), refused } });
 	play(script, akai_s1000_getsamplelist);
 	EXPECT_EQ(dev().samples, 512);
 	EXPECT_EQ(dev().sample[511].number, 511);
-}
 
-// Index 42 of the block at FF: 255 keygroups, of which 128 are read.
-TEST_F(lists, keygroups_beyond_the_record_are_cut)
-{
-	answered();
-	std::string script = "> F0 47 05 02 48 F7\n< F0 47 05 03 48 01 00 0B*12 F7\n"
-			     "> F0 47 05 06 48 00 00 F7\n"
-			     "< F0 47 05 07 48 00 00 0F*300 F7\n";
+	script =
+		said({ { "02 48", "03 48 01 00 0B*12" }, { "06 48 00 00", "07 48 00 00 0F*300" } });
 	for (int k = 0; k < 128; k++)
-		script +=
-			format_text("> F0 47 05 08 48 00 00 %02X F7\n< F0 47 05 16 48 01 F7\n", k);
+		script += said({ { format_text("08 48 00 00 %02X", k), refused } });
 	play(script, akai_s1000_getproglist);
 	EXPECT_EQ(dev().program[0].keygroups, 128);
 	EXPECT_TRUE(h.logged("[W] The sampler counts 255 keygroups, 128 are read"));
 }
 
-TEST_F(lists, an_answer_full_of_7F_is_only_odd)
-{
-	answered();
-	play("> F0 47 05 02 48 F7\n"
-	     "< F0 47 05 03 48 01 00 7F*12 F7\n"
-	     "> F0 47 05 06 48 00 00 F7\n"
-	     "< F0 7F*999\n"
-	     "> F0 47 05 08 48 00 00 00 F7\n"
-	     "< F0 7F*999\n",
-		[](u8 channel, u8 sysex_channel, _dev_status *status) {
-			// 0F + 16 * 7F, cut: FF in every byte, and so 255 keygroups. One is enough.
-			the_test_host->on_pump = [] {
-				if (current_sampler->status->program[0].keygroups == 128)
-					stop_progress();
-			};
-			akai_s1000_getproglist(channel, sysex_channel, status);
-		});
-}
-
-TEST_F(lists, stop_ends_a_list_and_leaves_no_keygroups_of_another)
+// Pressed in the first pass, and while the second keygroup is on its way: what is not whole
+// has no keygroups, also not those of an earlier list.
+TEST_F(lists, stop_ends_a_list_and_leaves_no_keygroups)
 {
 	answered();
 	dev().program[1].keygroups = 5;
-	{
-		transcript_midi port(h, "> F0 47 05 02 48 F7\n"
-					"< F0 47 05 03 48 02 00 0B*12 0C*12 F7\n"
-					"> F0 47 05 06 48 00 00 F7\n"
-					"< F0 47 05 07 48 00 00 0F*300 F7\n");
-		h.on_pump = [this] {
-			if (h.progress.visible)
-				stop_progress();
-		};
-		akai_s1000_getproglist(1, 5, &dev());
-		EXPECT_TRUE(port.finished());
-	}
+	h.on_pump = [this] {
+		if (h.progress.visible)
+			stop_progress();
+	};
+	play(said({ { "02 48", "03 48 02 00 0B*12 0C*12" },
+		     { "06 48 00 00", "07 48 00 00 0F*300" } }),
+		akai_s1000_getproglist);
 	EXPECT_FALSE(h.progress.visible);
 	EXPECT_EQ(dev().programs, 2);
 	EXPECT_STREQ(dev().program[1].name, "BBBBBBBBBBBB");
 	EXPECT_EQ(dev().program[1].keygroups, 0);
 	EXPECT_TRUE(h.logged("[W] Reading of programs ended early, 0 of 2 are complete"));
+
+	h.on_pump = [this] {
+		if (dev().program[0].keygroup[0].low_note == 24)
+			stop_progress();
+	};
+	play(said({ { "02 48", "03 48 01 00 0B*12" },
+		     { "06 48 00 00", "07 48 00 00" + nibbles("01 00*41 02 00*10") },
+		     { "08 48 00 00 00", "09 48 00 00 00" + nibbles("02 00 00 18 3B") },
+		     { "08 48 00 00 01", "09 48 00 00 01" + nibbles("02 00 00 3C 7F") } }),
+		akai_s1000_getproglist);
+	EXPECT_EQ(dev().program[0].keygroups, 0);
+	EXPECT_EQ(dev().program[0].keygroup[1].low_note, 0);
+	EXPECT_TRUE(h.logged("[W] Reading of programs ended early, 0 of 1 are complete"));
 	// What comes next begins afresh.
 	h.on_pump = nullptr;
-	play("> F0 47 05 02 48 F7\n< F0 47 05 03 48 00 00 F7\n", akai_s1000_getproglist);
+	play(said({ { "02 48", "03 48 00 00" } }), akai_s1000_getproglist);
 	EXPECT_EQ(dev().programs, 0);
 	EXPECT_EQ(h.progress.range, 1);
 }
@@ -346,8 +287,7 @@ TEST_F(lists, stop_ends_a_list_and_leaves_no_keygroups_of_another)
 TEST_F(lists, a_port_that_fails_in_a_list_says_so_once)
 {
 	answered();
-	transcript_midi port(h, "> F0 47 05 02 48 F7\n"
-				"< F0 47 05 03 48 7F 00 0B*12 F7\n");
+	transcript_midi port(h, said({ { "02 48", "03 48 7F 00 0B*12" } }));
 	h.on_pump = [&] {
 		if (h.progress.visible)
 			port.faults.write = 19;
@@ -364,21 +304,11 @@ TEST_F(lists, a_port_that_fails_in_a_list_says_so_once)
 TEST_F(lists, the_header_names_a_sample_and_not_the_list)
 {
 	answered();
-	play("# sample list\n"
-	     "> F0 47 05 04 48 F7\n"
-	     "< F0 47 05 05 48 03 00  0B*12  0C 0C 0A*10  0D*12 F7\n"
-	     "# header 0: KICK\n"
-	     "> F0 47 05 0A 48 00 00 F7\n"
-	     "< F0 47 05 0B 48 00 00 " +
-			nibbles("03 01 3C 15 13 0D 15 0A*8 00*135") +
-			" F7\n"
-			"# refused\n"
-			"> F0 47 05 0A 48 01 00 F7\n"
-			"< F0 47 05 16 48 01 F7\n"
-			"# another function, and taken all the same: TOM\n"
-			"> F0 47 05 0A 48 02 00 F7\n"
-			"< F0 47 05 07 48 01 00 " +
-			nibbles("03 01 3C 1E 19 17 0A*9") + " F7\n",
+	// The first names KICK, the second is refused, the third has another function.
+	play(said({ { "04 48", "05 48 03 00  0B*12  0C 0C 0A*10  0D*12" },
+		     { "0A 48 00 00", "0B 48 00 00" + nibbles("03 01 3C 15 13 0D 15 0A*8 00*135") },
+		     { "0A 48 01 00", refused },
+		     { "0A 48 02 00", "07 48 01 00" + nibbles("03 01 3C 1E 19 17 0A*9") } }),
 		akai_s1000_getsamplelist);
 	ASSERT_EQ(dev().samples, 3);
 	EXPECT_STREQ(dev().sample[0].name, "KICK");
@@ -388,26 +318,20 @@ TEST_F(lists, the_header_names_a_sample_and_not_the_list)
 	EXPECT_TRUE(h.progress.infos.empty());
 }
 
-TEST_F(lists, no_samples_and_no_more_questions)
-{
-	answered();
-	dev().samples = 5;
-	play("> F0 47 05 04 48 F7\n< F0 47 05 05 48 00 00 F7\n", akai_s1000_getsamplelist);
-	EXPECT_EQ(dev().samples, 0);
-}
-
 TEST_F(lists, a_sampler_that_falls_silent_is_left_alone)
 {
 	answered();
-	play("> F0 47 05 04 48 F7\n"
-	     "< F0 47 05 05 48 09 00 0B*108 F7\n"
-	     "> F0 47 05 0A 48 00 00 F7\n"
-	     "> F0 47 05 0A 48 01 00 F7\n"
-	     "> F0 47 05 0A 48 02 00 F7\n",
+	dev().samples = 5;
+	play(said({ { "04 48", "05 48 00 00" } }), akai_s1000_getsamplelist);
+	EXPECT_EQ(dev().samples, 0);
+	// Three silent answers in a row end it; two, and two more, do not.
+	play(said({ { "04 48", "05 48 09 00 0B*108" }, { "0A 48 00 00", "" }, { "0A 48 01 00", "" },
+		     { "0A 48 02 00", refused }, { "0A 48 03 00", "" }, { "0A 48 04 00", "" },
+		     { "0A 48 05 00", "" } }),
 		akai_s1000_getsamplelist);
 	EXPECT_EQ(dev().samples, 9);
 	EXPECT_STREQ(dev().sample[8].name, "AAAAAAAAAAAA");
-	EXPECT_LT(h.time.now(), 12);
+	EXPECT_LT(h.time.now(), 20);
 	EXPECT_TRUE(h.logged("[W] The sampler no longer answers, the names of the list are kept"));
 }
 
@@ -425,12 +349,10 @@ TEST_F(lists, the_family_shows_no_multis_and_asks_for_none)
 
 TEST_F(lists, play_modes_have_names)
 {
-	EXPECT_STREQ(akai_s1000_getplaymode(0), "NORMAL LOOPING");
-	EXPECT_STREQ(akai_s1000_getplaymode(1), "LOOP UNTIL RELEASE");
-	EXPECT_STREQ(akai_s1000_getplaymode(2), "NO LOOPING");
-	EXPECT_STREQ(akai_s1000_getplaymode(3), "PLAY TO SAMPLE END");
-	EXPECT_STREQ(akai_s1000_getplaymode(4), "UNKNOWN");
-	EXPECT_STREQ(akai_s1000_getplaymode(-1), "UNKNOWN");
+	const char *const names[] = { "UNKNOWN", "NORMAL LOOPING", "LOOP UNTIL RELEASE",
+		"NO LOOPING", "PLAY TO SAMPLE END", "UNKNOWN" };
+	for (i32 mode = -1; mode <= 4; mode++)
+		EXPECT_STREQ(akai_s1000_getplaymode(mode), names[mode + 1]);
 }
 
 } // namespace

@@ -60,6 +60,44 @@ TEST(virtual_demo, holds_sounds_that_its_programs_play)
 	check_contents(old);
 }
 
+TEST(virtual_demo, holds_sounds_of_12_bits_on_an_s900)
+{
+	s900_machine m(s900_model::s900), big(s900_model::s950);
+	fill_demo(m);
+	fill_demo(big);
+	EXPECT_EQ(m.programs.size(), 3u);
+	EXPECT_EQ(big.programs.size(), 4u);
+	std::set<std::string> names = { "" };
+	for (const s900_sample &s : big.samples) {
+		const std::string name = s900_machine::get_name(s.header, 0);
+		EXPECT_TRUE(names.insert(name).second) << name << " twice";
+		EXPECT_LT(name.size(), 10u);
+		const auto [low, high] = std::minmax_element(s.words.begin(), s.words.end());
+		EXPECT_GE(*low, -2048) << name;
+		EXPECT_GT(std::max<int>(-*low, *high), 1500) << name << " is loud enough";
+		const u32 first = machine::get_number(s.header, 32, 4);
+		const u32 last = first + machine::get_number(s.header, 36, 4);
+		ASSERT_LT(last, s.words.size()) << name;
+		EXPECT_LT(std::abs(s.words[first] - s.words[last]), 200) << name;
+	}
+	for (const s900_program &p : big.programs)
+		for (const bytes &k : p.keygroups) {
+			EXPECT_LE(k[1], k[0]);
+			EXPECT_TRUE(names.count(s900_machine::get_name(k, 24)));
+			EXPECT_TRUE(names.count(s900_machine::get_name(k, 46)));
+		}
+	// STRINGS: keys 59 to 36, velocity switch 84, 45 70 90 62, names at 131 and 175.
+	const bytes strings = big.answer(hex("F0 47 0A 02 40 02 00 F7"));
+	ASSERT_EQ(strings.size(), 85u + 280);
+	EXPECT_EQ(strings[53], 2);
+	EXPECT_EQ(bytes(strings.begin() + 83, strings.begin() + 97),
+		hex("3B 00 24 00 54 00 2D 00 46 00 5A 00 3E 00"));
+	EXPECT_EQ(strings[119], 4);
+	EXPECT_EQ(strings[145], 'P');
+	EXPECT_EQ(bytes({ strings[171], strings[189], strings[215], strings[223] }),
+		hex("50 46 50 60"));
+}
+
 TEST(virtual_demo, can_be_as_full_as_a_benchmark_wants)
 {
 	s1000_machine m(s1000_model::s3000, 0);

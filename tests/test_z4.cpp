@@ -1,6 +1,7 @@
 // test_z4.cpp - lists and sample transfer with a Z4, Z8 and MPC 4000, byte for byte
 
 #include "src/akaiz4.h"
+#include "tests/support/told.h"
 #include "tests/support/usb_fixture.h"
 
 using namespace velmor;
@@ -27,6 +28,13 @@ protected:
 			static_cast<unsigned>(size + 5), command.c_str(), status, data.c_str()));
 	}
 	void open() { play("# open \n > 03 01"); }
+	bool corrupted()
+	{
+		const std::vector<std::string> log = h.log();
+		return std::any_of(log.begin(), log.end(), [](const std::string &line) {
+			return line.ends_with("SYSEX-MIDI_USB DELIVERED CORRUPTED OUTPUT!\r\n");
+		});
+	}
 	transcript_usb wire;
 	_dev_status *dev;
 };
@@ -112,22 +120,26 @@ TEST_F(z4_driver, programs)
 	EXPECT_STREQ(p.name, "A");
 	EXPECT_EQ(p.number, 133);
 	EXPECT_EQ(p.sampler_type, 1003);
-	EXPECT_EQ(p.polyphony, 32);
-	EXPECT_EQ(p.s1000_reasignement, 1);
+	EXPECT_EQ(told(akai_z4_program_values, p), "polyphony 32, s1000_reasignement 1");
 	ASSERT_EQ(p.keygroups, 2);
-	EXPECT_EQ(p.keygroup[0].low_note, 24);
-	EXPECT_EQ(p.keygroup[0].high_note, 96);
-	ASSERT_EQ(p.keygroup[0].keyzones, 2);
-	EXPECT_STREQ(p.keygroup[0].keyzone[1].samplename, "A2");
-	EXPECT_EQ(p.keygroup[0].keyzone[0].zone_level, -133);
-	EXPECT_EQ(p.keygroup[0].keyzone[1].zone_level, 5);
+	EXPECT_EQ(told(akai_z4_keygroup_values, p.keygroup[0]), "low_note 24, high_note 96");
+	EXPECT_EQ(p.keygroup[0].keyzones, 2);
 	EXPECT_EQ(p.keygroup[1].keyzones, 1) << "a refused level leaves the zone counted";
-	EXPECT_EQ(p.keygroup[1].keyzone[0].zone_level, 0);
-	EXPECT_TRUE(h.logged("[D] PROG-NR BEFORE DECODING: [05 01 00 00]"));
-	EXPECT_TRUE(h.logged("[D] I: 0, PTR: [A] NUMBER: 133"));
-	EXPECT_TRUE(h.logged("[D] PROGRAM[133] GETPOLYPHONY [F0 47 5F 00 52 00 00 00 20 F7]"));
-	EXPECT_TRUE(h.logged("[D] Program has 2 Keygroups"));
-	EXPECT_TRUE(h.logged("[D] Sampler has loaded 2 Keygroups"));
+	const auto zone = [&](int kg, int number) {
+		return told(akai_z4_zone_values, p.keygroup[kg].keyzone[number]);
+	};
+	EXPECT_EQ(zone(0, 0), "samplename A1, zone_level -133");
+	EXPECT_EQ(zone(0, 1), "samplename A2, zone_level 5");
+	EXPECT_EQ(zone(1, 0), "samplename B1, zone_level 0");
+	for (const char *line :
+		{ "[D] PROG-NR BEFORE DECODING: [05 01 00 00]", "[D] I: 0, PTR: [A] NUMBER: 133",
+			"[D] PROGRAM[133] GETPOLYPHONY [F0 47 5F 00 52 00 00 00 20 F7]",
+			"[D] PROGRAM[133] GET REASIGNEMENT [F0 47 5F 00 52 00 00 00 01 F7]",
+			"[D] Requesting Keygroup LOW-Note", "[D] Requesting Keygroup HIGH-Note",
+			"[D] KEYGROUP: 0, ZONE: 1, LEVEL: [F0 47 5F 00 52 00 00 00 01 05 01 F7] "
+			"(-133)",
+			"[D] Program has 2 Keygroups", "[D] Sampler has loaded 2 Keygroups" })
+		EXPECT_TRUE(h.logged(line)) << line;
 	EXPECT_TRUE(h.progress.caption.empty()) << "no bar is shown";
 }
 
@@ -137,10 +149,7 @@ TEST_F(z4_driver, a_list_that_is_not_one)
 	ask("14 01", "01 00 00 00");
 	ask("14 02 02", "04 05 01 00 00 05 41 00");
 	akai_z4_getproglist(1, 1, dev);
-	bool told = false;
-	for (const std::string &line : h.log())
-		told |= line.ends_with("WARNING! SYSEX-MIDI_USB DELIVERED CORRUPTED OUTPUT!\r\n");
-	EXPECT_TRUE(told);
+	EXPECT_TRUE(corrupted());
 	open();
 	ask("14 01", "00 00 00 00");
 	ask("14 02 02", "");
@@ -149,10 +158,11 @@ TEST_F(z4_driver, a_list_that_is_not_one)
 	EXPECT_TRUE(h.logged("[D] Sampler has loaded 0 Keygroups"));
 }
 
+// And a list that is shorter than announced.
 TEST_F(z4_driver, sixteen_keygroups_at_most)
 {
 	open();
-	ask("14 01", "01 00 00 00");
+	ask("14 01", "02 00 00 00");
 	ask("14 02 02", "04 00 00 00 00 08 41 00");
 	ask("14 03 00 00 00 00", "", "44");
 	for (const char *command : { "14 06", "17 10", "17 11" })
@@ -165,6 +175,7 @@ TEST_F(z4_driver, sixteen_keygroups_at_most)
 	}
 	akai_z4_getproglist(1, 1, dev);
 	EXPECT_EQ(dev->program[0].keygroups, 16);
+	EXPECT_TRUE(corrupted());
 }
 
 TEST_F(z4_driver, information)

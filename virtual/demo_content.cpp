@@ -289,6 +289,82 @@ void fill_demo(s1000_machine &machine)
 		fill_s3000(machine);
 }
 
+// ---- The S900 and S950 -------------------------------------------------------------
+
+static void add_sound(s900_machine &machine, const char *name, std::uint8_t pitch, demo_sound sound)
+{
+	for (std::int16_t &w : sound.words)
+		w = static_cast<std::int16_t>(w / 16);
+	s900_sample &s = machine.add_sample(name, sound.rate, std::move(sound.words));
+	machine::put_number(s.header, 22, pitch * 16u, 2);
+	if (sound.loop_last > sound.loop_first)
+		s900_machine::set_loop(s, sound.loop_first, sound.loop_last);
+}
+
+// Keys, envelope and filter of a keygroup; velocities from velocity_switch on play the loud
+// sample, 128 is none. Drums play to their end however short the key.
+struct s900_plan {
+	std::uint8_t low, high;
+	std::uint8_t attack, decay, sustain, release;
+	std::uint8_t filter;
+	std::uint8_t velocity_switch;
+	bool drum;
+	const char *soft, *loud;
+};
+
+static void add_plan(
+	s900_machine &machine, const char *name, std::initializer_list<s900_plan> plans)
+{
+	s900_program &p = machine.add_program(name, plans.size());
+	std::size_t k = 0;
+	for (const s900_plan &plan : plans) {
+		machine::bytes &block = p.keygroups[k++];
+		const std::uint8_t head[] = { plan.high, plan.low, plan.velocity_switch,
+			plan.attack, plan.decay, plan.sustain, plan.release };
+		std::copy(std::begin(head), std::end(head), block.begin());
+		block[18] = plan.drum ? 4 + 8 : 4;
+		block[44] = block[66] = plan.filter;
+		s900_machine::put_name(block, 24, plan.soft);
+		s900_machine::put_name(block, 46, plan.loud);
+	}
+}
+
+// clang-format off
+void fill_demo(s900_machine &machine)
+{
+	const bool choir = machine.number_room > 32;
+	machine.omni = true;
+	add_sound(machine, "KICK",     36, kick_drum(20000));
+	add_sound(machine, "SNARE",    38, snare_drum(20000));
+	add_sound(machine, "HAT",      42, hi_hat(20000, 0.1));
+	add_sound(machine, "PICKBASS", 36, bass_note(16000, 65.41));
+	add_sound(machine, "STRING P", 60, string_note(16000, 261.63, 0.2));
+	add_sound(machine, "STRING F", 60, string_note(16000, 261.63, 0.9));
+	if (choir)
+		add_sound(machine, "CHOIR AH", 57, sung_vowel(16000, 220));
+
+	//  low high  att dec sus rel  flt switch drum   soft, loud
+	add_plan(machine, "DRUM KIT", {
+		{ 35,  36,   0, 60, 99, 20, 99,  128, true,  "KICK", "" },
+		{ 37,  40,   0, 60, 99, 25, 99,  128, true,  "SNARE", "" },
+		{ 42,  46,   0, 60, 99, 10, 99,  128, true,  "HAT", "" },
+	});
+	add_plan(machine, "BASS", {
+		{ 24,  60,   0, 72, 60, 30, 75,  128, false, "PICKBASS", "" },
+	});
+	add_plan(machine, "STRINGS", {
+		{ 36,  59,  45, 70, 90, 62, 80,   84, false, "STRING P", "STRING F" },
+		{ 60,  96,  38, 70, 90, 58, 90,   84, false, "STRING P", "STRING F" },
+	});
+	if (choir)
+		add_plan(machine, "CHOIR", {
+			{ 43, 79,  40, 60, 99, 55, 90, 128, false, "CHOIR AH", "" },
+		});
+}
+// clang-format on
+
+// ---- For benchmarks ----------------------------------------------------------------
+
 static std::string numbered(const char *word, std::size_t number)
 {
 	char name[32];

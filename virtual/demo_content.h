@@ -9,6 +9,7 @@
 
 #pragma once
 #include "virtual/s1000.h"
+#include "virtual/s900.h"
 
 namespace velmor
 {
@@ -20,6 +21,10 @@ void fill_s3000(s1000_machine &machine);
 void fill_s1000(s1000_machine &machine);
 // The set that suits the model.
 void fill_demo(s1000_machine &machine);
+
+// A drum kit, a bass and strings, soft and loud, of 12 bits: three programs over six
+// samples, and a choir on the S950. Its panel is set to hear every exclusive channel.
+void fill_demo(s900_machine &machine);
 
 // programs of keygroups keygroups each, and samples of words words each, by number:
 // "PROGRAM 001", "SAMPLE 001". Zones name the samples in turn.

@@ -19,7 +19,7 @@ namespace velmor
 using machine::byte_view;
 using machine::bytes;
 
-static constexpr std::size_t longest_message = 1 << 20;
+static constexpr std::size_t longest_message = 4 << 20;
 
 // Bytes that follow one another without a gap.
 struct run {
@@ -72,6 +72,8 @@ struct midi_wire::line : std::enable_shared_from_this<midi_wire::line> {
 	void send(byte_view sent);
 	void left(double now);
 	void reached(const bytes &whole);
+	void reached_in_part(std::size_t at, const bytes &fresh);
+	void speak_spoiled(const wire_fault &fault, bytes answer);
 	void speak(bytes said, double late, bool pull, bool gap);
 	void pull();
 	const wire_fault *fault_now(wire_fault *found);
@@ -142,31 +144,44 @@ void midi_wire::line::send(byte_view sent)
 }
 
 // The first run has left. A real-time byte may stand inside a message; any other status
-// byte ends it.
+// byte ends it. A run holds one F7 at most, its last byte.
 void midi_wire::line::left(double)
 {
-	std::vector<bytes> whole;
+	bytes whole, fresh;
+	std::size_t at;
+	bool broken_off = false;
 	{
 		std::lock_guard held(lock);
 		if (pulled || outgoing.empty())
 			return;
+		at = message.size();
 		for (const std::uint8_t b : outgoing.front().content) {
 			if (b >= 0xF8)
 				continue;
-			if (b & 0x80 && b != 0xF7)
+			if (b & 0x80 && b != 0xF7) {
+				broken_off |= !message.empty();
 				message.clear();
+				at = 0;
+			}
 			if (b == 0xF0 || (!message.empty() && message.size() < longest_message))
 				message.push_back(b);
 			if (b == 0xF7) {
 				if (!message.empty() && message.back() == 0xF7)
-					whole.push_back(message);
+					whole = std::move(message);
 				message.clear();
 			}
 		}
+		if (at < message.size())
+			fresh.assign(
+				message.begin() + static_cast<std::ptrdiff_t>(at), message.end());
 		outgoing.pop_front();
 	}
-	for (const bytes &m : whole)
-		reached(m);
+	if (broken_off && machine.part)
+		machine.part(0, {});
+	if (!whole.empty())
+		reached(whole);
+	if (!fresh.empty() && machine.part)
+		reached_in_part(at, fresh);
 	notify();
 }
 
@@ -197,8 +212,9 @@ static bytes spoiled(wire_fault_kind kind, bytes answer)
 		answer.resize(answer.size() / 2);
 		break;
 	case wire_fault_kind::garbled:
-		for (std::size_t i = 3; i + 1 < answer.size(); i++)
-			answer[i] ^= 0x2A;
+		for (std::size_t i = 3; i < answer.size(); i++)
+			if (answer[i] != 0xF7)
+				answer[i] ^= 0x2A;
 		break;
 	case wire_fault_kind::wrong_function:
 		if (answer.size() > 3)
@@ -228,20 +244,41 @@ void midi_wire::line::reached(const bytes &whole)
 		speak(machine.answer(whole), 0, false, false);
 		return;
 	}
-	const wire_fault_kind kind = fault->kind;
-	if (kind == wire_fault_kind::silent)
+	if (fault->kind == wire_fault_kind::silent)
 		return;
-	if (kind == wire_fault_kind::refused) {
+	if (fault->kind == wire_fault_kind::refused) {
 		speak(machine.refuse(whole), 0, false, false);
 		return;
 	}
-	if (kind == wire_fault_kind::wait_first)
+	if (fault->kind == wire_fault_kind::wait_first)
 		speak(machine.wait(whole), 0, false, false);
-	const bool late = kind == wire_fault_kind::slow || kind == wire_fault_kind::wait_first;
-	bytes answer = machine.answer(whole);
+	speak_spoiled(*fault, machine.answer(whole));
+}
+
+void midi_wire::line::reached_in_part(std::size_t at, const bytes &fresh)
+{
+	wire_fault found = {};
+	const wire_fault *fault = fault_now(&found);
+	if (fault && (fault->kind == wire_fault_kind::silent ||
+			     fault->kind == wire_fault_kind::refused)) {
+		std::lock_guard held(lock);
+		message.resize(at);
+		return;
+	}
+	bytes answer = machine.part(at, fresh);
+	if (fault)
+		speak_spoiled(*fault, std::move(answer));
+	else
+		speak(std::move(answer), 0, false, false);
+}
+
+void midi_wire::line::speak_spoiled(const wire_fault &fault, bytes answer)
+{
 	if (answer.empty())
 		return;
-	speak(spoiled(kind, std::move(answer)), late ? fault->seconds : 0,
+	const wire_fault_kind kind = fault.kind;
+	const bool late = kind == wire_fault_kind::slow || kind == wire_fault_kind::wait_first;
+	speak(spoiled(kind, std::move(answer)), late ? fault.seconds : 0,
 		kind == wire_fault_kind::unplugged, kind == wire_fault_kind::overrun);
 }
 
@@ -408,6 +445,33 @@ void midi_wire::on_change(std::function<void()> what)
 {
 	std::lock_guard held(state->lock);
 	state->changed = std::move(what);
+}
+
+// ---- Machines on one cable ---------------------------------------------------------
+
+midi_machine on_one_cable(std::vector<midi_machine> machines)
+{
+	using hear = std::function<bytes(byte_view)>;
+	const auto all = std::make_shared<const std::vector<midi_machine>>(std::move(machines));
+	const auto in_turn = [all](hear midi_machine::*how) -> hear {
+		return [all, how](byte_view message) {
+			for (const midi_machine &m : *all)
+				if (bytes said = (m.*how)(message); !said.empty())
+					return said;
+			return bytes();
+		};
+	};
+	return { .answer = in_turn(&midi_machine::answer),
+		.refuse = in_turn(&midi_machine::refuse),
+		.wait = in_turn(&midi_machine::wait),
+		.part = [all](std::size_t at, byte_view fresh) {
+			bytes said;
+			for (const midi_machine &m : *all)
+				if (m.part)
+					for (const std::uint8_t b : m.part(at, fresh))
+						said.push_back(b);
+			return said;
+		} };
 }
 
 // ---- Faults by name ----------------------------------------------------------------

@@ -36,7 +36,16 @@ struct midi_machine {
 	std::function<machine::bytes(machine::byte_view)> refuse;
 	// What the machine sends first when its answer will take a while.
 	std::function<machine::bytes(machine::byte_view)> wait;
+	// For a machine that answers inside a message of many kilobytes: the bytes that have
+	// reached it since the last call, of a message that has not ended, and the place of the
+	// first of them in the message. No bytes at place 0: the message was broken off. Each
+	// call is an exchange of its own to the faults; one that is lost or refused takes its
+	// bytes out of the message.
+	std::function<machine::bytes(std::size_t, machine::byte_view)> part = {};
 };
+
+// Machines on one cable, in order: what one of them does not answer is for the next.
+midi_machine on_one_cable(std::vector<midi_machine> machines);
 
 struct wire_settings {
 	double byte_time = 320e-6; // seconds a byte; 0 for no wire delay

@@ -1,8 +1,7 @@
 // akais5000.h - the S5000/6000 driver: values on the wire, requests, lists, samples
 //
-// Its functions fill the S5000 row of sampler_type. The Z4 driver uses the same rows; what
-// both have in common beside them is akaiusb.h. A request is section, item, arguments; the frame around it
-// belongs to the transport.
+// Its functions fill the S5000 row of sampler_type. What the driver of the Z4 has in common
+// with it is akaiusb.h.
 //
 // Each operation opens the device, runs its requests and closes it. Nothing is kept but the
 // sampler's own "current" program, keygroup and sample.
@@ -29,7 +28,6 @@ extern const conversion as_zone_signed;    // as_signed; writing leaves the magn
 extern const conversion as_zone_level;     // the same, with seven bits of magnitude on the wire
 extern const conversion as_velocity_start; // the same, and reading is no inverse of writing
 
-inline constexpr int s5000_answer_status = 6;
 inline constexpr int s5000_answer_data = 9;
 inline constexpr u8 status_refused = 0x45; // 'E'
 inline constexpr u8 section_zone = 0x06;

@@ -10,6 +10,7 @@
 //
 // Knows nothing of: the layout of a WAV file beyond the header's shape.
 
+#include "src/akais5000.h"
 #include "src/akaiusb_info.h"
 #include "src/controls.h"
 #include <algorithm>

@@ -4,7 +4,8 @@
 // Knows nothing of: the requests of a model, which it gets as a table.
 
 #pragma once
-#include "src/akais5000.h"
+#include "src/akaiusb.h"
+#include "src/parameters.h"
 
 namespace velmor
 {

@@ -11,6 +11,7 @@
 //
 // Knows nothing of: the layout of a WAV file beyond the header's shape.
 
+#include "src/akais5000.h"
 #include "src/akaiusb_info.h"
 #include "src/akaiz4.h"
 #include "src/controls.h"

@@ -72,6 +72,7 @@ static void make_current(const _sampler &record)
 	owned_sampler = std::make_unique<_sampler>(record);
 	owned_sampler->status = nullptr;
 	current_sampler = owned_sampler.get();
+	copy_text(current_usb_name, record.sampler_usbname); // for the next save
 }
 
 _dev_status *require_dev_status()

@@ -144,6 +144,8 @@ TEST_F(loading, texts_and_numbers_of_a_file_are_not_trusted)
 	EXPECT_EQ(load_sampler("hostile"), 0);
 	EXPECT_EQ(std::strlen(current_sampler->sampler_description), 255u);
 	EXPECT_EQ(std::strlen(current_sampler->sampler_usbname), 255u);
+	EXPECT_STREQ(current_usb_name, current_sampler->sampler_usbname)
+		<< "what the next save stores";
 	EXPECT_EQ(current_sampler->status, nullptr); // not the pointer in the file
 	EXPECT_EQ(chosen(sampler_midi_list), 15);
 	EXPECT_EQ(chosen(sampler_exclusive_list), 128);

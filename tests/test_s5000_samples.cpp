@@ -388,6 +388,26 @@ TEST_F(s5000_samples, stop_ends_a_download_between_blocks)
 	EXPECT_EQ(h.content(spool("KICK.wav"))->size(), 5u);
 }
 
+// The sampler is left in the middle though every exchange ended well.
+TEST_F(s5000_samples, the_next_opening_breaks_off_a_transfer_that_went_wrong)
+{
+	h.put_content(spool("KICK.wav"), std::vector<u8>(200, 7));
+	const auto opens_after = [this](const std::string &steps) {
+		play(open_s5000);
+		play(steps);
+		steps.find("> 20") == steps.npos ? akai_s5000_downloadsample(1, 1, "KICK")
+						 : akai_s5000_uploadsample(spool("KICK").c_str());
+		play("> 03 14 \n > 04 03 \n > 03 14 \n > 04 03");
+		play(open_s5000);
+		EXPECT_TRUE(open_midi_usb(&usbdev[0]));
+		close_midi_usb(&usbdev[0]);
+		EXPECT_EQ(wire.steps_left(), 0);
+	};
+	opens_after(
+		std::string(select_kick) + "\n < 00*6 45 F7 \n > 20 00 00 00 C8 'KICK' \n < 00*8");
+	opens_after(selected + "< 00*144");
+}
+
 TEST_F(s5000_samples, a_download_without_its_device)
 {
 	wire.open_result = usb_no_device;

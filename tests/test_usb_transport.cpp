@@ -243,24 +243,6 @@ TEST_F(usb_transport, a_denied_device_names_the_rule_once)
 	EXPECT_TRUE(h.logged(line));
 }
 
-// Every step of the scan, and of the test behind it, can be the last.
-TEST_F(usb_transport, unplugged_at_any_step_of_a_scan)
-{
-	std::vector<std::string> steps;
-	std::istringstream lines(std::string(s5000_scan) + s5000_open + s5000_test);
-	for (std::string line; std::getline(lines, line);)
-		if (line.find_first_of("<>") != line.npos)
-			steps.push_back(line);
-	for (std::size_t last = 0; last < steps.size(); last++) {
-		transcript_usb wire(h, 0x5E);
-		for (std::size_t i = 0; i < last; i++)
-			wire.play(steps[i].c_str());
-		wire.play("! unplug");
-		EXPECT_LT(took([] { init_usb(1); }), 0.1) << "after step " << last;
-		EXPECT_FALSE(usb_in_use());
-	}
-}
-
 TEST_F(usb_transport, frames_of_both_families)
 {
 	transcript_usb wire(h, 0x5E);

@@ -11,6 +11,7 @@
 #include "virtual/demo_usb.h"
 #include "virtual/usb_bus.h"
 #include <gtest/gtest.h>
+#include <set>
 #include <sstream>
 
 namespace velmor
@@ -201,37 +202,30 @@ TEST_F(s5000_test, refuses_a_wrong_sum_until_sums_are_off_and_never_hears_a_wron
 TEST_F(s5000_test, works_on_what_was_selected_and_keeps_it_when_there_is_none)
 {
 	wake();
+	// clang-format off
 	all(6, {
-		       { "0A 05 42 41 53 53 00", "44 0A 05" }, // BASS
-		       { "0A 12", "52 0A 12 00 01" },
-		       { "0A 05 58 00", "45 0A 05 03" }, // there is none
-		       { "0A 13", "52 0A 13 42 41 53 53 00" },
-		       { "0A 05 50 49 41 4E 4F", "44 0A 05" }, // PIANO, no NUL
-		       { "0A 14", "52 0A 14 02" },
-		       { "08 01 02", "44 08 01" },
-		       { "08 01 03", "45 08 01 03" },
-		       { "08 02", "52 08 02 02" },
-		       { "06 01 03 4B 49 43 4B 00", "44 06 01" }, // zone 3: KICK
-		       { "06 21 03", "52 06 21 4B 49 43 4B 00" },
-		       { "06 0A 03 01 01 48", "44 06 0A" },
-		       { "06 2A 03", "52 06 2A 01 01 48" },
-		       { "06 22 05", "45 06 22 03" },       // no fifth zone
-		       { "06 02 03 02 05", "45 06 02 02" }, // no sign of 2
-		       { "06 02 03 01", "45 06 02 01" },    // an argument too few
-		       { "06 7E", "45 06 7E 00" },          // not known
-		       { "08 63 04 0C", "44 08 63" },
-		       { "08 6B 04", "52 08 6B 0C" },
-		       { "0A 0B 01", "44 0A 0B" },          // a keygroup more
-		       { "0A 02 4E 45 57 00", "44 0A 02" }, // NEW
-		       { "0A 09 4F 4C 44 00", "44 0A 09" }, // OLD
-		       { "0A 08", "44 0A 08" },
-		       { "0E 05 53 4E 41 52 45 00", "44 0E 05" }, // SNARE
-		       { "0E 33", "52 0E 33 00 01 2C 22" },       // 22050
-		       { "0E 13", "52 0E 13 03 02" },             // 0182
-		       { "0E 05 58 00", "45 0E 05 03" },
-		       { "0E 08", "44 0E 08" },
-		       { "02 02 41 00", "44 02 02" },
-	       });
+		{ "0A 05 42 41 53 53 00", "44 0A 05" },  // BASS
+		{ "0A 12", "52 0A 12 00 01" },               { "0A 05 58 00", "45 0A 05 03" },  // there is none
+		{ "0A 13", "52 0A 13 42 41 53 53 00" },      { "0A 05 50 49 41 4E 4F", "44 0A 05" },  // PIANO, no NUL
+		{ "0A 14", "52 0A 14 02" },                  { "08 01 02", "44 08 01" },
+		{ "08 01 03", "45 08 01 03" },               { "08 02", "52 08 02 02" },
+		{ "06 01 03 4B 49 43 4B 00", "44 06 01" },  // zone 3: KICK
+		{ "06 21 03", "52 06 21 4B 49 43 4B 00" },   { "06 0A 03 01 01 48", "44 06 0A" },
+		{ "06 2A 03", "52 06 2A 01 01 48" },         { "06 22 05", "45 06 22 03" },  // no fifth zone
+		{ "06 02 03 02 05", "45 06 02 02" },  // no sign of 2
+		{ "06 02 03 01", "45 06 02 01" },  // an argument too few
+		{ "06 7E", "45 06 7E 00" },  // not known
+		{ "08 63 04 0C", "44 08 63" },               { "08 6B 04", "52 08 6B 0C" },
+		{ "0A 0B 01", "44 0A 0B" },  // a keygroup more
+		{ "0A 02 4E 45 57 00", "44 0A 02" },  // NEW
+		{ "0A 09 4F 4C 44 00", "44 0A 09" },  // OLD
+		{ "0A 08", "44 0A 08" },                     { "0E 05 53 4E 41 52 45 00", "44 0E 05" },  // SNARE
+		{ "0E 33", "52 0E 33 00 01 2C 22" },  // 22050
+		{ "0E 13", "52 0E 13 03 02" },  // 0182
+		{ "0E 05 58 00", "45 0E 05 03" },            { "0E 08", "44 0E 08" },
+		{ "02 02 41 00", "44 02 02" },
+	});
+	// clang-format on
 	EXPECT_EQ(machine.programs[0].keygroups.size(), 3u);
 	EXPECT_EQ(machine.programs[0].keygroups[1].aux_level[3], 12);
 	EXPECT_EQ(machine.programs[0].keygroups[0].aux_level[3], 0);
@@ -255,36 +249,6 @@ TEST_F(s5000_test, reads_and_writes_blocks_of_a_keygroup)
 		bytes("F0 47 5E 00 00 00 45 3A 00 02 F7"));
 	EXPECT_EQ(machine.programs[1].keygroups[0].at(0x04)[0], 0x18);
 	EXPECT_EQ(request("3A 00 01 02 0A 00 00 00"), bytes("F0 47 5E 00 00 00 45 3A 00 03 F7"));
-}
-
-TEST_F(s5000_test, takes_a_sample_whose_first_block_holds_the_header_alone)
-{
-	machine.block_sizes = { 192, 128, 64 };
-	machine.busy = 2;
-	wake();
-	const std::int16_t sound[] = { 1, 2, 3 };
-	const usb_bytes file = make_wave(sound, { .note = 40 });
-	ASSERT_EQ(file.size(), 150u);
-	write("20 00 00 00 96 54 4F 4D");
-	EXPECT_EQ(read(64), bytes("41 6B 61 49"));
-	EXPECT_EQ(read(64), bytes("41 6B 61 49"));
-	EXPECT_EQ(read(64), bytes("00 00 00 01 00 00 00 C0"));
-
-	usb_bytes block(file.begin(), file.begin() + 144);
-	block.resize(192, 0xEE); // what the host had lying about
-	write(block);
-	write("00");
-	read(64), read(64);
-	EXPECT_EQ(read(64), bytes("00 00 00 02 00 00 00 80"));
-	block.assign(file.begin() + 144, file.end());
-	block.resize(128, 0xEE);
-	write(block);
-	write("00");
-	read(64), read(64);
-	EXPECT_EQ(read(64), bytes("00 00 00 03 00 00 00 00"));
-	ASSERT_EQ(machine.samples.size(), 3u);
-	EXPECT_EQ(machine.samples[2].name, "TOM");
-	EXPECT_EQ(machine.samples[2].wave, file);
 }
 
 TEST_F(s5000_test, ends_an_upload_with_zeros_when_it_does_not_like_it)
@@ -399,61 +363,35 @@ TEST_F(z4_test, works_on_what_was_selected_and_keeps_it_when_there_is_none)
 {
 	machine.programs[0].keygroups[0].zones.resize(2);
 	wake();
+	// clang-format off
 	all(4, {
-		       { "14 02 02", "52 14 02 00 04 01 01 01 01 08 53 54 52 49 4E 47 53 00 "
-				     "04 02 01 01 01 08 4B 49 54 00" },
-		       { "0E 01 02 4B 49 43 4B 00", "44 0E 01" }, // zone 2: KICK
-		       { "0F 01 02", "52 0F 01 00 4B 49 43 4B 00" },
-		       { "0E 02 02 01 48 01", "44 0E 02" }, // minus 200
-		       { "0F 02 02", "52 0F 02 00 01 48 01" },
-		       { "0F 01 03", "45 0F 01 00 03" },    // no third zone here
-		       { "14 03 02 01 01 01", "44 14 03" }, // KIT
-		       { "14 06", "52 14 06 00 4B 49 54 00" },
-		       { "14 03 03 01 01 01", "45 14 03 00 03" },
-		       { "16 10 20", "44 16 10" },
-		       { "17 10", "52 17 10 00 20" },
-		       { "10 01 01", "45 10 01 00 03" }, // one keygroup; a second one is added
-		       { "14 41 01", "44 14 41" },
-		       { "10 01 01", "44 10 01" },
-		       { "10 02", "52 10 02 00 01" },
-		       { "12 04 30", "44 12 04" },
-		       { "13 04", "52 13 04 00 30" },
-		       { "14 04 53 54 52 49 4E 47 53 00", "44 14 04" },
-		       { "14 0C 56 58 00", "44 14 0C" }, // VX
-		       { "14 0A", "44 14 0A" },
-		       { "1C 02 01", "52 1C 02 00 04 4B 49 43 4B 00" },
-		       { "1C 04 4B 49 43 4B 00", "44 1C 04" },
-		       { "1C 05", "52 1C 05 00 01 03 00 00" }, // 181
-		       { "1F 51", "52 1F 51 00 44 58 02" },    // 44100
-		       { "1F 21", "52 1F 21 00 00 00 00 00 04" },
-		       { "04 00", "52 04 00 00 00 02 0A" },
-		       { "07 01", "52 07 01 00 00 42 69 67 00" },
-		       { "00 06 01 5A 00", "44 00 06" },
-		       { "0E 05 4B 49 43 4B 00", "44 0E 05" }, // in the older words
-		       { "0E 08", "44 0E 08" },
-		       { "1F 52", "45 1F 52 00 03" },
-	       });
+		{ "14 02 02", "52 14 02 00 04 01 01 01 01 08 53 54 52 49 4E 47 53 00 04 02 01 01 01 08 4B 49 54 00" },
+		{ "0E 01 02 4B 49 43 4B 00", "44 0E 01" },  // zone 2: KICK
+		{ "0F 01 02", "52 0F 01 00 4B 49 43 4B 00" },
+		{ "0E 02 02 01 48 01", "44 0E 02" },  // minus 200
+		{ "0F 02 02", "52 0F 02 00 01 48 01" },      { "0F 01 03", "45 0F 01 00 03" },  // no third zone here
+		{ "14 03 02 01 01 01", "44 14 03" },  // KIT
+		{ "14 06", "52 14 06 00 4B 49 54 00" },      { "14 03 03 01 01 01", "45 14 03 00 03" },
+		{ "16 10 20", "44 16 10" },                  { "17 10", "52 17 10 00 20" },
+		{ "10 01 01", "45 10 01 00 03" },  // one keygroup; a second one is added
+		{ "14 41 01", "44 14 41" },                  { "10 01 01", "44 10 01" },
+		{ "10 02", "52 10 02 00 01" },               { "12 04 30", "44 12 04" },
+		{ "13 04", "52 13 04 00 30" },               { "14 04 53 54 52 49 4E 47 53 00", "44 14 04" },
+		{ "14 0C 56 58 00", "44 14 0C" },  // VX
+		{ "14 0A", "44 14 0A" },                     { "1C 02 01", "52 1C 02 00 04 4B 49 43 4B 00" },
+		{ "1C 04 4B 49 43 4B 00", "44 1C 04" },      { "1C 05", "52 1C 05 00 01 03 00 00" },  // 181
+		{ "1F 51", "52 1F 51 00 44 58 02" },  // 44100
+		{ "1F 21", "52 1F 21 00 00 00 00 00 04" },   { "04 00", "52 04 00 00 00 02 0A" },
+		{ "07 01", "52 07 01 00 00 42 69 67 00" },   { "00 06 01 5A 00", "44 00 06" },
+		{ "0E 05 4B 49 43 4B 00", "44 0E 05" },  // in the older words
+		{ "0E 08", "44 0E 08" },                     { "1F 52", "45 1F 52 00 03" },
+	});
+	// clang-format on
 	machine.told_at = 8;
 	all(4, { { "04 00", "52 04 00 00 02 0A" }, { "07 01", "52 07 01 00 5A 00" } });
 	EXPECT_EQ(machine.programs[0].name, "KIT");
 	EXPECT_EQ(machine.programs[0].keygroups[1].low_note, 48);
 	EXPECT_TRUE(machine.samples.empty());
-}
-
-TEST_F(z4_test, can_be_busy_for_ever_and_send_lone_ends)
-{
-	machine.stray_end = true;
-	wake();
-	EXPECT_EQ(request("04 04"), bytes("F7"));
-	EXPECT_EQ(read(), bytes("F0 47 5F 00 52 04 04 00 01 F7"));
-	machine.busy = -1;
-	write("20 00 00 00 98 42 2E 77 61 76");
-	for (int i = 0; i < 100; i++)
-		ASSERT_EQ(read(64), bytes("41 6B 61 49"));
-	machine.busy = 0;
-	write("03 01");
-	request("04 04");
-	EXPECT_EQ(read()[4], 'R');
 }
 
 TEST_F(bus_test, an_mpc_is_awake_and_forgets_its_answers_when_told)
@@ -473,29 +411,19 @@ TEST_F(bus_test, the_demo_holds_samples_for_every_zone)
 {
 	s5000 big;
 	fill_demo(big);
-	EXPECT_EQ(big.programs.size(), 5u);
-	const auto present = [&big](const std::string &wanted) {
-		for (const usb_sample &s : big.samples)
-			if (s.name == wanted)
-				return true;
-		return false;
-	};
-	for (s5000_program &p : big.programs)
-		for (s5000_keygroup &k : p.keygroups) {
-			EXPECT_LE(k.at(0x04)[0], k.at(0x05)[0]) << p.name;
-			for (const s5000_zone &z : k.zones)
-				EXPECT_TRUE(z.sample.empty() || present(z.sample)) << z.sample;
-		}
-	for (const usb_sample &s : big.samples) {
+	std::set<std::string> present = { "" };
+	for (const usb_sample &one : big.samples) {
 		wave_facts facts;
-		ASSERT_TRUE(read_wave(s.wave, &facts)) << s.name;
-		EXPECT_EQ(facts.rate, 44100u);
-		EXPECT_GT(facts.frames, 4000u) << s.name;
+		EXPECT_TRUE(read_wave(one.wave, &facts) && facts.frames > 4000) << one.name;
+		present.insert(one.name);
 	}
+	for (const s5000_program &p : big.programs)
+		for (const s5000_keygroup &k : p.keygroups)
+			for (const s5000_zone &z : k.zones)
+				EXPECT_TRUE(present.contains(z.sample)) << z.sample;
 	z4 small(z4_model::z8);
 	fill_demo(small);
-	EXPECT_EQ(small.programs.size(), 5u);
-	EXPECT_EQ(small.programs[4].keygroups[1].zones[1].level,
+	EXPECT_EQ(small.programs.at(4).keygroups[1].zones[1].level,
 		(std::array<std::uint8_t, 3>{ 1, 0x5A, 0 })); // -9.0 dB
 }
 

@@ -329,6 +329,28 @@ TEST_F(z4_driver, download)
 		"[I] Downloaded Sample successfully...(370 Bytes, 300 Bytes Sample-Data)"));
 }
 
+// The sampler is left in the middle though every exchange ended well.
+TEST_F(z4_driver, the_next_opening_breaks_off_a_transfer_that_went_wrong)
+{
+	h.put_content(spool("KICK.wav"), std::vector<u8>(200, 7));
+	for (const bool up : { true, false }) {
+		open();
+		if (up) {
+			play("> 20 00 00 00 C8 'KICK.wav' \n < 00*8");
+			akai_z4_uploadsample(spool("KICK").c_str());
+		} else {
+			ask("1C 04 4B 49 43 4B 00", "", "44");
+			ask("1C 05", "05 03 01 00");
+			play("> 21 00 00 41 85 \n < 00*8");
+			akai_z4_downloadsample(1, 1, "KICK");
+		}
+		play("> 03 01 \n > 03 01 \n > 03 01");
+		EXPECT_TRUE(open_midi_usb(&usbdev[0]));
+		close_midi_usb(&usbdev[0]);
+		EXPECT_EQ(wire.steps_left(), 0);
+	}
+}
+
 TEST_F(z4_driver, downloads_that_fail)
 {
 	const std::string get = "> 21 00 00 41 85 \n ";

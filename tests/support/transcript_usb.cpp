@@ -256,6 +256,10 @@ int transcript_usb::submit(u8 pipe, u8 *buffer, std::size_t count, int deadline_
 {
 	if (unplugged)
 		return usb_no_device;
+	if (++submits > 20000) { // a driver that never ends
+		ADD_FAILURE() << "no end, at:" << words;
+		throw process_ended{ 1 };
+	}
 	EXPECT_EQ(pipe & 0x7F, 2);
 	const bool in = pipe & 0x80;
 	EXPECT_TRUE(!in || count % 64 == 0) << "a packet would not fit";

@@ -80,6 +80,7 @@ private:
 	bool unplugged = false, waiting = false;
 	std::size_t cut = 0;
 	bool cut_next = false;
+	int submits = 0;
 	std::string words;
 };
 

@@ -10,6 +10,8 @@
 
 #include "platform/backends.h"
 #include "programs/journey.h"
+#include "programs/options.h"
+#include "programs/windowed.h"
 #include "src/velmor.h"
 #include "ui/qt_ui.h"
 #include "virtual/demo_content.h"
@@ -23,8 +25,21 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <memory>
 
 using namespace velmor;
+
+static const char help[] =
+	"Usage: velmor-demo [--journey [WAV ...] [--out FOLDER]]\n"
+	"The whole program with virtual samplers plugged in: an S3000 and an S1000 on a MIDI\n"
+	"cable, an S5000 and a Z8 on the USB. It keeps to a folder of its own, VELMOR-Demo.\n"
+	"\n"
+	"  --journey [WAV ...]  do the main job without a hand, in seconds, and say what was "
+	"done;\n"
+	"                       needs no display\n"
+	"  --out FOLDER         put the pictures and files of the journey there\n"
+	"  --version            show the version\n"
+	"  --help               show this text\n";
 
 // ---- What is plugged in -----------------------------------------------------------------------
 
@@ -234,14 +249,21 @@ static int run_demo()
 
 int main(int argc, char **argv)
 {
+	if (answered(argc, argv, "velmor-demo", help))
+		return 0;
 	arguments a;
 	const bool travelling = argc > 1 && !std::strcmp(argv[1], "--journey");
 	if (travelling)
 		setenv("QT_QPA_PLATFORM", "offscreen", 0);
-	QApplication application(argc, argv);
+	std::unique_ptr<QApplication> application;
+	{
+		const while_finding_a_display guard;
+		application = std::make_unique<QApplication>(argc, argv);
+	}
 	QApplication::setApplicationName("velmor-demo");
 	if (!read_arguments(argc, argv, &a)) {
-		std::fprintf(stderr, "usage: velmor-demo [--journey [WAV ...] [--out FOLDER]]\n");
+		std::fprintf(stderr,
+			"velmor-demo: these words are no options.\nTry 'velmor-demo --help'.\n");
 		return 2;
 	}
 	static rack r;

@@ -12,6 +12,7 @@
 #pragma once
 #include "src/usbqx.h"
 #include "src/velmor.h"
+#include "src/velmor_files.h"
 #include <array>
 #include <optional>
 #include <string>
@@ -211,12 +212,10 @@ struct upload_file {
 
 // A file of the spool being downloaded. It has its final name only when it is whole.
 struct spool_file {
-	int file = -1;
-	std::string name, part;
+	fresh_file file;
+	std::string name;
 
 	explicit spool_file(const char *samplename);
-	~spool_file(); // what is not finished is removed
-	spool_file(const spool_file &) = delete;
 	int open(); // a system code
 	int write(std::span<const u8> bytes);
 	int finish(u64 *size);

@@ -105,40 +105,23 @@ long upload_file::read(u8 *bytes, std::size_t count)
 }
 
 spool_file::spool_file(const char *samplename)
-	: name(current_config_path + "\\sample\\" + file_name_of(samplename) + ".wav"),
-	  part(name + ".part")
+	: name(current_config_path + "\\sample\\" + file_name_of(samplename) + ".wav")
 {
-}
-
-spool_file::~spool_file()
-{
-	if (file < 0)
-		return;
-	host.files->close(file);
-	host.files->remove(part.c_str());
 }
 
 int spool_file::open()
 {
-	const int code = host.files->open(part.c_str(), file_create, &file);
-	if (code)
-		file = -1;
-	return code;
+	return file.open(name);
 }
 
 int spool_file::write(std::span<const u8> bytes)
 {
-	return host.files->write(file, bytes.data(), bytes.size());
+	return file.write(bytes.data(), bytes.size());
 }
 
 int spool_file::finish(u64 *size)
 {
-	int code = host.files->close(file);
-	file = -1;
-	if (!code)
-		code = host.files->rename(part.c_str(), name.c_str());
-	if (code)
-		host.files->remove(part.c_str());
+	const int code = file.finish();
 	file_info info = {};
 	if (!code)
 		host.files->stat(name.c_str(), &info);

@@ -20,6 +20,7 @@
 #include "src/velmor.h"
 #include "src/controls.h"
 #include "src/usbqx.h"
+#include "src/velmor_files.h"
 #include "src/velmor_work.h"
 #include <algorithm>
 #include <bit>
@@ -262,37 +263,12 @@ outcome load_by_name(const std::string &name)
 
 // ---- Storing -----------------------------------------------------------------------------------
 
-static int write_record(const std::string &path, const _sampler &record)
-{
-	int file;
-	int code = host.files->open(path.c_str(), file_create, &file);
-	if (code)
-		return code;
-	code = host.files->write(file, &record, record_size);
-	if (!code)
-		code = host.files->sync(file);
-	const int closed = host.files->close(file);
-	return code ? code : closed;
-}
-
-// Written beside the old file and renamed over it, so that a crash or a full disk leaves the
-// old one.
-static int replace_record(const std::string &path, const _sampler &record)
-{
-	const std::string fresh = current_config_path + "\\sampler.new";
-	int code = write_record(fresh, record);
-	if (!code)
-		code = host.files->rename(fresh.c_str(), path.c_str());
-	if (code)
-		(void)host.files->remove(fresh.c_str());
-	return code;
-}
-
 int store_sampler(const _sampler &record)
 {
 	_sampler fresh = record;
 	fresh.status = nullptr;
-	const int code = replace_record(sampler_path(fresh.sampler_description), fresh);
+	const int code =
+		write_whole_file(sampler_path(fresh.sampler_description), &fresh, record_size);
 	if (code) {
 		_display_error(__FILE_NAME__, __LINE__, code);
 		return 1;

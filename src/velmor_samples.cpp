@@ -345,12 +345,6 @@ static outcome judge_upload(const std::string &name, int before, const outcome &
 	return { .line = "Uploaded " + quoted(name) + ".", .told = told };
 }
 
-// Stands in until the check of velmor_preview.cpp is there.
-__attribute__((weak)) upload_verdict upload_check(const _sampler_type &, const std::string &)
-{
-	return { .sends = true, .helps = false, .conversion = {}, .words = {} };
-}
-
 outcome offers_upload()
 {
 	outcome why;

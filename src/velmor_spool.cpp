@@ -239,11 +239,19 @@ outcome rename_local(const std::string &old_name, const std::string &typed)
 
 // ---- The whole spool ----------------------------------------------------------------------------------
 
+// Why the last import or export failed, on a line of its own.
+static std::string reason_of_failure()
+{
+	return import_failure.empty() ? "" : "\n" + import_failure;
+}
+
 outcome export_spool_to(const std::string &folder)
 {
 	if (copy_folder(window_samples, spool_folder().c_str(), folder.c_str()))
 		return { .words = "Export completed" };
-	return { .how = ending::local_failed, .words = "Export failed", .caption = "FATAL" };
+	return { .how = ending::local_failed,
+		.words = "Export failed" + reason_of_failure(),
+		.caption = "FATAL" };
 }
 
 outcome clear_spool_folder()
@@ -266,18 +274,11 @@ static void show_work(int window, int control, const std::string &text)
 		host.ui->set_text(window, control, text.c_str());
 }
 
-static std::string reason_of_failure(int window)
-{
-	const std::string told = window ? host.ui->get_text(window, samples_work_outcome) : "";
-	return told.empty() ? "" : "\n" + told;
-}
-
 static bool import_one(
 	const std::string &path, const import_options &options, int window, int number, int count)
 {
 	show_work(window, samples_work_file, shown_path(path));
 	show_work(window, samples_work_count, format_text("%d/%d", number, count));
-	show_work(window, samples_work_outcome, "");
 	return import_wave(path.c_str(), window, static_cast<unsigned>(options.bits), options.rate,
 		static_cast<unsigned>(options.channels), static_cast<unsigned>(options.mixing),
 		import_pitch);
@@ -300,7 +301,7 @@ outcome import_files(std::span<const std::string> paths,
 			return { .how = ending::local_failed,
 				.words = format_text("Conversion failed! [%s] (%d/%d)",
 						 shown_path(path).c_str(), done + 1, count) +
-					 reason_of_failure(window),
+					 reason_of_failure(),
 				.caption = "ERROR",
 				.line = format_text(
 					"%d of %d files were converted.", done, count) };

@@ -257,6 +257,28 @@ TEST_F(samples, upload_gives_the_path_without_extension)
 		(lines{ "KICK", "SNARE", "bell" }));
 }
 
+TEST_F(samples, an_upload_that_would_be_silent_is_refused_and_its_conversion_offered)
+{
+	h.put_content(spooled("pad.wav"), wave_bytes(44100, 2, { 1000, 1000, 2000, 2000 }));
+	open();
+	choose_local(0);
+	h.answers = { false };
+	press(samples_upload);
+	ASSERT_EQ(h.boxes.size(), 1u);
+	EXPECT_EQ(h.boxes[0].caption, "WARNING");
+	EXPECT_TRUE(h.boxes[0].text.starts_with("A file of 16 bit and 2 channels would arrive as"));
+	EXPECT_TRUE(h.boxes[0].text.ends_with("\nConvert it now, and upload what it becomes?"));
+	EXPECT_FALSE(upload_sample(spooled("pad")).done());
+	EXPECT_TRUE(model.calls.empty());
+
+	press(samples_upload);
+	EXPECT_EQ(model.calls.front(), "uploadsample " + spooled("pad"));
+	_sample sample = {};
+	ASSERT_TRUE(create_sample_from_file(spooled("pad").c_str(), &sample));
+	EXPECT_EQ(sample.channels, 1u);
+	free_sample_data(&sample);
+}
+
 TEST_F(samples, delete_of_a_local_sample_takes_both_files)
 {
 	spool("bell.wav");
@@ -351,7 +373,10 @@ TEST_F(samples, export_copies_the_spool)
 	press(samples_export);
 	h.chosen_folder = h.config + "\\sample";
 	press(samples_export);
-	EXPECT_EQ(h.boxes, (boxes{ { "Export completed", "INFO" }, { "Export failed", "FATAL" } }));
+	EXPECT_EQ(h.boxes, (boxes{ { "Export completed", "INFO" },
+				   { "Export failed\nThe export folder is the spool itself. Choose "
+				     "another one.",
+					   "FATAL" } }));
 	EXPECT_TRUE(h.logged("[D] SHBrowse returned with: [" + h.config + "\\sample]"));
 	EXPECT_EQ(h.content(h.root + "/out/bell.wav"), wave_bytes(44100, 1, { 1, 2, 3, 4 }));
 }
@@ -398,11 +423,13 @@ TEST_F(samples, import_stops_at_the_first_file_that_fails)
 	press(samples_import);
 	const lines dropped = { user_file("one.wav", 1, 50), bad, user_file("two.wav", 1, 50) };
 	EXPECT_TRUE(velmor_drop(window_samples, samples_local_list, dropped));
-	EXPECT_EQ(h.boxes, (boxes{ { "No file(s) selected!", "ERROR" },
-				   { "Conversion failed! [" + h.root +
-						   "/bad.wav] (2/3)\n"
-						   "Cannot analyze original file",
-					   "ERROR" } }));
+	EXPECT_EQ(
+		h.boxes, (boxes{ { "No file(s) selected!", "ERROR" },
+				 { "Conversion failed! [" + h.root + "/bad.wav" +
+						 "] (2/3)\nThis is no WAV file: it does not begin "
+						 "with \"RIFF\" and \"WAVE\". Save it as a WAV "
+						 "file first.",
+					 "ERROR" } }));
 	EXPECT_FALSE(h.progress.visible);
 	EXPECT_TRUE(h.content(spooled("one.wav")));
 	EXPECT_FALSE(h.content(spooled("two.wav")));
@@ -413,16 +440,17 @@ TEST_F(samples, the_preview_tells_what_an_import_gives)
 	open();
 	const lines stereo = { user_file("pad.wav", 2, 2 * 44100) };
 	velmor_hover(window_samples, samples_local_list, stereo);
-	// 88200 bytes: 40 a packet is 2205 packets of 133 bytes, at 3125 bytes a second 93.8 s;
-	// kept stereo there are twice as many.
+	// Stereo frames have four bytes, of which no words are made: 176400 words of silence.
 	EXPECT_EQ(shown(samples_import_preview),
 		"pad.wav: 44100 Hz, 16 bit, 2 channels\n"
 		"becomes 44100 Hz, 16 bit, 2 channels, 1.00 s, 176400 bytes\n"
 		"Only its left channel is kept. Choose 1 Channel and Create L/R files for both.\n"
-		"Upload to Akai S3000/S3000XL: about 3 min 8 s.");
+		"Upload to Akai S3000/S3000XL refused: A file of 16 bit and 2 channels would "
+		"arrive "
+		"as 4.00 s of silence. Import it with 1 Channel and Mix Channels, or Create L/R "
+		"files for both.");
 	h.checks[{ window_samples, samples_channels_1 }] = true;
 	h.checks[{ window_samples, samples_rate_22000 }] = true;
-	h.checks[{ window_samples, samples_bits_12 }] = true;
 	velmor_hover(window_samples, samples_local_list, stereo);
 	EXPECT_EQ(shown(samples_import_preview),
 		"pad.wav: 44100 Hz, 16 bit, 2 channels\n"
@@ -431,7 +459,7 @@ TEST_F(samples, the_preview_tells_what_an_import_gives)
 	velmor_hover(window_samples, samples_local_list, stereo);
 	EXPECT_EQ(shown(samples_import_preview),
 		"pad.wav: 44100 Hz, 16 bit, 2 channels\n"
-		"becomes two files: 22000 Hz, 12 bit, 1 channel, 1.00 s, 44000 bytes\n"
+		"becomes two files: 22000 Hz, 16 bit, 1 channel, 1.00 s, 44000 bytes\n"
 		"Upload to Akai S3000/S3000XL: about 1 min 34 s.");
 	velmor_hover(window_samples, samples_local_list, {});
 	EXPECT_EQ(shown(samples_import_preview), "");
@@ -441,17 +469,20 @@ TEST_F(samples, the_preview_bears_any_file)
 {
 	open();
 	const struct {
-		const char *bytes;
-	} files[] = { { "" }, { "52 49 46 46" }, { "52 49 46 46 00*4 57 41 56 45" },
+		const char *bytes, *words;
+	} files[] = { { "", "This file is empty." }, { "52 49 46 46", "This is no WAV file" },
+		{ "52 49 46 46 00*4 57 41 56 45", "This WAV file begins with a chunk \"....\"" },
 		// a fmt chunk that ends behind the file
-		{ "52 49 46 46 00*4 57 41 56 45 66 6D 74 20 FF FF FF FF" },
+		{ "52 49 46 46 00*4 57 41 56 45 66 6D 74 20 FF FF FF FF", "This WAV file ends in" },
 		// data before fmt
-		{ "52 49 46 46 00*4 57 41 56 45 64 61 74 61 04 00 00 00 00*4" } };
+		{ "52 49 46 46 00*4 57 41 56 45 64 61 74 61 04 00 00 00 00*4",
+			"This WAV file begins with a chunk \"data\"" } };
 	for (const auto &file : files) {
 		h.put_content(h.root + "/odd.wav", hex(file.bytes));
 		const lines path = { host.files->system_path((h.root + "/odd.wav").c_str()) };
 		velmor_hover(window_samples, samples_local_list, path);
-		EXPECT_EQ(shown(samples_import_preview), "odd.wav: not a WAV file");
+		EXPECT_TRUE(shown(samples_import_preview)
+				    .starts_with("odd.wav: " + std::string(file.words)));
 	}
 }
 
@@ -732,49 +763,9 @@ TEST_F(samples, another_sampler_empties_the_open_page)
 	EXPECT_EQ(h.boxes.back().text, "Choose a sample on the sampler first!");
 }
 
-// ---- A disk that does not tell cases apart -------------------------------------------------------
-
-static files_service folding_files;
-
-// The entry that such a disk finds under a name in any letters.
-static std::string folded(const char *path)
+TEST_F(samples, where_cases_are_told_apart_another_sample_may_have_the_name)
 {
-	const std::string whole = path, folder = whole.substr(0, whole.rfind('\\'));
-	std::vector<std::string> names;
-	posix_files.list(folder.c_str(), &names);
-	for (const std::string &name : names)
-		if (equal_but_for_case(folder + "\\" + name, whole))
-			return folder + "\\" + name;
-	return whole;
-}
-
-TEST_F(samples, rename_by_case_alone_keeps_the_sample)
-{
-	const files_service *before = host.files;
-	folding_files = *before;
-	folding_files.stat = [](const char *path, file_info *info) {
-		return posix_files.stat(folded(path).c_str(), info);
-	};
-	folding_files.remove = [](const char *path) {
-		return posix_files.remove(folded(path).c_str());
-	};
-	// A file that is renamed to itself stays, under its old letters.
-	folding_files.rename = [](const char *from, const char *to) {
-		const std::string source = folded(from), target = folded(to);
-		return source == target ? 0 : posix_files.rename(source.c_str(), to);
-	};
 	spool("bell.wav");
-	h.put_content(spooled("bell.info"), hex("00"));
-	host.files = &folding_files;
-	EXPECT_TRUE(rename_local("bell", "BELL").done());
-	EXPECT_TRUE(h.boxes.empty());
-	EXPECT_TRUE(h.content(spooled("BELL.wav")));
-	EXPECT_TRUE(h.content(spooled("BELL.info")));
-	EXPECT_TRUE(undo_last().done());
-	EXPECT_TRUE(h.content(spooled("bell.wav")));
-	host.files = before;
-
-	// Where cases are told apart, another sample may have the name.
 	spool("BELL.wav", { 5 });
 	h.answers = { false };
 	EXPECT_EQ(rename_local("bell", "BELL").how, ending::stopped);

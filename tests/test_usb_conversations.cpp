@@ -356,8 +356,7 @@ TEST_F(usb_conversation, faults_in_transfers_of_an_s5000)
 			akai_s5000_downloadsample(1, 0, "LOOP");
 		},
 		[&] {
-			const bool no_half = !h.content(file("LOOP.wav.part"));
-			return no_half && machine.samples.size() == 1 &&
+			return h.temporary_files() == 0 && machine.samples.size() == 1 &&
 			       h.content(file("LOOP.wav")) == wave;
 		},
 		120);
@@ -384,7 +383,7 @@ TEST_F(usb_conversation, faults_in_transfers_of_a_z4)
 		},
 		[&] {
 			const std::string target = file((name + ".wav").c_str());
-			return !h.content(target + ".part") && machine.samples.size() == 1 &&
+			return h.temporary_files() == 0 && machine.samples.size() == 1 &&
 			       h.content(target) == wave;
 		},
 		150);

@@ -202,7 +202,8 @@ static int log_file = -1;
 static int open_with_faults(const char *path, file_mode mode, int *file)
 {
 	const bool log = std::string_view(path).ends_with("velmor.log");
-	if (mode == file_create && the_test_host->disk.open_for_writing && !log)
+	const bool makes = mode == file_create || mode == file_exclusive;
+	if (makes && the_test_host->disk.open_for_writing && !log)
 		return the_test_host->disk.open_for_writing;
 	const int code = posix_files.open(path, mode, file);
 	if (log && !code)
@@ -323,6 +324,14 @@ void test_host::put_content(const std::string &path, std::span<const u8> bytes)
 	std::ofstream file(posix_files.host_path(path.c_str()), std::ios::binary);
 	file.write(reinterpret_cast<const char *>(bytes.data()),
 		static_cast<std::streamsize>(bytes.size()));
+}
+
+int test_host::temporary_files()
+{
+	int count = 0;
+	for (const auto &entry : std::filesystem::recursive_directory_iterator(root))
+		count += entry.path().filename().string().starts_with("~velmor");
+	return count;
 }
 
 void test_host::use_sampler(i32 model, u8 exclusive_channel, const char *usb_name)

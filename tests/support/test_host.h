@@ -93,6 +93,8 @@ public:
 	// Whole content of a file (path with backslashes or slashes), or nothing.
 	std::optional<std::vector<u8>> content(const std::string &path);
 	void put_content(const std::string &path, std::span<const u8> bytes);
+	// Temporary files in the scratch folder and below it: none, once work has ended.
+	int temporary_files();
 
 	// A loaded sampler of that model, exclusive channel, with an empty _dev_status.
 	void use_sampler(i32 model, u8 exclusive_channel, const char *usb_name = "");

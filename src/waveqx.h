@@ -98,9 +98,9 @@ enum class conversion_end {
 	unreadable,
 	unwritable,
 	unfinished, // written, but it cannot have its name
-	no_wave,   // why_not_wave says more
-	too_large, // for memory, or for the 32 bits of a length
-	no_order,  // a rate that a smpl chunk cannot tell
+	no_wave,    // why_not_wave says more
+	too_large,  // for memory, or for the 32 bits of a length
+	no_order,   // a rate that a smpl chunk cannot tell
 };
 struct conversion_result {
 	conversion_end end;

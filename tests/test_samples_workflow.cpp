@@ -635,6 +635,7 @@ TEST_F(samples, success_is_told_when_the_list_agrees)
 		h.texts[{ window_samples, samples_loaded_new_name }] = "KICK 2";
 		model.refuses = end.refuses;
 		model.silent = end.dies;
+		stop_progress(); // an old one means nothing
 		press(end.control);
 		ASSERT_EQ(h.boxes.size(), 1u) << end.what << end.words;
 		EXPECT_TRUE(h.boxes[0].text.starts_with(end.words)) << h.boxes[0].text;
@@ -811,8 +812,9 @@ TEST_F(host_test, a_wrong_channel_corrected_late_overwrites_nothing)
 	EXPECT_TRUE(
 		(h.texts[{ window_samples, status_line }])
 			.starts_with("test sampler · MIDI 'USB MIDI 1' · channel 5 · answered "));
-	h.on_pump = nullptr;
 	close_midi_output();
 	unplug_all_midi();
+	reload_midi_setup(false);
+	selected_midi_in_interface = selected_midi_out_interface = -1;
 	forget_commands();
 }

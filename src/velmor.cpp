@@ -236,8 +236,6 @@ int load_sampler(const char *name)
 	_sampler record = {};
 	read_record(path, &record);
 	make_current(record);
-	// What is saved from now on is this sampler.
-	copy_text(current_usb_name, current_sampler->sampler_usbname);
 	set_progressbar(20);
 	host.ui->set_text(window_sampler, sampler_name, name);
 	select_in_sampler_dialog(*current_sampler);

@@ -9,7 +9,6 @@
 
 #include "src/velmor_work.h"
 #include "src/waveqx.h"
-#include "src/waveqx_file.h"
 #include <algorithm>
 #include <cstring>
 
@@ -107,6 +106,7 @@ static outcome fetch(const std::string &name)
 		return gone(name);
 	box_keeper keeper;
 	const line_watch watch;
+	forget_stop(); // of earlier work
 	row_of_loaded().downloadsample(control_channel(), exclusive_channel(), name.c_str());
 	outcome result = { .line = "Downloaded " + quoted(name) + "." };
 	result.told = keeper.take();
@@ -370,6 +370,7 @@ outcome upload_sample(const std::string &path)
 		return ready;
 	const int before = static_cast<int>(loaded_names().size());
 	box_keeper keeper;
+	forget_stop(); // of earlier work
 	row_of_loaded().uploadsample(path.c_str());
 	const bool stopped = progress_stopped();
 	const std::vector<kept_box> told = keeper.take();

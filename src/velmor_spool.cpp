@@ -245,6 +245,12 @@ static std::string reason_of_failure()
 
 // ---- The whole spool ----------------------------------------------------------------------------------
 
+// Why the last import or export failed, on a line of its own.
+static std::string reason_of_failure()
+{
+	return import_failure.empty() ? "" : "\n" + import_failure;
+}
+
 outcome export_spool_to(const std::string &folder)
 {
 	if (copy_folder(window_samples, spool_folder().c_str(), folder.c_str()))
@@ -279,7 +285,6 @@ static bool import_one(
 {
 	show_work(window, samples_work_file, shown_path(path));
 	show_work(window, samples_work_count, format_text("%d/%d", number, count));
-	show_work(window, samples_work_outcome, "");
 	return import_wave(path.c_str(), window, static_cast<unsigned>(options.bits), options.rate,
 		static_cast<unsigned>(options.channels), static_cast<unsigned>(options.mixing),
 		import_pitch);

@@ -209,6 +209,7 @@ void forget_commands()
 {
 	commands_running = 0;
 	request_close(false);
+	forget_stop();
 	opened_windows.clear();
 	forget_lists();
 	forget_line();

@@ -14,7 +14,13 @@ class window_commands : public host_test
 {
 protected:
 	window_commands() { forget_commands(); }
-	~window_commands() override { forget_commands(); }
+	~window_commands() override
+	{
+		forget_commands();
+		midi_out_interface.clear();
+		midi_in_interface.clear();
+		selected_midi_out_interface = selected_midi_in_interface = -1;
+	}
 };
 
 std::vector<std::string> ports_out, ports_in;
@@ -211,6 +217,8 @@ TEST_F(window_commands, device_info_asks_the_described_sampler)
 		"Something answered on exclusive channel 9 through 'USB MIDI 1', but not as Akai "
 		"S3000/S3000XL does. Is the right model chosen?");
 	use_tcp = 1;
+	copy_text(tcp_address, "192.168.0.10");
+	tcp_port = 9999;
 	model.row.getstatus = [](u8, u8, _dev_status *) { line_silent("No answer came."); };
 	velmor_command(window_sampler, sampler_device_info);
 	EXPECT_EQ(h.texts[verdict].substr(0, 81), "No answer on exclusive channel 9 through the "
@@ -222,9 +230,6 @@ TEST_F(window_commands, device_info_asks_the_described_sampler)
 		"This brand cannot be asked who it is. Choose the model of the sampler.");
 	velmor_command(window_main, menu_midi_samplers);
 	EXPECT_EQ(h.texts[verdict], "");
-	midi_out_interface.clear();
-	midi_in_interface.clear();
-	selected_midi_out_interface = selected_midi_in_interface = -1;
 }
 
 TEST_F(window_commands, the_usb_dialog_says_when_nobody_is_there)
@@ -290,6 +295,7 @@ TEST_F(window_commands, a_refused_bridge_leaves_midi_in_force)
 	EXPECT_EQ(h.boxes.back(), (shown_box{ "Failed to connect IP (SOCKET)", "WARNING" }));
 	velmor_command(window_sampler, sampler_tcp_off);
 	EXPECT_TRUE(h.logged("TURNING OFF TCP"));
+	tcp_port = 9999;
 	EXPECT_EQ((h.texts[{ window_sampler, sampler_tcp_status }]), "USING MIDI");
 }
 

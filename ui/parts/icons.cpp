@@ -14,7 +14,8 @@
 #include <QPainter>
 #include <QPainterPath>
 #include <QPalette>
-#include <sstream>
+#include <charconv>
+#include <cstring>
 
 namespace velmor
 {
@@ -128,13 +129,19 @@ struct icon_path {
 	QPainterPath lines, filled;
 };
 
-static void add_letter(icon_path *path, char letter, std::istringstream &text)
+// The numbers behind a letter.
+static double next_number(const char **text)
 {
-	const auto number = [&text] {
-		double value = 0;
-		text >> value;
-		return value;
-	};
+	while (**text == ' ')
+		(*text)++;
+	double value = 0;
+	*text = std::from_chars(*text, *text + std::strlen(*text), value).ptr;
+	return value;
+}
+
+static void add_letter(icon_path *path, char letter, const char **text)
+{
+	const auto number = [text] { return next_number(text); };
 	const double x = number(), y = number();
 	if (letter == 'M') {
 		path->lines.moveTo(x, y);
@@ -144,8 +151,8 @@ static void add_letter(icon_path *path, char letter, std::istringstream &text)
 		const double x2 = number(), y2 = number(), to_x = number(), to_y = number();
 		path->lines.cubicTo(x, y, x2, y2, to_x, to_y);
 	} else if (letter == 'R') {
-		const double width = number(), height = number(), corner = number();
-		path->lines.addRoundedRect(QRectF(x, y, width, height), corner, corner);
+		const double width = number(), height = number(), round = number();
+		path->lines.addRoundedRect(QRectF(x, y, width, height), round, round);
 	} else if (letter == 'A') {
 		const double r = number(), from = number(), by = number();
 		const QRectF all(x - r, y - r, 2 * r, 2 * r);
@@ -163,13 +170,13 @@ static icon_path path_of(icon which)
 	for (const picture_row &row : pictures) {
 		if (row.which != which)
 			continue;
-		std::istringstream text(row.path);
-		text.imbue(std::locale::classic());
-		for (char letter; text >> letter;)
+		for (const char *text = row.path; *text;) {
+			const char letter = *text++;
 			if (letter == 'Z')
 				path.lines.closeSubpath();
-			else
-				add_letter(&path, letter, text);
+			else if (letter != ' ')
+				add_letter(&path, letter, &text);
+		}
 	}
 	return path;
 }

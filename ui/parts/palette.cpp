@@ -2,6 +2,7 @@
 
 #include "ui/parts/palette.h"
 #include <QApplication>
+#include <QToolTip>
 #include <algorithm>
 #include <cmath>
 
@@ -79,6 +80,7 @@ bool is_dark(const QPalette &palette)
 void use_palette(bool dark)
 {
 	QApplication::setPalette(role_palette(dark));
+	QToolTip::setPalette(role_palette(dark));
 }
 
 // An empty palette is the desktop's own.

@@ -459,6 +459,15 @@ int flat_style::styleHint(StyleHint hint, const QStyleOption *option, const QWid
 	}
 }
 
+// What a menu bar shows when it has no room; Fusion's own picture is read when a window opens.
+QIcon flat_style::standardIcon(
+	StandardPixmap which, const QStyleOption *option, const QWidget *widget) const
+{
+	if (which == SP_ToolBarHorizontalExtensionButton)
+		return make_icon(icon::all_right);
+	return QProxyStyle::standardIcon(which, option, widget);
+}
+
 void flat_style::polish(QWidget *widget)
 {
 	if (qobject_cast<QAbstractButton *>(widget) || qobject_cast<QScrollBar *>(widget))

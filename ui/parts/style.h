@@ -35,6 +35,8 @@ public:
 		const QWidget *widget) const override;
 	int styleHint(StyleHint hint, const QStyleOption *option, const QWidget *widget,
 		QStyleHintReturn *answer) const override;
+	QIcon standardIcon(StandardPixmap which, const QStyleOption *option,
+		const QWidget *widget) const override;
 	void polish(QWidget *widget) override;
 	using QProxyStyle::polish;
 };

@@ -359,6 +359,7 @@ TEST_F(kit, the_focus_comes_back_after_work_or_goes_where_it_was_sent_meanwhile)
 	auto *search = at(window_samples, samples_local_search);
 	search->setFocus();
 	host.ui->progress_show("Work", 10);
+	EXPECT_EQ(at(window_progress, 0)->focusWidget(), at(window_progress, progress_stop));
 	host.ui->progress_hide();
 	EXPECT_EQ(at(window_samples, 0)->focusWidget(), search);
 	host.ui->progress_show("Work", 10);

@@ -35,7 +35,7 @@ static constexpr int most_keygroups = 127; // what one byte of seven bits can sa
 
 static program_writer writer_on(_usbdev *usb)
 {
-	return { .usb = usb, .status_at = s5000_answer_status, .data_at = s5000_answer_data };
+	return { .usb = usb };
 }
 
 // The words of an operation that failed, and false.

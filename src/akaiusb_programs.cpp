@@ -17,12 +17,14 @@ static bool is_whole(const usb_answer &answer, int size)
 
 bool program_writer::ask(std::span<const u8> payload)
 {
-	return ask_usb(usb, payload, &answer) && is_whole(answer, status_at + 1);
+	return ask_usb(usb, payload, &answer) &&
+	       is_whole(answer, static_cast<int>(family_of(*usb).status_offset) + 1);
 }
 
 bool program_writer::ask_data(std::span<const u8> payload, int size)
 {
-	return ask_usb(usb, payload, &answer) && !was_refused() && is_whole(answer, data_at + size);
+	return ask_usb(usb, payload, &answer) && !was_refused() &&
+	       is_whole(answer, static_cast<int>(data_at()) + size);
 }
 
 bool program_writer::write(std::span<const u8> payload)

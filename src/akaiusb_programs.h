@@ -15,20 +15,23 @@ namespace velmor
 // What one operation carries from request to request.
 struct program_writer {
 	_usbdev *usb;
-	int status_at, data_at; // in an answer of this family
-	bool begun = false;     // something was written
-	int refused = 0;        // writes
+	bool begun = false; // something was written
+	int refused = 0;    // writes
 	usb_answer answer{ list_capacity };
 
+	std::size_t data_at() const { return family_of(*usb).data_offset; }
 	// No data is wanted, only that an answer came.
 	bool ask(std::span<const u8> payload);
 	// So many bytes of data are wanted.
 	bool ask_data(std::span<const u8> payload, int size);
 	bool write(std::span<const u8> payload);
-	u8 status() const { return answer.bytes()[static_cast<std::size_t>(status_at)]; }
+	u8 status() const { return usb_status(usb, answer); }
 	bool was_refused() const { return status() == status_refused; }
-	u8 data(int at = 0) const { return answer.bytes()[static_cast<std::size_t>(data_at + at)]; }
-	std::string text() const { return answer.bytes().text(static_cast<std::size_t>(data_at)); }
+	u8 data(int at = 0) const
+	{
+		return answer.bytes()[data_at() + static_cast<std::size_t>(at)];
+	}
+	std::string text() const { return answer.bytes().text(data_at()); }
 	// What is left of the program on the sampler, a sentence.
 	const char *state() const;
 	// True when the user wants no more, which is told.

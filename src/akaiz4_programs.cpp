@@ -31,7 +31,7 @@ static constexpr u8 keygroup_number[] = { 0x10, 0x02 };
 
 static program_writer writer_on(_usbdev *usb)
 {
-	return { .usb = usb, .status_at = z4_answer_status, .data_at = z4_answer_data };
+	return { .usb = usb };
 }
 
 // The device is closed first, as its line in the log tells.

@@ -237,12 +237,6 @@ outcome rename_local(const std::string &old_name, const std::string &typed)
 		.line = quoted(old_name) + " on this computer is now " + quoted(new_name) + "." };
 }
 
-// Behind the told words, on a line of its own.
-static std::string reason_of_failure()
-{
-	return import_failure.empty() ? "" : "\n" + import_failure;
-}
-
 // ---- The whole spool ----------------------------------------------------------------------------------
 
 // Why the last import or export failed, on a line of its own.

@@ -425,13 +425,8 @@ TEST_F(samples, import_stops_at_the_first_file_that_fails)
 	EXPECT_TRUE(velmor_drop(window_samples, samples_local_list, dropped));
 	EXPECT_EQ(
 		h.boxes, (boxes{ { "No file(s) selected!", "ERROR" },
-<<<<<<< HEAD
 				 { "Conversion failed! [" + h.root +
 						 "/bad.wav] (2/3)\nThis is no WAV file: it does not begin "
-=======
-				 { "Conversion failed! [" + h.root + "/bad.wav" +
-						 "] (2/3)\nThis is no WAV file: it does not begin "
->>>>>>> flow-files
 						 "with \"RIFF\" and \"WAVE\". Save it as a WAV "
 						 "file first.",
 					 "ERROR" } }));

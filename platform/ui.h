@@ -80,6 +80,7 @@ enum class form_event {
 	drag_end, // and was let go, or moved by a key
 	edit,     // the text of its field changed
 	choice,   // an item was chosen, a box ticked or cleared
+	put_back, // what was read is wanted back
 };
 
 struct ui_service {

@@ -34,6 +34,16 @@ enum status_control : int {
 	status_undo = 60003,    // shown where there is something to put back
 };
 
+// The forms of a program, its keygroup and its keyzone, in a window that shows them, and the
+// boxes that let a value go to all.
+enum : int {
+	form_of_program = 60051,
+	form_of_keygroup = 60052,
+	form_of_keyzone = 60053,
+	apply_to_keygroups = 60054,
+	apply_to_keyzones = 60055,
+};
+
 enum main_control : int {
 	menu_exit = 9001,
 	menu_settings = 9002,

@@ -1,6 +1,7 @@
 // resource.cpp - the table of models, note names, and the selection
 
 #include "src/resource.h"
+#include "src/akai_forms.h"
 #include "src/akais1000.h"
 #include "src/akais5000.h"
 #include "src/akaiz4.h"
@@ -45,16 +46,16 @@ static consteval _sampler_type s1000_family(const s1000_family_model &own)
 		.saveprogram              = akai_s1000_prog_save,
 		.deleteprogram            = akai_s1000_prog_delete,
 		.renameprogram            = akai_s1000_prog_rename,
-		.assignvoice              = nullptr,  // not built yet
-		.assignvoice_callback     = nullptr,  // not built yet
+		.assignvoice              = akai_s1000_key_assign,
+		.assignvoice_callback     = akai_s1000_key_assign_callback,
 		.assignpad                = nullptr,  // only the MPC 4000 has pads
 		.assignpad_callback       = nullptr,  // only the MPC 4000 has pads
 		.assignqlink              = nullptr,  // no model has it
 		.assignqlink_callback     = nullptr,  // no model has it
-		.assignvelocity           = nullptr,  // not built yet
-		.assignvelocity_callback  = nullptr,  // not built yet
-		.assignprog               = nullptr,  // not built yet
-		.assignprog_callback      = nullptr,  // not built yet
+		.assignvelocity           = akai_s1000_velocity_assign,
+		.assignvelocity_callback  = akai_s1000_velocity_assign_callback,
+		.assignprog               = akai_s1000_prog_assign,
+		.assignprog_callback      = akai_s1000_prog_assign_callback,
 		.del_keygroup             = akai_s1000_del_keygroup,
 	};
 }
@@ -135,16 +136,16 @@ _sampler_type sampler_type[11] = {
 		.saveprogram              = nullptr,  // not built yet
 		.deleteprogram            = nullptr,  // the machine takes no such request
 		.renameprogram            = nullptr,  // the machine takes no such request
-		.assignvoice              = nullptr,  // not built yet
-		.assignvoice_callback     = nullptr,  // not built yet
+		.assignvoice              = akai_s900_voice_assign,
+		.assignvoice_callback     = akai_s900_voice_assign_callback,
 		.assignpad                = nullptr,  // only the MPC 4000 has pads
 		.assignpad_callback       = nullptr,  // only the MPC 4000 has pads
 		.assignqlink              = nullptr,  // no model has it
 		.assignqlink_callback     = nullptr,  // no model has it
-		.assignvelocity           = nullptr,  // not built yet
-		.assignvelocity_callback  = nullptr,  // not built yet
-		.assignprog               = nullptr,  // not built yet
-		.assignprog_callback      = nullptr,  // not built yet
+		.assignvelocity           = akai_s900_velocity_assign,
+		.assignvelocity_callback  = akai_s900_velocity_assign_callback,
+		.assignprog               = akai_s900_prog_assign,
+		.assignprog_callback      = akai_s900_prog_assign_callback,
 		.del_keygroup             = nullptr,  // the machine takes no such request
 	},
 	//             brand                 id           flags        getstatus             downloadsample              infosample
@@ -177,16 +178,16 @@ _sampler_type sampler_type[11] = {
 		.saveprogram              = akai_s5000_program_save,
 		.deleteprogram            = akai_s5000_program_delete,
 		.renameprogram            = akai_s5000_program_rename,
-		.assignvoice              = nullptr,  // form not built yet
-		.assignvoice_callback     = nullptr,  // form not built yet
+		.assignvoice              = akai_s5000_voice_assign,
+		.assignvoice_callback     = akai_s5000_voice_assign_callback,
 		.assignpad                = nullptr,  // the model has no pads
 		.assignpad_callback       = nullptr,  // the model has no pads
 		.assignqlink              = nullptr,  // no model has it
 		.assignqlink_callback     = nullptr,  // no model has it
-		.assignvelocity           = nullptr,  // form not built yet
-		.assignvelocity_callback  = nullptr,  // form not built yet
-		.assignprog               = nullptr,  // form not built yet
-		.assignprog_callback      = nullptr,  // form not built yet
+		.assignvelocity           = akai_s5000_zone_assign,
+		.assignvelocity_callback  = akai_s5000_zone_assign_callback,
+		.assignprog               = akai_s5000_prog_assign,
+		.assignprog_callback      = akai_s5000_prog_assign_callback,
 		.del_keygroup             = akai_s1000_del_keygroup,
 	},
 	{
@@ -213,16 +214,16 @@ _sampler_type sampler_type[11] = {
 		.saveprogram              = akai_z4_saveprogram,
 		.deleteprogram            = akai_z4_deleteprogram,
 		.renameprogram            = akai_z4_renameprogram,
-		.assignvoice              = nullptr,  // form not built yet
-		.assignvoice_callback     = nullptr,  // form not built yet
+		.assignvoice              = akai_z4_voice_assign,
+		.assignvoice_callback     = akai_z4_voice_assign_callback,
 		.assignpad                = nullptr,  // the model has no pads
 		.assignpad_callback       = nullptr,  // the model has no pads
 		.assignqlink              = nullptr,  // no model has it
 		.assignqlink_callback     = nullptr,  // no model has it
-		.assignvelocity           = nullptr,  // form not built yet
-		.assignvelocity_callback  = nullptr,  // form not built yet
-		.assignprog               = nullptr,  // form not built yet
-		.assignprog_callback      = nullptr,  // form not built yet
+		.assignvelocity           = akai_z4_keyzone_assign,
+		.assignvelocity_callback  = akai_z4_keyzone_assign_callback,
+		.assignprog               = akai_z4_prog_assign,
+		.assignprog_callback      = akai_z4_prog_assign_callback,
 		.del_keygroup             = nullptr,  // the model has no such request
 	},
 	{
@@ -249,10 +250,10 @@ _sampler_type sampler_type[11] = {
 		.saveprogram              = akai_z4_saveprogram,
 		.deleteprogram            = akai_z4_deleteprogram,
 		.renameprogram            = akai_z4_renameprogram,
-		.assignvoice              = nullptr,  // form not built yet
-		.assignvoice_callback     = nullptr,  // form not built yet
-		.assignpad                = nullptr,  // form not built yet
-		.assignpad_callback       = nullptr,  // form not built yet
+		.assignvoice              = akai_z4_voice_assign,
+		.assignvoice_callback     = akai_z4_voice_assign_callback,
+		.assignpad                = akai_mpc_pad_assign,
+		.assignpad_callback       = akai_mpc_pad_assign_callback,
 		.assignqlink              = nullptr,  // no model has it
 		.assignqlink_callback     = nullptr,  // no model has it
 		.assignvelocity           = nullptr,  // no form for the MPC

@@ -12,6 +12,7 @@
 
 #include "src/velmor_window.h"
 #include "src/usbqx.h"
+#include "src/velmor_forms.h"
 #include <set>
 
 namespace velmor
@@ -173,8 +174,21 @@ void velmor_hover(int window, int control, std::span<const std::string> paths)
 
 // ---- Keys, mouse and forms --------------------------------------------------------------------
 
+template <int window, int control> static void change_form(int row, form_event event, int value)
+{
+	form_changed(window, control, row, event, value);
+}
+
+// clang-format off
 // Those of the panel stand here when it is built.
-std::span<const input_row> input_rows;
+static constexpr input_row input_table[] = {
+	// window          control           keys     mouse    forms
+	{ window_programs, form_of_program,  nullptr, nullptr, change_form<window_programs, form_of_program> },
+	{ window_programs, form_of_keygroup, nullptr, nullptr, change_form<window_programs, form_of_keygroup> },
+	{ window_programs, form_of_keyzone,  nullptr, nullptr, change_form<window_programs, form_of_keyzone> },
+};
+// clang-format on
+std::span<const input_row> input_rows = input_table;
 
 template <typename slot, typename... words>
 static bool take_input(int window, int control, slot input_row::*which, words... said)

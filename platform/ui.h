@@ -47,6 +47,49 @@ struct bitmap_view {
 	int width, height; // pixels
 };
 
+// A keyboard with what sounds where: keygroups over their keys, zones as bands of velocity.
+struct key_zone_view {
+	int low_velocity, high_velocity;
+	std::string name; // of its sample; "": none
+	bool missing;     // the sampler does not hold it
+};
+struct key_group_view {
+	int low_note, high_note;
+	std::vector<key_zone_view> zones;
+};
+struct key_map_view {
+	std::vector<key_group_view> groups;
+	int group, zone;    // the chosen ones, -1: none
+	int note, velocity; // of the test note that sounds, note -1: none
+	bool takes_notes;   // its keys play
+};
+enum class key_map_event {
+	choose,   // a group, and a zone or -1
+	low_note, // an edge of a group or zone is being dragged: value is where it stands
+	high_note,
+	low_velocity,
+	high_velocity,
+	drag_end,
+	note_on,  // value is the note, amount its velocity
+	note_off, // also when the window loses the mouse
+};
+
+// An envelope as a curve with points that can be dragged.
+enum class envelope_shape {
+	adsr,             // attack, decay, sustain, release: 0 to 100
+	rates_and_levels, // four rates (0 to 100), then four levels
+};
+struct envelope_view {
+	envelope_shape shape;
+	std::vector<int> values, as_read; // in that order
+	int low_level, high_level;        // of the levels
+	std::vector<std::string> letters; // under the points, and in words at the mouse
+};
+enum class envelope_event {
+	drag, // value index has a new value
+	drag_end,
+};
+
 // A form is a list of rows, built when it is known what they are. Everything about a row is said
 // by its place in that list: ids are only for people who look for a control, and may come twice.
 enum class row_kind {
@@ -108,6 +151,10 @@ struct ui_service {
 	// A null view clears the picture.
 	void (*set_bitmap)(int window, int control, const bitmap_view *view);
 	void (*set_waveform)(int window, int control, const waveform_view *view);
+
+	// A null view clears the picture.
+	void (*set_key_map)(int window, int control, const key_map_view *view);
+	void (*set_envelope)(int window, int control, const envelope_view *view);
 
 	// Forms: form is a control. Building one puts its earlier rows away. A row that is set
 	// tells nobody. The bar and the field of a slider are set apart, as the system wants it.

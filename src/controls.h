@@ -155,6 +155,50 @@ enum samples_control : int {
 	samples_retry = 60021, // in place of a list that could not be read
 };
 
+// The program manager, without its forms. A side is loaded (on the sampler) or local.
+enum programs_control : int {
+	programs_refresh = control_ok,
+	programs_loaded_list = 17100,
+	programs_loaded_search = 17101,
+	programs_information = 17102,
+	programs_download = 17103,
+	programs_loaded_rename = 17104,
+	programs_loaded_new_name = 17105,
+	programs_loaded_delete = 17106,
+	programs_local_list = 17200,
+	programs_local_search = 17201,
+	programs_upload = 17202,
+	programs_import_akp = 17203,
+	programs_local_delete = 17204,
+	programs_local_rename = 17205,
+	programs_local_new_name = 17206,
+	programs_keygroup_list = 17300,  // "Keygroup %d"
+	programs_keyzone_list = 17301,   // "Keyzone %d"
+	programs_keygroup_facts = 17302, // of how many, from which key to which
+	programs_zone_sample = 17303,    // the sample of the chosen zone, from the sampler's list
+	programs_voice_form = 17304,     // "Keygroup Specials Management"
+	programs_zone_form = 17305,      // "Keyzone Special Parameters"
+	programs_program_form = 17306,   // "Program-Specials Management"
+	programs_adsr = 17307,           // "ADSR Management"
+	programs_life_update = 12020,
+	programs_save_changes = 17310,
+	programs_add_keygroup = 17311,
+	programs_delete_keygroup = 17312,
+	programs_undo = 17313,
+	programs_redo = 17314,
+	programs_key_map = 17400,
+	programs_amp_envelope = 17410,
+	programs_filter_envelope = 17411,
+	programs_aux_envelope = 17412,
+	programs_adsr_form = 17413, // the sixteen envelope values
+	programs_tabs = 17420,      // 0 program, 1 keygroup, 2 keyzone, 3 envelopes
+	programs_unsent = 17421,    // "3 changes unsent"
+	programs_title = 17422,     // of what the chosen tab shows
+	programs_loaded_heading = 60014,
+	programs_local_heading = 60015,
+	programs_retry = 60024,
+};
+
 enum usb_control : int {
 	usb_update = 30000,
 	usb_device_info = 10102,

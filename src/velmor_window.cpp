@@ -214,6 +214,17 @@ bool velmor_form(int window, int form, int row, form_event event, int value)
 	return take_input(window, form, &input_row::form, row, event, value);
 }
 
+bool velmor_key_map(
+	int window, int control, key_map_event event, int group, int zone, int value, int amount)
+{
+	return take_input(window, control, &input_row::key_map, event, group, zone, value, amount);
+}
+
+bool velmor_envelope(int window, int control, envelope_event event, int index, int value)
+{
+	return take_input(window, control, &input_row::envelope, event, index, value);
+}
+
 bool command_running()
 {
 	return commands_running > 0;

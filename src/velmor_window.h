@@ -18,8 +18,8 @@
 #include <functional>
 #include <span>
 #include <string>
-#include <vector>
 #include <string_view>
+#include <vector>
 
 namespace velmor
 {
@@ -105,6 +105,8 @@ struct input_row {
 	void (*mouse)(int x, int y, mouse_action action, int amount);
 	// value is the bar's, the number typed (0 for no number), or the place of the choice.
 	void (*form)(int row, form_event event, int value);
+	void (*key_map)(key_map_event event, int group, int zone, int value, int amount) = nullptr;
+	void (*envelope)(envelope_event event, int index, int value) = nullptr;
 };
 // Of all windows; an empty slot takes nothing of its kind.
 extern std::span<const input_row> input_rows;
@@ -112,6 +114,9 @@ extern std::span<const input_row> input_rows;
 bool velmor_key(int window, int control, int key, std::string_view text, bool pressed);
 bool velmor_mouse(int window, int control, int x, int y, mouse_action action, int amount);
 bool velmor_form(int window, int form, int row, form_event event, int value);
+bool velmor_key_map(
+	int window, int control, key_map_event event, int group, int zone, int value, int amount);
+bool velmor_envelope(int window, int control, envelope_event event, int index, int value);
 
 // True while a command runs.
 bool command_running();

@@ -178,6 +178,8 @@ const ui_service headless_ui = {
 	.focus = [](int, int) {},
 	.set_bitmap = [](int, int, const bitmap_view *) {},
 	.set_waveform = [](int, int, const waveform_view *) {},
+	.set_key_map = [](int, int, const key_map_view *) {},
+	.set_envelope = [](int, int, const envelope_view *) {},
 	.build_form =
 		[](int w, int c, std::span<const form_row> rows) {
 			controls[{ w, c }].rows.assign(rows.begin(), rows.end());

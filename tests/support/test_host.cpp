@@ -168,6 +168,14 @@ static const ui_service test_ui = {
 				bits.assign(view->bits.begin(), view->bits.end());
 		},
 	.set_waveform = [](int, int, const waveform_view *) {},
+	.set_key_map =
+		[](int w, int c, const key_map_view *view) {
+			the_test_host->key_maps[place(w, c)] = view ? *view : key_map_view();
+		},
+	.set_envelope =
+		[](int w, int c, const envelope_view *view) {
+			the_test_host->envelopes[place(w, c)] = view ? *view : envelope_view();
+		},
 	.build_form =
 		[](int w, int c, std::span<const form_row> rows) {
 			the_test_host->forms[place(w, c)].assign(rows.begin(), rows.end());

@@ -93,6 +93,8 @@ public:
 	std::map<std::pair<int, int>, text_role> roles;
 	std::map<std::pair<int, int>, std::string> reasons;
 	std::map<std::pair<int, int>, std::vector<u8>> bitmaps;
+	std::map<std::pair<int, int>, key_map_view> key_maps;
+	std::map<std::pair<int, int>, envelope_view> envelopes;
 	std::map<std::pair<int, int>, std::vector<form_row>> forms; // as built, then as set
 	std::pair<int, int> focus;
 	// Running timers. Nothing ticks by itself: a test calls tick when it is time.

@@ -31,6 +31,7 @@
 // Knows nothing of: how bytes reach the sampler, windows.
 
 #pragma once
+#include "src/akaimidi.h"
 #include "src/parameters.h"
 
 namespace velmor
@@ -38,17 +39,12 @@ namespace velmor
 
 // ---- Codec (akais1000_codec.cpp) ---------------------------------------------------------
 
-inline constexpr int akai_name_size = 12;     // bytes of a name on the wire
-inline constexpr int akai_answer_room = 1000; // of every exchange but the lists
+inline constexpr int akai_name_size = 12; // bytes of a name on the wire
 // A list of as many names as a _dev_status holds.
 inline constexpr int akai_list_room = 7 + akai_name_size * max_programs + 1;
 static_assert(max_samples == max_programs);
 
-// Common to all messages.
 enum {
-	akai_channel = 2,
-	akai_function = 3,
-	akai_index = 5,
 	akai_keygroup = 7,
 	akai_block = 7
 };
@@ -124,33 +120,7 @@ extern const u8 akai_s1000_dummy_program[s2000_program_size];
 // The block of a new program for the loaded sampler; block takes 192 bytes.
 void akai_s1000_init_progblock(u8 *block, int *length, const _program *program);
 
-// ---- Asking (akais1000_codec.cpp) --------------------------------------------------------
-
-// What came back from the sampler, and not a byte more.
-struct akai_answer {
-	std::vector<u8> bytes;
-	bool port_failed; // the message never left; a box has said so
-
-	bounded_bytes view() const { return { bytes }; }
-	u8 operator[](std::size_t at) const { return view()[at]; }
-	int size() const { return static_cast<int>(bytes.size()); }
-	// The two bytes of an index or a count.
-	int number() const { return (*this)[akai_index] + 128 * (*this)[akai_index + 1]; }
-};
-
-// Send a message and take one answer of at most room bytes.
-akai_answer ask_akai(std::span<const u8> message, int room = akai_answer_room);
-
-// A message with its holes filled: the exclusive channel, and where the message has one, the
-// index of a program or sample.
-template <std::size_t size>
-std::array<u8, size> akai_message(std::array<u8, size> message, u8 sysex_channel, int index = -1)
-{
-	message[akai_channel] = sysex_channel;
-	if (index >= 0)
-		set_akai7_word(static_cast<u32>(index), &message[akai_index]);
-	return message;
-}
+// ---- Samples and lists ask for it ---------------------------------------------------------
 
 // REQUEST SAMPLE HEADER                      0     1     2     3     4     5     6     7
 inline constexpr std::array<u8, 8> request_sample_header = //

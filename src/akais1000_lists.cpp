@@ -112,14 +112,6 @@ const char *akai_s1000_getplaymode(i32 mode)
 
 // ---- What both lists share ----------------------------------------------------------------
 
-// No more than there is room for.
-static int kept_count(int count, int room, const char *what)
-{
-	if (count > room)
-		log_line("[W] The sampler counts %d %s, %d are read\r\n", count, what, room);
-	return std::min(count, room);
-}
-
 // Name i of a list, trimmed, as far as it came. The end byte is no part of a name.
 static std::string list_name(const akai_answer &list, int i)
 {
@@ -133,12 +125,6 @@ static std::string list_name(const akai_answer &list, int i)
 	from_akai_ascii(name, count, text);
 	trim_akai_name(text);
 	return text;
-}
-
-// Why a list ends before its time.
-static bool list_interrupted(const akai_answer &answer)
-{
-	return answer.port_failed || progress_stopped();
 }
 
 // ---- Programs ------------------------------------------------------------------------------
@@ -157,13 +143,13 @@ static void forget_keygroups(_dev_status *status, int from)
 static bool read_program(u8 sysex_channel, int index, _program *program)
 {
 	const akai_answer answer = ask_akai(akai_message(request_program, sysex_channel, index));
-	if (list_interrupted(answer))
+	if (akai_interrupted(answer))
 		return false;
 	if (answer.size() <= program_longest_refusal)
 		return true;
 	akai_s1000_program_from_block(
 		{ akai_bytes_from_nibbles(answer.view().from(akai_block)) }, program);
-	program->keygroups = kept_count(program->keygroups, max_keygroups, "keygroups");
+	program->keygroups = akai_kept_count(program->keygroups, max_keygroups, "keygroups");
 	return true;
 }
 
@@ -176,7 +162,7 @@ static bool read_keygroups(u8 sysex_channel, int index, _program *program)
 		auto message = akai_message(request_keygroup, sysex_channel, index);
 		message[akai_keygroup] = static_cast<u8>(k & 0x7F);
 		const akai_answer answer = ask_akai(message);
-		if (list_interrupted(answer))
+		if (akai_interrupted(answer))
 			return false;
 		akai_s1000_keygroup_from_block(
 			{ akai_bytes_from_nibbles(answer.view().from(keygroup_block)) },
@@ -208,7 +194,7 @@ void akai_s1000_getproglist(u8, u8 sysex_channel, _dev_status *status)
 		ask_akai(akai_message(request_program_list, sysex_channel), akai_list_room);
 	if (list[akai_function] != program_list_function)
 		return;
-	status->programs = kept_count(list.number(), max_programs, "programs");
+	status->programs = akai_kept_count(list.number(), max_programs, "programs");
 	show_progressbar(0, status->programs + 1, "Getting program information...");
 	for (int i = 0; i < status->programs; i++)
 		copy_text(status->program[i].name, list_name(list, i));
@@ -227,22 +213,20 @@ static void read_sample_name(const akai_answer &answer, _sample *sample)
 			akai_trimmed_name(bounded_bytes{ block }.from(sample_header_name)));
 }
 
-// No bar is shown meanwhile, so there is no Stop to press (closing the program asks for one): a
-// sampler that was switched off is left alone after a few silent answers.
+// No bar is shown meanwhile, so only closing the program asks for a Stop.
 static void read_sample_names(u8 sysex_channel, _dev_status *status)
 {
-	constexpr int most_silent = 3;
-	int silent = 0;
+	akai_silence silence;
 	forget_stop();
-	for (int i = 0; i < status->samples && silent < most_silent; i++) {
+	for (int i = 0; i < status->samples && !silence.too_long(); i++) {
 		const akai_answer answer =
 			ask_akai(akai_message(request_sample_header, sysex_channel, i));
-		if (list_interrupted(answer))
+		if (akai_interrupted(answer))
 			return;
-		silent = answer.size() ? 0 : silent + 1;
+		silence.hear(answer);
 		read_sample_name(answer, &status->sample[i]);
 	}
-	if (silent == most_silent)
+	if (silence.too_long())
 		log_line("[W] The sampler no longer answers, the names of the list are kept\r\n");
 }
 
@@ -256,7 +240,7 @@ void akai_s1000_getsamplelist(u8, u8 sysex_channel, _dev_status *status)
 		ask_akai(akai_message(request_sample_list, sysex_channel), akai_list_room);
 	if (list[akai_function] != sample_list_function)
 		return;
-	status->samples = kept_count(list.number(), max_samples, "samples");
+	status->samples = akai_kept_count(list.number(), max_samples, "samples");
 	for (int i = 0; i < status->samples; i++) {
 		copy_text(status->sample[i].name, list_name(list, i));
 		status->sample[i].number = i;

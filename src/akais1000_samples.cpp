@@ -7,9 +7,11 @@
 //   dump header              F0 7E cc 01 ss SS 10 pp pp pp ll ll ll aa aa aa bb bb bb 00 F7
 //   data packet              F0 7E cc 02 kk (word*3)*40 xx F7        127 bytes, both ways
 //   acknowledgement          F0 7E cc 7F kk F7                       7C: wait
+//   cancel                   F0 7E cc 7D kk F7                       ends a dump to the sampler
 //
-// The last three are those of the MIDI Sample Dump Standard. A download asks for each packet
-// with a request of its own and acknowledges none; its checksum is not looked at. An upload
+// The last four are those of the MIDI Sample Dump Standard. A download asks for each packet
+// with a request of its own and acknowledges none; one that came damaged is taken as it is, and
+// counted, so that the user can be told. An upload
 // sends a header and packets, each of which the sampler acknowledges, and then writes the name
 // into the sampler's own header of the sample, because a dump carries none. There is no
 // rename message either: a name changes by sending the header back.
@@ -89,6 +91,19 @@ enum {
 };
 static_assert(packet_words + 3 * words_in_packet == packet_checksum);
 
+// Bytes 1 to 124 of a packet.
+static u8 checksum_of(bounded_bytes packet)
+{
+	u8 sum = 0;
+	for (std::size_t i = 1; i < packet_checksum; i++)
+		sum ^= packet[i];
+	return sum & 0x7F;
+}
+
+// CANCEL                                     0     1     2     3     4     5
+static constexpr std::array<u8, 6> cancel_dump = //
+	{ 0xF0, 0x7E, 0x00, 0x7D, 0x00, 0xF7 };
+
 // ACKNOWLEDGEMENT
 enum {
 	ack_size = 6,
@@ -102,12 +117,19 @@ static constexpr u64 most_words = 16 * 1024 * 1024;
 
 // ---- Finding a sample ---------------------------------------------------------------------
 
+// Samples in the loaded list.
+static int samples_listed()
+{
+	const _dev_status *status = current_sampler ? current_sampler->status : nullptr;
+	return status ? std::clamp(status->samples, 0, max_samples) : 0;
+}
+
 // Index of a sample in the loaded list by its exact name. Without one: the list's count, one
 // past the last, which is 0 for an empty list.
 static int find_sample(const char *name, bool log_compares = false)
 {
 	const _dev_status *status = current_sampler ? current_sampler->status : nullptr;
-	const int samples = status ? std::clamp(status->samples, 0, max_samples) : 0;
+	const int samples = samples_listed();
 	for (int i = 0; i < samples; i++) {
 		if (log_compares)
 			log_line("[D] ##################### S1000 NAME COMPARE: [%%] <> [%s]\r\n",
@@ -122,8 +144,7 @@ static int find_sample(const char *name, bool log_compares = false)
 static _sample *require_sample(const char *name, bool log_compares)
 {
 	const int index = find_sample(name, log_compares);
-	const _dev_status *status = current_sampler ? current_sampler->status : nullptr;
-	if (status && index < std::min(status->samples, max_samples))
+	if (index < samples_listed())
 		return &current_sampler->status->sample[index];
 	show_box("FATAL", "Internal error (akai_s1000 Module) aborting! (Sample index not found)");
 	end_program(0);
@@ -276,6 +297,40 @@ static bool fetch_packet(const download_form &form, u8 sysex_channel, const _sam
 	return true;
 }
 
+// Counts the packets that did not come as they were sent.
+class packet_tally
+{
+public:
+	int damaged = 0;
+
+	void take(const akai_answer &packet, u64 block)
+	{
+		if (!is_whole(packet) || !is_due(packet[packet_number], block))
+			damaged++;
+	}
+
+private:
+	static bool is_whole(const akai_answer &packet)
+	{
+		return packet.size() == packet_size && packet[1] == 0x7E &&
+		       packet[packet_kind] == 0x02 &&
+		       packet[packet_checksum] == checksum_of(packet.view());
+	}
+	// Some machines begin a dump with each request, so that every packet has one number;
+	// others count on. A packet that is late has the number of an earlier one.
+	bool is_due(int number, u64 block)
+	{
+		if (first < 0) {
+			first = number;
+			first_block = block;
+		}
+		const int counted_on = (first + static_cast<int>(block - first_block)) & 0x7F;
+		return number == first || number == counted_on;
+	}
+	int first = -1;      // number of the first whole packet
+	u64 first_block = 0; // and its place
+};
+
 // What did not come is zero on the wire, which is the lowest value of a word.
 static void take_words(bounded_bytes packet, u32 *words, u64 count)
 {
@@ -302,19 +357,18 @@ static void log_packet(
 }
 
 // All words of a sample. False when the work ended before they were there.
-static bool fetch_words(const download_form &form, u8 sysex_channel, _sample *sample)
+static bool fetch_words(
+	const download_form &form, u8 sysex_channel, _sample *sample, packet_tally *tally)
 {
-	// Without a bar there is no Stop to press: a machine that was switched off is left alone
-	// after a few silent answers.
-	constexpr int most_silent = 3;
-	int silent = 0;
+	akai_silence silence;
 	const u64 blocks = packets_of(sample->sample_length);
 	for (u64 block = 0; block < blocks; block++) {
 		akai_answer answer;
 		if (!fetch_packet(form, sysex_channel, *sample, block, &answer))
 			return false;
-		silent = answer.size() ? 0 : silent + 1;
-		if (silent == most_silent) {
+		tally->take(answer, block);
+		silence.hear(answer);
+		if (silence.too_long()) {
 			log_line("[W] The sampler no longer answers\r\n");
 			return false;
 		}
@@ -383,7 +437,8 @@ static void download_words(const download_form &form, u8 sysex_channel, _sample 
 	log_download(form, *sample);
 	if (form.shows_progress)
 		begin_download_progress(*sample);
-	const bool complete = fetch_words(form, sysex_channel, sample);
+	packet_tally tally;
+	const bool complete = fetch_words(form, sysex_channel, sample, &tally);
 	if (form.shows_progress)
 		hide_progressbar(0);
 	if (!complete)
@@ -392,6 +447,12 @@ static void download_words(const download_form &form, u8 sysex_channel, _sample 
 		log_line("[I] Download of [%s] stopped, nothing was saved\r\n", sample->name);
 	else if (!complete || write_sample(sample, nullptr) != 0)
 		tell_failed_download();
+	else if (tally.damaged)
+		show_box("WARNING",
+			"%d of %d packets of [%s] came damaged, late or not at all. The file is "
+			"saved, but it clicks or falls silent in these places. Another download "
+			"may help.",
+			tally.damaged, shown(packets_of(sample->sample_length)), sample->name);
 }
 
 static void download(const download_form &form, u8 sysex_channel, const char *name)
@@ -509,6 +570,7 @@ struct upload_job {
 	const _sample *sample;
 	u8 sysex_channel;
 	int number;
+	bool replaces; // a sample that was there
 	u64 announced; // words that the dump header tells of
 };
 
@@ -589,15 +651,33 @@ static std::array<u8, packet_size> packet_of(const upload_job &job, u64 block)
 		akai_dump_word(at < words ? job.sample->sample_data[at] : midpoint,
 			&packet[packet_words + 3 * i]);
 	}
-	u8 checksum = 0;
-	for (int i = 1; i < packet_checksum; i++)
-		checksum ^= packet[i];
-	packet[packet_checksum] = checksum & 0x7F;
+	packet[packet_checksum] = checksum_of({ packet });
 	packet[packet_size - 1] = 0xF7;
 	return packet;
 }
 
+// The sampler waits for a packet that will not come. What it had in this place is gone since
+// it took the header.
+static void cancel(const upload_job &job, u64 block)
+{
+	auto message = akai_message(cancel_dump, job.sysex_channel);
+	message[packet_number] = block & 0x7F;
+	tell_akai(message);
+	log_line("[I] Upload of [%s] stopped\r\n", job.sample->name);
+	if (job.form->shows_progress)
+		hide_progressbar(0);
+	if (job.replaces)
+		show_box("WARNING",
+			"The upload was stopped and the sampler told to forget it. The sample [%s] "
+			"that the sampler had in this place is gone: upload it again, or delete "
+			"what is left of it.",
+			current_sampler->status->sample[job.number].name);
+	else
+		show_box("INFO", "The upload was stopped and the sampler told to forget it.");
+}
+
 // One packet after the other, each with its acknowledgement. False when the dump ended early.
+// After the last one there is nothing left to stop but the name.
 static bool send_packets(const upload_job &job)
 {
 	const u64 blocks = packets_of(job.announced);
@@ -613,10 +693,8 @@ static bool send_packets(const upload_job &job)
 		}
 		if (job.form->shows_progress)
 			set_progressbar(shown(block));
-		if (progress_stopped()) {
-			log_line("[I] Upload of [%s] stopped\r\n", job.sample->name);
-			if (job.form->shows_progress)
-				hide_progressbar(0);
+		if (block + 1 < blocks && progress_stopped()) {
+			cancel(job, block);
 			return false;
 		}
 	}
@@ -684,12 +762,14 @@ static void upload_sample(const upload_form &form, const _sample &sample)
 		.sample = &sample,
 		.sysex_channel = static_cast<u8>(current_sampler->sampler_sysex_channel),
 		.number = 0,
+		.replaces = false,
 		.announced = std::min(sample.sample_bytes, longest_dump) };
 	log_line("[D] Uploading Sample [%s] to current Sampler  Number requested: %d, "
 		 "SYSEX-CHANNEL: %d\r\n",
 		sample.name, sample.number, job.sysex_channel);
 	if (form.chooses_number)
 		job.number = find_sample(sample.name);
+	job.replaces = job.number < samples_listed();
 	log_line("[D] New Sample-Number: %d\r\n", job.number);
 	send_dump(job);
 }

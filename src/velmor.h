@@ -147,7 +147,8 @@ void show_progressbar(int window, int range, const char *caption);
 // Show a value, and let pending interface events run.
 void set_progressbar(int val);
 void hide_progressbar(int window);
-// True from the press of Stop to the next show_progressbar or forget_stop. Long work asks at
+// True from the press of Stop to the next show_progressbar or forget_stop, and from the wish to
+// close the program on for good. Long work asks at
 // every point where it can end and leave sampler and files consistent.
 bool progress_stopped();
 // Stop was pressed.
@@ -229,10 +230,13 @@ extern u16 tcp_port;
 
 void switch_on_tcp();
 void switch_off_tcp();
-// Send on the bridge: true if the far end took every byte before the deadline.
+// Send on the bridge: true if the far end took every byte before the deadline. What came since
+// the last exchange belongs to none and is thrown away before.
 bool send_tcp(std::span<const u8> bytes);
 // Receive up to the first 0xF7, capacity bytes, a break of the connection, or the deadline of
 // the MIDI path. Returns the bytes received.
 int receive_tcp(u8 *input, int capacity);
+// Why the last message was not taken or its answer broke off, a sentence; "" when neither did.
+const std::string &why_tcp_failed();
 
 } // namespace velmor

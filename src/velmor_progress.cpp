@@ -7,7 +7,7 @@
 //
 // Knows nothing of: what is being done, what the window looks like.
 
-#include "src/velmor.h"
+#include "src/velmor_window.h"
 #include <cmath>
 
 namespace velmor
@@ -57,7 +57,7 @@ void hide_progressbar(int)
 
 bool progress_stopped()
 {
-	return stopped;
+	return stopped || close_requested();
 }
 
 void stop_progress()

@@ -8,7 +8,6 @@
 #include <atomic>
 #include <chrono>
 #include <gtest/gtest.h>
-#include <thread>
 #include <unistd.h>
 
 namespace velmor
@@ -31,7 +30,10 @@ protected:
 		machine.name = "Studio";
 		mock = std::make_unique<mock_usb>(machine);
 		wakes = 0;
-		libusb_usb.on_arrival([] { wakes++; });
+		libusb_usb.on_arrival([] {
+			wakes++;
+			wakes.notify_all();
+		});
 	}
 	void TearDown() override
 	{
@@ -50,10 +52,13 @@ protected:
 	}
 	int end(int transfer, std::size_t *moved)
 	{
-		int result;
-		while ((result = libusb_usb.finished(transfer, moved)) == usb_pending)
-			std::this_thread::sleep_for(std::chrono::milliseconds(1));
-		return result;
+		for (;;) {
+			const int seen = wakes;
+			const int result = libusb_usb.finished(transfer, moved);
+			if (result != usb_pending)
+				return result;
+			wakes.wait(seen); // each end of a transfer wakes
+		}
 	}
 	int write(const usb_bytes &bytes)
 	{

@@ -1,8 +1,12 @@
 // test_host.h - a host for tests: virtual time, a scratch folder, recorded windows
 //
 // Construct one at the start of a test (the fixture host_test does). It installs
-// its services, points the system at a scratch folder, and puts everything back at
-// the end. Time jumps: pump and sleep_ms run the timeline, and nothing ever sleeps.
+// its services, points the system at a scratch folder, forgets what an earlier test left
+// in the system, and puts everything back at the end. Time jumps: pump and sleep_ms run the
+// timeline, and nothing ever sleeps.
+//
+// A system that waits without end, writes without end or computes without end fails its
+// test soon, and does not hang it: time, disk, memory and processor have limits.
 //
 // Ports and devices are absent until a test plugs its own service tables into
 // host.midi, host.net or host.usb.
@@ -15,6 +19,7 @@
 #include <gtest/gtest.h>
 #include <map>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -38,6 +43,18 @@ struct disk_faults {
 	bool close_fails = false;
 };
 
+// What one host gives before the test has failed.
+struct host_limits {
+	double seconds = 20000;               // of virtual time that the system waits
+	long calls_at_a_moment = 50000;       // of pump and clock, while no time passes
+	std::uint64_t disk_bytes = 64u << 20; // written, the log too
+};
+
+// Thrown when a limit is reached.
+struct limit_reached : std::runtime_error {
+	using std::runtime_error::runtime_error;
+};
+
 struct shown_progress {
 	bool visible = false;
 	std::string caption;
@@ -55,6 +72,7 @@ public:
 	timeline time;    // shared with virtual samplers
 	std::string root; // the scratch folder, host path
 	disk_faults disk;
+	host_limits limits;
 	std::map<std::string, std::string> settings;
 
 	std::vector<shown_box> boxes;          // in order, questions too
@@ -102,6 +120,12 @@ private:
 	_sampler sampler;
 	_dev_status *status = nullptr;
 	std::string working_folder;
+	test_host *outer; // the host that this one stands in for
+
+	friend struct host_meter;
+	double waited = 0, moment = 0;
+	long calls = 0;
+	std::uint64_t written = 0;
 };
 
 // The running test's host.

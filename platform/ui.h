@@ -3,7 +3,7 @@
 // A control is named by its window and its id. The system fills controls,
 // reads them and shows boxes through this table; user actions come back through
 // the one command entry of the system. Everything is called on the main thread
-// but wake.
+// but wake and post.
 
 #pragma once
 #include <cstdint>
@@ -94,6 +94,9 @@ struct ui_service {
 	void (*pump)(int max_ms);
 	// From any thread: let a running pump return.
 	void (*wake)();
+	// From any thread: run work on the main thread, in a pump or between commands, once for each
+	// call and in the order of the calls.
+	void (*post)(void (*work)());
 	// Ends the process. Tests throw here, so nothing may be left half done before the call.
 	void (*exit_process)(int status);
 };

@@ -9,6 +9,7 @@
 // user's is ever touched.
 
 #include "platform/backends.h"
+#include "platform/signals.h"
 #include "programs/journey.h"
 #include "src/velmor.h"
 #include "ui/qt_ui.h"
@@ -227,6 +228,7 @@ static int run_demo()
 	prepare_folder(demo_folder());
 	install(&qt_ui, &posix_clock);
 	create_windows();
+	watch_end_signals([] { host.ui->post(end_windows); });
 	start_velmor();
 	the_rack->time.run_in_real_time();
 	return run_windows();
@@ -238,6 +240,8 @@ int main(int argc, char **argv)
 	const bool travelling = argc > 1 && !std::strcmp(argv[1], "--journey");
 	if (travelling)
 		setenv("QT_QPA_PLATFORM", "offscreen", 0);
+	else
+		hold_end_signals();
 	QApplication application(argc, argv);
 	QApplication::setApplicationName("velmor-demo");
 	if (!read_arguments(argc, argv, &a)) {

@@ -2,6 +2,7 @@
 
 #include "src/velmor.h"
 #include "platform/backends.h"
+#include "platform/signals.h"
 #include "ui/qt_ui.h"
 #include <QApplication>
 
@@ -20,10 +21,12 @@ static void install_services()
 
 int main(int argc, char **argv)
 {
+	hold_end_signals();
 	QApplication application(argc, argv);
 	QApplication::setApplicationName("velmor");
 	install_services();
 	create_windows();
+	watch_end_signals([] { host.ui->post(end_windows); });
 	start_velmor();
 	return run_windows();
 }

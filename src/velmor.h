@@ -31,7 +31,9 @@ extern double start_time;
 // Log one text, which may hold several lines. A text that begins with "[D]" is
 // dropped unless the run mode enables diagnostics; other tags are part of the text.
 // Goes to velmor.log in the current directory (diagnostics only, opened and closed
-// for each text so that a crash loses nothing) and to the log control.
+// for each text so that a crash loses nothing) and to the log control. May be called on any
+// thread: a text of another thread waits for the next pump or text of the main thread, with the
+// stamp and in the order of the call.
 void _add_scroll_string(const char *file, int line, const char *text);
 
 // Compose a text of any length and log it; the format is not even filled in for a

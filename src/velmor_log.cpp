@@ -12,6 +12,8 @@
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
+#include <mutex>
+#include <thread>
 
 namespace velmor
 {
@@ -82,11 +84,8 @@ static void append_to_screen(const std::string &stamp, const char *text)
 	host.ui->set_text(window_main, main_log, (std::string(kept) + stamp + text).c_str());
 }
 
-void _add_scroll_string(const char *file, int line, const char *text)
+static void write_text(const char *file, int line, double elapsed, const char *text)
 {
-	if (dropped(text))
-		return;
-	const double elapsed = host.clock->time_of_day() - start_time;
 	if (!current_run_mode.diagnostics) {
 		append_to_screen(format_text("%.04f: ", elapsed), text);
 		return;
@@ -94,6 +93,55 @@ void _add_scroll_string(const char *file, int line, const char *text)
 	const std::string stamp = format_text("%.04f [%s:%d]: ", elapsed, file, line);
 	append_to_file(stamp + text);
 	append_to_screen(stamp, text);
+}
+
+// ---- Other threads ----------------------------------------------------------------------
+
+struct waiting_text {
+	const char *file;
+	int line;
+	double elapsed;
+	std::string text;
+};
+
+static const std::thread::id main_thread = std::this_thread::get_id();
+static std::mutex waiting_lock;
+static std::vector<waiting_text> waiting; // texts of other threads, in their order
+
+static void log_waiting()
+{
+	std::vector<waiting_text> texts;
+	{
+		const std::lock_guard hold(waiting_lock);
+		texts.swap(waiting);
+	}
+	for (const waiting_text &it : texts)
+		write_text(it.file, it.line, it.elapsed, it.text.c_str());
+}
+
+static void leave_for_main_thread(waiting_text &&text)
+{
+	bool first;
+	{
+		const std::lock_guard hold(waiting_lock);
+		first = waiting.empty();
+		waiting.push_back(std::move(text));
+	}
+	if (first)
+		host.ui->post(log_waiting);
+}
+
+void _add_scroll_string(const char *file, int line, const char *text)
+{
+	if (dropped(text))
+		return;
+	const double elapsed = host.clock->time_of_day() - start_time;
+	if (std::this_thread::get_id() != main_thread) {
+		leave_for_main_thread({ file, line, elapsed, text });
+		return;
+	}
+	log_waiting();
+	write_text(file, line, elapsed, text);
 }
 
 void add_log_format(const char *file, int line, const char *format, ...)
@@ -134,6 +182,7 @@ void end_program(int status)
 {
 	for (box_keeper *keeper = innermost_keeper; keeper; keeper = keeper->enclosing())
 		keeper->show();
+	log_waiting();
 	host.ui->exit_process(status);
 }
 

@@ -6,6 +6,7 @@
 
 #include "ui/qt_ui.h"
 #include "platform/host.h"
+#include "src/velmor_window.h"
 #include "ui/parts.h"
 #include "ui/waveform.h"
 #include <QAbstractButton>
@@ -190,10 +191,17 @@ static QMessageBox::Icon icon_of(const QString &caption)
 	return QMessageBox::Information;
 }
 
+// The program is to end, and nobody may be there to press a button.
+static bool unattended = false;
+
 // Disabled windows would look dead beside the box, and a box of a hidden window would be
 // nowhere, so it belongs to the active window.
 static int show_message(const char *text, const char *caption, QMessageBox::StandardButtons buttons)
 {
+	if (unattended) {
+		std::fprintf(stderr, "%s: %s\n", caption, text);
+		return QMessageBox::Cancel;
+	}
 	QMessageBox box(QApplication::activeWindow());
 	box.setWindowTitle(QString::fromUtf8(caption));
 	box.setTextFormat(Qt::PlainText);
@@ -309,6 +317,12 @@ static void wake()
 		dispatcher->wakeUp();
 }
 
+static void post(void (*work)())
+{
+	QMetaObject::invokeMethod(QCoreApplication::instance(), work, Qt::QueuedConnection);
+	wake();
+}
+
 // The first round runs what is waiting. A wake that came before the second round leaves the
 // dispatcher's own mark behind, so the second round returns at once.
 static void pump(int max_ms)
@@ -361,6 +375,7 @@ const ui_service qt_ui = {
 	.stop_timer    = stop_timer,
 	.pump          = pump,
 	.wake          = wake,
+	.post          = post,
 	.exit_process  = exit_process,
 };
 // clang-format on
@@ -381,6 +396,17 @@ void destroy_windows()
 	let_dialogs_be_made(false);
 	delete find_widget(window_main, 0);
 	forget_log_text();
+}
+
+// A box that is open is closed, its question is answered with Cancel; then everything goes as
+// with the entry of the menu.
+void end_windows()
+{
+	unattended = true;
+	while (QWidget *box = QApplication::activeModalWidget())
+		if (!box->close())
+			break;
+	velmor_command(window_main, menu_exit);
 }
 
 int run_windows()

@@ -33,6 +33,7 @@ static std::map<std::pair<int, int>, headless_control> controls;
 static std::mutex wake_lock;
 static std::condition_variable woken;
 static bool wake_pending = false;
+static std::vector<void (*)()> posted;
 
 // What text has more than the present one, which may have lost its oldest lines in it.
 static std::string_view appended(std::string_view present, std::string_view text)
@@ -107,14 +108,29 @@ static void progress_set(int, const char *info, const char *time_left)
 
 static void pump(int max_ms)
 {
-	std::unique_lock hold(wake_lock);
-	woken.wait_for(hold, std::chrono::milliseconds(max_ms), [] { return wake_pending; });
-	wake_pending = false;
+	std::vector<void (*)()> works;
+	{
+		std::unique_lock hold(wake_lock);
+		woken.wait_for(
+			hold, std::chrono::milliseconds(max_ms), [] { return wake_pending; });
+		wake_pending = false;
+		works.swap(posted);
+	}
+	for (void (*work)() : works)
+		work();
 }
 
 static void wake()
 {
 	const std::lock_guard hold(wake_lock);
+	wake_pending = true;
+	woken.notify_all();
+}
+
+static void post(void (*work)())
+{
+	const std::lock_guard hold(wake_lock);
+	posted.push_back(work);
 	wake_pending = true;
 	woken.notify_all();
 }
@@ -167,6 +183,7 @@ const ui_service headless_ui = {
 	.stop_timer = [](int) {},
 	.pump = pump,
 	.wake = wake,
+	.post = post,
 	.exit_process =
 		[](int status) {
 			std::fflush(nullptr);

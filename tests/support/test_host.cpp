@@ -82,6 +82,17 @@ static void pass_time(double seconds)
 	host_meter::wait(t.now() - began);
 }
 
+static void run_posted()
+{
+	std::vector<void (*)()> works;
+	{
+		const std::lock_guard hold(the_test_host->posted_lock);
+		works.swap(the_test_host->posted);
+	}
+	for (void (*work)() : works)
+		work();
+}
+
 static const clock_service test_clock = {
 	.time_of_day =
 		[] {
@@ -188,11 +199,17 @@ static const ui_service test_ui = {
 	.pump =
 		[](int max_ms) {
 			host_meter::call();
+			run_posted();
 			if (the_test_host->on_pump)
 				the_test_host->on_pump();
 			pass_time(max_ms / 1000.0);
 		},
 	.wake = [] {},
+	.post =
+		[](void (*work)()) {
+			const std::lock_guard hold(the_test_host->posted_lock);
+			the_test_host->posted.push_back(work);
+		},
 	.exit_process = [](int status) { throw process_ended{ status }; },
 };
 
@@ -208,6 +225,8 @@ static const midi_service no_midi = {
 	.open_input = [](int, int *) { return 19; },
 	.arm = [](int, unsigned char *, std::size_t) { return 19; },
 	.received = [](int) { return std::size_t{ 0 }; },
+	.listen = [](int, std::size_t) { return 19; },
+	.take = [](int, unsigned char *, std::size_t) { return std::size_t{ 0 }; },
 	.input_error = [](int) { return 19; },
 	.disarm = [](int) {},
 	.close_input = [](int) {},

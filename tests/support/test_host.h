@@ -14,6 +14,7 @@
 #pragma once
 #include "src/velmor.h"
 #include "virtual/timeline.h"
+#include <atomic>
 #include <deque>
 #include <functional>
 #include <gtest/gtest.h>
@@ -79,6 +80,8 @@ public:
 	std::deque<bool> answers;              // to questions, in order; OK when it is empty
 	std::vector<std::string> chosen_files; // what choose_files answers
 	std::string chosen_folder;
+	std::vector<void (*)()> posted; // for the next pump; posts come from any thread
+	std::mutex posted_lock;
 	std::function<void()> on_pump; // what the "user" does while the system waits
 	shown_progress progress;
 	std::map<std::pair<int, int>, std::string> texts;
@@ -123,8 +126,9 @@ private:
 	test_host *outer; // the host that this one stands in for
 
 	friend struct host_meter;
-	double waited = 0, moment = 0;
-	long calls = 0;
+	double waited = 0;
+	std::atomic<double> moment = 0;
+	std::atomic<long> calls = 0;
 	std::uint64_t written = 0;
 };
 

@@ -87,6 +87,11 @@ static void add_entry(bounded_bytes entry, record *records, int room, int *count
 	*count = std::min(*count + 1, room);
 }
 
+static bool is_complete(const akai_answer &answer)
+{
+	return answer.size() && answer.bytes.back() == end_byte;
+}
+
 static void read_catalogue(const akai_answer &catalogue, _dev_status *status)
 {
 	status->programs = status->samples = status->multis = 0;
@@ -105,7 +110,7 @@ static void read_catalogue(const akai_answer &catalogue, _dev_status *status)
 		else
 			add_entry(entry, status->sample, max_samples, &status->samples);
 	}
-	if (catalogue.size() && catalogue.bytes.back() != end_byte)
+	if (catalogue.size() && !is_complete(catalogue))
 		log_line("[W] The catalogue broke off, %d programs and %d samples of it are "
 			 "there\r\n",
 			status->programs, status->samples);
@@ -118,7 +123,8 @@ static bool has_sample_0(const _dev_status *status)
 }
 
 // The header of sample 0 is asked for, and not used. Where the catalogue has none the machine
-// has nothing to say, and is not waited for.
+// has nothing to say, and is not waited for longer than a header takes on the wire: should one
+// come all the same, it is not taken for the next answer.
 static void request_overall(
 	u8 channel, u8 sysex_channel, const akai_answer &catalogue, const _dev_status *status)
 {
@@ -127,10 +133,10 @@ static void request_overall(
 		 "[SYSEX-CHANNEL: %d], REQUEST_LEN: %d\r\n",
 		channel, sysex_channel, static_cast<int>(message.size()));
 	int length = 0;
-	if (!catalogue.size() || has_sample_0(status))
+	if (!is_complete(catalogue) || has_sample_0(status))
 		length = ask_akai(message, s900_data_room).size();
-	else
-		tell_akai(message);
+	else if (tell_akai(message))
+		akai_pause(100);
 	log_line("[D] OVERALL Requested Akai s900 Status on Exclusive Channel: %d "
 		 "[SYSEX-CHANNEL: %d] --> %d Bytes\r\n",
 		channel, sysex_channel, length);

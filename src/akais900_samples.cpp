@@ -538,11 +538,12 @@ void akai_s900_download_sample(u8 channel, u8 sysex_channel, const char *name)
 	const _sample *known = find_sample(status, job.name);
 	job.pitch = known ? known->original_pitch : 0;
 	akai_s900_getstatus(channel, sysex_channel, status);
-	const _sample *sample = find_sample(status, job.name);
+	_sample *sample = find_sample(status, job.name);
 	if (!sample) {
 		show_box("ERROR", "Sample not found!");
 		return;
 	}
+	sample->original_pitch = static_cast<u8>(job.pitch);
 	job.number = static_cast<u8>(sample->number);
 	job.path = wave_path_of(spool_filebase(job.name.c_str()));
 	log_line("[D] Requested Sample has number: %d, Pitch: 0x%02X\r\n", job.number, job.pitch);

@@ -120,6 +120,8 @@ std::array<u8, size> s900_message(std::array<u8, size> message, int channel, int
 	message[akai_index] = static_cast<u8>(number);
 	return message;
 }
+// A whole message of seven-bit data: what is not must never go back.
+bool is_s900_message(const akai_answer &answer);
 // A program as its message. One that takes longer than an exchange waits is asked for twice.
 akai_answer ask_s900_program(std::span<const u8> message);
 // False after the line that a list needs a status.

@@ -51,6 +51,13 @@ bool has_s900_status(const _dev_status *status)
 	return false;
 }
 
+bool is_s900_message(const akai_answer &answer)
+{
+	const auto &bytes = answer.bytes;
+	return bytes.size() > 1 && bytes.back() == end_byte &&
+	       std::all_of(bytes.begin() + 1, bytes.end() - 1, [](u8 byte) { return byte < 0x80; });
+}
+
 // ---- Status and catalogue ----------------------------------------------------------------
 
 // What was known of the entry that stood in this place stays if it is the same one, so that a

@@ -49,8 +49,8 @@ static std::size_t program_end(int keygroups)
 // All that the program says it has, up to the end of the message.
 static bool is_whole(const akai_answer &answer)
 {
-	return answer.size() >= static_cast<int>(program_end(answer[s900_keygroup_count])) + 2 &&
-	       answer.bytes.back() == 0xF7;
+	const std::size_t end = program_end(answer[s900_keygroup_count]);
+	return is_s900_message(answer) && answer.bytes.size() >= end + 2;
 }
 
 static std::string name_of(const akai_answer &answer)

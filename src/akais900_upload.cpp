@@ -360,7 +360,7 @@ static akai_answer read_new_header(const upload_job &job, const std::string &nam
 // the user was asked.
 static bool may_write(const upload_job &job, const akai_answer &header)
 {
-	if (header.size() < s900_header_size || header.bytes.back() != 0xF7) {
+	if (header.size() < s900_header_size || !is_s900_message(header)) {
 		show_box("WARNING",
 			"The words of [%s] are sent, but the sampler %s about its sample %d, so "
 			"the name and the pitch were not written. If the sample is not in its "

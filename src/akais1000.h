@@ -120,7 +120,7 @@ extern const u8 akai_s1000_dummy_program[s2000_program_size];
 // The block of a new program for the loaded sampler; block takes 192 bytes.
 void akai_s1000_init_progblock(u8 *block, int *length, const _program *program);
 
-// ---- Samples and lists ask for it ---------------------------------------------------------
+// ---- Sample headers, for samples and their list --------------------------------------------
 
 // REQUEST SAMPLE HEADER                      0     1     2     3     4     5     6     7
 inline constexpr std::array<u8, 8> request_sample_header = //
@@ -179,11 +179,14 @@ void akai_s2000_sample_info(u8 channel, u8 sysex_channel, const char *name);
 // Into the spool.
 void akai_s1000_sample_download(u8 channel, u8 sysex_channel, const char *name);
 void akai_s2000_sample_download(u8 channel, u8 sysex_channel, const char *name);
+// new_name null deletes the sample.
+void akai_s1000_sample_rename(u8 channel, u8 sysex_channel, const char *name, const char *new_name);
+
+// ---- Upload (akais1000_upload.cpp) -------------------------------------------------------
+
 // path is that of a WAV file, without its extension.
 void akai_s2000_sample_upload(const char *path);
 // Always as sample 0, without a name of its own; no row selects it.
 void akai_s1000_sample_upload(const char *path);
-// new_name null deletes the sample.
-void akai_s1000_sample_rename(u8 channel, u8 sysex_channel, const char *name, const char *new_name);
 
 } // namespace velmor

@@ -2,9 +2,12 @@
 
 #include "platform/backends.h"
 #include "platform/headless/headless.h"
+#include "platform/signals.h"
 #include <chrono>
+#include <csignal>
 #include <gtest/gtest.h>
 #include <thread>
+#include <unistd.h>
 
 namespace
 {
@@ -72,6 +75,40 @@ TEST(headless, a_wake_ends_a_pump_even_when_it_came_first)
 		other.join();
 	}
 	EXPECT_LT(steady::now() - begin, 20000ms);
+}
+
+static std::thread::id ran_on;
+static bool asked = false;
+
+TEST(headless, what_is_posted_runs_once_in_the_next_pump)
+{
+	std::thread([] { headless_ui.post([] { ran_on = std::this_thread::get_id(); }); }).join();
+	EXPECT_EQ(ran_on, std::thread::id());
+	headless_ui.pump(20000);
+	EXPECT_EQ(ran_on, std::this_thread::get_id());
+	ran_on = {};
+	headless_ui.pump(0);
+	EXPECT_EQ(ran_on, std::thread::id());
+}
+
+// The first signal asks, in the pump of the main thread; the second one ends.
+TEST(headless, signals_that_end_a_program_ask_first)
+{
+	const auto program = [](int signals) {
+		hold_end_signals();
+		kill(getpid(), SIGTERM); // held until it is watched
+		watch_end_signals([] { headless_ui.post([] { asked = true; }); });
+		while (!asked)
+			headless_ui.pump(100);
+		if (signals > 1)
+			kill(getpid(), SIGINT);
+		for (int i = 0; signals > 1 && i < 100; i++)
+			headless_ui.pump(100);
+		std::_Exit(3);
+	};
+	testing::FLAGS_gtest_death_test_style = "threadsafe";
+	EXPECT_EXIT(program(1), testing::ExitedWithCode(3), "");
+	EXPECT_EXIT(program(2), testing::KilledBySignal(SIGINT), "");
 }
 
 TEST(headless, exit_ends_the_process_with_its_status)

@@ -3,6 +3,7 @@
 #include "src/controls.h"
 #include "tests/support/test_host.h"
 #include <cerrno>
+#include <thread>
 
 namespace velmor
 {
@@ -57,6 +58,29 @@ TEST_F(running_log, a_file_that_cannot_be_opened_is_skipped)
 	host.files->make_folder("velmor.log");
 	log_line("[I] on screen\r\n");
 	EXPECT_NE(screen().find("[I] on screen"), std::string::npos);
+}
+
+// What other threads say comes in its order and with its time, ahead of what the main thread
+// says after it, or with the next pump.
+TEST_F(running_log, other_threads_wait_for_the_main_one)
+{
+	for (int i = 0; i < 2; i++) {
+		h.time.run_until(i + 1);
+		std::thread([=] { log_line("[I] other %d\r\n", i); }).join();
+	}
+	EXPECT_EQ(screen(), "");
+	h.time.run_until(3);
+	log_line("[I] main\r\n");
+	EXPECT_EQ(h.log(),
+		(std::vector<std::string>{ "[I] other 0\r\n", "[I] other 1\r\n", "[I] main\r\n" }));
+	EXPECT_EQ(screen().substr(0, 8), "1.0000 [");
+	std::thread([] { log_line("[I] last\r\n"); }).join();
+	EXPECT_FALSE(h.logged("[I] last"));
+	host.ui->pump(0);
+	EXPECT_TRUE(h.logged("[I] last"));
+	current_run_mode.diagnostics = false;
+	std::thread([] { log_line("[D] dropped\r\n"); }).join();
+	EXPECT_TRUE(h.posted.empty());
 }
 
 struct full_screen {

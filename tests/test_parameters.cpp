@@ -88,6 +88,7 @@ TEST(parameters, bits_share_a_byte_and_what_no_row_names_stays)
 	record_to_block(shared_rows, taken_back, *k, block);
 	// FB is 1111 1011; bits 0 and 5 go, bit 2 comes.
 	EXPECT_EQ(block, hex("EE DE 55 09 77 88"));
+	k->high_note = 8;
 	record_to_block(shared_rows, never_read, *k, block);
 	EXPECT_EQ(block, hex("EE DE 55 09 77 88")) << "that it is not read makes nobody take it";
 	record_to_block(shared_rows, 2, *k, block);

@@ -1,7 +1,7 @@
 // test_s1000_codec.cpp - nibbles, numbers, names, tuning, and the parameter tables
 //
-// Bytes are worked out by hand from the description of the protocol. Properties walk
-// the real tables, so that a new row is tested by being there.
+// Bytes are worked out by hand from the description of the protocol. The parameter tables
+// are compared with a second telling of the format, row by row.
 
 #include "src/akais1000.h"
 #include "tests/support/test_host.h"

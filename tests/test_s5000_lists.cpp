@@ -396,17 +396,17 @@ TEST(usb_values, a_zone_is_written_in_its_own_order_and_keeps_magnitudes)
 {
 	_keyzone z = {};
 	copy_text(z.samplename, "AB");
-	z.high_velocity = 127, z.low_velocity = 1, z.zone_level = -600, z.zone_panning = -64;
+	z.high_velocity = 127, z.low_velocity = 1, z.zone_level = -200, z.zone_panning = -64;
 	z.zone_output = 24, z.zone_filter = -7, z.fine_tune = -50, z.semitone_tune = 12;
 	z.velocity_start = -200, z.zone_keyboard_track = 1, z.zone_playback = 6;
 	z.zone_mute = 1, z.zone_solo = 2;
-	// 600 is 258 hex, 58 in seven bits; 200 is 01 48.
+	// 200 is C8 hex, 48 in seven bits, and 01 48 in fourteen.
 	EXPECT_EQ(written(akai_s5000_zone_values, z, u8{ 3 }),
-		"06 01 03 41 42 00 | 06 0B 03 7F | 06 0C 03 01 | 06 02 03 01 58 | 06 03 03 00 | "
+		"06 01 03 41 42 00 | 06 0B 03 7F | 06 0C 03 01 | 06 02 03 01 48 | 06 03 03 00 | "
 		"06 04 03 18 | 06 05 03 01 07 | 06 06 03 01 32 | 06 07 03 00 0C | "
 		"06 0A 03 01 01 48 | 06 08 03 01 | 06 09 03 06 | 06 0D 03 01 | 06 0E 03 02");
 	EXPECT_EQ(told(akai_s5000_zone_values.subspan(3), z),
-		"zone_level 600, zone_panning -64, zone_output 24, zone_filter 7, fine_tune 50, "
+		"zone_level 200, zone_panning -64, zone_output 24, zone_filter 7, fine_tune 50, "
 		"semitone_tune 12, zone_keyboard_track 1, zone_playback 6, velocity_start 200, "
 		"zone_mute 1, zone_solo 2");
 	z.zone_level = -200;

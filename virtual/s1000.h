@@ -144,6 +144,8 @@ private:
 	bytes dump_message(view message);
 	bytes begin_dump(view message);
 	bytes take_packet(view message);
+	stored_sample &put_sample(
+		std::size_t number, unsigned rate, std::vector<std::int16_t> words);
 	void finish_dump();
 
 	const s1000_model model;

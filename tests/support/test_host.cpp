@@ -321,7 +321,7 @@ static void forget_everything()
 	copy_text(current_usb_name, "");
 	forget_commands();
 	forget_stop();
-	forget_line();
+	the_line = {};
 	local_sample.clear();
 	local_pgm.clear();
 	local_samples = local_pgms = 0;

@@ -171,6 +171,7 @@ TEST_F(s900_samples, a_dump_that_is_not_right_is_no_file)
 			"Sample not found/download failed!", "ERROR", 0.2 },
 		{ dump(no_loop, no_loop, { block_0, "", "F7" }), "", "", 4.3 },
 		{ dump(no_loop, no_loop, { block_0, "01 3F 7C 00*118", "F7" }), "", "", 4.3 },
+		{ dump(no_loop, no_loop, { block_0, "01 00*50", "F7" }), "", "", 4.3 },
 		{ dump(no_loop, other, { block_0, block_1, "F7" }), "", "", 4.3 },
 		{ dump(no_loop, no_loop, { block_0, "F0 " + block_1, "F7" }), "", "", 14.3 },
 		{ dump(no_loop, "00", { "", "", "" }), "", "", 14.3 },
@@ -418,6 +419,7 @@ TEST_F(s900_dumps, are_stopped_at_every_moment_with_the_machine_left_whole)
 		stop_in(at);
 		download();
 		EXPECT_EQ(kick().has_value(), !h.boxes.empty()) << at;
+		EXPECT_FALSE(kick() && at < 4) << "Stop was pressed";
 		EXPECT_TRUE(!machine.common_exclusive && !h.progress.visible) << at;
 	}
 	expect_logged("[I] Download of [KICK] stopped, nothing was saved\n");
@@ -435,6 +437,7 @@ TEST_F(s900_dumps, are_stopped_at_every_moment_with_the_machine_left_whole)
 			upload("KICK");
 			const bool done = machine_has(replaces ? 0 : 1);
 			EXPECT_EQ(done, h.boxes.empty()) << at;
+			EXPECT_FALSE(done && at < 0.95) << "Stop was pressed before the last block";
 			EXPECT_TRUE(done || machine.samples[0].words == other);
 			EXPECT_TRUE(!machine.common_exclusive && !h.progress.visible) << at;
 			EXPECT_TRUE(
@@ -501,6 +504,14 @@ TEST_F(s900_dumps, cross_the_bridge_as_well)
 	upload("NEW");
 	EXPECT_TRUE(h.boxes.empty()) << last_box();
 	EXPECT_TRUE(machine_has(1));
+	// What comes while more is sent is not thrown away.
+	listen_to_tcp();
+	send_tcp(hex("F0 47 00 03 40 00 00 F7"));
+	h.time.run_until(h.time.now() + 1);
+	send_tcp(hex("F0 7E 7F F7"));
+	u8 came[100];
+	EXPECT_EQ(take_tcp(came, sizeof came), 32) << "a catalogue of two";
+	stop_listening_to_tcp();
 	far_breaks = true;
 	download();
 	expect_box("Transmission failed!", "FATAL");

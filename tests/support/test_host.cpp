@@ -64,7 +64,7 @@ static void end_computing(int)
 	std::abort();
 }
 
-// A test that takes a minute of the processor is in a loop; none takes two seconds.
+// A test that takes half a minute of the processor is in a loop; none takes three seconds.
 static void limit_processor(long seconds)
 {
 	std::signal(SIGPROF, seconds ? end_computing : SIG_DFL);
@@ -342,7 +342,7 @@ test_host::test_host() : before(host), sampler{}, outer(the_test_host)
 {
 	the_test_host = this;
 	if (!outer)
-		limit_processor(60);
+		limit_processor(30);
 	char pattern[] = "/tmp/velmor-test-XXXXXX";
 	root = mkdtemp(pattern);
 	working_folder = std::filesystem::current_path();

@@ -365,6 +365,14 @@ TEST_F(s900_dumps, go_down_and_up_again_and_are_the_same)
 	ASSERT_TRUE(machine_has(1));
 	s900_machine::put_name(machine.samples[1].header, 0, "KICK");
 	EXPECT_EQ(machine.samples[1].header, before) << "rate, pitch, loop and mode";
+	// A loop that ends behind the words would be refused with them: it is left out.
+	std::vector<u8> file = kick().value();
+	file[107] = 0xFF;
+	local("KICK 3", file);
+	read_lists();
+	upload("KICK 3");
+	ASSERT_TRUE(machine_has(2));
+	EXPECT_EQ(machine.samples[2].header[26], 'O');
 	machine.samples[0].words[5] = 0;
 	read_lists();
 	h.boxes.clear();

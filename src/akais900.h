@@ -76,6 +76,10 @@ enum {
 	s900_velocity_switch = 87,
 	s900_data = 7, // where checksums begin
 };
+constexpr std::size_t s900_keygroup_at(int k)
+{
+	return std::size_t{ s900_keygroup_size } * static_cast<std::size_t>(k);
+}
 extern const parameters<_program> akai_s900_program_parameters;
 extern const parameters<_keygroup> akai_s900_keygroup_parameters;
 // Both zones, soft and loud; then what only one of them has, and what is sent of the soft one.

@@ -47,8 +47,8 @@ u8 s900_checksum(bounded_bytes bytes, std::size_t from, std::size_t to)
 std::string s900_spaced_text(bounded_bytes bytes, int count)
 {
 	std::string text;
-	for (int i = 0; i < count && bytes[static_cast<std::size_t>(2 * i)]; i++)
-		text += static_cast<char>(bytes[static_cast<std::size_t>(2 * i)]);
+	for (std::size_t at = 0; count-- > 0 && bytes[at]; at += 2)
+		text += static_cast<char>(bytes[at]);
 	return text;
 }
 

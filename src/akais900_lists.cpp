@@ -195,7 +195,7 @@ static void log_keygroup(const akai_answer &answer, int k, const _keygroup &keyg
 		soft_sign = 174,
 		loud_name = 175
 	};
-	const auto base = static_cast<std::size_t>(k * s900_keygroup_size);
+	const auto base = s900_keygroup_at(k);
 	const bounded_bytes block = answer.view().from(base);
 	const _keyzone &soft = keygroup.keyzone[0], &loud = keygroup.keyzone[1];
 	log_line("[D] KEYGROUP[%d], TRANSPOSE_OFFSET(0): %d[0x%08X] TRANSPOSE_OFFSET(1): "
@@ -229,7 +229,7 @@ static void read_program(const akai_answer &answer, _program *program)
 	const int room = std::min(whole_keygroups(answer), max_keygroups);
 	program->keygroups = akai_kept_count(program->keygroups, room, "keygroups");
 	for (int k = 0; k < program->keygroups; k++) {
-		const auto at = static_cast<std::size_t>(k * s900_keygroup_size);
+		const auto at = s900_keygroup_at(k);
 		akai_s900_keygroup_from_block(answer.view().from(at), &program->keygroup[k]);
 		log_keygroup(answer, k, program->keygroup[k]);
 	}

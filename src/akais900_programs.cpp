@@ -43,7 +43,7 @@ static _program *record_to_save(i32 program)
 // Where the checksum of a program of so many keygroups stands.
 static std::size_t program_end(int keygroups)
 {
-	return static_cast<std::size_t>(s900_first_keygroup + s900_keygroup_size * keygroups);
+	return s900_first_keygroup + s900_keygroup_at(keygroups);
 }
 
 // All that the program says it has, up to the end of the message.
@@ -110,8 +110,8 @@ static std::vector<u8> saved_program(
 	message[akai_channel] = static_cast<u8>(channel);
 	message[akai_index] = static_cast<u8>(program);
 	for (int k = 0; k < record->keygroups; k++) {
-		const std::span<u8> block = std::span(message).subspan(
-			static_cast<std::size_t>(k * s900_keygroup_size), s900_keygroup_end);
+		const std::span<u8> block =
+			std::span(message).subspan(s900_keygroup_at(k), s900_keygroup_end);
 		if (k >= stored)
 			akai_s900_new_keygroup(block);
 		akai_s900_keygroup_to_block(&record->keygroup[k], block);

@@ -528,7 +528,7 @@ void akai_s900_download_sample(u8 channel, u8 sysex_channel, const char *name)
 {
 	log_line("[I] Request for downloading [%s]\r\n", name);
 	_dev_status *status = current_sampler ? current_sampler->status : nullptr;
-	if (!has_s900_status(status))
+	if (!has_s900_status(status) || !status)
 		return;
 	forget_stop();
 	download_job job = {};

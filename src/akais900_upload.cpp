@@ -470,7 +470,7 @@ void akai_s900_upload_sample(const char *path)
 	job.name = base_name(path);
 	log_line("[I] Request for uploading [%s] [%s]\r\n", path, job.name.c_str());
 	const _dev_status *status = current_sampler ? current_sampler->status : nullptr;
-	if (!has_s900_status(status))
+	if (!has_s900_status(status) || !status)
 		return;
 	forget_stop();
 	job.path = wave_path_of(path);

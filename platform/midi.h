@@ -1,4 +1,8 @@
-// midi.h - MIDI ports of the host: any run of bytes out, one armed buffer in
+// midi.h - MIDI ports of the host: any run of bytes out, an armed buffer or a listener in
+//
+// An exchange arms a buffer of its own for one answer. A listener runs on, for the monitor and
+// for a dump that is one long message. Both may be there at once, on one port too: each opens
+// the input for itself and gets every byte.
 //
 // Called by the System Exclusive exchange. Results of type int are 0 for
 // success, otherwise a code for which error_text has words. All functions are
@@ -30,14 +34,20 @@ struct midi_service {
 	long (*leaving)(int handle);
 	void (*close_output)(int handle);
 
-	// Open an input; index -1 fails. Nothing is received before it is armed.
+	// Open an input; index -1 fails. Nothing is received before it is armed or listens.
 	int (*open_input)(int index, int *handle);
 	// Receive every byte that comes into buffer, at most capacity bytes, from now until disarm
 	// or close_input. What exceeds the capacity is dropped.
 	int (*arm)(int handle, unsigned char *buffer, std::size_t capacity);
 	// Bytes in the armed buffer at this moment.
 	std::size_t (*received)(int handle);
-	// 0, or the code of what went wrong since arm: an overrun, a port that vanished.
+	// Instead of arm: keep every byte that comes from now on, until disarm or close_input, and
+	// hand them over in their order. At most room bytes are kept; a listener that is not asked
+	// in time has lost the rest, which input_error says.
+	int (*listen)(int handle, std::size_t room);
+	// Take the oldest bytes kept, at most capacity of them. Gives back how many.
+	std::size_t (*take)(int handle, unsigned char *bytes, std::size_t capacity);
+	// 0, or the code of what went wrong since arm or listen: an overrun, a port that vanished.
 	int (*input_error)(int handle);
 	void (*disarm)(int handle);
 	void (*close_input)(int handle);

@@ -10,7 +10,7 @@ namespace velmor
 {
 
 struct net_service {
-	// Begin to connect to a dotted IPv4 address. Success means that the attempt is under way.
+	// Begin to connect to a dotted IPv4 address. What is none fails at once. Success means that the attempt is under way.
 	int (*connect)(const char *address, unsigned short port, int *handle);
 	// 1 connected, 0 still trying, negative refused or failed (the code is minus the result).
 	int (*connected)(int handle);

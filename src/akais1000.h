@@ -27,10 +27,11 @@
 //
 // Sample words travel in packets of the MIDI Sample Dump Standard (F0 7E cc 02 ..).
 //
-// Not done: writing, renaming and deleting programs; the parameter forms.
+// Not done: the parameter forms.
 // Knows nothing of: how bytes reach the sampler, windows.
 
 #pragma once
+#include "src/akaimidi.h"
 #include "src/parameters.h"
 
 namespace velmor
@@ -38,19 +39,16 @@ namespace velmor
 
 // ---- Codec (akais1000_codec.cpp) ---------------------------------------------------------
 
-inline constexpr int akai_name_size = 12;     // bytes of a name on the wire
-inline constexpr int akai_answer_room = 1000; // of every exchange but the lists
+inline constexpr int akai_name_size = 12; // bytes of a name on the wire
 // A list of as many names as a _dev_status holds.
 inline constexpr int akai_list_room = 7 + akai_name_size * max_programs + 1;
 static_assert(max_samples == max_programs);
 
-// Common to all messages.
 enum {
-	akai_channel = 2,
-	akai_function = 3,
-	akai_index = 5,
 	akai_keygroup = 7,
-	akai_block = 7
+	akai_block = 7,
+	akai_keygroup_block = 8,
+	akai_list_names = 7
 };
 
 // Two bytes a byte, the low four bits first.
@@ -124,33 +122,17 @@ extern const u8 akai_s1000_dummy_program[s2000_program_size];
 // The block of a new program for the loaded sampler; block takes 192 bytes.
 void akai_s1000_init_progblock(u8 *block, int *length, const _program *program);
 
-// ---- Asking (akais1000_codec.cpp) --------------------------------------------------------
+// ---- Sample headers, for samples and their list --------------------------------------------
 
-// What came back from the sampler, and not a byte more.
-struct akai_answer {
-	std::vector<u8> bytes;
-	bool port_failed; // the message never left; a box has said so
-
-	bounded_bytes view() const { return { bytes }; }
-	u8 operator[](std::size_t at) const { return view()[at]; }
-	int size() const { return static_cast<int>(bytes.size()); }
-	// The two bytes of an index or a count.
-	int number() const { return (*this)[akai_index] + 128 * (*this)[akai_index + 1]; }
-};
-
-// Send a message and take one answer of at most room bytes.
-akai_answer ask_akai(std::span<const u8> message, int room = akai_answer_room);
-
-// A message with its holes filled: the exclusive channel, and where the message has one, the
-// index of a program or sample.
-template <std::size_t size>
-std::array<u8, size> akai_message(std::array<u8, size> message, u8 sysex_channel, int index = -1)
-{
-	message[akai_channel] = sysex_channel;
-	if (index >= 0)
-		set_akai7_word(static_cast<u32>(index), &message[akai_index]);
-	return message;
-}
+// REQUEST PROGRAM LIST                       0     1     2     3     4     5
+inline constexpr std::array<u8, 6> request_program_list = //
+	{ 0xF0, 0x47, 0x00, 0x02, 0x48, 0xF7 };
+// REQUEST PROGRAM COMMON DATA                0     1     2     3     4     5     6     7
+inline constexpr std::array<u8, 8> request_program = //
+	{ 0xF0, 0x47, 0x00, 0x06, 0x48, 0x00, 0x00, 0xF7 };
+// REQUEST KEYGROUP DATA                      0     1     2     3     4     5     6     7     8
+inline constexpr std::array<u8, 9> request_keygroup = //
+	{ 0xF0, 0x47, 0x00, 0x08, 0x48, 0x00, 0x00, 0x00, 0xF7 };
 
 // REQUEST SAMPLE HEADER                      0     1     2     3     4     5     6     7
 inline constexpr std::array<u8, 8> request_sample_header = //
@@ -195,6 +177,9 @@ void akai_s1000_keygroup_from_block(bounded_bytes block, _keygroup *keygroup);
 
 // ---- Status and lists (akais1000_lists.cpp) ----------------------------------------------
 
+// Name i of a list, trimmed, as far as it came. The end byte is no part of a name.
+std::string akai_list_name(const akai_answer &list, int i);
+
 void akai_s1000_getstatus(u8 channel, u8 sysex_channel, _dev_status *status);
 void akai_s2000_getstatus(u8 channel, u8 sysex_channel, _dev_status *status);
 void akai_s1000_getproglist(u8 channel, u8 sysex_channel, _dev_status *status);
@@ -209,11 +194,24 @@ void akai_s2000_sample_info(u8 channel, u8 sysex_channel, const char *name);
 // Into the spool.
 void akai_s1000_sample_download(u8 channel, u8 sysex_channel, const char *name);
 void akai_s2000_sample_download(u8 channel, u8 sysex_channel, const char *name);
+// new_name null deletes the sample.
+void akai_s1000_sample_rename(u8 channel, u8 sysex_channel, const char *name, const char *new_name);
+
+// ---- Upload (akais1000_upload.cpp) -------------------------------------------------------
+
 // path is that of a WAV file, without its extension.
 void akai_s2000_sample_upload(const char *path);
 // Always as sample 0, without a name of its own; no row selects it.
 void akai_s1000_sample_upload(const char *path);
-// new_name null deletes the sample.
-void akai_s1000_sample_rename(u8 channel, u8 sysex_channel, const char *name, const char *new_name);
+
+// ---- Writing programs (akais1000_programs.cpp) --------------------------------------------
+
+// Entry program of source, or of the loaded tree where source is null. A save changes the record:
+// one blank at the end of its name goes, and negative tunings are lowered.
+void akai_s1000_prog_save(i32 program, _program *source);
+void akai_s1000_prog_delete(i32 program);
+void akai_s1000_prog_rename(i32 program, const char *new_name);
+// Both as the sampler counts. Always on exclusive channel 0, and over MIDI for every model.
+void akai_s1000_del_keygroup(i32 program, i32 keygroup);
 
 } // namespace velmor

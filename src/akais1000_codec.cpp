@@ -222,19 +222,4 @@ void akai_s1000_init_progblock(u8 *block, int *length, const _program *program)
 	block[program_keygroups] = static_cast<u8>(program->keygroups);
 }
 
-// ---- Asking ------------------------------------------------------------------------------
-
-akai_answer ask_akai(std::span<const u8> message, int room)
-{
-	akai_answer answer = { std::vector<u8>(static_cast<std::size_t>(room)), false };
-	int length = room;
-	send_midi_string_ex(
-		message.data(), static_cast<int>(message.size()), answer.bytes.data(), &length, 1);
-	// A failed port leaves the length as it was, over a cleared buffer.
-	answer.port_failed = length == room && answer.bytes[0] == 0;
-	length = answer.port_failed ? 0 : std::clamp(length, 0, room);
-	answer.bytes.resize(static_cast<std::size_t>(length));
-	return answer;
-}
-
 } // namespace velmor

@@ -35,31 +35,17 @@ enum {
 	status_size = 21
 };
 
-// REQUEST PROGRAM LIST                       0     1     2     3     4     5
-static constexpr std::array<u8, 6> request_program_list = //
-	{ 0xF0, 0x47, 0x00, 0x02, 0x48, 0xF7 };
 // REQUEST SAMPLE LIST                        0     1     2     3     4     5
 static constexpr std::array<u8, 6> request_sample_list = //
 	{ 0xF0, 0x47, 0x00, 0x04, 0x48, 0xF7 };
 enum {
 	program_list_function = 0x03,
 	sample_list_function = 0x05,
-	list_names = 7
 };
 
-// REQUEST PROGRAM COMMON DATA                0     1     2     3     4     5     6     7
-static constexpr std::array<u8, 8> request_program = //
-	{ 0xF0, 0x47, 0x00, 0x06, 0x48, 0x00, 0x00, 0xF7 };
 enum {
 	program_longest_refusal = 30
 }; // what is not longer holds no program
-
-// REQUEST KEYGROUP DATA                      0     1     2     3     4     5     6     7     8
-static constexpr std::array<u8, 9> request_keygroup = //
-	{ 0xF0, 0x47, 0x00, 0x08, 0x48, 0x00, 0x00, 0x00, 0xF7 };
-enum {
-	keygroup_block = 8
-};
 
 // ---- Status ------------------------------------------------------------------------------
 
@@ -112,33 +98,19 @@ const char *akai_s1000_getplaymode(i32 mode)
 
 // ---- What both lists share ----------------------------------------------------------------
 
-// No more than there is room for.
-static int kept_count(int count, int room, const char *what)
-{
-	if (count > room)
-		log_line("[W] The sampler counts %d %s, %d are read\r\n", count, what, room);
-	return std::min(count, room);
-}
-
 // Name i of a list, trimmed, as far as it came. The end byte is no part of a name.
-static std::string list_name(const akai_answer &list, int i)
+std::string akai_list_name(const akai_answer &list, int i)
 {
 	std::span<const u8> names = list.bytes;
 	if (!names.empty() && names.back() == 0xF7)
 		names = names.first(names.size() - 1);
-	const std::size_t at = list_names + static_cast<std::size_t>(i) * akai_name_size;
+	const std::size_t at = akai_list_names + static_cast<std::size_t>(i) * akai_name_size;
 	const bounded_bytes name = bounded_bytes{ names }.from(at);
 	const int count = std::min(static_cast<int>(name.size()), akai_name_size);
 	char text[akai_name_size + 1];
 	from_akai_ascii(name, count, text);
 	trim_akai_name(text);
 	return text;
-}
-
-// Why a list ends before its time.
-static bool list_interrupted(const akai_answer &answer)
-{
-	return answer.port_failed || progress_stopped();
 }
 
 // ---- Programs ------------------------------------------------------------------------------
@@ -157,13 +129,13 @@ static void forget_keygroups(_dev_status *status, int from)
 static bool read_program(u8 sysex_channel, int index, _program *program)
 {
 	const akai_answer answer = ask_akai(akai_message(request_program, sysex_channel, index));
-	if (list_interrupted(answer))
+	if (akai_interrupted(answer))
 		return false;
 	if (answer.size() <= program_longest_refusal)
 		return true;
 	akai_s1000_program_from_block(
 		{ akai_bytes_from_nibbles(answer.view().from(akai_block)) }, program);
-	program->keygroups = kept_count(program->keygroups, max_keygroups, "keygroups");
+	program->keygroups = akai_kept_count(program->keygroups, max_keygroups, "keygroups");
 	return true;
 }
 
@@ -176,10 +148,10 @@ static bool read_keygroups(u8 sysex_channel, int index, _program *program)
 		auto message = akai_message(request_keygroup, sysex_channel, index);
 		message[akai_keygroup] = static_cast<u8>(k & 0x7F);
 		const akai_answer answer = ask_akai(message);
-		if (list_interrupted(answer))
+		if (akai_interrupted(answer))
 			return false;
 		akai_s1000_keygroup_from_block(
-			{ akai_bytes_from_nibbles(answer.view().from(keygroup_block)) },
+			{ akai_bytes_from_nibbles(answer.view().from(akai_keygroup_block)) },
 			&program->keygroup[k]);
 	}
 	return true;
@@ -208,10 +180,10 @@ void akai_s1000_getproglist(u8, u8 sysex_channel, _dev_status *status)
 		ask_akai(akai_message(request_program_list, sysex_channel), akai_list_room);
 	if (list[akai_function] != program_list_function)
 		return;
-	status->programs = kept_count(list.number(), max_programs, "programs");
+	status->programs = akai_kept_count(list.number(), max_programs, "programs");
 	show_progressbar(0, status->programs + 1, "Getting program information...");
 	for (int i = 0; i < status->programs; i++)
-		copy_text(status->program[i].name, list_name(list, i));
+		copy_text(status->program[i].name, akai_list_name(list, i));
 	read_programs(sysex_channel, status);
 	hide_progressbar(0);
 }
@@ -227,22 +199,20 @@ static void read_sample_name(const akai_answer &answer, _sample *sample)
 			akai_trimmed_name(bounded_bytes{ block }.from(sample_header_name)));
 }
 
-// No bar is shown meanwhile, so there is no Stop to press (closing the program asks for one): a
-// sampler that was switched off is left alone after a few silent answers.
+// No bar is shown meanwhile, so only closing the program asks for a Stop.
 static void read_sample_names(u8 sysex_channel, _dev_status *status)
 {
-	constexpr int most_silent = 3;
-	int silent = 0;
+	akai_silence silence;
 	forget_stop();
-	for (int i = 0; i < status->samples && silent < most_silent; i++) {
+	for (int i = 0; i < status->samples && !silence.too_long(); i++) {
 		const akai_answer answer =
 			ask_akai(akai_message(request_sample_header, sysex_channel, i));
-		if (list_interrupted(answer))
+		if (akai_interrupted(answer))
 			return;
-		silent = answer.size() ? 0 : silent + 1;
+		silence.hear(answer);
 		read_sample_name(answer, &status->sample[i]);
 	}
-	if (silent == most_silent)
+	if (silence.too_long())
 		log_line("[W] The sampler no longer answers, the names of the list are kept\r\n");
 }
 
@@ -256,9 +226,9 @@ void akai_s1000_getsamplelist(u8, u8 sysex_channel, _dev_status *status)
 		ask_akai(akai_message(request_sample_list, sysex_channel), akai_list_room);
 	if (list[akai_function] != sample_list_function)
 		return;
-	status->samples = kept_count(list.number(), max_samples, "samples");
+	status->samples = akai_kept_count(list.number(), max_samples, "samples");
 	for (int i = 0; i < status->samples; i++) {
-		copy_text(status->sample[i].name, list_name(list, i));
+		copy_text(status->sample[i].name, akai_list_name(list, i));
 		status->sample[i].number = i;
 	}
 	read_sample_names(sysex_channel, status);

@@ -1,30 +1,26 @@
-// akais1000_samples.cpp - samples of the S1000 family: headers, words both ways, names
+// akais1000_samples.cpp - samples of the S1000 family: headers, words that come, names
 //
 //   request sample header    F0 47 cc 0A 48 ss SS F7
 //   sample header            F0 47 cc 0B 48 ss SS nibbles F7         also sent to write it
 //   request sample data      F0 47 cc 0C 48 ss SS oo oo oo oo nn 00 00 00 01 01 F7
 //   delete sample            F0 47 cc 14 48 ss SS F7
-//   dump header              F0 7E cc 01 ss SS 10 pp pp pp ll ll ll aa aa aa bb bb bb 00 F7
-//   data packet              F0 7E cc 02 kk (word*3)*40 xx F7        127 bytes, both ways
-//   acknowledgement          F0 7E cc 7F kk F7                       7C: wait
+//   data packet              F0 7E cc 02 kk (word*3)*40 xx F7        127 bytes
 //
-// The last three are those of the MIDI Sample Dump Standard. A download asks for each packet
-// with a request of its own and acknowledges none; its checksum is not looked at. An upload
-// sends a header and packets, each of which the sampler acknowledges, and then writes the name
-// into the sampler's own header of the sample, because a dump carries none. There is no
-// rename message either: a name changes by sending the header back.
+// The last one is that of the MIDI Sample Dump Standard. A download asks for each packet with a
+// request of its own and acknowledges none; one that came damaged is taken as it is, and counted,
+// so that the user can be told. There is no rename message: a name changes by sending the header
+// back.
 //
 // What a sampler says is not trusted: a length above what the machines hold is refused.
 //
 // Knows nothing of: the layout of WAV files, windows.
 
-#include "src/akais1000.h"
+#include "src/akais1000_samples.h"
 #include "src/velmor_window.h"
 #include "src/waveqx.h"
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
-#include <limits>
 
 namespace velmor
 {
@@ -59,55 +55,24 @@ enum {
 };
 
 // DELETE SAMPLE                              0     1     2     3     4     5     6     7
-static constexpr std::array<u8, 8> delete_sample = //
+static constexpr std::array<u8, 8> request_delete = //
 	{ 0xF0, 0x47, 0x00, 0x14, 0x48, 0x00, 0x00, 0xF7 };
-
-// DUMP HEADER                                0     1     2     3     4     5     6
-static constexpr std::array<u8, 21> dump_header = //
-	{ 0xF0, 0x7E, 0x00, 0x01, 0x00, 0x00, 0x10,
-		// 7     8     9    10    11    12    13    14    15    16    17    18    19    20
-		0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00,
-		0xF7 };
-enum {
-	dump_number = 4,
-	dump_period = 7,
-	dump_length = 10,
-	dump_loop_start = 13,
-	dump_loop_end = 16,
-};
-// What three bytes of seven bits can say.
-static constexpr u64 longest_dump = 0x1FFFFF;
-
-// DATA PACKET
-enum {
-	packet_kind = 3,
-	packet_number = 4,
-	packet_words = 5,
-	packet_checksum = 125,
-	packet_size = 127,
-	words_in_packet = 40,
-};
-static_assert(packet_words + 3 * words_in_packet == packet_checksum);
-
-// ACKNOWLEDGEMENT
-enum {
-	ack_size = 6,
-	ack_kind = 3,
-	ack_positive = 0x7F,
-	ack_wait = 0x7C
-};
 
 // 32 MB is the most that any of the machines takes.
 static constexpr u64 most_words = 16 * 1024 * 1024;
 
 // ---- Finding a sample ---------------------------------------------------------------------
 
-// Index of a sample in the loaded list by its exact name. Without one: the list's count, one
-// past the last, which is 0 for an empty list.
-static int find_sample(const char *name, bool log_compares = false)
+int akai_samples_listed()
 {
 	const _dev_status *status = current_sampler ? current_sampler->status : nullptr;
-	const int samples = status ? std::clamp(status->samples, 0, max_samples) : 0;
+	return status ? std::clamp(status->samples, 0, max_samples) : 0;
+}
+
+int akai_find_sample(const char *name, bool log_compares)
+{
+	const _dev_status *status = current_sampler ? current_sampler->status : nullptr;
+	const int samples = akai_samples_listed();
 	for (int i = 0; i < samples; i++) {
 		if (log_compares)
 			log_line("[D] ##################### S1000 NAME COMPARE: [%%] <> [%s]\r\n",
@@ -121,9 +86,8 @@ static int find_sample(const char *name, bool log_compares = false)
 // The sample itself, or null after the box that ends the program.
 static _sample *require_sample(const char *name, bool log_compares)
 {
-	const int index = find_sample(name, log_compares);
-	const _dev_status *status = current_sampler ? current_sampler->status : nullptr;
-	if (status && index < std::min(status->samples, max_samples))
+	const int index = akai_find_sample(name, log_compares);
+	if (index < akai_samples_listed())
 		return &current_sampler->status->sample[index];
 	show_box("FATAL", "Internal error (akai_s1000 Module) aborting! (Sample index not found)");
 	end_program(0);
@@ -137,14 +101,9 @@ static int index_of(const _sample *sample)
 
 // ---- Headers ------------------------------------------------------------------------------
 
-static bool is_header_of(const akai_answer &answer, int index)
+bool akai_is_header_of(const akai_answer &answer, int index)
 {
 	return answer[akai_function] == sample_header_function && answer.number() == index;
-}
-
-static int shown(u64 value)
-{
-	return static_cast<int>(static_cast<u32>(value));
 }
 
 static void log_header(const _sample &sample, bounded_bytes block, u32 loop_fine, u32 coarse)
@@ -217,7 +176,7 @@ static _sample *read_header(u8 sysex_channel, const char *name, bad_header_log l
 		"[D] FOUND INDEX: %d for sample: [%s]...requesting Sample-Header\r\n", index, name);
 	const akai_answer answer =
 		ask_akai(akai_message(request_sample_header, sysex_channel, index));
-	if (!is_header_of(answer, index)) {
+	if (!akai_is_header_of(answer, index)) {
 		log_bad_header(answer);
 		return nullptr;
 	}
@@ -250,11 +209,6 @@ struct download_form {
 static constexpr download_form s1000_download = { log_s1000_bad_header, false, false, 80 };
 static constexpr download_form s2000_download = { log_s2000_bad_header, true, true, 50 };
 
-static u64 packets_of(u64 words)
-{
-	return words / words_in_packet + (words % words_in_packet ? 1 : 0);
-}
-
 // The packet with words from offset on. False when the work ends here.
 static bool fetch_packet(const download_form &form, u8 sysex_channel, const _sample &sample,
 	u64 block, akai_answer *answer)
@@ -275,6 +229,40 @@ static bool fetch_packet(const download_form &form, u8 sysex_channel, const _sam
 	} while (form.repeats && answer->size() != packet_size);
 	return true;
 }
+
+// Counts the packets that did not come as they were sent.
+class packet_tally
+{
+public:
+	int damaged = 0;
+
+	void take(const akai_answer &packet, u64 block)
+	{
+		if (!is_whole(packet) || !is_due(packet[packet_number], block))
+			damaged++;
+	}
+
+private:
+	static bool is_whole(const akai_answer &packet)
+	{
+		return packet.size() == packet_size && packet[1] == 0x7E &&
+		       packet[packet_kind] == 0x02 &&
+		       packet[packet_checksum] == checksum_of(packet.view());
+	}
+	// Some machines begin a dump with each request, so that every packet has one number;
+	// others count on. A packet that is late has the number of an earlier one.
+	bool is_due(int number, u64 block)
+	{
+		if (first < 0) {
+			first = number;
+			first_block = block;
+		}
+		const int counted_on = (first + static_cast<int>(block - first_block)) & 0x7F;
+		return number == first || number == counted_on;
+	}
+	int first = -1;      // number of the first whole packet
+	u64 first_block = 0; // and its place
+};
 
 // What did not come is zero on the wire, which is the lowest value of a word.
 static void take_words(bounded_bytes packet, u32 *words, u64 count)
@@ -302,19 +290,18 @@ static void log_packet(
 }
 
 // All words of a sample. False when the work ended before they were there.
-static bool fetch_words(const download_form &form, u8 sysex_channel, _sample *sample)
+static bool fetch_words(
+	const download_form &form, u8 sysex_channel, _sample *sample, packet_tally *tally)
 {
-	// Without a bar there is no Stop to press: a machine that was switched off is left alone
-	// after a few silent answers.
-	constexpr int most_silent = 3;
-	int silent = 0;
+	akai_silence silence;
 	const u64 blocks = packets_of(sample->sample_length);
 	for (u64 block = 0; block < blocks; block++) {
 		akai_answer answer;
 		if (!fetch_packet(form, sysex_channel, *sample, block, &answer))
 			return false;
-		silent = answer.size() ? 0 : silent + 1;
-		if (silent == most_silent) {
+		tally->take(answer, block);
+		silence.hear(answer);
+		if (silence.too_long()) {
 			log_line("[W] The sampler no longer answers\r\n");
 			return false;
 		}
@@ -383,7 +370,8 @@ static void download_words(const download_form &form, u8 sysex_channel, _sample 
 	log_download(form, *sample);
 	if (form.shows_progress)
 		begin_download_progress(*sample);
-	const bool complete = fetch_words(form, sysex_channel, sample);
+	packet_tally tally;
+	const bool complete = fetch_words(form, sysex_channel, sample, &tally);
 	if (form.shows_progress)
 		hide_progressbar(0);
 	if (!complete)
@@ -392,6 +380,12 @@ static void download_words(const download_form &form, u8 sysex_channel, _sample 
 		log_line("[I] Download of [%s] stopped, nothing was saved\r\n", sample->name);
 	else if (!complete || write_sample(sample, nullptr) != 0)
 		tell_failed_download();
+	else if (tally.damaged)
+		show_box("WARNING",
+			"%d of %d packets of [%s] came damaged, late or not at all. The file is "
+			"saved, but it clicks or falls silent in these places. Another download "
+			"may help.",
+			tally.damaged, shown(packets_of(sample->sample_length)), sample->name);
 }
 
 static void download(const download_form &form, u8 sysex_channel, const char *name)
@@ -420,9 +414,7 @@ void akai_s2000_sample_download(u8, u8 sysex_channel, const char *name)
 
 // ---- Names ---------------------------------------------------------------------------------
 
-// The header that came, under another name: 12 bytes of the alphabet over its own. Empty when
-// it is too short to hold one, because half a header must not go back.
-static std::vector<u8> renamed_block(const akai_answer &header, const u8 *name)
+std::vector<u8> akai_renamed_block(const akai_answer &header, const u8 *name)
 {
 	std::vector<u8> block = akai_bytes_from_nibbles(header.view().from(akai_block));
 	if (block.size() < sample_header_name + akai_name_size)
@@ -431,8 +423,7 @@ static std::vector<u8> renamed_block(const akai_answer &header, const u8 *name)
 	return block;
 }
 
-// A header as a message: the head of the answer it came in, and the block.
-static std::vector<u8> header_message(const akai_answer &header, std::span<const u8> block)
+std::vector<u8> akai_header_message(const akai_answer &header, std::span<const u8> block)
 {
 	std::vector<u8> message(header.bytes.begin(), header.bytes.begin() + akai_block);
 	message.resize(akai_block + 2 * block.size() + 1);
@@ -442,7 +433,7 @@ static std::vector<u8> header_message(const akai_answer &header, std::span<const
 	return message;
 }
 
-static void log_header_block(const akai_answer &header, const char *what)
+void akai_log_header_block(const akai_answer &header, const char *what)
 {
 	const std::vector<u8> block = akai_bytes_from_nibbles(header.view().from(akai_block));
 	log_line("[D] Header-Length: %d Bytes [%s]%s\r\n", static_cast<int>(block.size()),
@@ -451,7 +442,7 @@ static void log_header_block(const akai_answer &header, const char *what)
 
 static void delete_at(u8 sysex_channel, int index)
 {
-	ask_akai(akai_message(delete_sample, sysex_channel, index));
+	ask_akai(akai_message(request_delete, sysex_channel, index));
 	log_line("[D] Sample successfully deleted!\r\n");
 }
 
@@ -461,16 +452,16 @@ static void rename_at(u8 sysex_channel, int index, const char *new_name)
 	make_akai_name(new_name, name, akai_name_size);
 	const akai_answer header =
 		ask_akai(akai_message(request_sample_header, sysex_channel, index));
-	const std::vector<u8> block = renamed_block(header, name);
-	if (!is_header_of(header, index) || block.empty()) {
+	const std::vector<u8> block = akai_renamed_block(header, name);
+	if (!akai_is_header_of(header, index) || block.empty()) {
 		log_line("[I] BAD RESPONSE (INVALID SAMPLE NAME?) Code: %d\r\n",
 			header[akai_function]);
 		return;
 	}
-	log_header_block(header, "");
+	akai_log_header_block(header, "");
 	log_line("[D] Header-Length: %d Bytes [%s] (NEW NAME)\r\n", static_cast<int>(block.size()),
 		hex_text(block).c_str());
-	const std::vector<u8> message = header_message(header, block);
+	const std::vector<u8> message = akai_header_message(header, block);
 	const std::span<const u8> nibbles = std::span(message).subspan(akai_block);
 	log_line("[D] Header as nibble: %d Bytes [%s]\r\n", static_cast<int>(nibbles.size()),
 		hex_text(nibbles).c_str());
@@ -483,241 +474,11 @@ void akai_s1000_sample_rename(u8, u8 sysex_channel, const char *name, const char
 {
 	log_line("[D] S1000 %s SAMPLE [%s] TO [%s]\r\n", new_name ? "RENAMING" : "DELETING", name,
 		new_name ? new_name : "NULL");
-	const int index = find_sample(name);
+	const int index = akai_find_sample(name, false);
 	if (new_name)
 		rename_at(sysex_channel, index, new_name);
 	else
 		delete_at(sysex_channel, index);
-}
-
-// ---- Upload --------------------------------------------------------------------------------
-
-// What the upload of the table and the one beside it differ in.
-struct upload_form {
-	bool chooses_number; // by name; otherwise sample 0
-	bool shows_progress;
-	const char *tag;  // of the lines that tell of packets
-	bool writes_name; // into the sampler's header
-};
-
-static constexpr upload_form s2000_upload = { true, true, "[D]", true };
-static constexpr upload_form s1000_upload = { false, false, "[I]", false };
-
-// One upload under way.
-struct upload_job {
-	const upload_form *form;
-	const _sample *sample;
-	u8 sysex_channel;
-	int number;
-	u64 announced; // words that the dump header tells of
-};
-
-static void put_seven_bits_3(u64 value, u8 *p)
-{
-	for (int i = 0; i < 3; i++)
-		p[i] = static_cast<u8>(value >> (7 * i) & 0x7F);
-}
-
-static void tell_bad_ack()
-{
-	show_box("ERROR", "Upload failed (received bad header ACK)");
-}
-
-static bool is_ack(const akai_answer &answer, u8 kind)
-{
-	return answer.size() >= ack_size && answer[ack_kind] == kind;
-}
-
-// Nanoseconds from word to word.
-static u32 sample_period(const _sample &sample)
-{
-	return sample.sample_rate ? static_cast<u32>(1e9 / static_cast<double>(sample.sample_rate))
-				  : 0;
-}
-
-static std::array<u8, 21> dump_header_of(const upload_job &job)
-{
-	auto message = akai_message(dump_header, job.sysex_channel);
-	set_akai7_word(static_cast<u32>(job.number), &message[dump_number]);
-	put_seven_bits_3(sample_period(*job.sample), &message[dump_period]);
-	put_seven_bits_3(job.announced, &message[dump_length]);
-	put_seven_bits_3(job.sample->loop_start, &message[dump_loop_start]);
-	put_seven_bits_3(job.sample->loop_end, &message[dump_loop_end]);
-	return message;
-}
-
-// Announce the dump. A sampler that has to make room says wait and later that it is ready;
-// what it says then is not tested.
-static bool announce(const upload_job &job)
-{
-	log_line("[D] Sample period: %d, SAM-Sample-Length: %d\r\n",
-		shown(sample_period(*job.sample)), shown(job.sample->sample_length));
-	log_line("[D] Sample-Bytes: %d\n", shown(job.sample->sample_bytes));
-	const auto message = dump_header_of(job);
-	const akai_answer answer = ask_akai(message);
-	log_line("[D] Sent sample-header request[%d Bytes]...received %d Bytes\r\n",
-		static_cast<int>(message.size()), answer.size());
-	if (!is_ack(answer, ack_positive) && !is_ack(answer, ack_wait)) {
-		tell_bad_ack();
-		return false;
-	}
-	if (is_ack(answer, ack_wait)) {
-		log_line("[D] Waiting for sampler to come ready...\r\n");
-		u8 result[akai_answer_room];
-		int length = sizeof result;
-		wait_midi_string_ex(result, &length, 1, 2);
-		log_line("[D] Received %d Midi Bytes\r\n", length);
-	}
-	return true;
-}
-
-// Words of the sample that are in memory: frames of other widths come without values.
-static u64 words_in_memory(const _sample &sample)
-{
-	const bool decoded = sample.bytespersample == 2 || sample.bytespersample == 3;
-	return sample.sample_data && decoded ? sample.sample_length : 0;
-}
-
-static std::array<u8, packet_size> packet_of(const upload_job &job, u64 block)
-{
-	constexpr u32 midpoint = 0;
-	std::array<u8, packet_size> packet = { 0xF0, 0x7E, job.sysex_channel, 0x02 };
-	packet[packet_number] = block & 0x7F;
-	const u64 words = words_in_memory(*job.sample);
-	for (u64 i = 0; i < words_in_packet; i++) {
-		const u64 at = block * words_in_packet + i;
-		akai_dump_word(at < words ? job.sample->sample_data[at] : midpoint,
-			&packet[packet_words + 3 * i]);
-	}
-	u8 checksum = 0;
-	for (int i = 1; i < packet_checksum; i++)
-		checksum ^= packet[i];
-	packet[packet_checksum] = checksum & 0x7F;
-	packet[packet_size - 1] = 0xF7;
-	return packet;
-}
-
-// One packet after the other, each with its acknowledgement. False when the dump ended early.
-static bool send_packets(const upload_job &job)
-{
-	const u64 blocks = packets_of(job.announced);
-	for (u64 block = 0; block < blocks; block++) {
-		const auto packet = packet_of(job, block);
-		const akai_answer answer = ask_akai(packet);
-		log_line("%s Sent sample-dump packet[%d Bytes]...received %d Bytes (BLOCK: "
-			 "%d/%d)\r\n",
-			job.form->tag, packet_size, answer.size(), shown(block + 1), shown(blocks));
-		if (!is_ack(answer, ack_positive)) {
-			tell_bad_ack();
-			return false;
-		}
-		if (job.form->shows_progress)
-			set_progressbar(shown(block));
-		if (progress_stopped()) {
-			log_line("[I] Upload of [%s] stopped\r\n", job.sample->name);
-			if (job.form->shows_progress)
-				hide_progressbar(0);
-			return false;
-		}
-	}
-	return true;
-}
-
-// The sampler's header of what was just dumped, under the local name. False when the sampler
-// tells of another sample.
-static bool name_upload(const upload_job &job)
-{
-	u8 name[akai_name_size + 1];
-	make_akai_name(job.sample->name, name, akai_name_size);
-	const akai_answer header =
-		ask_akai(akai_message(request_sample_header, job.sysex_channel, job.number));
-	const std::vector<u8> block = renamed_block(header, name);
-	if (!is_header_of(header, job.number) || block.empty()) {
-		log_line("BAD RESPONSE (INVALID SAMPLE NAME?) Code: %d\r\n", header[akai_function]);
-		return false;
-	}
-	if (!job.form->writes_name) {
-		log_line("Sample renamed...\r\n");
-		return true;
-	}
-	log_line("[D] Sample renaming...Sample-Number: [%d]\r\n", job.number);
-	log_header_block(header, "");
-	const std::vector<u8> message = header_message(header, block);
-	const akai_answer answer = ask_akai(message);
-	log_line("[D] Sent sample-header request[%d Bytes]...received %d Bytes\r\n",
-		static_cast<int>(message.size()), answer.size());
-	return true;
-}
-
-// A bar that is up stays up when the sampler refuses; it tells how far the dump came.
-static void send_dump(const upload_job &job)
-{
-	if (!announce(job))
-		return;
-	const u64 blocks = packets_of(job.announced);
-	log_line("%s Transmitting %d Blocks (Last block contains %d Words)\r\n", job.form->tag,
-		shown(blocks), shown(job.announced % words_in_packet));
-	if (job.form->shows_progress)
-		show_progressbar(0, shown(blocks),
-			format_text("Uploading [%s]...", job.sample->name).c_str());
-	if (!send_packets(job) || !name_upload(job))
-		return;
-	if (job.form->shows_progress)
-		hide_progressbar(0);
-	show_box("INFO", "Sample successfully uploaded!");
-}
-
-// The header of a dump counts bytes where words are due, so 16 bit words are announced twice
-// over, and the second half of the dump is silence. What the three bytes of the count cannot
-// say is left off that silence; a sample whose own words they cannot count is refused.
-static void upload_sample(const upload_form &form, const _sample &sample)
-{
-	if (sample.sample_length > longest_dump) {
-		log_line("[F] [%s] has %llu words, a sample dump carries %llu\r\n", sample.name,
-			static_cast<unsigned long long>(sample.sample_length),
-			static_cast<unsigned long long>(longest_dump));
-		show_box("ERROR", "Sample too long for a sample dump (%llu words at most)!",
-			static_cast<unsigned long long>(longest_dump));
-		return;
-	}
-	upload_job job = { .form = &form,
-		.sample = &sample,
-		.sysex_channel = static_cast<u8>(current_sampler->sampler_sysex_channel),
-		.number = 0,
-		.announced = std::min(sample.sample_bytes, longest_dump) };
-	log_line("[D] Uploading Sample [%s] to current Sampler  Number requested: %d, "
-		 "SYSEX-CHANNEL: %d\r\n",
-		sample.name, sample.number, job.sysex_channel);
-	if (form.chooses_number)
-		job.number = find_sample(sample.name);
-	log_line("[D] New Sample-Number: %d\r\n", job.number);
-	send_dump(job);
-}
-
-static void upload(const upload_form &form, const char *path)
-{
-	if (!current_sampler)
-		return;
-	forget_stop();
-	log_line("[D] Trying to upload [%s]\r\n", path);
-	_sample sample = {};
-	if (create_sample_from_file(path, &sample)) {
-		display_sample_information(&sample, "LOCAL");
-		upload_sample(form, sample);
-	} else {
-		show_box("INFO", "Sample corrupted...cannot read information!");
-	}
-	free_sample_data(&sample);
-}
-
-void akai_s2000_sample_upload(const char *path)
-{
-	upload(s2000_upload, path);
-}
-
-void akai_s1000_sample_upload(const char *path)
-{
-	upload(s1000_upload, path);
 }
 
 } // namespace velmor

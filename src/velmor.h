@@ -31,7 +31,9 @@ extern double start_time;
 // Log one text, which may hold several lines. A text that begins with "[D]" is
 // dropped unless the run mode enables diagnostics; other tags are part of the text.
 // Goes to velmor.log in the current directory (diagnostics only, opened and closed
-// for each text so that a crash loses nothing) and to the log control.
+// for each text so that a crash loses nothing) and to the log control. May be called on any
+// thread: a text of another thread waits for the next pump or text of the main thread, with the
+// stamp and in the order of the call.
 void _add_scroll_string(const char *file, int line, const char *text);
 
 // Compose a text of any length and log it; the format is not even filled in for a
@@ -147,13 +149,17 @@ void show_progressbar(int window, int range, const char *caption);
 // Show a value, and let pending interface events run.
 void set_progressbar(int val);
 void hide_progressbar(int window);
-// True from the press of Stop to the next show_progressbar or forget_stop. Long work asks at
-// every point where it can end and leave sampler and files consistent.
+// True from the press of Stop to the next show_progressbar or forget_stop, and as long as the
+// program is to be closed. Long work asks at every point where it can end and leave sampler and
+// files consistent.
 bool progress_stopped();
 // Stop was pressed.
 void stop_progress();
 // For long work that shows no progress window: forgets an earlier stop, as showing one does.
 void forget_stop();
+// The program is to be closed as soon as the work that runs has come back.
+void request_close(bool wanted);
+bool close_requested();
 
 // ---- Start-up and configurations (velmor.cpp) --------------------------------------------
 
@@ -168,6 +174,9 @@ extern char current_usb_name[256];
 void start_velmor();
 
 void load_sampler_list();
+// Show conf_sampler, and what is loaded (velmor_card.cpp).
+void show_sampler_list();
+void show_loaded_card();
 // Make a configuration current: 0, or 1 when nothing was named or the load was refused.
 // A missing or short file ends the process.
 int load_sampler(const char *sampler_name);
@@ -178,9 +187,9 @@ bool may_store(const std::string &name, const std::string &path);
 // Write a configuration under its description and make it the current sampler: 0, or 1 when
 // nothing was stored, which a box has said. The file is the old one or the new one at any moment.
 int store_sampler(const _sampler &record);
-// Query a sampler described by the dialog alone; what it says is seen in the log.
-void get_device_info(
-	u8 control_channel, i32 brand_id, u8 sysex_channel, char *result, int *_maxlen);
+// Choose the entries of the sampler dialog that stand for a configuration; what is out of range
+// chooses the nearest.
+void select_in_sampler_dialog(const _sampler &s);
 // The loaded sampler's _dev_status, allocated on first use; null without a sampler or memory.
 _dev_status *require_dev_status();
 
@@ -229,10 +238,13 @@ extern u16 tcp_port;
 
 void switch_on_tcp();
 void switch_off_tcp();
-// Send on the bridge: true if the far end took every byte before the deadline.
+// Send on the bridge: true if the far end took every byte before the deadline. What came since
+// the last exchange belongs to none and is thrown away before.
 bool send_tcp(std::span<const u8> bytes);
 // Receive up to the first 0xF7, capacity bytes, a break of the connection, or the deadline of
 // the MIDI path. Returns the bytes received.
 int receive_tcp(u8 *input, int capacity);
+// Why the last message was not taken or its answer broke off, a sentence; "" when neither did.
+const std::string &why_tcp_failed();
 
 } // namespace velmor

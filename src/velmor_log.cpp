@@ -9,9 +9,13 @@
 
 #include "src/controls.h"
 #include "src/velmor_outcome.h"
+#include <algorithm>
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
+#include <locale.h>
+#include <mutex>
+#include <thread>
 
 namespace velmor
 {
@@ -22,8 +26,27 @@ double start_time = 0;
 static constexpr std::size_t screen_log_size = 10000; // characters
 static constexpr int lines_dropped = 5;
 
+// Numbers of the program's words have a full stop, whatever the desktop writes: while one lives,
+// this thread formats as in C.
+class plain_numbers
+{
+public:
+	plain_numbers() : before(uselocale(plain())) {}
+	~plain_numbers() { uselocale(before); }
+	plain_numbers(const plain_numbers &) = delete;
+
+private:
+	static locale_t plain()
+	{
+		static const locale_t c = newlocale(LC_ALL_MASK, "C", nullptr);
+		return c;
+	}
+	locale_t before;
+};
+
 static std::string format_list(const char *format, va_list list)
 {
+	const plain_numbers plain;
 	va_list again;
 	va_copy(again, list);
 	const int length = std::vsnprintf(nullptr, 0, format, again);
@@ -82,11 +105,8 @@ static void append_to_screen(const std::string &stamp, const char *text)
 	host.ui->set_text(window_main, main_log, (std::string(kept) + stamp + text).c_str());
 }
 
-void _add_scroll_string(const char *file, int line, const char *text)
+static void write_text(const char *file, int line, double elapsed, const char *text)
 {
-	if (dropped(text))
-		return;
-	const double elapsed = host.clock->time_of_day() - start_time;
 	if (!current_run_mode.diagnostics) {
 		append_to_screen(format_text("%.04f: ", elapsed), text);
 		return;
@@ -94,6 +114,55 @@ void _add_scroll_string(const char *file, int line, const char *text)
 	const std::string stamp = format_text("%.04f [%s:%d]: ", elapsed, file, line);
 	append_to_file(stamp + text);
 	append_to_screen(stamp, text);
+}
+
+// ---- Other threads ----------------------------------------------------------------------
+
+struct waiting_text {
+	const char *file;
+	int line;
+	double elapsed;
+	std::string text;
+};
+
+static const std::thread::id main_thread = std::this_thread::get_id();
+static std::mutex waiting_lock;
+static std::vector<waiting_text> waiting; // texts of other threads, in their order
+
+static void log_waiting()
+{
+	std::vector<waiting_text> texts;
+	{
+		const std::lock_guard hold(waiting_lock);
+		texts.swap(waiting);
+	}
+	for (const waiting_text &it : texts)
+		write_text(it.file, it.line, it.elapsed, it.text.c_str());
+}
+
+static void leave_for_main_thread(waiting_text &&text)
+{
+	bool first;
+	{
+		const std::lock_guard hold(waiting_lock);
+		first = waiting.empty();
+		waiting.push_back(std::move(text));
+	}
+	if (first)
+		host.ui->post(log_waiting);
+}
+
+void _add_scroll_string(const char *file, int line, const char *text)
+{
+	if (dropped(text))
+		return;
+	const double elapsed = host.clock->time_of_day() - start_time;
+	if (std::this_thread::get_id() != main_thread) {
+		leave_for_main_thread({ file, line, elapsed, text });
+		return;
+	}
+	log_waiting();
+	write_text(file, line, elapsed, text);
 }
 
 void add_log_format(const char *file, int line, const char *format, ...)
@@ -130,10 +199,22 @@ void box_keeper::show()
 	boxes.clear();
 }
 
+std::vector<kept_box> box_keeper::take()
+{
+	std::vector<kept_box> taken;
+	for (const kept_box &box : boxes)
+		if (std::none_of(taken.begin(), taken.end(),
+			    [&](const kept_box &earlier) { return earlier.text == box.text; }))
+			taken.push_back(box);
+	boxes.clear();
+	return taken;
+}
+
 void end_program(int status)
 {
 	for (box_keeper *keeper = innermost_keeper; keeper; keeper = keeper->enclosing())
 		keeper->show();
+	log_waiting();
 	host.ui->exit_process(status);
 }
 

@@ -16,7 +16,7 @@
 
 #include "src/controls.h"
 #include "src/rmidi.h"
-#include "src/velmor.h"
+#include "src/velmor_outcome.h"
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
@@ -43,13 +43,44 @@ static constexpr u8 first_real_time = 0xF8;
 static int opened_interface = -1; // the choice that the_outHandle was opened for
 static bool exchange_running = false;
 
+static std::string failure; // what the port said of the exchange under way
+
 // One exchange at a time: waiting runs interface events, and a command among them must not
 // start a second exchange inside the first.
 struct exchange_guard {
-	exchange_guard() { exchange_running = true; }
+	exchange_guard()
+	{
+		exchange_running = true;
+		failure.clear();
+	}
 	~exchange_guard() { exchange_running = false; }
 	exchange_guard(const exchange_guard &) = delete;
 };
+
+// Show what the port says, and keep it for the end of the exchange.
+static void port_failed(const char *words, call_site at = call_site::current())
+{
+	failure = words;
+	display_error_text(__FILE_NAME__, at.line(), failure.c_str());
+}
+
+static void port_failed(int code, call_site at = call_site::current())
+{
+	port_failed(host.midi->error_text(code), at);
+}
+
+// Every exchange that wanted an answer ends here, over MIDI as over the bridge.
+static void report_exchange(const u8 *answer, int length)
+{
+	if (!failure.empty())
+		line_silent(failure.c_str());
+	else if (length < 1)
+		line_silent("No answer came.");
+	else if (answer[length - 1] != end_byte)
+		line_silent("The answer broke off.");
+	else
+		line_answered();
+}
 
 static void forget_output()
 {
@@ -75,7 +106,7 @@ static bool open_output()
 	const int code = host.midi->open_output(selected_midi_out_interface, &the_outHandle);
 	if (code) {
 		the_outHandle = -1;
-		display_error_text(__FILE_NAME__, __LINE__, host.midi->error_text(code));
+		port_failed(code);
 		return false;
 	}
 	opened_interface = selected_midi_out_interface;
@@ -107,13 +138,12 @@ static bool wait_until_left(int handle, int count)
 		if (left == 0)
 			return true;
 		if (left < 0) {
-			const char *words = host.midi->error_text(static_cast<int>(-left));
-			display_error_text(__FILE_NAME__, __LINE__, words);
+			port_failed(static_cast<int>(-left));
 			return false;
 		}
 		if (host.clock->counter() >= deadline) {
-			display_error_text(__FILE_NAME__, __LINE__,
-				"The MIDI output does not send. Is the interface still connected?");
+			port_failed("The MIDI output does not send. Is the interface still "
+				    "connected?");
 			return false;
 		}
 		log_line("[D] Still waiting for sending of midi-buffer\r\n");
@@ -128,7 +158,7 @@ static bool send_whole(const u8 *bytes, int count)
 	const int code = host.midi->write(
 		the_outHandle, bytes, static_cast<std::size_t>(std::max(count, 0)));
 	if (code)
-		display_error_text(__FILE_NAME__, __LINE__, host.midi->error_text(code));
+		port_failed(code);
 	if (code || !wait_until_left(the_outHandle, count)) {
 		forget_output();
 		return false;
@@ -228,7 +258,7 @@ static bool open_input(armed_input *in)
 		code = host.midi->arm(in->handle, in->block.get(),
 			static_cast<std::size_t>(in->capacity) + spare_room);
 	if (code)
-		display_error_text(__FILE_NAME__, __LINE__, host.midi->error_text(code));
+		port_failed(code);
 	else
 		in->armed = true;
 	return code == 0;
@@ -282,7 +312,7 @@ static int await_end_bytes(armed_input &in, int msg_count, const answer_rules &r
 			return 0;
 		const int code = host.midi->input_error(in.handle);
 		if (code) {
-			display_error_text(__FILE_NAME__, __LINE__, host.midi->error_text(code));
+			port_failed(code);
 			return -1;
 		}
 		in.sort();
@@ -339,22 +369,19 @@ static bool begin_exchange(u8 *input, int *_input_len, int msg_count)
 static void exchange_over_tcp(const u8 *output, int output_len, u8 *input, int *_input_len)
 {
 	const int capacity = *_input_len;
-	if (!send_tcp({ output, static_cast<std::size_t>(std::max(output_len, 0)) }) || !capacity)
-		return;
-	*_input_len = 0;
-	*_input_len = receive_tcp(input, capacity);
+	const bool sent = send_tcp({ output, static_cast<std::size_t>(std::max(output_len, 0)) });
+	if (sent && capacity) {
+		*_input_len = 0;
+		*_input_len = receive_tcp(input, capacity);
+	}
+	failure = why_tcp_failed();
+	if (!sent && failure.empty())
+		failure = "The TCP bridge is busy with another message.";
 }
 
-void send_midi_string_ex(
+static void exchange_over_midi(
 	const u8 *output, int output_len, u8 *input, int *_input_len, int msg_count)
 {
-	if (!begin_exchange(input, _input_len, msg_count))
-		return;
-	const exchange_guard running;
-	if (use_tcp) {
-		exchange_over_tcp(output, output_len, input, _input_len);
-		return;
-	}
 	armed_input in;
 	allocate_block(&in, *_input_len);
 	if (!open_output() || (msg_count > 0 && !open_input(&in)))
@@ -383,7 +410,7 @@ static bool send_through_port(const freed_port &out, const u8 *output, int outpu
 {
 	const int code = g_MidiOutPortSendFunc(out.port, output, output_len);
 	if (code) {
-		display_error_text(__FILE_NAME__, __LINE__, host.midi->error_text(code));
+		port_failed(code);
 		return false;
 	}
 	if (!wait_until_left(out.port, output_len))
@@ -393,16 +420,9 @@ static bool send_through_port(const freed_port &out, const u8 *output, int outpu
 	return true;
 }
 
-void send_midi_string_ex_s900(
+static void exchange_over_own_port(
 	const u8 *output, int output_len, u8 *input, int *_input_len, int msg_count)
 {
-	if (!begin_exchange(input, _input_len, msg_count))
-		return;
-	const exchange_guard running;
-	if (use_tcp) {
-		exchange_over_tcp(output, output_len, input, _input_len);
-		return;
-	}
 	armed_input in;
 	allocate_block(&in, *_input_len);
 	forget_output(); // a port can be open once only
@@ -420,6 +440,36 @@ void send_midi_string_ex_s900(
 		receive_answer(&in, input, _input_len, msg_count, s900_rules);
 }
 
+using exchange_form = void (*)(
+	const u8 *output, int output_len, u8 *input, int *_input_len, int msg_count);
+
+static void exchange(exchange_form over_midi, const u8 *output, int output_len, u8 *input,
+	int *_input_len, int msg_count)
+{
+	if (!begin_exchange(input, _input_len, msg_count))
+		return;
+	const exchange_guard running;
+	const bool answered = use_tcp ? *_input_len > 0 : msg_count > 0;
+	if (use_tcp)
+		exchange_over_tcp(output, output_len, input, _input_len);
+	else
+		over_midi(output, output_len, input, _input_len, msg_count);
+	if (answered)
+		report_exchange(input, *_input_len);
+}
+
+void send_midi_string_ex(
+	const u8 *output, int output_len, u8 *input, int *_input_len, int msg_count)
+{
+	exchange(exchange_over_midi, output, output_len, input, _input_len, msg_count);
+}
+
+void send_midi_string_ex_s900(
+	const u8 *output, int output_len, u8 *input, int *_input_len, int msg_count)
+{
+	exchange(exchange_over_own_port, output, output_len, input, _input_len, msg_count);
+}
+
 // A wait lasts at least until the second after the next has begun, even if the message came
 // at once: a sampler that has said it is ready gets that time before more is sent.
 static void rest_after_wait(double began)
@@ -435,15 +485,17 @@ void wait_midi_string_ex(u8 *input, int *_input_len, int msg_count, int timeout)
 	const exchange_guard running;
 	armed_input in;
 	allocate_block(&in, *_input_len);
-	if (!open_input(&in))
-		return;
 	const double began = whole_seconds();
-	receive_answer(&in, input, _input_len, msg_count,
-		{ .seconds = timeout,
-			.log_incomplete = false,
-			.ends_when_full = false,
-			.partial_counts = false });
-	rest_after_wait(began);
+	const bool open = open_input(&in);
+	if (open)
+		receive_answer(&in, input, _input_len, msg_count,
+			{ .seconds = timeout,
+				.log_incomplete = false,
+				.ends_when_full = false,
+				.partial_counts = false });
+	report_exchange(input, *_input_len);
+	if (open)
+		rest_after_wait(began);
 }
 
 void send_midi_string(const u8 *midi_data, int len)

@@ -32,7 +32,7 @@ constexpr room rooms[] = {
 	{ "ui", "ui/.*\\.h|src/.*\\.h|platform/[a-z]+\\.h", "alsa/.*|libusb.*|fuse.*" },
 	{ "virtual", "virtual/.*\\.h|platform/[a-z]+\\.h",
 		"Q[A-Z].*|Qt.*|alsa/.*|libusb.*|fuse.*" },
-	{ "platform/posix", "platform/(clock|files|settings|net)\\.h|platform/posix/.*\\.h",
+	{ "platform/posix", "platform/(clock|files|settings|net|signals)\\.h|platform/posix/.*\\.h",
 		"Q[A-Z].*|alsa/.*|libusb.*|fuse.*" },
 	{ "platform/headless", "platform/ui\\.h|platform/headless/.*\\.h",
 		"Q[A-Z].*|alsa/.*|libusb.*|fuse.*" },

@@ -2,9 +2,12 @@
 
 #include "platform/backends.h"
 #include "platform/headless/headless.h"
+#include "platform/signals.h"
 #include <chrono>
+#include <csignal>
 #include <gtest/gtest.h>
 #include <thread>
+#include <unistd.h>
 
 namespace
 {
@@ -54,6 +57,25 @@ TEST(headless, controls_remember_and_selections_stay_in_their_list)
 	EXPECT_TRUE(headless_ui.choose_files("Import", "*.wav").empty());
 }
 
+TEST(headless, a_form_remembers_its_rows_by_their_place)
+{
+	form_row row = {};
+	row.id = 27005; // twice, which is no matter
+	const std::vector<form_row> rows = { row, row };
+	headless_ui.build_form(13002, 7, rows);
+	headless_ui.set_row_value(13002, 7, 1, -600);
+	headless_ui.set_row_text(13002, 7, 0, "typed");
+	EXPECT_EQ(headless_ui.row_value(13002, 7, 1), -600);
+	EXPECT_EQ(headless_ui.row_value(13002, 7, 0), 0);
+	EXPECT_EQ(headless_ui.row_text(13002, 7, 0), "typed");
+	for (const int wrong : { -1, 2 }) {
+		headless_ui.set_row_value(13002, 7, wrong, 1);
+		EXPECT_EQ(headless_ui.row_value(13002, 7, wrong), 0);
+	}
+	headless_ui.build_form(13002, 7, {});
+	EXPECT_EQ(headless_ui.row_value(13002, 7, 1), 0) << "built anew, it is another form";
+}
+
 TEST(headless, a_wake_ends_a_pump_even_when_it_came_first)
 {
 	headless_ui.wake();
@@ -62,17 +84,50 @@ TEST(headless, a_wake_ends_a_pump_even_when_it_came_first)
 	EXPECT_LT(steady::now() - begin, 1000ms);
 
 	begin = steady::now();
-	headless_ui.pump(20);
-	EXPECT_GE(steady::now() - begin, 19ms) << "one wake ended two pumps";
+	headless_ui.pump(2);
+	EXPECT_GE(steady::now() - begin, 2ms) << "one wake ended two pumps";
 
-	std::thread other([] {
-		std::this_thread::sleep_for(10ms);
-		headless_ui.wake();
-	});
 	begin = steady::now();
-	headless_ui.pump(2000);
-	EXPECT_LT(steady::now() - begin, 1000ms);
-	other.join();
+	for (int i = 0; i < 100; i++) {
+		std::thread other(headless_ui.wake);
+		headless_ui.pump(20000);
+		other.join();
+	}
+	EXPECT_LT(steady::now() - begin, 20000ms);
+}
+
+static std::thread::id ran_on;
+static bool asked = false;
+
+TEST(headless, what_is_posted_runs_once_in_the_next_pump)
+{
+	std::thread([] { headless_ui.post([] { ran_on = std::this_thread::get_id(); }); }).join();
+	EXPECT_EQ(ran_on, std::thread::id());
+	headless_ui.pump(20000);
+	EXPECT_EQ(ran_on, std::this_thread::get_id());
+	ran_on = {};
+	headless_ui.pump(0);
+	EXPECT_EQ(ran_on, std::thread::id());
+}
+
+// The first signal asks, in the pump of the main thread; the second one ends.
+TEST(headless, signals_that_end_a_program_ask_first)
+{
+	const auto program = [](int signals) {
+		hold_end_signals();
+		kill(getpid(), SIGTERM); // held until it is watched
+		watch_end_signals([] { headless_ui.post([] { asked = true; }); });
+		while (!asked)
+			headless_ui.pump(100);
+		if (signals > 1)
+			kill(getpid(), SIGINT);
+		for (int i = 0; signals > 1 && i < 100; i++)
+			headless_ui.pump(100);
+		std::_Exit(3);
+	};
+	testing::FLAGS_gtest_death_test_style = "threadsafe";
+	EXPECT_EXIT(program(1), testing::ExitedWithCode(3), "");
+	EXPECT_EXIT(program(2), testing::KilledBySignal(SIGINT), "");
 }
 
 TEST(headless, exit_ends_the_process_with_its_status)

@@ -4,12 +4,14 @@
 // protocol says. Every fault of the wire is tried at every exchange of every operation.
 
 #include "src/akais1000.h"
+#include "src/velmor_window.h"
 #include "src/waveqx.h"
 #include "tests/support/test_host.h"
 #include "virtual/midi_ports.h"
 #include "virtual/s1000.h"
 #include <cmath>
 #include <filesystem>
+#include <utility>
 
 namespace velmor
 {
@@ -183,18 +185,6 @@ TEST_F(conversations, what_is_uploaded_arrives_with_its_name_and_goes_again)
 	}
 }
 
-TEST_F(conversations, an_upload_of_the_same_name_takes_its_place)
-{
-	conversation c(h, s1000_model::s2000, model_s2000);
-	c.list();
-	c.row->downloadsample(1, 5, "SNARE");
-	c.row->uploadsample(c.spool("SNARE").c_str());
-	c.samples();
-	EXPECT_EQ(c.dev().samples, 2);
-	EXPECT_STREQ(c.dev().sample[1].name, "SNARE");
-	EXPECT_EQ(c.machine.samples[1].words.size(), 162u);
-}
-
 TEST_F(conversations, a_full_memory_is_told_and_the_sampler_stays_usable)
 {
 	conversation c(h, s1000_model::s3000, model_s3000);
@@ -209,15 +199,6 @@ TEST_F(conversations, a_full_memory_is_told_and_the_sampler_stays_usable)
 	EXPECT_EQ(c.machine.samples.size(), 2u);
 	c.list();
 	EXPECT_EQ(c.dev().samples, 2);
-}
-
-TEST_F(conversations, a_sampler_on_another_channel_does_not_answer)
-{
-	conversation c(h, s1000_model::s3000, model_s3000);
-	c.row->getstatus(1, 6, &c.dev());
-	EXPECT_EQ(c.dev().status, 0);
-	c.status();
-	EXPECT_EQ(c.dev().status, 1);
 }
 
 // ---- Stop --------------------------------------------------------------------------------
@@ -244,14 +225,37 @@ TEST_F(conversations, stop_leaves_sampler_and_spool_whole)
 		if (h.time.now() > stop_at)
 			stop_progress();
 	};
+	EXPECT_TRUE(h.boxes.empty());
 	c.row->uploadsample(c.spool("LONG").c_str());
 	EXPECT_FALSE(h.progress.visible);
-	EXPECT_TRUE(h.boxes.empty());
+	ASSERT_EQ(h.boxes.size(), 1u);
+	EXPECT_NE(h.boxes[0].text.find("[LONG] that the sampler had in this place is gone"),
+		std::string::npos);
+	// The machine knows too: what comes now belongs to no dump.
+	ASSERT_EQ(c.machine.heard.back().size(), 6u);
+	EXPECT_EQ(c.machine.heard.back()[3], 0x7D);
+	EXPECT_EQ(c.machine.answer(hex("F0 7E 05 02 00 00*120 79 F7")), hex("F0 7E 05 7D 00 F7"));
+	EXPECT_TRUE(c.machine.samples[2].words.empty());
 	h.on_pump = nullptr;
 	c.list();
 	EXPECT_EQ(c.dev().programs, 3);
 	EXPECT_EQ(c.dev().samples, 3);
 	EXPECT_STREQ(c.dev().sample[2].name, "LONG");
+}
+
+// An Exit ends a list at once, the first operation of it too, and the program behind it.
+TEST_F(conversations, exit_in_the_first_list_operation_ends_the_program)
+{
+	conversation c(h, s1000_model::s3000, model_s3000);
+	for (int i = 0; i < 100; i++)
+		c.machine.add_sample(format_text("SAMPLE %d", i), 44100, {});
+	h.on_pump = [&, done = false]() mutable {
+		if (std::exchange(done, true))
+			return;
+		velmor_command(window_main, menu_exit);
+	};
+	EXPECT_THROW(velmor_command(window_main, main_samples), process_ended);
+	EXPECT_LE(c.machine.heard.size(), 4u);
 }
 
 // ---- Faults ------------------------------------------------------------------------------

@@ -6,6 +6,8 @@
 namespace velmor
 {
 
+static int woken_by;
+
 class start : public host_test
 {
 protected:
@@ -15,8 +17,15 @@ protected:
 TEST_F(start, reads_the_settings_and_fills_the_windows)
 {
 	transcript_midi t(h, "");
+	net_service net = *host.net;
+	usb_service usb = *host.usb;
+	woken_by = 0;
+	net.on_arrival = [](void (*wake)()) { woken_by += wake == host.ui->wake; };
+	usb.on_arrival = net.on_arrival;
+	host.net = &net;
+	host.usb = &usb;
 	h.put_content(h.root + "/velmor.log", hex("41 42"));
-	h.put_content(h.config + "\\rack.sampler", {});
+	h.put_content(h.config + "\\rack.sampler", std::vector<u8>(536));
 	h.settings = { { "midi_in", "0" }, { "midi_out", "1" } };
 	h.time.run_until(5);
 	start_velmor();
@@ -33,6 +42,7 @@ TEST_F(start, reads_the_settings_and_fills_the_windows)
 	EXPECT_TRUE((h.visible[{ window_main, 0 }]));
 	EXPECT_EQ(current_sampler, nullptr);
 	EXPECT_TRUE(t.wake == host.ui->wake);
+	EXPECT_EQ(woken_by, 2) << "network and USB wake the windows too";
 	// The log of the run before is gone; devices were told before the screen log began.
 	const std::vector<std::string> log = h.log();
 	ASSERT_EQ(log.size(), 3u);

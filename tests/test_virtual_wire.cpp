@@ -44,53 +44,37 @@ struct virtual_wire : host_test {
 		const std::size_t count = received();
 		return bytes(buffer, buffer + count);
 	}
-	// What a status request brings in the next so many seconds.
-	bytes ask(double seconds = 1)
+	// What a message brings in the next so many seconds.
+	bytes ask(double seconds = 1, const bytes &message = status_request)
 	{
 		arm();
-		send(status_request);
+		send(message);
 		until(h.time.now() + seconds);
 		return taken();
 	}
 };
 
-TEST_F(virtual_wire, takes_320_microseconds_a_byte)
+TEST_F(virtual_wire, takes_320_microseconds_a_byte_and_no_event_for_it)
 {
 	arm();
 	send(status_request);
-	EXPECT_EQ(virtual_midi.leaving(out), 6);
-	until(0.00031);
-	EXPECT_EQ(virtual_midi.leaving(out), 6);
-	until(0.00032);
-	EXPECT_EQ(virtual_midi.leaving(out), 5);
-	until(0.00191);
-	EXPECT_EQ(virtual_midi.leaving(out), 1);
-	until(0.00192);
-	EXPECT_EQ(virtual_midi.leaving(out), 0);
-	until(0.00523);
-	EXPECT_EQ(received(), 0u);
-	until(0.00524);
-	EXPECT_EQ(received(), 1u);
-	until(0.00492 + 10 * 0.00032);
-	EXPECT_EQ(received(), 10u);
-	until(answer_complete - 0.00001);
-	EXPECT_EQ(received(), 20u);
-	until(answer_complete);
-	EXPECT_EQ(taken(), status_answer);
-}
-
-TEST_F(virtual_wire, needs_no_event_a_byte)
-{
-	arm();
-	send(status_request);
-	std::vector<double> moments;
-	while (h.time.next() < 1) {
-		moments.push_back(h.time.next());
-		until(moments.back());
+	const struct {
+		double when;
+		long leaving;
+		std::size_t received;
+	} moments[] = { { 0, 6, 0 }, { 0.00031, 6, 0 }, { 0.00032, 5, 0 }, { 0.00191, 1, 0 },
+		{ 0.00192, 0, 0 }, { 0.00523, 0, 0 }, { 0.00524, 0, 1 }, { 0.00812, 0, 10 },
+		{ answer_complete - 0.00001, 0, 20 }, { answer_complete, 0, 21 } };
+	int events = 0;
+	for (const auto &now : moments) {
+		for (; h.time.next() <= now.when + 1e-9; events++)
+			until(h.time.next());
+		until(now.when);
+		EXPECT_EQ(virtual_midi.leaving(out), now.leaving) << now.when;
+		EXPECT_EQ(received(), now.received) << now.when;
 	}
-	ASSERT_EQ(moments.size(), 2u);
-	EXPECT_NEAR(moments[0], 0.00192, 1e-9);
-	EXPECT_NEAR(moments[1], answer_complete, 1e-9);
+	EXPECT_EQ(taken(), status_answer);
+	EXPECT_EQ(events, 2) << "the end of each run";
 }
 
 TEST_F(virtual_wire, sends_runs_one_behind_the_other)
@@ -114,14 +98,8 @@ TEST_F(virtual_wire, sends_runs_one_behind_the_other)
 
 TEST_F(virtual_wire, lets_clock_bytes_stand_inside_a_message)
 {
-	arm();
-	send(hex("F8 F0 47 FE 05 00 F8 48 F7"));
-	until(1);
-	EXPECT_EQ(taken(), status_answer);
-	arm();
-	send(hex("F0 47 05 90 3C 40 00 48 F7")); // a note ends the message
-	until(2);
-	EXPECT_EQ(received(), 0u);
+	EXPECT_EQ(ask(1, hex("F8 F0 47 FE 05 00 F8 48 F7")), status_answer);
+	EXPECT_EQ(ask(1, hex("F0 47 05 90 3C 40 00 48 F7")), bytes()) << "a note ends it";
 }
 
 TEST_F(virtual_wire, receives_only_what_comes_while_it_is_armed)
@@ -144,31 +122,46 @@ TEST_F(virtual_wire, receives_only_what_comes_while_it_is_armed)
 	EXPECT_EQ(buffer[7], status_answer[11]) << "not a byte beyond the capacity";
 }
 
-TEST_F(virtual_wire, names_ports_by_their_place)
+// A listener and an exchange on one port have all of it each.
+TEST_F(virtual_wire, is_listened_to_beside_an_exchange)
+{
+	int ear = 0;
+	unsigned char heard[100];
+	ASSERT_EQ(virtual_midi.open_input(0, &ear), 0);
+	EXPECT_EQ(virtual_midi.take(ear, heard, 100), 0u) << "it does not listen yet";
+	ASSERT_EQ(virtual_midi.listen(ear, 50), 0);
+	EXPECT_EQ(ask(), status_answer);
+	ASSERT_EQ(virtual_midi.take(ear, heard, 4), 4u);
+	EXPECT_EQ(ask(), status_answer);
+	ASSERT_EQ(virtual_midi.take(ear, heard + 4, 96), 38u);
+	EXPECT_EQ(bytes(heard, heard + 21), status_answer);
+	EXPECT_EQ(bytes(heard + 21, heard + 42), status_answer);
+	EXPECT_EQ(virtual_midi.input_error(ear), 0);
+	for (int i = 0; i < 3; i++)
+		ask();
+	EXPECT_EQ(virtual_midi.input_error(ear), 32) << "13 bytes were too many";
+	EXPECT_EQ(virtual_midi.take(ear, heard, 100), 50u);
+	virtual_midi.disarm(ear);
+	EXPECT_EQ(ask(), status_answer);
+	EXPECT_EQ(virtual_midi.take(ear, heard, 100), 0u);
+	virtual_midi.close_input(ear);
+	EXPECT_NE(virtual_midi.listen(ear, 10), 0);
+}
+
+TEST_F(virtual_wire, names_ports_by_their_place_and_fails_when_a_cable_is_pulled)
 {
 	s1000_machine other(s1000_model::s1000, 0);
-	const int second = plug_midi(h.time, other, "Old S1000");
+	plug_midi(h.time, other, "Old S1000");
 	EXPECT_EQ(virtual_midi.outputs(), 2);
-	EXPECT_EQ(virtual_midi.inputs(), 2);
 	EXPECT_STREQ(virtual_midi.output_name(0), "Demo S3000");
 	EXPECT_STREQ(virtual_midi.input_name(1), "Old S1000");
 	EXPECT_STREQ(virtual_midi.input_name(2), "");
 	EXPECT_STREQ(virtual_midi.input_name(-1), "");
 	int handle;
 	EXPECT_EQ(virtual_midi.open_output(-1, &handle), 0) << "the first one listed";
-	virtual_midi.close_output(handle);
 	EXPECT_NE(virtual_midi.open_input(-1, &handle), 0);
 	EXPECT_NE(virtual_midi.open_input(2, &handle), 0);
-	unplug_midi(port);
-	EXPECT_EQ(virtual_midi.outputs(), 1);
-	EXPECT_STREQ(virtual_midi.output_name(0), "Old S1000");
-	unplug_midi(second);
-	EXPECT_EQ(virtual_midi.inputs(), 0);
-	EXPECT_NE(virtual_midi.open_output(-1, &handle), 0);
-}
 
-TEST_F(virtual_wire, fails_when_the_cable_is_pulled)
-{
 	arm();
 	send(status_request);
 	until(0.00492 + 5 * 0.00032);
@@ -180,34 +173,28 @@ TEST_F(virtual_wire, fails_when_the_cable_is_pulled)
 	EXPECT_EQ(virtual_midi.write(out, buffer, 1), 19);
 	EXPECT_EQ(virtual_midi.arm(in, buffer, 1), 19);
 	EXPECT_STREQ(virtual_midi.error_text(19), "No such device");
+	EXPECT_EQ(virtual_midi.inputs(), 1);
+	EXPECT_STREQ(virtual_midi.output_name(0), "Old S1000");
 }
 
 // ---- Faults ------------------------------------------------------------------------
 
 TEST_F(virtual_wire, can_fail_at_one_exchange_or_from_one_on)
 {
-	port_wire(port).set_fault({ .kind = wire_fault_kind::silent, .exchange = 2 });
+	midi_wire &wire = port_wire(port);
+	wire.set_fault({ .kind = wire_fault_kind::silent, .exchange = 2 });
 	EXPECT_EQ(ask(), status_answer);
 	EXPECT_EQ(ask(), bytes());
 	EXPECT_EQ(ask(), status_answer);
 	EXPECT_EQ(m.heard.size(), 2u) << "the machine never heard the second";
-	port_wire(port).set_fault(
-		{ .kind = wire_fault_kind::silent, .exchange = 2, .from_then_on = true });
+	wire.set_fault({ .kind = wire_fault_kind::silent, .exchange = 2, .from_then_on = true });
 	EXPECT_EQ(ask(), status_answer);
 	EXPECT_EQ(ask(), bytes());
 	EXPECT_EQ(ask(), bytes());
-	port_wire(port).clear_faults();
-	EXPECT_EQ(ask(), status_answer);
-}
-
-TEST_F(virtual_wire, can_be_slow)
-{
-	port_wire(port).set_fault({ .kind = wire_fault_kind::slow, .seconds = 2.5 });
-	arm();
-	send(status_request);
-	until(2.5 + answer_complete - 0.00001);
-	EXPECT_EQ(received(), 20u);
-	until(2.5 + answer_complete);
+	wire.clear_faults();
+	wire.set_fault({ .kind = wire_fault_kind::slow, .seconds = 2.5 });
+	EXPECT_EQ(ask(2.5 + answer_complete - 0.00001).size(), 20u);
+	until(h.time.now() + 0.00002);
 	EXPECT_EQ(taken(), status_answer);
 }
 
@@ -216,64 +203,43 @@ TEST_F(virtual_wire, can_spoil_an_answer)
 	const struct {
 		wire_fault_kind kind;
 		const char *due;
+		int error;
 	} rows[] = {
-		{ wire_fault_kind::truncated, "F0 47 05 01 48 00 02 7E 0F 7E" },
-		{ wire_fault_kind::garbled, "F0 47 05 2B 62 2A 28 54 25 54 25 2A 2A 2A 28 2A 2A "
-					    "2A 28 2F F7" },
-		{ wire_fault_kind::wrong_function, "F0 47 05 3F 48 00 02 7E 0F 7E 0F 00 00 00 02 "
-						   "00 00 00 02 05 F7" },
-		{ wire_fault_kind::stray_bytes, "12 34 F0 47 05 01 48 00 02 7E 0F 7E 0F 00 00 00 "
-						"02 00 00 00 02 05 F7" },
-		{ wire_fault_kind::active_sensing, "FE F0 47 05 01 48 00 02 7E 0F 7E 0F 00 00 00 "
-						   "02 00 00 00 02 05 F7" },
-		{ wire_fault_kind::refused, "F0 47 05 16 48 01 F7" },
+		{ wire_fault_kind::truncated, "F0 47 05 01 48 00 02 7E 0F 7E", 0 },
+		{ wire_fault_kind::garbled,
+			"F0 47 05 2B 62 2A 28 54 25 54 25 2A 2A 2A 28 2A 2A 2A 28 2F F7", 0 },
+		{ wire_fault_kind::wrong_function,
+			"F0 47 05 3F 48 00 02 7E 0F 7E 0F 00 00 00 02 00 00 00 02 05 F7", 0 },
+		{ wire_fault_kind::stray_bytes,
+			"12 34 F0 47 05 01 48 00 02 7E 0F 7E 0F 00 00 00 02 00 00 00 02 05 F7", 0 },
+		{ wire_fault_kind::active_sensing,
+			"FE F0 47 05 01 48 00 02 7E 0F 7E 0F 00 00 00 02 00 00 00 02 05 F7", 0 },
+		{ wire_fault_kind::refused, "F0 47 05 16 48 01 F7", 0 },
+		// Of 21 bytes the middle seven are gone, and the port says so.
+		{ wire_fault_kind::overrun, "F0 47 05 01 48 00 02 02 00 00 00 02 05 F7", 32 },
+		{ wire_fault_kind::unplugged, "F0 47 05 01 48 00 02 7E 0F 7E", 19 },
 	};
 	for (const auto &row : rows) {
-		port_wire(port).clear_faults();
+		EXPECT_EQ(ask(), status_answer);
+		EXPECT_EQ(virtual_midi.input_error(in), 0) << "since it was armed";
 		port_wire(port).set_fault({ .kind = row.kind });
 		EXPECT_EQ(ask(), hex(row.due)) << static_cast<int>(row.kind);
-		EXPECT_EQ(virtual_midi.input_error(in), 0);
+		EXPECT_EQ(virtual_midi.input_error(in), row.error);
 	}
-}
-
-TEST_F(virtual_wire, can_lose_bytes_and_say_so)
-{
-	port_wire(port).set_fault({ .kind = wire_fault_kind::overrun });
-	// Of 21 bytes the middle seven are gone.
-	EXPECT_EQ(ask(), hex("F0 47 05 01 48 00 02 02 00 00 00 02 05 F7"));
-	EXPECT_NE(virtual_midi.input_error(in), 0);
-	EXPECT_EQ(ask(), status_answer);
-	EXPECT_EQ(virtual_midi.input_error(in), 0) << "since it was armed";
-}
-
-TEST_F(virtual_wire, can_be_unplugged_in_the_middle)
-{
-	port_wire(port).set_fault({ .kind = wire_fault_kind::unplugged });
-	EXPECT_EQ(ask(), hex("F0 47 05 01 48 00 02 7E 0F 7E"));
-	EXPECT_EQ(virtual_midi.input_error(in), 19);
 	EXPECT_EQ(virtual_midi.outputs(), 0);
 }
 
 TEST_F(virtual_wire, can_ask_to_wait_and_refuse_in_a_dump)
 {
-	const bytes header = hex("F0 7E 05 01 00 00 10 27 62 02 2D 00 00 00*6 7F F7");
 	port_wire(port).set_fault({ .kind = wire_fault_kind::wait_first, .seconds = 1.5 });
 	port_wire(port).set_fault({ .kind = wire_fault_kind::refused, .exchange = 2 });
-	arm();
-	send(header);
-	until(1);
-	EXPECT_EQ(taken(), hex("F0 7E 05 7C 00 F7"));
+	EXPECT_EQ(ask(1, hex("F0 7E 05 01 00 00 10 27 62 02 2D 00 00 00*6 7F F7")),
+		hex("F0 7E 05 7C 00 F7"));
 	until(2);
 	EXPECT_EQ(taken(), hex("F0 7E 05 7C 00 F7 F0 7E 05 7F 00 F7"));
 	const bytes packet = hex("F0 7E 05 02 00 00*120 79 F7");
-	arm();
-	send(packet);
-	until(3);
-	EXPECT_EQ(taken(), hex("F0 7E 05 7E 00 F7"));
-	arm();
-	send(packet);
-	until(4);
-	EXPECT_EQ(taken(), hex("F0 7E 05 7F 00 F7")) << "the same packet again is taken";
+	EXPECT_EQ(ask(1, packet), hex("F0 7E 05 7E 00 F7"));
+	EXPECT_EQ(ask(1, packet), hex("F0 7E 05 7F 00 F7")) << "the same packet again is taken";
 }
 
 TEST(wire_faults, are_read_from_the_command_line)

@@ -21,6 +21,9 @@ void create_windows();
 void destroy_windows();
 // Show the main window and run until the process ends.
 int run_windows();
+// End the program from outside, on the main thread: work ends at its next safe point, nobody is
+// asked, and the rest is that of the menu's Exit.
+void end_windows();
 
 // The window (control 0), widget or menu entry of that id, or null. Makes its dialog if need be.
 QObject *find_control(int window, int control);

@@ -2,6 +2,7 @@
 
 #include "virtual/midi_ports.h"
 #include "virtual/s1000.h"
+#include <algorithm>
 #include <atomic>
 #include <cerrno>
 #include <cstring>
@@ -25,6 +26,9 @@ struct opened {
 	std::size_t capacity = 0;
 	std::size_t count = 0;
 	int overruns = 0; // of the wire when it was armed
+	bool listening = false;
+	std::vector<unsigned char> kept = {}; // of a listener, at most capacity
+	bool lost = false;                    // it was not asked in time
 };
 
 // All of these belong to the main thread, but for the wake function.
@@ -145,11 +149,25 @@ static long still_leaving(int handle)
 
 // ---- Input -------------------------------------------------------------------------
 
+static void keep(midi_wire *wire, opened *side)
+{
+	unsigned char bytes[256];
+	while (const std::size_t came = wire->take(side->reader, bytes, sizeof bytes)) {
+		const std::size_t fits = std::min(came, side->capacity - side->kept.size());
+		side->kept.insert(side->kept.end(), bytes, bytes + fits);
+		side->lost = side->lost || fits < came;
+	}
+}
+
 // Fetch what has arrived. Only here, on the main thread, is the armed buffer touched.
 static void fetch(midi_wire *wire, opened *side)
 {
 	if (!side->reader)
 		return;
+	if (side->listening) {
+		keep(wire, side);
+		return;
+	}
 	side->count +=
 		wire->take(side->reader, side->buffer + side->count, side->capacity - side->count);
 	unsigned char dropped[256];
@@ -168,7 +186,7 @@ static void disarm_input(int handle)
 	side->reader = 0;
 }
 
-static int arm_input(int handle, unsigned char *buffer, std::size_t capacity)
+static int receive_from_now(int handle, unsigned char *buffer, std::size_t capacity, bool listening)
 {
 	disarm_input(handle);
 	opened *side;
@@ -182,8 +200,33 @@ static int arm_input(int handle, unsigned char *buffer, std::size_t capacity)
 		.buffer = buffer,
 		.capacity = capacity,
 		.count = 0,
-		.overruns = wire->overruns() };
+		.overruns = wire->overruns(),
+		.listening = listening };
 	return 0;
+}
+
+static int arm_input(int handle, unsigned char *buffer, std::size_t capacity)
+{
+	return receive_from_now(handle, buffer, capacity, false);
+}
+
+static int listen_to_input(int handle, std::size_t room)
+{
+	return receive_from_now(handle, nullptr, room, true);
+}
+
+static std::size_t take_kept(int handle, unsigned char *bytes, std::size_t capacity)
+{
+	opened *side;
+	midi_wire *wire = wire_of(inputs_open, handle, &side);
+	if (!wire || !side->listening)
+		return 0;
+	fetch(wire, side);
+	const std::size_t count = std::min(capacity, side->kept.size());
+	std::copy_n(side->kept.begin(), count, bytes);
+	side->kept.erase(
+		side->kept.begin(), side->kept.begin() + static_cast<std::ptrdiff_t>(count));
+	return count;
 }
 
 static std::size_t received_so_far(int handle)
@@ -199,11 +242,15 @@ static std::size_t received_so_far(int handle)
 static int error_of_input(int handle)
 {
 	opened *side;
-	const midi_wire *wire = wire_of(inputs_open, handle, &side);
+	midi_wire *wire = wire_of(inputs_open, handle, &side);
 	if (!wire)
 		return EBADF;
 	if (wire->unplugged())
 		return ENODEV;
+	if (side->listening)
+		fetch(wire, side);
+	if (side->lost)
+		return EPIPE;
 	return side->reader && wire->overruns() != side->overruns ? EPIPE : 0;
 }
 
@@ -232,6 +279,8 @@ const midi_service virtual_midi = {
 			      int *handle) { return open_listed(inputs_open, index, handle); },
 	.arm = arm_input,
 	.received = received_so_far,
+	.listen = listen_to_input,
+	.take = take_kept,
 	.input_error = error_of_input,
 	.disarm = disarm_input,
 	.close_input =

@@ -6,8 +6,9 @@
 //	F0 7E cc 02 kk data*120 xx F7                    packet k, 40 words, checksum
 //	F0 7E cc 7F kk F7                                7F ACK, 7E NAK, 7D CANCEL, 7C WAIT
 //
-// The words are kept aside until the last packet is there: a dump that breaks off
-// leaves the memory as it was, and ends with the next header or the host's CANCEL.
+// A dump to the number of a sample takes its memory: with the header the old words are
+// gone, and only its name stands. The new words count when the last packet is there. A
+// dump that breaks off ends with the next header or the host's CANCEL.
 
 #include "virtual/s1000.h"
 #include <cmath>
@@ -78,6 +79,8 @@ bytes s1000_machine::begin_dump(byte_view message)
 	const std::size_t room = words_free() + (known ? samples[sample].words.size() : 0);
 	if (length > room || (!known && !blocks_free()))
 		return handshake(cancel, 0);
+	if (known)
+		put_sample(sample, rate_of(period), {});
 	receiving = { .sample = sample,
 		.length = length,
 		.rate = rate_of(period),
@@ -119,20 +122,25 @@ bytes s1000_machine::take_packet(byte_view message)
 }
 
 // A sample that was there keeps its name; a new one is named by the machine.
+stored_sample &s1000_machine::put_sample(
+	std::size_t number, unsigned rate, std::vector<std::int16_t> words)
+{
+	if (number == samples.size())
+		return add_sample(
+			"MIDI DUMP " + std::to_string(number + 1), rate, std::move(words));
+	add_sample(machine::get_name(samples[number].header, name_at), rate, std::move(words));
+	samples[number] = std::move(samples.back());
+	samples.pop_back();
+	return samples[number];
+}
+
 void s1000_machine::finish_dump()
 {
 	dump d = std::move(*receiving);
 	receiving.reset();
-	const bool known = d.sample < samples.size();
-	const std::string name = known ? machine::get_name(samples[d.sample].header, name_at)
-				       : "MIDI DUMP " + std::to_string(d.sample + 1);
-	stored_sample &s = add_sample(name, d.rate, std::move(d.words));
+	stored_sample &s = put_sample(d.sample, d.rate, std::move(d.words));
 	if (d.looped && d.loop_start < d.loop_end && d.loop_end <= d.length)
 		set_loop(s, d.loop_start, d.loop_end);
-	if (known) {
-		samples[d.sample] = std::move(samples.back());
-		samples.pop_back();
-	}
 }
 
 } // namespace velmor

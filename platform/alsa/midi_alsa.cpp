@@ -8,6 +8,7 @@
 
 #include "platform/alsa/ports.h"
 #include "platform/midi.h"
+#include <algorithm>
 #include <alsa/asoundlib.h>
 #include <cerrno>
 #include <chrono>
@@ -24,7 +25,13 @@ static std::atomic<void (*)()> wake = nullptr;
 // As last listed. Main thread only, like the open ports.
 static std::vector<alsa_port> output_list, input_list;
 static std::map<int, std::unique_ptr<output_port>> open_outputs;
-static std::map<int, std::unique_ptr<input_port>> open_inputs;
+// A port can be opened once only, so those who receive from it share it.
+struct open_input {
+	std::string name; // device or address of the port
+	std::shared_ptr<input_port> port;
+	std::unique_ptr<receiver> to;
+};
+static std::map<int, open_input> open_inputs;
 static int last_handle = 0;
 
 // ---- Common to the ports ----------------------------------------------------------------
@@ -53,20 +60,36 @@ void bell::silence()
 	(void)eventfd_read(fd, &count);
 }
 
-void incoming::take(const unsigned char *bytes, std::size_t count)
+void receiver::take(const unsigned char *bytes, std::size_t count)
 {
-	if (!buffer)
+	if (!active())
 		return;
-	const std::size_t room = capacity - filled;
+	const std::size_t room = capacity - (listening ? kept.size() : filled);
 	const std::size_t fits = count < room ? count : room;
-	std::memcpy(buffer + filled, bytes, fits);
-	filled += fits;
+	if (listening) {
+		kept.insert(kept.end(), bytes, bytes + fits);
+		if (fits < count && !error)
+			error = input_overrun;
+	} else {
+		std::memcpy(buffer + filled, bytes, fits);
+		filled += fits;
+	}
 }
 
+void incoming::take(const unsigned char *bytes, std::size_t count)
+{
+	for (receiver *r : receivers)
+		r->take(bytes, count);
+}
+
+// A port that has vanished stays so; an overrun concerns those who receive now.
 void incoming::fail(int code)
 {
-	if (!error)
-		error = code;
+	if (code != input_overrun && !gone)
+		gone = code;
+	for (receiver *r : receivers)
+		if (!r->error)
+			r->error = code;
 }
 
 // ---- Lists ------------------------------------------------------------------------------
@@ -175,74 +198,134 @@ static void close_output(int handle)
 
 // ---- Inputs -----------------------------------------------------------------------------
 
-static int open_input(int index, int *handle)
+// The port as it is open already, unless it has failed since.
+static std::shared_ptr<input_port> shared_port(const std::string &name)
+{
+	for (const auto &[handle, in] : open_inputs) {
+		const std::lock_guard hold(in.port->in.lock);
+		if (in.name == name && !in.port->in.gone)
+			return in.port;
+	}
+	return nullptr;
+}
+
+static int open_input_port(int index, int *handle)
 {
 	if (input_list.empty())
 		count_inputs();
 	if (index < 0 || static_cast<std::size_t>(index) >= input_list.size())
 		return port_not_listed;
 	const alsa_port &port = input_list[index];
-	std::unique_ptr<input_port> opened;
-	const int code = port.device.empty() ? open_sequencer_input(port, &opened)
-					     : open_raw_input(port, &opened);
-	if (code)
-		return code;
+	const std::string name =
+		port.device.empty() ? std::to_string(port.client) + ":" + std::to_string(port.port)
+				    : port.device;
+	std::shared_ptr<input_port> shared = shared_port(name);
+	if (!shared) {
+		std::unique_ptr<input_port> opened;
+		const int code = port.device.empty() ? open_sequencer_input(port, &opened)
+						     : open_raw_input(port, &opened);
+		if (code)
+			return code;
+		shared = std::move(opened);
+	}
 	*handle = ++last_handle;
-	open_inputs[*handle] = std::move(opened);
+	open_input &in = open_inputs[*handle];
+	in = { .name = name, .port = shared, .to = std::make_unique<receiver>() };
+	const std::lock_guard hold(shared->in.lock);
+	shared->in.receivers.push_back(in.to.get());
 	return 0;
 }
 
-static input_port *input_of(int handle)
+static open_input *input_of(int handle)
 {
 	const auto found = open_inputs.find(handle);
-	return found == open_inputs.end() ? nullptr : found->second.get();
+	return found == open_inputs.end() ? nullptr : &found->second;
+}
+
+// Receive from now on, in the way that the new receiver says. What came before is handed to
+// the others first.
+static int begin_receiving(int handle, receiver &&fresh)
+{
+	open_input *in = input_of(handle);
+	if (!in)
+		return EBADF;
+	input_port *port = in->port.get();
+	const std::lock_guard hold(port->in.lock);
+	*in->to = {};
+	port->catch_up(port);
+	*in->to = std::move(fresh);
+	in->to->error = port->in.gone;
+	return in->to->error;
 }
 
 static int arm(int handle, unsigned char *buffer, std::size_t capacity)
 {
-	input_port *port = input_of(handle);
-	if (!port)
-		return EBADF;
-	const std::lock_guard hold(port->in.lock);
-	port->in.buffer = nullptr;
-	port->drop_old(port);
-	// A port that has vanished stays so; an earlier overrun is forgotten.
-	if (port->in.error == input_overrun)
-		port->in.error = 0;
-	port->in.buffer = buffer;
-	port->in.capacity = capacity;
-	port->in.filled = 0;
-	return port->in.error;
+	receiver fresh;
+	fresh.buffer = buffer;
+	fresh.capacity = capacity;
+	return begin_receiving(handle, std::move(fresh));
+}
+
+static int listen(int handle, std::size_t room)
+{
+	receiver fresh;
+	fresh.listening = true;
+	fresh.capacity = room;
+	return begin_receiving(handle, std::move(fresh));
 }
 
 static std::size_t received(int handle)
 {
-	input_port *port = input_of(handle);
-	if (!port)
+	open_input *in = input_of(handle);
+	if (!in)
 		return 0;
-	const std::lock_guard hold(port->in.lock);
-	return port->in.filled;
+	const std::lock_guard hold(in->port->in.lock);
+	return in->to->filled;
+}
+
+static std::size_t take(int handle, unsigned char *bytes, std::size_t capacity)
+{
+	open_input *in = input_of(handle);
+	if (!in)
+		return 0;
+	const std::lock_guard hold(in->port->in.lock);
+	std::vector<unsigned char> &kept = in->to->kept;
+	const std::size_t count = std::min(capacity, kept.size());
+	std::copy_n(kept.begin(), count, bytes);
+	kept.erase(kept.begin(), kept.begin() + static_cast<std::ptrdiff_t>(count));
+	return count;
 }
 
 static int input_error(int handle)
 {
-	input_port *port = input_of(handle);
-	if (!port)
+	open_input *in = input_of(handle);
+	if (!in)
 		return EBADF;
-	const std::lock_guard hold(port->in.lock);
-	if (!port->in.error)
-		port->look(port);
-	return port->in.error;
+	const std::lock_guard hold(in->port->in.lock);
+	if (!in->to->error)
+		in->port->look(in->port.get());
+	return in->to->error;
 }
 
 static void disarm(int handle)
 {
-	input_port *port = input_of(handle);
-	if (!port)
+	open_input *in = input_of(handle);
+	if (!in)
 		return;
-	const std::lock_guard hold(port->in.lock);
-	port->in.buffer = nullptr;
-	port->in.filled = 0;
+	const std::lock_guard hold(in->port->in.lock);
+	*in->to = {};
+}
+
+static void close_input(int handle)
+{
+	open_input *in = input_of(handle);
+	if (!in)
+		return;
+	{
+		const std::lock_guard hold(in->port->in.lock);
+		std::erase(in->port->in.receivers, in->to.get());
+	}
+	open_inputs.erase(handle);
 }
 
 // ---- Words ------------------------------------------------------------------------------
@@ -290,12 +373,14 @@ const midi_service alsa_midi = {
 	.write = write_output,
 	.leaving = leaving,
 	.close_output = close_output,
-	.open_input = open_input,
+	.open_input = open_input_port,
 	.arm = arm,
 	.received = received,
+	.listen = listen,
+	.take = take,
 	.input_error = input_error,
 	.disarm = disarm,
-	.close_input = [](int handle) { open_inputs.erase(handle); },
+	.close_input = close_input,
 	.on_arrival = [](void (*call)()) { wake = call; },
 	.error_text = error_text,
 };

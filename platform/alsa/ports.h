@@ -43,14 +43,25 @@ struct bell {
 	void silence();
 };
 
-// Where an input's bytes go, written by the thread of the port.
+// Where the bytes of a port go for one that opened it: into an armed buffer, or into a store of
+// its own.
+struct receiver {
+	unsigned char *buffer = nullptr;
+	std::size_t capacity = 0, filled = 0;
+	bool listening = false;
+	std::vector<unsigned char> kept; // of a listener, at most capacity
+	int error = 0;                   // first thing that went wrong since it began
+
+	bool active() const { return buffer || listening; }
+	void take(const unsigned char *bytes, std::size_t count);
+};
+
+// All who receive from a port, served by the thread of the port. Everything with lock held.
 struct incoming {
 	std::mutex lock;
-	unsigned char *buffer = nullptr; // null while not armed
-	std::size_t capacity = 0, filled = 0;
-	int error = 0; // first thing that went wrong since arm
+	std::vector<receiver *> receivers;
+	int gone = 0; // what ended the port
 
-	// Both with lock held.
 	void take(const unsigned char *bytes, std::size_t count);
 	void fail(int code);
 };
@@ -67,8 +78,8 @@ struct input_port {
 	incoming in;
 	bell stop;
 	std::thread reader;
-	// Forget what came before, with in.lock held.
-	void (*drop_old)(input_port *port) = nullptr;
+	// Hand on what came before, with in.lock held.
+	void (*catch_up)(input_port *port) = nullptr;
 	// Find out what the thread has not seen yet, with in.lock held.
 	void (*look)(input_port *port) = nullptr;
 	virtual ~input_port() = default;

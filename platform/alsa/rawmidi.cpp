@@ -155,7 +155,7 @@ static bool read_available(raw_input *port)
 	}
 }
 
-static void drop_old_bytes(input_port *port)
+static void hand_on_old_bytes(input_port *port)
 {
 	read_available(static_cast<raw_input *>(port));
 	look_for_overrun(port);
@@ -192,7 +192,7 @@ int open_raw_input(const alsa_port &port, std::unique_ptr<input_port> *opened)
 	}
 	if (const int code = set_buffer(fresh->raw, kernel_input_bytes, 1))
 		return code;
-	fresh->drop_old = drop_old_bytes;
+	fresh->catch_up = hand_on_old_bytes;
 	fresh->look = look_for_overrun;
 	fresh->reader = std::thread(read_until_the_end, fresh.get());
 	*opened = std::move(fresh);

@@ -200,7 +200,7 @@ int open_sequencer_input(const alsa_port &port, std::unique_ptr<input_port> *ope
 	if (const int result = snd_seq_connect_from(fresh->seq, own, port.client, port.port);
 		result < 0)
 		return -result;
-	fresh->drop_old = [](input_port *p) { take_events(static_cast<sequencer_input *>(p)); };
+	fresh->catch_up = [](input_port *p) { take_events(static_cast<sequencer_input *>(p)); };
 	fresh->look = [](input_port *) {};
 	fresh->reader = std::thread(read_events, fresh.get());
 	*opened = std::move(fresh);

@@ -27,12 +27,14 @@ struct headless_control {
 	std::vector<std::string> items;
 	int selected = -1;
 	bool checked = false;
+	std::vector<form_row> rows;
 };
 static std::map<std::pair<int, int>, headless_control> controls;
 
 static std::mutex wake_lock;
 static std::condition_variable woken;
 static bool wake_pending = false;
+static std::vector<void (*)()> posted;
 
 // What text has more than the present one, which may have lost its oldest lines in it.
 static std::string_view appended(std::string_view present, std::string_view text)
@@ -87,6 +89,17 @@ static void set_rows(int window, int control, std::span<const std::vector<std::s
 	set_list(window, control, names);
 }
 
+// The row of a form, or null.
+static form_row *find_row(int window, int form, int row)
+{
+	if (!exists(window, form))
+		return nullptr;
+	std::vector<form_row> &rows = controls[{ window, form }].rows;
+	return row >= 0 && static_cast<std::size_t>(row) < rows.size()
+		       ? &rows[static_cast<std::size_t>(row)]
+		       : nullptr;
+}
+
 static void message(const char *text, const char *caption)
 {
 	std::fprintf(stderr, "%s: %s\n", caption ? caption : "", text ? text : "");
@@ -107,14 +120,29 @@ static void progress_set(int, const char *info, const char *time_left)
 
 static void pump(int max_ms)
 {
-	std::unique_lock hold(wake_lock);
-	woken.wait_for(hold, std::chrono::milliseconds(max_ms), [] { return wake_pending; });
-	wake_pending = false;
+	std::vector<void (*)()> works;
+	{
+		std::unique_lock hold(wake_lock);
+		woken.wait_for(
+			hold, std::chrono::milliseconds(max_ms), [] { return wake_pending; });
+		wake_pending = false;
+		works.swap(posted);
+	}
+	for (void (*work)() : works)
+		work();
 }
 
 static void wake()
 {
 	const std::lock_guard hold(wake_lock);
+	wake_pending = true;
+	woken.notify_all();
+}
+
+static void post(void (*work)())
+{
+	const std::lock_guard hold(wake_lock);
+	posted.push_back(work);
 	wake_pending = true;
 	woken.notify_all();
 }
@@ -150,6 +178,35 @@ const ui_service headless_ui = {
 	.focus = [](int, int) {},
 	.set_bitmap = [](int, int, const bitmap_view *) {},
 	.set_waveform = [](int, int, const waveform_view *) {},
+	.build_form =
+		[](int w, int c, std::span<const form_row> rows) {
+			controls[{ w, c }].rows.assign(rows.begin(), rows.end());
+		},
+	.set_row_value =
+		[](int w, int c, int row, int value) {
+			if (form_row *found = find_row(w, c, row))
+				found->value = value;
+		},
+	.row_value =
+		[](int w, int c, int row) {
+			const form_row *found = find_row(w, c, row);
+			return found ? found->value : 0;
+		},
+	.set_row_text =
+		[](int w, int c, int row, const char *text) {
+			if (form_row *found = find_row(w, c, row))
+				found->text = text;
+		},
+	.row_text =
+		[](int w, int c, int row) {
+			const form_row *found = find_row(w, c, row);
+			return found ? found->text : std::string();
+		},
+	.set_row_changed =
+		[](int w, int c, int row, bool changed) {
+			if (form_row *found = find_row(w, c, row))
+				found->changed = changed;
+		},
 	.message = message,
 	.ask = ask,
 	// Nobody is there to choose.
@@ -167,6 +224,7 @@ const ui_service headless_ui = {
 	.stop_timer = [](int) {},
 	.pump = pump,
 	.wake = wake,
+	.post = post,
 	.exit_process =
 		[](int status) {
 			std::fflush(nullptr);

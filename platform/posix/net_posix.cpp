@@ -155,11 +155,32 @@ static void close_connection(int handle)
 		::close(handle);
 }
 
+struct code_words {
+	int code;
+	const char *words;
+};
+
+static constexpr code_words words_of[] = {
+	{ far_end_closed, "The far end closed the connection." },
+	{ EINVAL, "The address is no IPv4 address such as 192.168.0.10." },
+	{ ECONNREFUSED,
+		"The far end refuses the connection. Does the bridge run there, on this port?" },
+	{ ECONNRESET, "The far end broke the connection off." },
+	{ EPIPE, "The far end broke the connection off." },
+	{ ETIMEDOUT, "The far end does not answer. Is it switched on, and on this network?" },
+	{ EHOSTUNREACH, "The far end does not answer. Is it switched on, and on this network?" },
+	{ ENETUNREACH, "There is no network that leads to this address." },
+};
+
 static const char *error_text(int code)
 {
 	static char text[256];
-	const char *words = code == far_end_closed ? "The far end closed the connection"
-						   : strerrordesc_np(code);
+	const char *words = nullptr;
+	for (const code_words &row : words_of)
+		if (row.code == code)
+			words = row.words;
+	if (!words)
+		words = strerrordesc_np(code);
 	std::snprintf(text, sizeof text, "%s", words ? words : "Unknown network error");
 	return text;
 }

@@ -169,6 +169,46 @@ TEST_F(midi, an_input_takes_what_comes_after_arm_and_fits)
 	EXPECT_EQ(alsa_midi.received(in), 0u);
 }
 
+// A listener runs on while exchanges come and go on the same port.
+TEST_F(midi, a_listener_gets_all_of_it_beside_an_armed_buffer)
+{
+	raw_far_end far("hw:0,1");
+	open_first();
+	int ear = 0;
+	far.write(exclusive(50)); // before anybody listens
+	std::this_thread::sleep_for(200ms);
+	ASSERT_EQ(alsa_midi.open_input(0, &ear), 0) << "the port is open already";
+	ASSERT_EQ(alsa_midi.listen(ear, 1000), 0);
+	const std::vector<u8> first = exclusive(300), second = exclusive(200);
+	ASSERT_EQ(alsa_midi.arm(in, buffer.data(), buffer.size()), 0);
+	far.write(first);
+	EXPECT_EQ(arrived(300), first);
+	alsa_midi.disarm(in);
+	far.write(second);
+	std::vector<u8> heard(2000);
+	std::size_t count = 0;
+	within(5s, [&] {
+		count += alsa_midi.take(ear, heard.data() + count, 70);
+		return count >= 500;
+	});
+	heard.resize(count);
+	std::vector<u8> both = first;
+	both.insert(both.end(), second.begin(), second.end());
+	EXPECT_EQ(heard, both);
+	EXPECT_EQ(alsa_midi.received(in), 0u);
+	EXPECT_EQ(alsa_midi.input_error(ear), 0);
+	// One that is not asked in time has lost something and says so; the other has not.
+	ASSERT_EQ(alsa_midi.arm(in, buffer.data(), buffer.size()), 0);
+	far.write(exclusive(1100));
+	EXPECT_EQ(arrived(1100).size(), 1100u);
+	EXPECT_NE(alsa_midi.input_error(ear), 0);
+	EXPECT_EQ(alsa_midi.input_error(in), 0);
+	alsa_midi.close_input(ear);
+	ASSERT_EQ(alsa_midi.arm(in, buffer.data(), buffer.size()), 0) << "the port stays open";
+	far.write(second);
+	EXPECT_EQ(arrived(200), second);
+}
+
 TEST_F(midi, a_port_in_use_says_so)
 {
 	std::vector<int> handles;

@@ -2,37 +2,123 @@
 
 #include "tests/support/test_host.h"
 #include "platform/backends.h"
+#include "src/usbqx.h"
+#include "src/velmor_outcome.h"
+#include "src/velmor_window.h"
+#include "src/waveqx.h"
 #include <algorithm>
 #include <cerrno>
+#include <csignal>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
+#include <sys/time.h>
+#include <unistd.h>
 
 namespace velmor
 {
 
 test_host *the_test_host = nullptr;
 
+// ---- Limits -------------------------------------------------------------------------------
+
+// AddressSanitizer asks for this by name.
+extern "C" const char *__asan_default_options();
+extern "C" const char *__asan_default_options()
+{
+	return "hard_rss_limit_mb=2500:max_allocation_size_mb=1000";
+}
+
+struct host_meter {
+	static void call()
+	{
+		test_host &h = *the_test_host;
+		const double now = h.time.now();
+		h.calls = now > h.moment ? 0 : h.calls + 1;
+		h.moment = now;
+		if (h.calls > h.limits.calls_at_a_moment)
+			throw limit_reached("the system asks for the time without end");
+	}
+	static void wait(double seconds)
+	{
+		test_host &h = *the_test_host;
+		h.waited += seconds;
+		if (h.waited > h.limits.seconds)
+			throw limit_reached("the system waits without end");
+	}
+	static void write(std::size_t bytes)
+	{
+		test_host &h = *the_test_host;
+		h.written += bytes;
+		if (h.written > h.limits.disk_bytes)
+			throw limit_reached("the system writes without end");
+	}
+};
+
+static void end_computing(int)
+{
+	static const char words[] = "a test computes without end\n";
+	(void)!::write(STDERR_FILENO, words, sizeof words - 1);
+	std::abort();
+}
+
+// A test that takes half a minute of the processor is in a loop; none takes three seconds.
+static void limit_processor(long seconds)
+{
+	std::signal(SIGPROF, seconds ? end_computing : SIG_DFL);
+	const itimerval limit = { .it_interval = {}, .it_value = { seconds, 0 } };
+	setitimer(ITIMER_PROF, &limit, nullptr);
+}
+
+// ---- Time and windows ---------------------------------------------------------------------
+
 static void pass_time(double seconds)
 {
 	timeline &t = the_test_host->time;
-	const double limit = t.now() + seconds;
-	t.run_until(std::min(t.next(), limit));
+	const double began = t.now();
+	t.run_until(std::min(t.next(), began + seconds));
+	host_meter::wait(t.now() - began);
+}
+
+static void run_posted()
+{
+	std::vector<void (*)()> works;
+	{
+		const std::lock_guard hold(the_test_host->posted_lock);
+		works.swap(the_test_host->posted);
+	}
+	for (void (*work)() : works)
+		work();
 }
 
 static const clock_service test_clock = {
-	.time_of_day = [] { return 1000000000.0 + the_test_host->time.now(); },
-	.counter = [] { return the_test_host->time.now(); },
+	.time_of_day =
+		[] {
+			host_meter::call();
+			return 1000000000.0 + the_test_host->time.now();
+		},
+	.counter =
+		[] {
+			host_meter::call();
+			return the_test_host->time.now();
+		},
 	.sleep_ms =
 		[](int milliseconds) {
 			timeline &t = the_test_host->time;
 			t.run_until(t.now() + milliseconds / 1000.0);
+			host_meter::wait(milliseconds / 1000.0);
 		},
 };
 
 using place = std::pair<int, int>;
+
+// The row of a form; a test that names one that is not there is wrong.
+static form_row &form_row_of(int window, int form, int row)
+{
+	return the_test_host->forms.at(place(window, form)).at(static_cast<std::size_t>(row));
+}
 
 static const ui_service test_ui = {
 	.set_text = [](int w, int c,
@@ -82,6 +168,18 @@ static const ui_service test_ui = {
 				bits.assign(view->bits.begin(), view->bits.end());
 		},
 	.set_waveform = [](int, int, const waveform_view *) {},
+	.build_form =
+		[](int w, int c, std::span<const form_row> rows) {
+			the_test_host->forms[place(w, c)].assign(rows.begin(), rows.end());
+		},
+	.set_row_value = [](int w, int c, int row,
+				 int value) { form_row_of(w, c, row).value = value; },
+	.row_value = [](int w, int c, int row) { return form_row_of(w, c, row).value; },
+	.set_row_text = [](int w, int c, int row,
+				const char *text) { form_row_of(w, c, row).text = text; },
+	.row_text = [](int w, int c, int row) { return form_row_of(w, c, row).text; },
+	.set_row_changed = [](int w, int c, int row,
+				   bool changed) { form_row_of(w, c, row).changed = changed; },
 	.message =
 		[](const char *text, const char *caption) {
 			the_test_host->boxes.push_back({ text, caption });
@@ -118,11 +216,18 @@ static const ui_service test_ui = {
 	.stop_timer = [](int timer) { the_test_host->timers.erase(timer); },
 	.pump =
 		[](int max_ms) {
+			host_meter::call();
+			run_posted();
 			if (the_test_host->on_pump)
 				the_test_host->on_pump();
 			pass_time(max_ms / 1000.0);
 		},
 	.wake = [] {},
+	.post =
+		[](void (*work)()) {
+			const std::lock_guard hold(the_test_host->posted_lock);
+			the_test_host->posted.push_back(work);
+		},
 	.exit_process = [](int status) { throw process_ended{ status }; },
 };
 
@@ -138,6 +243,8 @@ static const midi_service no_midi = {
 	.open_input = [](int, int *) { return 19; },
 	.arm = [](int, unsigned char *, std::size_t) { return 19; },
 	.received = [](int) { return std::size_t{ 0 }; },
+	.listen = [](int, std::size_t) { return 19; },
+	.take = [](int, unsigned char *, std::size_t) { return std::size_t{ 0 }; },
 	.input_error = [](int) { return 19; },
 	.disarm = [](int) {},
 	.close_input = [](int) {},
@@ -202,7 +309,8 @@ static int log_file = -1;
 static int open_with_faults(const char *path, file_mode mode, int *file)
 {
 	const bool log = std::string_view(path).ends_with("velmor.log");
-	if (mode == file_create && the_test_host->disk.open_for_writing && !log)
+	const bool makes = mode == file_create || mode == file_exclusive;
+	if (makes && the_test_host->disk.open_for_writing && !log)
 		return the_test_host->disk.open_for_writing;
 	const int code = posix_files.open(path, mode, file);
 	if (log && !code)
@@ -212,6 +320,7 @@ static int open_with_faults(const char *path, file_mode mode, int *file)
 
 static int write_with_faults(int file, const void *bytes, std::size_t count)
 {
+	host_meter::write(count);
 	auto &left = the_test_host->disk.space_left;
 	if (!left || file == log_file)
 		return posix_files.write(file, bytes, count);
@@ -221,9 +330,38 @@ static int write_with_faults(int file, const void *bytes, std::size_t count)
 	return code ? code : fits < count ? ENOSPC : 0;
 }
 
-test_host::test_host() : before(host), sampler{}
+// What the system keeps in globals, as it is when a program starts.
+static void forget_everything()
+{
+	current_run_mode = { .diagnostics = true, .multis = true };
+	current_sampler = nullptr;
+	current_pgm_index = current_keygroup_index = current_keyzone_index = 0;
+	conf_sampler.clear();
+	copy_text(current_usb_name, "");
+	forget_commands();
+	forget_stop();
+	the_line = {};
+	local_sample.clear();
+	local_pgm.clear();
+	local_samples = local_pgms = 0;
+	usbdev.clear();
+	usbdevs = usb_init_done = 0;
+	midi_out_interface.clear();
+	midi_in_interface.clear();
+	midi_out_interfaces = midi_in_interfaces = 0;
+	selected_midi_in_interface = selected_midi_out_interface = -1;
+	selected_midi_in_mon_interface = the_outHandle = -1;
+	use_tcp = 0;
+	tcp_socket = -1;
+	copy_text(tcp_address, "192.168.0.10");
+	tcp_port = 9999;
+}
+
+test_host::test_host() : before(host), sampler{}, outer(the_test_host)
 {
 	the_test_host = this;
+	if (!outer)
+		limit_processor(30);
 	char pattern[] = "/tmp/velmor-test-XXXXXX";
 	root = mkdtemp(pattern);
 	working_folder = std::filesystem::current_path();
@@ -235,6 +373,9 @@ test_host::test_host() : before(host), sampler{}
 	files = posix_files;
 	files.open = open_with_faults;
 	files.write = write_with_faults;
+	// A scratch folder needs no wait for the disk.
+	files.sync = [](int) { return 0; };
+	files.sync_folder = [](const char *) { return 0; };
 	files.close = [](int file) {
 		const int code = posix_files.close(file);
 		const bool log = file == log_file;
@@ -249,9 +390,8 @@ test_host::test_host() : before(host), sampler{}
 		.settings = &test_settings,
 		.clock = &test_clock,
 		.files = &files };
+	forget_everything();
 	current_config_path = config;
-	current_sampler = nullptr;
-	current_run_mode = { .diagnostics = true, .multis = true };
 	start_time = test_clock.time_of_day();
 }
 
@@ -266,7 +406,9 @@ test_host::~test_host()
 	std::filesystem::current_path(working_folder);
 	std::filesystem::remove_all(root);
 	host = before;
-	the_test_host = nullptr;
+	the_test_host = outer;
+	if (!outer)
+		limit_processor(0);
 }
 
 std::vector<std::string> test_host::log()
@@ -323,6 +465,14 @@ void test_host::put_content(const std::string &path, std::span<const u8> bytes)
 	std::ofstream file(posix_files.host_path(path.c_str()), std::ios::binary);
 	file.write(reinterpret_cast<const char *>(bytes.data()),
 		static_cast<std::streamsize>(bytes.size()));
+}
+
+int test_host::temporary_files()
+{
+	int count = 0;
+	for (const auto &entry : std::filesystem::recursive_directory_iterator(root))
+		count += entry.path().filename().string().starts_with("~velmor");
+	return count;
 }
 
 void test_host::use_sampler(i32 model, u8 exclusive_channel, const char *usb_name)

@@ -1,8 +1,12 @@
 // test_host.h - a host for tests: virtual time, a scratch folder, recorded windows
 //
 // Construct one at the start of a test (the fixture host_test does). It installs
-// its services, points the system at a scratch folder, and puts everything back at
-// the end. Time jumps: pump and sleep_ms run the timeline, and nothing ever sleeps.
+// its services, points the system at a scratch folder, forgets what an earlier test left
+// in the system, and puts everything back at the end. Time jumps: pump and sleep_ms run the
+// timeline, and nothing ever sleeps.
+//
+// A system that waits without end, writes without end or computes without end fails its
+// test soon, and does not hang it: time, disk, memory and processor have limits.
 //
 // Ports and devices are absent until a test plugs its own service tables into
 // host.midi, host.net or host.usb.
@@ -10,11 +14,13 @@
 #pragma once
 #include "src/velmor.h"
 #include "virtual/timeline.h"
+#include <atomic>
 #include <deque>
 #include <functional>
 #include <gtest/gtest.h>
 #include <map>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -38,6 +44,18 @@ struct disk_faults {
 	bool close_fails = false;
 };
 
+// What one host gives before the test has failed.
+struct host_limits {
+	double seconds = 20000;               // of virtual time that the system waits
+	long calls_at_a_moment = 50000;       // of pump and clock, while no time passes
+	std::uint64_t disk_bytes = 64u << 20; // written, the log too
+};
+
+// Thrown when a limit is reached.
+struct limit_reached : std::runtime_error {
+	using std::runtime_error::runtime_error;
+};
+
 struct shown_progress {
 	bool visible = false;
 	std::string caption;
@@ -55,12 +73,15 @@ public:
 	timeline time;    // shared with virtual samplers
 	std::string root; // the scratch folder, host path
 	disk_faults disk;
+	host_limits limits;
 	std::map<std::string, std::string> settings;
 
 	std::vector<shown_box> boxes;          // in order, questions too
 	std::deque<bool> answers;              // to questions, in order; OK when it is empty
 	std::vector<std::string> chosen_files; // what choose_files answers
 	std::string chosen_folder;
+	std::vector<void (*)()> posted; // for the next pump; posts come from any thread
+	std::mutex posted_lock;
 	std::function<void()> on_pump; // what the "user" does while the system waits
 	shown_progress progress;
 	std::map<std::pair<int, int>, std::string> texts;
@@ -72,6 +93,7 @@ public:
 	std::map<std::pair<int, int>, text_role> roles;
 	std::map<std::pair<int, int>, std::string> reasons;
 	std::map<std::pair<int, int>, std::vector<u8>> bitmaps;
+	std::map<std::pair<int, int>, std::vector<form_row>> forms; // as built, then as set
 	std::pair<int, int> focus;
 	// Running timers. Nothing ticks by itself: a test calls tick when it is time.
 	struct running_timer {
@@ -93,6 +115,8 @@ public:
 	// Whole content of a file (path with backslashes or slashes), or nothing.
 	std::optional<std::vector<u8>> content(const std::string &path);
 	void put_content(const std::string &path, std::span<const u8> bytes);
+	// Temporary files in the scratch folder and below it: none, once work has ended.
+	int temporary_files();
 
 	// A loaded sampler of that model, exclusive channel, with an empty _dev_status.
 	void use_sampler(i32 model, u8 exclusive_channel, const char *usb_name = "");
@@ -102,6 +126,13 @@ private:
 	_sampler sampler;
 	_dev_status *status = nullptr;
 	std::string working_folder;
+	test_host *outer; // the host that this one stands in for
+
+	friend struct host_meter;
+	double waited = 0;
+	std::atomic<double> moment = 0;
+	std::atomic<long> calls = 0;
+	std::uint64_t written = 0;
 };
 
 // The running test's host.

@@ -14,8 +14,7 @@ static int opened(int code, int *handle, int *total, int *open)
 {
 	if (code)
 		return code;
-	*handle = 0;
-	++*total;
+	*handle = (*total)++;
 	++*open;
 	return 0;
 }
@@ -49,13 +48,17 @@ static const midi_service transcript_service = {
 			return playing->faults.arm;
 		},
 	.received = [](int) { return playing->received; },
+	.listen =
+		[](int handle, std::size_t) {
+			if (!playing->faults.arm)
+				playing->listen(handle);
+			return playing->faults.arm;
+		},
+	.take = [](int handle, unsigned char *bytes,
+			std::size_t capacity) { return playing->take(handle, bytes, capacity); },
 	.input_error = [](int) { return playing->faults.input; },
 	.disarm = [](int) { playing->disarm(); },
-	.close_input =
-		[](int) {
-			playing->disarm();
-			playing->inputs_open--;
-		},
+	.close_input = [](int handle) { playing->close_input(handle); },
 	.on_arrival = [](void (*wake)()) { playing->wake = wake; },
 	.error_text =
 		[](int code) {
@@ -204,6 +207,8 @@ void transcript_midi::deliver(const std::vector<int> &bytes)
 	for (const int byte : bytes)
 		if (received < armed.size())
 			armed[received++] = static_cast<u8>(byte);
+	for (auto &[handle, kept] : heard)
+		kept.insert(kept.end(), bytes.begin(), bytes.end());
 	if (wake)
 		wake();
 }
@@ -214,6 +219,29 @@ void transcript_midi::arm(u8 *buffer, std::size_t capacity)
 	received = 0;
 	if (at < steps.size() && !steps[at].sent)
 		schedule_answers(owner.time.now());
+}
+
+void transcript_midi::listen(int handle)
+{
+	heard[handle].clear();
+	if (at < steps.size() && !steps[at].sent)
+		schedule_answers(owner.time.now());
+}
+
+void transcript_midi::close_input(int handle)
+{
+	if (!heard.erase(handle))
+		disarm();
+	inputs_open--;
+}
+
+std::size_t transcript_midi::take(int handle, u8 *bytes, std::size_t capacity)
+{
+	std::vector<u8> &kept = heard[handle];
+	const std::size_t count = std::min(capacity, kept.size());
+	std::copy_n(kept.begin(), count, bytes);
+	kept.erase(kept.begin(), kept.begin() + static_cast<std::ptrdiff_t>(count));
+	return count;
 }
 
 long transcript_midi::leaving() const

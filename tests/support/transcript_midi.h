@@ -15,8 +15,8 @@
 // `>` must be sent, byte by byte; `..` is any byte; `00*384` repeats; `#` names
 // the steps under it in a failure. `<` comes 1 ms, or `@` seconds, after the message
 // has left the wire (31250 baud) or after the answer before it, whole at once. Answers
-// at the start of the transcript count from the moment an input is first armed. Bytes
-// that come while no input is armed are lost, as on a wire.
+// at the start of the transcript count from the moment an input is first armed or listens. Bytes
+// that come while no input does are lost, as on a wire.
 //
 // Installs itself as input 0 and output 0, and chooses both. What is sent and
 // not written down, and what is written down and never sent, fails the test.
@@ -55,6 +55,10 @@ public:
 	void arm(u8 *buffer, std::size_t capacity);
 	void disarm() { armed = {}; }
 	std::size_t received = 0;
+	// A listener is an input of its own, opened beside the one that exchanges arm.
+	void listen(int handle);
+	void close_input(int handle);
+	std::size_t take(int handle, u8 *bytes, std::size_t capacity);
 	void (*wake)() = nullptr;
 
 private:
@@ -80,6 +84,7 @@ private:
 	double wire_free = 0;   // when the last byte written has left
 	bool broken = false;
 	std::span<u8> armed;
+	std::map<int, std::vector<u8>> heard;    // by listeners
 	std::shared_ptr<transcript_midi *> self; // outlives this in events
 };
 

@@ -1,0 +1,39 @@
+// akaimidi.cpp - what the drivers of MIDI samplers share: asking, answers, counts
+
+#include "src/akaimidi.h"
+#include <algorithm>
+
+namespace velmor
+{
+
+akai_answer ask_akai(std::span<const u8> message, int room, akai_exchange exchange)
+{
+	akai_answer answer = { std::vector<u8>(static_cast<std::size_t>(room)), false };
+	int length = room;
+	exchange(message.data(), static_cast<int>(message.size()), answer.bytes.data(), &length, 1);
+	// A failed port leaves the length as it was, over a cleared buffer.
+	answer.port_failed = length == room && answer.bytes[0] == 0;
+	length = answer.port_failed ? 0 : std::clamp(length, 0, room);
+	answer.bytes.resize(static_cast<std::size_t>(length));
+	return answer;
+}
+
+void tell_akai(std::span<const u8> message)
+{
+	int nothing = 0;
+	send_midi_string_ex(message.data(), static_cast<int>(message.size()), nullptr, &nothing, 0);
+}
+
+bool akai_interrupted(const akai_answer &answer)
+{
+	return answer.port_failed || progress_stopped();
+}
+
+int akai_kept_count(int count, int room, const char *what)
+{
+	if (count > room)
+		log_line("[W] The sampler counts %d %s, %d are read\r\n", count, what, room);
+	return std::min(count, room);
+}
+
+} // namespace velmor

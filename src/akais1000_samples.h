@@ -1,0 +1,56 @@
+// akais1000_samples.h - what the transfers of samples share within the S1000 family
+//
+// Included by akais1000_samples.cpp and akais1000_upload.cpp alone.
+
+#pragma once
+#include "src/akais1000.h"
+
+namespace velmor
+{
+
+// DATA PACKET of the MIDI Sample Dump Standard, both ways
+enum {
+	packet_kind = 3,
+	packet_number = 4,
+	packet_words = 5,
+	packet_checksum = 125,
+	packet_size = 127,
+	words_in_packet = 40,
+};
+static_assert(packet_words + 3 * words_in_packet == packet_checksum);
+
+// Bytes 1 to 124 of a packet.
+inline u8 checksum_of(bounded_bytes packet)
+{
+	u8 sum = 0;
+	for (std::size_t i = 1; i < packet_checksum; i++)
+		sum ^= packet[i];
+	return sum & 0x7F;
+}
+
+inline u64 packets_of(u64 words)
+{
+	return words / words_in_packet + (words % words_in_packet ? 1 : 0);
+}
+
+// As the log shows it.
+inline int shown(u64 value)
+{
+	return static_cast<int>(static_cast<u32>(value));
+}
+
+// Samples in the loaded list.
+int akai_samples_listed();
+// Index of a sample in the loaded list by its exact name. Without one: the list's count, one
+// past the last, which is 0 for an empty list.
+int akai_find_sample(const char *name, bool log_compares);
+
+bool akai_is_header_of(const akai_answer &answer, int index);
+// The header that came, under another name: 12 bytes of the alphabet over its own. Empty when
+// it is too short to hold one, because half a header must not go back.
+std::vector<u8> akai_renamed_block(const akai_answer &header, const u8 *name);
+// A header as a message: the head of the answer it came in, and the block.
+std::vector<u8> akai_header_message(const akai_answer &header, std::span<const u8> block);
+void akai_log_header_block(const akai_answer &header, const char *what);
+
+} // namespace velmor

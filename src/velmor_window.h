@@ -18,8 +18,8 @@
 #include <functional>
 #include <span>
 #include <string>
-#include <vector>
 #include <string_view>
+#include <vector>
 
 namespace velmor
 {

@@ -1,8 +1,10 @@
-# The customary words, for those who type them first; CMake does the work.
+# The customary words, for those who type them first; ./run and make build the same folder
+# in the same way.
+
+SHELL := /bin/bash -o pipefail
 
 all:
-	cmake -S . -B build -DVELMOR_TESTS=OFF
-	cmake --build build --parallel
+	@. packaging/packages.sh && say_missing $$packages_build && build build -DVELMOR_TESTS=OFF
 
 install: all
 	cmake --install build

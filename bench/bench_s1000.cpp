@@ -1,4 +1,4 @@
-// bench_s1000.cpp - lists and transfers of the S1000 family against what physics needs
+// bench_s1000.cpp - lists, saves and transfers of the S1000 family against what physics needs
 //
 // The driver talks to a virtual S3000 over a virtual MIDI cable. In virtual time the
 // seconds are those of the cable (320 us a byte), of the machine (3 ms before each answer)
@@ -138,6 +138,11 @@ void measure_lists_and_download()
 				"SAMPLE 200") &&
 			status->samples == 200 &&
 			!std::strcmp(status->sample[199].name, "SAMPLE 200"));
+
+	// The last program is found by asking for the name of each.
+	status->program[99].keygroup[7].low_note = 61;
+	compare("save of a program of 8 keygroups", h, m, 0, [&] { row.saveprogram(99, nullptr); });
+	report("  it was taken", "", m.machine.programs[99].keygroups[7][3] == 61);
 
 	// 22050 words are 552 packets, with 50 ms of rest for the machine after each.
 	compare("download of half a second, 22050 words", h, m, 552 * 0.050,

@@ -1,4 +1,4 @@
-// bench_usb.cpp - transfers and lists of the S5000 against what the bus and the machine need
+// bench_usb.cpp - transfers, lists and saves of USB samplers against what bus and machine need
 //
 // The driver talks to a virtual S5000 on a virtual full-speed bus, in virtual time. The
 // least that any program could take is what crosses the bus in its packets, one after the
@@ -116,38 +116,78 @@ void measure_transfers()
 		b.machine.samples.size() == 2 && b.machine.samples[1].wave == file);
 }
 
-void measure_walk()
+// One operation of small requests, against what crossed the bus. Gives the answers.
+template <typename work>
+std::size_t compare(const char *what, test_host &h, usb_sampler &machine, work run)
 {
-	bench b;
-	fill_for_usb_benchmark(b.machine, 50, 16);
-	const _sampler_type &row = b.load();
-	b.machine.record = true;
-	const double began = b.h.time.now();
-	const auto real = std::chrono::steady_clock::now();
-	row.getproglist(1, 0, b.status);
-	const double took = b.h.time.now() - began;
-	const std::chrono::duration<double> cost = std::chrono::steady_clock::now() - real;
-
+	machine.recorded.clear();
+	machine.record = true;
+	const double began = h.time.now();
+	const bool good = run();
+	const double took = h.time.now() - began;
+	machine.record = false;
 	double least = 0;
 	std::size_t answers = 0;
-	for (const usb_crossing &c : b.machine.recorded) {
-		least += on_bus(c.bytes.size()) + (c.from_host ? 0 : b.machine.latency);
+	for (const usb_crossing &c : machine.recorded) {
+		least += on_bus(c.bytes.size()) + (c.from_host ? 0 : machine.latency);
 		answers += !c.from_host;
 	}
-	const bool all =
-		b.status->programs == 50 && b.status->program[49].keygroups == 16 &&
-		!std::string_view("SAMPLE 001")
-			 .compare(b.status->program[49].keygroup[15].keyzone[3].samplename);
 	char measure[160];
 	std::snprintf(measure, sizeof measure,
 		"%9.3f s   least %9.3f s   ratio %.4f   (%zu answers)", took, least, took / least,
 		answers);
-	report("walk of 50 programs of 16 keygroups", measure,
-		all && took / least <= most_above_least);
+	report(what, measure, good && answers && took / least <= most_above_least);
+	return answers;
+}
+
+void measure_walk_and_save()
+{
+	bench b;
+	fill_for_usb_benchmark(b.machine, 50, 16);
+	const _sampler_type &row = b.load();
+	const auto real = std::chrono::steady_clock::now();
+	const auto walk = [&] {
+		row.getproglist(1, 0, b.status);
+		return b.status->programs == 50 && b.status->program[49].keygroups == 16 &&
+		       std::string_view("SAMPLE 001") ==
+			       b.status->program[49].keygroup[15].keyzone[3].samplename;
+	};
+	const std::size_t answers =
+		compare("walk of 50 programs of 16 keygroups", b.h, b.machine, walk);
+	const std::chrono::duration<double> cost = std::chrono::steady_clock::now() - real;
+	char measure[160];
 	std::snprintf(measure, sizeof measure, "%9.1f us of this computer for each answer",
 		cost.count() / static_cast<double>(answers) * 1e6);
 	report("  the program and the virtual machine", measure,
 		answers && cost.count() / static_cast<double>(answers) <= most_of_computer);
+	compare("save of a program of 16 keygroups, S5000", b.h, b.machine, [&] {
+		b.status->program[49].keygroup[15].amp_attack = 61;
+		row.saveprogram(49, nullptr);
+		return b.machine.programs[49].keygroups[15].amp[0] == 61;
+	});
+}
+
+void measure_z4_save()
+{
+	test_host h;
+	z4 machine(z4_model::z8);
+	machine.name = "Bench";
+	machine.add_program("PROGRAM 001", std::vector<z4_keygroup>(16));
+	host.usb = &virtual_usb;
+	plug_usb(h.time, machine);
+	current_run_mode.diagnostics = false;
+	init_usb(1);
+	h.use_sampler(model_z4, 0, "Bench");
+	const _sampler_type &row = *get_sampler(model_z4);
+	_dev_status *status = current_sampler->status;
+	row.getstatus(1, 0, status);
+	row.getproglist(1, 0, status);
+	compare("save of a program of 16 keygroups, Z8", h, machine, [&] {
+		status->program[0].keygroup[15].low_note = 61;
+		row.saveprogram(0, nullptr);
+		return machine.programs[0].keygroups[15].low_note == 61;
+	});
+	unplug_all_usb();
 }
 
 } // namespace
@@ -156,6 +196,7 @@ void measure_walk()
 int main()
 {
 	velmor::measure_transfers();
-	velmor::measure_walk();
+	velmor::measure_walk_and_save();
+	velmor::measure_z4_save();
 	return velmor::missed;
 }

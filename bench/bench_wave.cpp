@@ -13,7 +13,6 @@
 
 #include "platform/backends.h"
 #include "src/waveqx.h"
-#include "tests/fuzz/memory_host.h"
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
@@ -89,10 +88,18 @@ void make_source(const std::string &path, const bench_row &row, u32 minutes)
 
 int run_ours(const bench_row &row, const char *source, const char *target)
 {
-	static const ui_service ui = memory_host::quiet_ui();
+	static ui_service ui = {};
+	ui.exists = [](int, int) { return false; };
+	static const clock_service still = { .time_of_day = [] { return 0.0; },
+		.counter = [] { return 0.0; },
+		.sleep_ms = [](int) {} };
+	// The others do not wait for the disk either.
+	static files_service files = posix_files;
+	files.sync = [](int) { return 0; };
+	files.sync_folder = [](const char *) { return 0; };
 	host.ui = &ui;
-	host.clock = &memory_host::still_clock;
-	host.files = &posix_files;
+	host.clock = &still;
+	host.files = &files;
 	const double start = now();
 	const bool done =
 		resample(0, source, target, 1, mix_mode_left, row.new_bits, row.new_rate, 60);

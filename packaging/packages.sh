@@ -1,41 +1,79 @@
 # packages.sh - what building, testing and the virtual machine need, and how to get it
 #
-# Sourced by run, test and the machine tests. The names hold on Debian 12 and on
-# Ubuntu 24.04.
+# Sourced by run, test, the Makefile and the machine tests. The names hold on Debian 12 and
+# on Ubuntu 24.04. Elsewhere CMake says what it does not find.
 
 packages_build="g++ cmake ninja-build pkg-config qt6-base-dev libasound2-dev libusb-1.0-0-dev
 	fonts-dejavu-core fontconfig-config"
 packages_test="libgtest-dev clang-format-14 libumockdev-dev umockdev libsamplerate0-dev libbenchmark-dev sox"
 
-# need PACKAGE...: install those that are missing; asks for the password where it must.
-need() {
-	local missing=()
+# missing PACKAGE...: those that are not installed, on one line.
+missing() {
+	command -v dpkg-query >/dev/null || return 0
+	local package names=()
 	for package in "$@"; do
 		dpkg-query -W -f='${db:Status-Status}' "$package" 2>/dev/null | grep -qx installed ||
-			missing+=("$package")
+			names+=("$package")
 	done
-	[ ${#missing[@]} -eq 0 ] && return 0
-	if ! command -v apt-get >/dev/null; then
-		echo "Please install what corresponds to these Debian packages: ${missing[*]}" >&2
-		return 1
-	fi
-	local as_root=()
-	[ "$(id -u)" -eq 0 ] || as_root=(sudo)
-	echo "Installing: ${missing[*]}"
-	"${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get update -qq
-	"${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq \
-		--no-install-recommends "${missing[@]}" >/dev/null
+	echo "${names[*]}"
 }
 
-# build FOLDER [CMAKE OPTION...]: configure and build, on every core.
+# say_missing PACKAGE...: for who installs by hand. Fails when anything is missing.
+say_missing() {
+	local names
+	names=$(missing "$@")
+	[ -z "$names" ] && return 0
+	echo "Please install these packages first (./run does it by itself):" >&2
+	echo "    apt-get install $names" >&2
+	return 1
+}
+
+# need PACKAGE...: install those that are missing; asks for the password where it must. What
+# apt says is shown when it fails.
+need() {
+	local names said as_root=()
+	names=$(missing "$@")
+	[ -z "$names" ] && return 0
+	[ "$(id -u)" -eq 0 ] || as_root=(sudo)
+	echo "Installing: $names"
+	said=$("${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get update -qq 2>&1) ||
+		echo "$said" >&2
+	# shellcheck disable=SC2086
+	said=$("${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq \
+		--no-install-recommends $names 2>&1) || {
+		echo "$said" >&2
+		echo "These packages could not be installed: $names" >&2
+		return 1
+	}
+}
+
+# Without a terminal a line for every tenth of the way is enough; all that is no status passes.
+tenths() {
+	awk 'match($0, /^\[ *[0-9]+\/[0-9]+\]/) {
+			split(substr($0, 2, RLENGTH - 2), n, "/")
+			tenth = int(10 * n[1] / n[2])
+			if (tenth != last || n[1] == n[2]) print
+			last = tenth
+			next
+		}
+		{ print }'
+}
+
+# build FOLDER [CMAKE OPTION...]: configure and build, on every core. A folder that somebody
+# configured keeps its generator and its settings.
 build() {
-	local folder=$1
+	local folder=$1 options=()
 	shift
-	local launcher=()
-	command -v ccache >/dev/null && launcher=(-DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
-	cmake -S . -B "$folder" -G Ninja "${launcher[@]}" "$@" >"$folder.log" 2>&1 || {
+	[ -e "$folder/CMakeCache.txt" ] || options+=(-G Ninja)
+	command -v ccache >/dev/null && options+=(-DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
+	echo "Building in $folder"
+	cmake -S . -B "$folder" "${options[@]}" "$@" >"$folder.log" 2>&1 || {
 		cat "$folder.log" >&2
 		return 1
 	}
-	ninja -C "$folder" --quiet
+	if [ -t 1 ]; then
+		cmake --build "$folder" --parallel "$(nproc)"
+	else
+		cmake --build "$folder" --parallel "$(nproc)" | tenths
+	fi
 }

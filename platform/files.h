@@ -17,6 +17,7 @@ enum file_mode : int {
 	file_read,
 	file_create, // write, replacing what is there
 	file_append,
+	file_exclusive, // write a file that is made now; one that is there is a failure
 };
 
 struct file_info {
@@ -35,6 +36,8 @@ struct files_service {
 	int (*seek)(int file, std::uint64_t offset);
 	// Hand everything written to the disk.
 	int (*sync)(int file);
+	// Hand the names in a folder to the disk: a rename outlives a power cut only then.
+	int (*sync_folder)(const char *path);
 	// Close; a failure means that bytes written before may be lost.
 	int (*close)(int file);
 
@@ -49,9 +52,13 @@ struct files_service {
 
 	std::string (*host_path)(const char *path);
 	std::string (*system_path)(const char *path);
-	// True for the codes "it exists already" and "there is no such file".
+	// True for the codes "it exists already", "there is no such file" and "the disk is full".
 	bool (*exists_already)(int code);
 	bool (*not_found)(int code);
+	bool (*disk_full)(int code);
+	// The number of this process, and whether the process of a number runs.
+	long (*process)();
+	bool (*process_runs)(long number);
 	// Words for a code, in a static buffer that the next call overwrites; null for an unknown
 	// code.
 	const char *(*error_text)(int code);

@@ -47,6 +47,41 @@ struct bitmap_view {
 	int width, height; // pixels
 };
 
+// A form is a list of rows, built when it is known what they are. Everything about a row is said
+// by its place in that list: ids are only for people who look for a control, and may come twice.
+enum class row_kind {
+	heading, // words over the rows below
+	slider,  // a bar, and a field for its number beside it
+	number,  // the field alone
+	choice,  // one of items, from a list
+	check,
+	radio,   // one of items, all to be seen
+	reading, // a text that cannot be changed; why_not says why
+};
+
+struct form_row {
+	row_kind kind;
+	int id;                         // of the bar, list, box or text
+	int field_id;                   // of the field for the number
+	std::string label;              // or the words of a heading
+	std::string unit;               // behind the field, or ""
+	int low, high;                  // of the bar
+	std::vector<std::string> items; // of a choice or radio group; a value is a place in it
+	std::vector<int> item_ids;      // of each radio button, or none
+	int value;
+	std::string text;    // of a reading row; of a field, where it is not the value
+	bool changed;        // marked as not yet sent
+	std::string why_not; // the row is disabled; "": it is not
+};
+
+// What a user did to a row.
+enum class form_event {
+	drag,     // the bar is being moved
+	drag_end, // and was let go, or moved by a key
+	edit,     // the text of its field changed
+	choice,   // an item was chosen, a box ticked or cleared
+};
+
 struct ui_service {
 	// Controls. control 0 is the window itself: show raises it, text is its title.
 	// get_text gives back the same bytes, "\r\n" included, until the user edits them. The log
@@ -72,6 +107,15 @@ struct ui_service {
 	// A null view clears the picture.
 	void (*set_bitmap)(int window, int control, const bitmap_view *view);
 	void (*set_waveform)(int window, int control, const waveform_view *view);
+
+	// Forms: form is a control. Building one puts its earlier rows away. A row that is set
+	// tells nobody. The bar and the field of a slider are set apart, as the system wants it.
+	void (*build_form)(int window, int form, std::span<const form_row> rows);
+	void (*set_row_value)(int window, int form, int row, int value);
+	int (*row_value)(int window, int form, int row);
+	void (*set_row_text)(int window, int form, int row, const char *text);
+	std::string (*row_text)(int window, int form, int row);
+	void (*set_row_changed)(int window, int form, int row, bool changed);
 
 	// Modal boxes. ask has the buttons OK and Cancel and is true for OK.
 	void (*message)(const char *text, const char *caption);

@@ -27,8 +27,12 @@ struct usb_interface {
 struct usb_device {
 	std::uint16_t vendor;
 	std::uint16_t product;
-	std::string path; // names the device to open; unique on this host
-	std::string name; // product string, or "" where the device has or gives none
+	// The socket it is plugged into, by which it is opened: the same after it was plugged in
+	// again. Unique on this host.
+	std::string path;
+	// Its number on the bus, as the host's own tools show it: another one each time that it is
+	// plugged in.
+	std::string address;
 	std::vector<usb_interface> interfaces;
 };
 
@@ -45,9 +49,9 @@ enum usb_result : int {
 };
 
 struct usb_service {
-	// Devices present now. false when the host cannot list devices at all.
+	// Devices present now. None is opened or spoken to for it. false when the host cannot list devices at all.
 	bool (*list)(std::vector<usb_device> *devices);
-	// Open a device by its path, and claim interface number.
+	// Open the device that sits at a path now, and claim interface number.
 	int (*open)(const char *path, int *handle);
 	int (*claim)(int handle, std::uint8_t interface_number);
 	void (*close)(int handle);

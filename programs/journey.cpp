@@ -1,19 +1,21 @@
 // journey.cpp - the main job of the program, done by hand on its own windows, and checked
 //
 // A user's way: load a sampler, look at its samples, fetch them all, send some
-// WAV files, rename one, delete one. Every step is mouse and key events to the
+// WAV files, rename one, delete one; and what happens on the way: a wrong channel, a sampler
+// that is off, a cable pulled, a download stopped. Every step is mouse and key events to the
 // widgets, and every result is looked up where it must have arrived: in files on
 // the disk and in the memory of the virtual sampler.
 
 #include "programs/journey.h"
 #include "platform/host.h"
 #include "src/velmor_window.h"
+#include "ui/parts/entry_list.h"
+#include "ui/parts/palette.h"
 #include "ui/qt_ui.h"
 #include <QAction>
 #include <QApplication>
 #include <QDropEvent>
 #include <QLineEdit>
-#include <QListWidget>
 #include <QMenu>
 #include <QMenuBar>
 #include <QMessageBox>
@@ -33,6 +35,7 @@ static journey const *the_trip;
 static int failures;
 static std::vector<std::string> boxes_seen;
 static bool progress_pictured;
+static bool stop_wanted; // press Stop when the work is half done
 
 // ---- Telling --------------------------------------------------------------------------------
 
@@ -49,17 +52,25 @@ static void step(const char *what)
 	std::printf("%s\n", what);
 }
 
-static void picture(int window, const char *name)
+// As a screen of 100 or 200 % shows it.
+static void picture(int window, const char *name, int scale = 1)
 {
 	QWidget *widget = find_widget(window, 0);
 	if (!widget)
 		return;
 	// The screen of the offscreen platform is smaller than a desk's.
 	if (window == window_samples)
-		widget->resize(960, 740);
-	QApplication::processEvents();
+		widget->resize(976, 700);
+	if (window == window_main)
+		widget->resize(992, 600);
+	// What was told to the layouts arrives in several rounds.
+	for (int round = 0; round < 4; round++)
+		QApplication::processEvents();
 	const QString file = QString::fromStdString(the_trip->pictures) + "/" + name + ".png";
-	check(widget->grab().save(file), "picture " + file.toStdString());
+	QPixmap drawn(widget->size() * scale);
+	drawn.setDevicePixelRatio(scale);
+	widget->render(&drawn);
+	check(drawn.save(file), "picture " + file.toStdString());
 }
 
 // ---- Hands ----------------------------------------------------------------------------------
@@ -109,31 +120,30 @@ static void choose_entry(int control)
 	check(false, format_text("menu entry %d is in no menu", control));
 }
 
-static QListWidget *list_of(int window, int control)
+static entry_list *list_of(int window, int control)
 {
-	return qobject_cast<QListWidget *>(find_widget(window, control));
+	return dynamic_cast<entry_list *>(find_widget(window, control));
 }
 
 static std::vector<std::string> names_in(int window, int control)
 {
 	std::vector<std::string> names;
-	const QListWidget *list = list_of(window, control);
+	const entry_list *list = list_of(window, control);
 	for (int i = 0; list && i < list->count(); i++)
-		names.push_back(list->item(i)->text().toStdString());
+		names.push_back(list->name_of(i).toStdString());
 	return names;
 }
 
 static void choose(int window, int control, const std::string &name)
 {
-	QListWidget *list = list_of(window, control);
-	const auto found = list ? list->findItems(QString::fromStdString(name), Qt::MatchExactly)
-				: QList<QListWidgetItem *>();
-	if (found.isEmpty()) {
+	entry_list *list = list_of(window, control);
+	const int found = list ? list->place_of(QString::fromStdString(name)) : -1;
+	if (found < 0) {
 		check(false, "\"" + name + "\" is not in the list");
 		return;
 	}
-	list->scrollToItem(found.first());
-	click_at(list->viewport(), list->visualItemRect(found.first()).center());
+	list->scrollToItem(list->topLevelItem(found));
+	click_at(list->viewport(), list->place_on_screen(found).center());
 }
 
 static void type_into(int window, int control, const std::string &text)
@@ -152,7 +162,7 @@ static void type_into(int window, int control, const std::string &text)
 
 static void drop_files(const std::vector<std::string> &files)
 {
-	QListWidget *list = list_of(window_samples, samples_local_list);
+	entry_list *list = list_of(window_samples, samples_local_list);
 	QMimeData data;
 	QList<QUrl> urls;
 	for (const std::string &file : files)
@@ -169,12 +179,17 @@ static void drop_files(const std::vector<std::string> &files)
 void journey_glance()
 {
 	auto *bar = qobject_cast<QProgressBar *>(find_control(window_progress, progress_bar));
-	if (!the_trip || progress_pictured || !bar || !bar->isVisible() ||
+	if (!the_trip || !bar || !bar->isVisible() ||
 		!bar->window()->windowTitle().startsWith("Download") ||
 		bar->value() * 2 < bar->maximum())
 		return;
-	progress_pictured = true;
-	picture(window_progress, "progress");
+	if (stop_wanted) {
+		stop_wanted = false;
+		press(window_progress, progress_stop);
+	} else if (!progress_pictured) {
+		progress_pictured = true;
+		picture(window_progress, "progress");
+	}
 }
 
 // A box opens in the middle of a press; this reads it and presses its OK.
@@ -259,6 +274,14 @@ static std::string sampler_name_of(const std::string &name)
 
 // ---- The way --------------------------------------------------------------------------------
 
+static void begin()
+{
+	step("Start for the first time");
+	picture(window_main, "main-first-start");
+	the_trip->set_up();
+	check(!names_in(window_main, main_sampler_list).empty(), "the samplers are listed");
+}
+
 static void look_at_setup()
 {
 	step("Look at the settings and at the sampler dialog");
@@ -290,6 +313,39 @@ static void list_samples()
 	check(names_in(window_samples, samples_loaded_list) == machine_names(),
 		format_text("the list shows the %zu samples of the sampler",
 			the_trip->sampler.samples.size()));
+}
+
+// Whatever keeps the sampler from answering: nothing of it is shown, nothing is sent to it, and
+// the list is back as soon as it is.
+static void meet_silence(
+	const char *why, const std::function<void(bool)> &silence, const char *name)
+{
+	step(why);
+	const std::vector<std::string> before = machine_names();
+	silence(true);
+	press(window_samples, samples_refresh);
+	check(list_of(window_samples, samples_loaded_list)->chosen() < 0,
+		"no sample can be chosen that may not be there");
+	picture(window_samples, name);
+	silence(false);
+	const int retry = samples_retry, refresh = samples_refresh;
+	press(window_samples, host.ui->exists(window_samples, retry) ? retry : refresh);
+	check(machine_names() == before, "the sampler is as it was");
+	check(names_in(window_samples, samples_loaded_list) == before, "its list is back");
+}
+
+static void stop_download(const std::function<std::vector<std::string>()> &on_sampler)
+{
+	step("Stop a download in the middle");
+	const std::vector<std::string> before = on_sampler();
+	stop_wanted = true;
+	press(window_samples, samples_download_all);
+	check(!stop_wanted, "there was something to stop");
+	stop_wanted = false;
+	check(!find_widget(window_progress, 0)->isVisible(), "the work has ended");
+	press(window_samples, samples_refresh);
+	check(on_sampler() == before && names_in(window_samples, samples_loaded_list) == before,
+		"the sampler answers and is as it was");
 }
 
 static void download_all()
@@ -377,9 +433,25 @@ static void look_closer()
 	check(host.ui->get_text(window_samples, samples_detail_origin) == "LOADED",
 		"the sampler told about its sample");
 	choose(window_samples, samples_local_list, looped_name());
+	press(window_samples, samples_local_info);
+	check(host.ui->get_text(window_samples, samples_detail_origin) == "LOCAL",
+		"the file told about its sample");
 	picture(window_samples, "samples");
+	picture(window_samples, "samples-200", 2);
+	use_palette(true);
+	picture(window_samples, "samples-dark");
+	picture(window_main, "main-dark");
+	use_palette(false);
 	press(window_main, main_multis);
 	picture(window_multis, "multis");
+}
+
+static std::vector<std::string> names_on(const usb_stop &stop)
+{
+	std::vector<std::string> names;
+	for (const usb_sample &sample : stop.sampler.samples)
+		names.push_back(sample.name);
+	return names;
 }
 
 static void load_usb(const usb_stop &stop)
@@ -396,11 +468,18 @@ static void load_usb(const usb_stop &stop)
 	check(names_in(window_multis, multis_list) == stop.multis,
 		format_text("the list shows its %zu multis", stop.multis.size()));
 	press(window_main, main_samples);
-	std::vector<std::string> names;
-	for (const usb_sample &sample : stop.sampler.samples)
-		names.push_back(sample.name);
+	const std::vector<std::string> names = names_on(stop);
 	check(names_in(window_samples, samples_loaded_list) == names,
 		format_text("the list shows its %zu samples", names.size()));
+}
+
+static void replug(const usb_stop &stop)
+{
+	step("Pull its cable and put it in again");
+	stop.replug();
+	press(window_samples, samples_refresh);
+	check(names_in(window_samples, samples_loaded_list) == names_on(stop),
+		"its samples are listed as before");
 }
 
 static void transfer_usb(const usb_stop &stop)
@@ -439,9 +518,17 @@ int run_journey(const journey &trip)
 	QObject::connect(&eyes, &QTimer::timeout, answer_box);
 	eyes.start(1);
 	QApplication::processEvents();
+	begin();
 	look_at_setup();
 	load();
 	list_samples();
+	meet_silence(
+		"Ask on a channel on which nobody is",
+		[](bool wrong) { the_trip->sampler.channel = wrong ? 5 : 0; }, "samples-channel");
+	meet_silence(
+		"Ask a sampler that is switched off", [](bool off) { the_trip->power(!off); },
+		"samples-silent");
+	stop_download(machine_names);
 	download_all();
 	import_and_upload();
 	rename_one();
@@ -450,6 +537,8 @@ int run_journey(const journey &trip)
 	look_at_usb();
 	for (const usb_stop &stop : trip.usb) {
 		load_usb(stop);
+		stop_download([&stop] { return names_on(stop); });
+		replug(stop);
 		transfer_usb(stop);
 	}
 	picture(window_multis, "multis-usb");

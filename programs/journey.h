@@ -3,6 +3,7 @@
 #pragma once
 #include "virtual/s1000.h"
 #include "virtual/usb_sampler.h"
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -15,14 +16,17 @@ struct usb_stop {
 	std::string name;                // in the list of samplers
 	std::size_t programs;            // that it holds
 	std::vector<std::string> multis; // that the program lists
+	std::function<void()> replug;    // pulls its cable and puts it in again
 };
 
 struct journey {
 	s1000_machine &sampler; // the one behind the configuration name
 	std::string name;       // in the list of samplers
 	std::vector<usb_stop> usb;
-	std::vector<std::string> files; // WAV files to send, host paths
-	std::string pictures;           // folder of the screenshots, host path
+	std::vector<std::string> files;  // WAV files to send, host paths
+	std::string pictures;            // folder of the screenshots, host path
+	std::function<void()> set_up;    // puts the configurations where the program looks for them
+	std::function<void(bool)> power; // switches the sampler on and off
 };
 
 // Runs it, prints what it does, and gives the exit status: 0 if every step did what it should.

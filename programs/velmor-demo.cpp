@@ -11,6 +11,8 @@
 #include "platform/backends.h"
 #include "platform/signals.h"
 #include "programs/journey.h"
+#include "programs/options.h"
+#include "programs/windowed.h"
 #include "src/velmor.h"
 #include "ui/qt_ui.h"
 #include "virtual/demo_content.h"
@@ -24,8 +26,21 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <memory>
 
 using namespace velmor;
+
+static const char help[] =
+	"Usage: velmor-demo [--journey [WAV ...] [--out FOLDER]]\n"
+	"The whole program with virtual samplers plugged in: an S3000 and an S1000 on a MIDI\n"
+	"cable, an S5000 and a Z8 on the USB. It keeps to a folder of its own, VELMOR-Demo.\n"
+	"\n"
+	"  --journey [WAV ...]  do the main job without a hand, in seconds, and say what was "
+	"done;\n"
+	"                       needs no display\n"
+	"  --out FOLDER         put the pictures and files of the journey there\n"
+	"  --version            show the version\n"
+	"  --help               show this text\n";
 
 // ---- What is plugged in -----------------------------------------------------------------------
 
@@ -35,6 +50,7 @@ struct rack {
 	timeline time;
 	s1000_machine s3000{ s1000_model::s3000, s3000_channel };
 	s1000_machine s1000{ s1000_model::s1000, s1000_channel };
+	bool s3000_on = true;
 	s5000 usb_s5000;
 	z4 usb_z8{ z4_model::z8 };
 };
@@ -56,11 +72,21 @@ static midi_machine both(midi_machine first, midi_machine second)
 		.wait = in_turn(first.wait, second.wait) };
 }
 
+// A machine that is switched off takes nothing and says nothing.
+static midi_machine while_on(midi_machine machine, const bool *on)
+{
+	machine.answer = [hear = machine.answer, on](machine::byte_view message) {
+		return *on ? hear(message) : machine::bytes();
+	};
+	return machine;
+}
+
 static void plug_in(rack *r)
 {
 	fill_s3000(r->s3000);
 	fill_s1000(r->s1000);
-	plug_midi(r->time, both(r->s3000.on_wire(), r->s1000.on_wire()), "Demo MIDI cable");
+	plug_midi(r->time, both(while_on(r->s3000.on_wire(), &r->s3000_on), r->s1000.on_wire()),
+		"Demo MIDI cable");
 	fill_demo(r->usb_s5000);
 	plug_usb(r->time, r->usb_s5000);
 	fill_demo(r->usb_z8);
@@ -86,16 +112,20 @@ static void write_configuration(const std::string &folder, const char *name, i32
 	file.write(reinterpret_cast<const char *>(&sampler), sizeof sampler);
 }
 
-static void prepare_folder(const std::string &root)
+static void write_configurations(const std::string &root)
 {
 	const std::string config = root + "/VELMOR/CONFIG";
-	std::filesystem::create_directories(config);
-	setenv("LOCALAPPDATA", root.c_str(), 1);
-	setenv("XDG_CONFIG_HOME", (root + "/settings").c_str(), 1);
 	write_configuration(config, "Demo S3000", model_s3000, s3000_channel);
 	write_configuration(config, "Demo S1000", model_s1000, s1000_channel);
 	write_configuration(config, "Demo S5000", model_s5000, 0, "Demo S5000");
 	write_configuration(config, "Demo Z8", model_z4, 0, "Demo Z8");
+}
+
+static void prepare_folder(const std::string &root)
+{
+	std::filesystem::create_directories(root + "/VELMOR/CONFIG");
+	setenv("LOCALAPPDATA", root.c_str(), 1);
+	setenv("XDG_CONFIG_HOME", (root + "/settings").c_str(), 1);
 	for (const char *key : { "midi_in", "midi_in_mon", "midi_out" })
 		posix_settings.save_key(key, "0");
 	// The log is written where the program runs.
@@ -214,18 +244,33 @@ static int travel(arguments *a)
 	install(&ui, &jumping_clock);
 	create_windows();
 	start_velmor();
+	const auto replug = [](usb_machine &machine) {
+		return [&machine] {
+			unplug_usb(machine);
+			plug_usb(the_rack->time, machine);
+		};
+	};
+	const auto set_up = [root = a->out + "/data"] {
+		write_configurations(root);
+		load_sampler_list();
+	};
 	return run_journey({ .sampler = the_rack->s3000,
 		.name = "Demo S3000",
 		.usb = { { the_rack->usb_s5000, "Demo S5000", the_rack->usb_s5000.programs.size(),
-				 the_rack->usb_s5000.multis },
-			{ the_rack->usb_z8, "Demo Z8", the_rack->usb_z8.programs.size(), {} } },
+				 the_rack->usb_s5000.multis, replug(the_rack->usb_s5000) },
+			{ the_rack->usb_z8, "Demo Z8", the_rack->usb_z8.programs.size(), {},
+				replug(the_rack->usb_z8) } },
 		.files = a->files,
-		.pictures = a->out });
+		.pictures = a->out,
+		.set_up = set_up,
+		.power = [](bool on) { the_rack->s3000_on = on; } });
 }
 
 static int run_demo()
 {
-	prepare_folder(demo_folder());
+	const std::string folder = demo_folder();
+	prepare_folder(folder);
+	write_configurations(folder);
 	install(&qt_ui, &posix_clock);
 	create_windows();
 	watch_end_signals([] { host.ui->post(end_windows); });
@@ -236,16 +281,23 @@ static int run_demo()
 
 int main(int argc, char **argv)
 {
+	if (answered(argc, argv, "velmor-demo", help))
+		return 0;
 	arguments a;
 	const bool travelling = argc > 1 && !std::strcmp(argv[1], "--journey");
 	if (travelling)
 		setenv("QT_QPA_PLATFORM", "offscreen", 0);
 	else
 		hold_end_signals();
-	QApplication application(argc, argv);
+	std::unique_ptr<QApplication> application;
+	{
+		const while_finding_a_display guard;
+		application = std::make_unique<QApplication>(argc, argv);
+	}
 	QApplication::setApplicationName("velmor-demo");
 	if (!read_arguments(argc, argv, &a)) {
-		std::fprintf(stderr, "usage: velmor-demo [--journey [WAV ...] [--out FOLDER]]\n");
+		std::fprintf(stderr,
+			"velmor-demo: these words are no options.\nTry 'velmor-demo --help'.\n");
 		return 2;
 	}
 	static rack r;

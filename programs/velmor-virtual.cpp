@@ -1,5 +1,6 @@
 // velmor-virtual.cpp - serve one virtual sampler over TCP, to the bridge of the program
 
+#include "programs/options.h"
 #include "virtual/demo_content.h"
 #include "virtual/tcp_server.h"
 #include <charconv>
@@ -22,6 +23,7 @@ static const char usage[] =
 	"  --no-wire-delay   answer at once instead of at the speed of a MIDI cable\n"
 	"  --fault FAULT     KIND[:EXCHANGE[+][:SECONDS]], may be given more than once:\n"
 	"                    at the nth message to the machine, with + from then on\n"
+	"  --version         show the version\n"
 	"  --help            show this text\n"
 	"\n"
 	"Kinds of faults: ";
@@ -133,6 +135,9 @@ static int serve(const options &o)
 
 int main(int count, char **words)
 {
+	const std::string help = usage + wire_fault_names() + "\n";
+	if (answered(count, words, "velmor-virtual", help.c_str()))
+		return 0;
 	options o;
 	const std::string wrong = read_options(count, words, &o);
 	if (!wrong.empty()) {
@@ -141,7 +146,7 @@ int main(int count, char **words)
 		return 2;
 	}
 	if (o.help) {
-		std::printf("%s%s\n", usage, wire_fault_names().c_str());
+		std::fputs(help.c_str(), stdout);
 		return 0;
 	}
 	return serve(o);

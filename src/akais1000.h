@@ -27,7 +27,7 @@
 //
 // Sample words travel in packets of the MIDI Sample Dump Standard (F0 7E cc 02 ..).
 //
-// Not done: writing, renaming and deleting programs; the parameter forms.
+// Not done: the parameter forms.
 // Knows nothing of: how bytes reach the sampler, windows.
 
 #pragma once
@@ -46,7 +46,9 @@ static_assert(max_samples == max_programs);
 
 enum {
 	akai_keygroup = 7,
-	akai_block = 7
+	akai_block = 7,
+	akai_keygroup_block = 8,
+	akai_list_names = 7
 };
 
 // Two bytes a byte, the low four bits first.
@@ -122,6 +124,16 @@ void akai_s1000_init_progblock(u8 *block, int *length, const _program *program);
 
 // ---- Sample headers, for samples and their list --------------------------------------------
 
+// REQUEST PROGRAM LIST                       0     1     2     3     4     5
+inline constexpr std::array<u8, 6> request_program_list = //
+	{ 0xF0, 0x47, 0x00, 0x02, 0x48, 0xF7 };
+// REQUEST PROGRAM COMMON DATA                0     1     2     3     4     5     6     7
+inline constexpr std::array<u8, 8> request_program = //
+	{ 0xF0, 0x47, 0x00, 0x06, 0x48, 0x00, 0x00, 0xF7 };
+// REQUEST KEYGROUP DATA                      0     1     2     3     4     5     6     7     8
+inline constexpr std::array<u8, 9> request_keygroup = //
+	{ 0xF0, 0x47, 0x00, 0x08, 0x48, 0x00, 0x00, 0x00, 0xF7 };
+
 // REQUEST SAMPLE HEADER                      0     1     2     3     4     5     6     7
 inline constexpr std::array<u8, 8> request_sample_header = //
 	{ 0xF0, 0x47, 0x00, 0x0A, 0x48, 0x00, 0x00, 0xF7 };
@@ -165,6 +177,9 @@ void akai_s1000_keygroup_from_block(bounded_bytes block, _keygroup *keygroup);
 
 // ---- Status and lists (akais1000_lists.cpp) ----------------------------------------------
 
+// Name i of a list, trimmed, as far as it came. The end byte is no part of a name.
+std::string akai_list_name(const akai_answer &list, int i);
+
 void akai_s1000_getstatus(u8 channel, u8 sysex_channel, _dev_status *status);
 void akai_s2000_getstatus(u8 channel, u8 sysex_channel, _dev_status *status);
 void akai_s1000_getproglist(u8 channel, u8 sysex_channel, _dev_status *status);
@@ -188,5 +203,15 @@ void akai_s1000_sample_rename(u8 channel, u8 sysex_channel, const char *name, co
 void akai_s2000_sample_upload(const char *path);
 // Always as sample 0, without a name of its own; no row selects it.
 void akai_s1000_sample_upload(const char *path);
+
+// ---- Writing programs (akais1000_programs.cpp) --------------------------------------------
+
+// Entry program of source, or of the loaded tree where source is null. A save changes the record:
+// one blank at the end of its name goes, and negative tunings are lowered.
+void akai_s1000_prog_save(i32 program, _program *source);
+void akai_s1000_prog_delete(i32 program);
+void akai_s1000_prog_rename(i32 program, const char *new_name);
+// Both as the sampler counts. Always on exclusive channel 0, and over MIDI for every model.
+void akai_s1000_del_keygroup(i32 program, i32 keygroup);
 
 } // namespace velmor

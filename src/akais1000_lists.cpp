@@ -35,31 +35,17 @@ enum {
 	status_size = 21
 };
 
-// REQUEST PROGRAM LIST                       0     1     2     3     4     5
-static constexpr std::array<u8, 6> request_program_list = //
-	{ 0xF0, 0x47, 0x00, 0x02, 0x48, 0xF7 };
 // REQUEST SAMPLE LIST                        0     1     2     3     4     5
 static constexpr std::array<u8, 6> request_sample_list = //
 	{ 0xF0, 0x47, 0x00, 0x04, 0x48, 0xF7 };
 enum {
 	program_list_function = 0x03,
 	sample_list_function = 0x05,
-	list_names = 7
 };
 
-// REQUEST PROGRAM COMMON DATA                0     1     2     3     4     5     6     7
-static constexpr std::array<u8, 8> request_program = //
-	{ 0xF0, 0x47, 0x00, 0x06, 0x48, 0x00, 0x00, 0xF7 };
 enum {
 	program_longest_refusal = 30
 }; // what is not longer holds no program
-
-// REQUEST KEYGROUP DATA                      0     1     2     3     4     5     6     7     8
-static constexpr std::array<u8, 9> request_keygroup = //
-	{ 0xF0, 0x47, 0x00, 0x08, 0x48, 0x00, 0x00, 0x00, 0xF7 };
-enum {
-	keygroup_block = 8
-};
 
 // ---- Status ------------------------------------------------------------------------------
 
@@ -113,12 +99,12 @@ const char *akai_s1000_getplaymode(i32 mode)
 // ---- What both lists share ----------------------------------------------------------------
 
 // Name i of a list, trimmed, as far as it came. The end byte is no part of a name.
-static std::string list_name(const akai_answer &list, int i)
+std::string akai_list_name(const akai_answer &list, int i)
 {
 	std::span<const u8> names = list.bytes;
 	if (!names.empty() && names.back() == 0xF7)
 		names = names.first(names.size() - 1);
-	const std::size_t at = list_names + static_cast<std::size_t>(i) * akai_name_size;
+	const std::size_t at = akai_list_names + static_cast<std::size_t>(i) * akai_name_size;
 	const bounded_bytes name = bounded_bytes{ names }.from(at);
 	const int count = std::min(static_cast<int>(name.size()), akai_name_size);
 	char text[akai_name_size + 1];
@@ -165,7 +151,7 @@ static bool read_keygroups(u8 sysex_channel, int index, _program *program)
 		if (akai_interrupted(answer))
 			return false;
 		akai_s1000_keygroup_from_block(
-			{ akai_bytes_from_nibbles(answer.view().from(keygroup_block)) },
+			{ akai_bytes_from_nibbles(answer.view().from(akai_keygroup_block)) },
 			&program->keygroup[k]);
 	}
 	return true;
@@ -197,7 +183,7 @@ void akai_s1000_getproglist(u8, u8 sysex_channel, _dev_status *status)
 	status->programs = akai_kept_count(list.number(), max_programs, "programs");
 	show_progressbar(0, status->programs + 1, "Getting program information...");
 	for (int i = 0; i < status->programs; i++)
-		copy_text(status->program[i].name, list_name(list, i));
+		copy_text(status->program[i].name, akai_list_name(list, i));
 	read_programs(sysex_channel, status);
 	hide_progressbar(0);
 }
@@ -242,7 +228,7 @@ void akai_s1000_getsamplelist(u8, u8 sysex_channel, _dev_status *status)
 		return;
 	status->samples = akai_kept_count(list.number(), max_samples, "samples");
 	for (int i = 0; i < status->samples; i++) {
-		copy_text(status->sample[i].name, list_name(list, i));
+		copy_text(status->sample[i].name, akai_list_name(list, i));
 		status->sample[i].number = i;
 	}
 	read_sample_names(sysex_channel, status);

@@ -55,7 +55,7 @@ enum {
 };
 
 // DELETE SAMPLE                              0     1     2     3     4     5     6     7
-static constexpr std::array<u8, 8> delete_sample = //
+static constexpr std::array<u8, 8> request_delete = //
 	{ 0xF0, 0x47, 0x00, 0x14, 0x48, 0x00, 0x00, 0xF7 };
 
 // 32 MB is the most that any of the machines takes.
@@ -442,7 +442,7 @@ void akai_log_header_block(const akai_answer &header, const char *what)
 
 static void delete_at(u8 sysex_channel, int index)
 {
-	ask_akai(akai_message(delete_sample, sysex_channel, index));
+	ask_akai(akai_message(request_delete, sysex_channel, index));
 	log_line("[D] Sample successfully deleted!\r\n");
 }
 

@@ -11,6 +11,7 @@
 // Knows nothing of: the layout of a WAV file beyond the header's shape.
 
 #include "src/akais5000.h"
+#include "src/akaiusb_info.h"
 #include "src/controls.h"
 #include <algorithm>
 
@@ -44,7 +45,6 @@ static const sample_request info_requests[] = {
 static const sample_info_model s5000_info = {
 	.select_section = section_sample,
 	.select_item    = select_by_name,
-	.status_offset  = s5000_answer_status,
 	.selected_log   = nullptr, // says nothing here
 	.before_length  = info_requests,
 	.length = { section_sample, 0x32, 9, &as_word28, &_sample::sample_length,  "S5000 Current Sample len", failed_query },
@@ -74,16 +74,23 @@ void akai_s5000_renamesample(
 
 // ---- Upload ------------------------------------------------------------------------------
 
+// What a stopped upload leaves.
+static constexpr const char *nothing_replaced = "The sample is not on it.";
+static constexpr const char *old_is_gone =
+	"The sample of that name that it held before is gone, and the new one is not on it.";
+
 // A sample of that name would stay beside the new one.
-static bool delete_existing(_usbdev *usb, const std::string &name)
+static bool delete_existing(_usbdev *usb, const std::string &name, const char **left)
 {
 	usb_answer answer(scalar_capacity);
+	*left = nothing_replaced;
 	if (!ask_for_transfer(
 		    usb, text_request(section_sample, select_by_name, name), &answer, "UPLOAD"))
 		return false;
-	if (answer.bytes()[s5000_answer_status] != status_done)
+	if (usb_status(usb, answer) != status_done)
 		return true;
 	log_line("Deleting currently selected Sample, because already resident in memory\r\n");
+	*left = old_is_gone;
 	return ask_for_transfer(usb, delete_current, &answer, "UPLOAD");
 }
 
@@ -120,10 +127,12 @@ static bool upload_block(upload *u, bool first, int step_size)
 	return true;
 }
 
-static bool send_sample(upload *u)
+// left: what the sampler holds when Stop is pressed, which is asked in front of each block.
+static bool send_sample(upload *u, const char *left)
 {
 	raw_answer answer;
 	bulk_exchange e;
+	usb_unsettled(u->step.usb);
 	const std::vector<u8> command = u->announcement(u->file.basename);
 	begin_exchange(&e, u->step.usb, { command }, upload_answer_size);
 	if (!finish_raw(u->step, &e, &answer, log_busy, is_busy_alone))
@@ -135,8 +144,9 @@ static bool send_sample(upload *u)
 		u->block_size ? progress_value(u->file.size * 100 / u->block_size) : 0;
 	log_line("[D] STEPSIZE: %d\r\n", step_size);
 	for (bool first = true; u->remaining > 0; first = false)
-		if (!upload_block(u, first, step_size))
+		if (transfer_stopped(u->step, "Upload", left) || !upload_block(u, first, step_size))
 			return false;
+	usb_settled(u->step.usb);
 	log_line("[I] Upload completed!\r\n");
 	return true;
 }
@@ -149,7 +159,8 @@ static bool name_last_sample(_usbdev *usb, const std::string &name)
 	log_line("[D] Request number of samples!\r\n");
 	if (!ask_for_transfer(usb, sample_count, &answer, "UPLOAD"))
 		return false;
-	const i32 count = (answer.bytes()[9] & 0x7F) * 128 + (answer.bytes()[10] & 0x7F);
+	const usb_family &family = family_of(*usb);
+	const i32 count = family.number(answer.bytes().from(family.data_offset), 2);
 	log_line("[D] Loaded Samples: %d\r\n", count);
 	if (count < 1) {
 		tell_transfer_failed("[F] UPLOAD FAILED (%s:%d) SYSEX", __FILE_NAME__, __LINE__);
@@ -175,10 +186,11 @@ void akai_s5000_uploadsample(const char *path)
 		file.name.c_str(), current_sampler ? current_sampler->sampler_usbname : "",
 		file.basename.c_str(), static_cast<i32>(file.size));
 	open_usbdev usb = open_for_transfer();
-	if (!usb || !delete_existing(usb.get(), file.basename))
+	const char *left = nullptr;
+	if (!usb || !delete_existing(usb.get(), file.basename, &left))
 		return;
 	upload u(usb.get(), file);
-	if (!send_sample(&u) || !name_last_sample(usb.get(), file.basename))
+	if (!send_sample(&u, left) || !name_last_sample(usb.get(), file.basename))
 		return;
 	usb.reset();
 	log_line("[D] Upload completed (Sample renamed)[%s]!\r\n", file.basename.c_str());
@@ -193,8 +205,7 @@ static bool select_for_download(_usbdev *usb, const char *samplename, i32 *handl
 	if (!ask_for_transfer(usb, text_request(section_sample, select_by_name, samplename),
 		    &answer, "DOWNLOAD"))
 		return false;
-	if (answer.bytes().size() < shortest_selection ||
-		answer.bytes()[s5000_answer_status] != status_done) {
+	if (answer.bytes().size() < shortest_selection || usb_status(usb, answer) != status_done) {
 		tell_transfer_failed(
 			"[F] DOWNLOAD FAILED (%s:%d) BAD RESPONSE", __FILE_NAME__, __LINE__);
 		return false;
@@ -210,6 +221,7 @@ static bool ask_header(download *d, i32 handle)
 	const u8 get_sample[] = { get_sample_command, static_cast<u8>(handle >> 8),
 		static_cast<u8>(handle) };
 	raw_answer answer;
+	usb_unsettled(d->step.usb);
 	if (!exchange_raw(d->step, { get_sample }, length_answer_size, &answer))
 		return false;
 	if (answer.length < length_answer_size)
@@ -245,15 +257,17 @@ static bool receive_blocks(download *d)
 {
 	u32 length = 0;
 	for (u32 to_write = 0;; to_write = length) {
-		if (!next_length(d, to_write, &length))
+		if (d->stopped() || !next_length(d, to_write, &length))
 			return false;
 		if (length)
 			// Each block's share, not what has come in all.
 			set_progressbar(progress_value(
 				d->announced ? u64{ length } * 100 / d->announced : 100));
 		log_line("[D] Data-Length: %d Bytes\r\n", static_cast<i32>(length));
-		if (!length)
+		if (!length) {
+			usb_settled(d->step.usb);
 			return true;
+		}
 		if (!d->usable_length(length) || !d->read_exactly(length))
 			return false;
 		d->received += length;

@@ -436,7 +436,7 @@ static std::vector<u8> wav_head_of(const download_job &job)
 // False after a box.
 static bool write_file(const download_job &job)
 {
-	new_file file;
+	fresh_file file;
 	const std::vector<u8> head = wav_head_of(job);
 	if (file.open(job.path)) {
 		show_box("ERROR", "Cannot open [%s] for writing (Sample download failed)",

@@ -40,5 +40,10 @@ void akai_z4_downloadsample(u8 exclusive_channel, u8 sysex_channel, const char *
 void akai_z4_renamesample(
 	u8 exclusive_channel, u8 sysex_channel, const char *oldname, const char *newname);
 const char *akai_z4_getplaymode(i32 playmode);
+// Entry program of source, or of the loaded tree where source is null. A program that the sampler
+// does not hold is not created.
+void akai_z4_saveprogram(i32 program, _program *source);
+void akai_z4_deleteprogram(i32 program);
+void akai_z4_renameprogram(i32 program, const char *newname);
 
 } // namespace velmor

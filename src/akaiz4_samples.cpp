@@ -12,6 +12,7 @@
 // Knows nothing of: the layout of a WAV file beyond the header's shape.
 
 #include "src/akais5000.h"
+#include "src/akaiusb_info.h"
 #include "src/akaiz4.h"
 #include "src/controls.h"
 #include <algorithm>
@@ -49,7 +50,6 @@ static const sample_request info_requests[] = {
 static const sample_info_model z4_info = {
 	.select_section = section_sample,
 	.select_item    = select_by_name,
-	.status_offset  = z4_answer_status,
 	.selected_log   = "[D] Current Sample set at Z4/Z8\r\n",
 	.before_length  = info_requests,
 	.length = { 0x1F, 0x50, 8, &as_word28, &_sample::sample_length,  "S5000 Current Sample len", failed_rate },
@@ -144,8 +144,6 @@ static bool await_final_answer(upload *u, int *length)
 			return true;
 		else
 			log_line("[D] Sampler is still sending some status...[%d]\r\n", *length);
-		if (progress_stopped())
-			return tell_raw_outcome(u->step, exchange_stopped);
 	}
 	tell_transfer_failed("[F] UPLOAD FAILED (%s:%d) GET_SAMPLE [Sampler stays busy]",
 		__FILE_NAME__, __LINE__);
@@ -173,14 +171,19 @@ static bool announce(upload *u)
 
 static bool send_sample(upload *u)
 {
+	usb_unsettled(u->step.usb);
 	if (!announce(u))
 		return false;
 	block_outcome outcome = block_outcome::sent;
-	while (u->remaining > 0 && outcome == block_outcome::sent)
+	while (u->remaining > 0 && outcome == block_outcome::sent) {
+		if (transfer_stopped(u->step, "Upload", "The sample is not on it."))
+			return false;
 		outcome = upload_block(u);
+	}
 	int length = 0;
 	if (outcome == block_outcome::failed || !await_final_answer(u, &length))
 		return false;
+	usb_settled(u->step.usb);
 	log_line("[I] Upload %s! Received final confirmation! (%d Bytes)\r\n",
 		outcome == block_outcome::refused ? "failed" : "completed", length);
 	return true;
@@ -225,8 +228,7 @@ static bool select_for_download(_usbdev *usb, const char *samplename, u32 *handl
 	if (!ask_for_transfer(usb, text_request(section_sample, select_by_name, samplename),
 		    &answer, "DOWNLOAD"))
 		return false;
-	if (answer.bytes().size() < shortest_selection ||
-		answer.bytes()[z4_answer_status] != status_done) {
+	if (answer.bytes().size() < shortest_selection || usb_status(usb, answer) != status_done) {
 		tell_transfer_failed(
 			"[F] DOWNLOAD FAILED (%s:%d) BAD RESPONSE", __FILE_NAME__, __LINE__);
 		return false;
@@ -234,20 +236,17 @@ static bool select_for_download(_usbdev *usb, const char *samplename, u32 *handl
 	log_line("[D] Current Sample selected [%s]\r\n", samplename);
 	if (!ask_for_transfer(usb, sample_handle, &answer, "DOWNLOAD"))
 		return false;
-	*handle = static_cast<u32>(as_z4_word28.get(answer.bytes().from(z4_answer_data)));
+	const usb_family &family = family_of(*usb);
+	*handle = static_cast<u32>(family.number(answer.bytes().from(family.data_offset), 4));
 	return true;
 }
 
-// The sampler gets the sample ready; windows live meanwhile, and Stop ends it.
-static bool wait_for_header(const raw_step &step)
+// The sampler gets the sample ready; windows live meanwhile.
+static void wait_for_header()
 {
 	const double until = host.clock->counter() + header_delay_ms / 1000.0;
-	for (double left; (left = until - host.clock->counter()) > 1e-9;) {
-		if (progress_stopped())
-			return tell_raw_outcome(step, exchange_stopped);
+	for (double left; (left = until - host.clock->counter()) > 1e-9;)
 		host.ui->pump(std::clamp(static_cast<int>(left * 1000 + 0.5), 1, 100));
-	}
-	return true;
 }
 
 // The first answer of a download; the busy marker alone is none.
@@ -262,8 +261,6 @@ static exchange_outcome read_header_length(_usbdev *usb, raw_answer *answer)
 		if (outcome != exchange_done || !is_busy_alone(answer->bytes()))
 			return outcome;
 		log_busy(static_cast<int>(answer->length));
-		if (progress_stopped())
-			return exchange_stopped;
 		if (!watch.goes_on())
 			return exchange_read_failed;
 	}
@@ -277,13 +274,12 @@ static bool ask_header(download *d, u32 handle, const char *caption)
 		hex_text(get_sample).c_str());
 	raw_answer answer;
 	bulk_exchange e;
+	usb_unsettled(d->step.usb);
 	begin_exchange(&e, d->step.usb, { get_sample }, 0);
-	if (!tell_raw_outcome(d->step, finish_exchange(&e, nullptr, &answer.length)) ||
-		!wait_for_header(d->step))
+	if (!tell_raw_outcome(d->step, finish_exchange(&e, nullptr, &answer.length)))
 		return false;
+	wait_for_header();
 	const exchange_outcome outcome = read_header_length(d->step.usb, &answer);
-	if (outcome == exchange_stopped)
-		return tell_raw_outcome(d->step, outcome);
 	if (outcome != exchange_done || answer.length < shortest_length) {
 		tell_transfer_failed("[F] DOWNLOAD FAILED (%s:%d) GET_SAMPLE [%d], RESULT_LEN: %d",
 			__FILE_NAME__, __LINE__, outcome == exchange_done,
@@ -327,10 +323,12 @@ static bool receive_blocks(download *d)
 {
 	u32 length = 0;
 	for (u32 to_write = 0;; to_write = length) {
-		if (!next_length(d, to_write, &length))
+		if (d->stopped() || !next_length(d, to_write, &length))
 			return false;
-		if (!length)
+		if (!length) {
+			usb_settled(d->step.usb);
 			return true;
+		}
 		if (!d->usable_length(length) || !d->read_exactly(length))
 			return false;
 		d->received += length;

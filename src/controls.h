@@ -1,8 +1,8 @@
 // controls.h - the windows and controls of the program by their ids
 //
 // An id is unique in its window only. Windows carry the id as a property, so a
-// test finds a control as the system does. What a control does is the command
-// table of velmor_window.cpp.
+// test finds a control as the system does. What a control says and does stands in
+// the tables of its window, in the file of its work.
 
 #pragma once
 
@@ -27,6 +27,13 @@ enum : int {
 	control_cancel = 2,
 };
 
+// The foot of every window.
+enum status_control : int {
+	status_line = 60001,    // how the sampler is reached, and whether it answered last
+	status_outcome = 60002, // how the last work ended, in a sentence
+	status_undo = 60003,    // shown where there is something to put back
+};
+
 enum main_control : int {
 	menu_exit = 9001,
 	menu_settings = 9002,
@@ -40,6 +47,12 @@ enum main_control : int {
 	main_programs = 12002,
 	main_multis = 12003,
 	main_lcd = 12004,
+	main_card = 60041, // what is loaded, and how many of what it holds
+	main_card_name = 60042,
+	main_card_way = 60043,
+	main_card_samples = 60044,
+	main_card_programs = 60045,
+	main_card_multis = 60046,
 };
 
 enum settings_control : int {
@@ -63,6 +76,7 @@ enum sampler_control : int {
 	sampler_tcp_on = 39003,
 	sampler_tcp_off = 39004,
 	sampler_tcp_status = 39005,
+	sampler_verdict = 60031, // who answered Get Device Info, or that nobody did
 };
 
 enum progress_control : int {
@@ -126,6 +140,9 @@ enum samples_control : int {
 	samples_work_percent = 16511,
 	samples_work_count = 16512,
 	samples_work_outcome = 16513,
+	samples_loaded_heading = 60011, // how many, and when they were read
+	samples_local_heading = 60012,
+	samples_retry = 60021, // in place of a list that could not be read
 };
 
 enum usb_control : int {
@@ -138,12 +155,15 @@ enum usb_control : int {
 	usb_exclusive_channel = 21003,
 	usb_midi_channel = 21004,
 	usb_control_channel = 21005,
+	usb_verdict = 60032, // who answered Get Device Info, or that nobody did
 };
 
 enum multis_control : int {
 	multis_refresh = control_ok,
 	multis_list = 23000,
 	multis_download = 23001,
+	multis_heading = 60013, // how many, and when they were read
+	multis_retry = 60023,   // in place of a list that could not be read
 };
 
 } // namespace velmor

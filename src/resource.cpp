@@ -43,9 +43,9 @@ static consteval _sampler_type s1000_family(const s1000_family_model &own)
 		.uploadsample             = akai_s2000_sample_upload,
 		.getplaymode              = akai_s1000_getplaymode,
 		.getpanel                 = nullptr,  // no panel
-		.saveprogram              = nullptr,  // not built yet
-		.deleteprogram            = nullptr,  // not built yet
-		.renameprogram            = nullptr,  // not built yet
+		.saveprogram              = akai_s1000_prog_save,
+		.deleteprogram            = akai_s1000_prog_delete,
+		.renameprogram            = akai_s1000_prog_rename,
 		.assignvoice              = nullptr,  // not built yet
 		.assignvoice_callback     = nullptr,  // not built yet
 		.assignpad                = nullptr,  // only the MPC 4000 has pads
@@ -56,7 +56,7 @@ static consteval _sampler_type s1000_family(const s1000_family_model &own)
 		.assignvelocity_callback  = nullptr,  // not built yet
 		.assignprog               = nullptr,  // not built yet
 		.assignprog_callback      = nullptr,  // not built yet
-		.del_keygroup             = nullptr,  // not built yet
+		.del_keygroup             = akai_s1000_del_keygroup,
 	};
 }
 
@@ -175,9 +175,9 @@ _sampler_type sampler_type[11] = {
 		.uploadsample             = akai_s5000_uploadsample,
 		.getplaymode              = akai_s5000_getplaymode,
 		.getpanel                 = nullptr,  // front panel not built yet
-		.saveprogram              = nullptr,  // program writing not built yet
-		.deleteprogram            = nullptr,  // program writing not built yet
-		.renameprogram            = nullptr,  // program writing not built yet
+		.saveprogram              = akai_s5000_program_save,
+		.deleteprogram            = akai_s5000_program_delete,
+		.renameprogram            = akai_s5000_program_rename,
 		.assignvoice              = nullptr,  // form not built yet
 		.assignvoice_callback     = nullptr,  // form not built yet
 		.assignpad                = nullptr,  // the model has no pads
@@ -188,7 +188,7 @@ _sampler_type sampler_type[11] = {
 		.assignvelocity_callback  = nullptr,  // form not built yet
 		.assignprog               = nullptr,  // form not built yet
 		.assignprog_callback      = nullptr,  // form not built yet
-		.del_keygroup             = nullptr,  // program writing not built yet
+		.del_keygroup             = akai_s1000_del_keygroup,
 	},
 	{
 		.userlevel                = 0,
@@ -211,9 +211,9 @@ _sampler_type sampler_type[11] = {
 		.uploadsample             = akai_z4_uploadsample,
 		.getplaymode              = akai_z4_getplaymode,
 		.getpanel                 = nullptr,  // front panel not built yet
-		.saveprogram              = nullptr,  // program writing not built yet
-		.deleteprogram            = nullptr,  // program writing not built yet
-		.renameprogram            = nullptr,  // program writing not built yet
+		.saveprogram              = akai_z4_saveprogram,
+		.deleteprogram            = akai_z4_deleteprogram,
+		.renameprogram            = akai_z4_renameprogram,
 		.assignvoice              = nullptr,  // form not built yet
 		.assignvoice_callback     = nullptr,  // form not built yet
 		.assignpad                = nullptr,  // the model has no pads
@@ -247,9 +247,9 @@ _sampler_type sampler_type[11] = {
 		.uploadsample             = akai_z4_uploadsample,
 		.getplaymode              = akai_z4_getplaymode,
 		.getpanel                 = nullptr,  // front panel not built yet
-		.saveprogram              = nullptr,  // program writing not built yet
-		.deleteprogram            = nullptr,  // program writing not built yet
-		.renameprogram            = nullptr,  // program writing not built yet
+		.saveprogram              = akai_z4_saveprogram,
+		.deleteprogram            = akai_z4_deleteprogram,
+		.renameprogram            = akai_z4_renameprogram,
 		.assignvoice              = nullptr,  // form not built yet
 		.assignvoice_callback     = nullptr,  // form not built yet
 		.assignpad                = nullptr,  // form not built yet

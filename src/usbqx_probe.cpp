@@ -10,20 +10,17 @@
 //
 // Knows nothing of: configurations other than the loaded one.
 
-#include "src/usbqx.h"
-#include "src/velmor.h"
+#include "src/usbqx_pipe.h"
 #include <array>
 
 namespace velmor
 {
 
 // clang-format off
-static constexpr u8 volume_list[]   = { 0x20, 0x05 };
+static constexpr u8 list_disks      = 0x05; // behind the family's section
 static constexpr u8 reported_name[] = { 0x02, 0x03 };
-static constexpr u8 disk_list[]     = { 0x10, 0x05 };
 enum { volumes_start = 14, volume_header = 6, shortest_volumes = 20 };
 enum { disks_start = 9, disk_id_high = 0, disk_id_low = 1, disk_type = 2, disk_format = 3, disk_scsi = 4, disk_name = 6 };
-static constexpr u8 end_byte = 0xF7;
 // clang-format on
 
 static bounded_bytes ask_probe(
@@ -55,7 +52,7 @@ static void log_volumes(bounded_bytes list)
 
 static void log_disks(bounded_bytes list)
 {
-	for (std::size_t i = disks_start; i < list.size() && list[i] != end_byte;) {
+	for (std::size_t i = disks_start; i < list.size() && list[i] != usb_end_byte;) {
 		const bounded_bytes disk = list.from(i);
 		const std::string name = disk.text(disk_name);
 		log_line("[D] --> DISK_INFO!!! DISK-ID: %d, FORMAT: %d, SCSI-ID: %d, Type: %d, "
@@ -67,15 +64,19 @@ static void log_disks(bounded_bytes list)
 	}
 }
 
-static void log_contents(_usbdev *usb)
+void log_disks_of(_usbdev *usb)
 {
 	std::array<u8, 1024> answer;
-	if (current_sampler->sampler_type == model_s5000) {
-		ask_probe(usb, reported_name, 1, &answer);
-		log_disks(ask_probe(usb, disk_list, 2, &answer));
-	} else {
-		log_volumes(ask_probe(usb, volume_list, 1, &answer));
-	}
+	const u8 disk_list[] = { family_of(*usb).disk_section, list_disks };
+	ask_probe(usb, reported_name, 1, &answer);
+	log_disks(ask_probe(usb, disk_list, 2, &answer));
+}
+
+void log_volumes_of(_usbdev *usb)
+{
+	std::array<u8, 1024> answer;
+	const u8 volume_list[] = { family_of(*usb).disk_section, list_disks };
+	log_volumes(ask_probe(usb, volume_list, 1, &answer));
 }
 
 void probe_usb_sampler()
@@ -95,7 +96,7 @@ void probe_usb_sampler()
 		end_program(0);
 		return;
 	}
-	log_contents(usb);
+	family_of(*usb).log_contents(usb);
 	close_midi_usb(usb);
 }
 

@@ -20,6 +20,8 @@
 #include "src/velmor.h"
 #include "src/controls.h"
 #include "src/usbqx.h"
+#include "src/velmor_files.h"
+#include "src/velmor_work.h"
 #include <algorithm>
 #include <bit>
 #include <cstdio>
@@ -65,9 +67,12 @@ static void forget_sampler()
 static void make_current(const _sampler &record)
 {
 	forget_sampler();
+	forget_line();
+	forget_lists();
 	owned_sampler = std::make_unique<_sampler>(record);
 	owned_sampler->status = nullptr;
 	current_sampler = owned_sampler.get();
+	copy_text(current_usb_name, record.sampler_usbname); // for the next save
 }
 
 _dev_status *require_dev_status()
@@ -91,13 +96,46 @@ _dev_status *require_dev_status()
 
 // ---- The list ---------------------------------------------------------------------------------
 
+static constexpr std::string_view extension = ".sampler";
+
+// In whatever letters the extension is written.
 static bool names_sampler(const std::string &file)
 {
-	static constexpr std::string_view extension = ".sampler";
-	if (file.size() <= extension.size())
-		return false;
-	return std::equal(extension.begin(), extension.end(), file.end() - extension.size(),
-		[](char due, char c) { return due == (c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c); });
+	return file.size() > extension.size() &&
+	       std::equal(extension.begin(), extension.end(), file.end() - extension.size(),
+		       [](char due, char c) {
+			       return due == (c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c);
+		       });
+}
+
+// The file of a configuration: of that name, or the same with its extension in other letters.
+static std::string sampler_file(const char *name)
+{
+	const std::string path = sampler_path(name);
+	file_info info;
+	std::vector<std::string> files;
+	if (host.files->stat(path.c_str(), &info) == 0 ||
+		host.files->list(current_config_path.c_str(), &files) != 0)
+		return path;
+	for (const std::string &file : files)
+		if (names_sampler(file) && file.substr(0, file.rfind('.')) == name)
+			return current_config_path + "\\" + file;
+	return path;
+}
+
+// What cannot be loaded is not offered. Of two files of one name the other is never found.
+static bool can_be_loaded(const std::string &file)
+{
+	const std::string path = current_config_path + "\\" + file;
+	const std::string name = file.substr(0, file.rfind('.'));
+	file_info info;
+	const bool whole = host.files->stat(path.c_str(), &info) == 0 && info.regular &&
+			   info.size >= record_size;
+	const bool found = whole && sampler_file(name.c_str()) == path;
+	if (!found)
+		log_line("[W] Not listed: [%s] %s\r\n", path.c_str(),
+			whole ? "has the name of another" : "is no sampler configuration");
+	return found;
 }
 
 void load_sampler_list()
@@ -111,9 +149,9 @@ void load_sampler_list()
 	}
 	conf_sampler.clear();
 	for (const std::string &file : files)
-		if (names_sampler(file))
+		if (names_sampler(file) && can_be_loaded(file))
 			conf_sampler.push_back(file.substr(0, file.rfind('.')));
-	host.ui->set_list(window_main, main_sampler_list, conf_sampler);
+	show_sampler_list();
 	for (std::size_t i = 0; i < conf_sampler.size(); i++)
 		std::printf("SAMPLER[%d]: '%s'\r\n", static_cast<int>(i), conf_sampler[i].c_str());
 	if (!conf_sampler.empty())
@@ -154,9 +192,8 @@ static void select_value(int control, u32 value, u32 first, u32 entries)
 	host.ui->select(window_sampler, control, static_cast<int>(index));
 }
 
-static void fill_sampler_dialog(const char *name, const _sampler &s)
+void select_in_sampler_dialog(const _sampler &s)
 {
-	host.ui->set_text(window_sampler, sampler_name, name);
 	select_value(sampler_midi_list, s.sampler_midi, 1, 16);
 	select_value(sampler_control_list, s.sampler_sysex, 1, 16);
 	select_value(sampler_exclusive_list, s.sampler_sysex_channel, 0, 129);
@@ -171,6 +208,8 @@ static void show_sampler_buttons(bool loaded, u8 flags)
 	host.ui->show(window_main, main_programs, loaded);
 	host.ui->show(window_main, main_samples, loaded);
 	host.ui->enable(window_main, main_multis, current_run_mode.multis);
+	show_loaded_card();
+	show_sampler_list();
 }
 
 // A model that the table does not know, perhaps from a later version of this program.
@@ -183,12 +222,14 @@ static int refuse_model()
 	return 1;
 }
 
-int load_sampler(const char *sampler_name)
+int load_sampler(const char *name)
 {
-	if (!sampler_name || !*sampler_name)
+	if (!name || !*name)
 		return 1;
 	init_usb(1);
-	const std::string path = sampler_path(sampler_name);
+	if (!usb_init_done)
+		return 1; // stopped
+	const std::string path = sampler_file(name);
 	log_line("[D] LOADING SAMPLER-CONFIG from: [%s]\r\n", path.c_str());
 	show_progressbar(window_main, 100, "Loading Sampler...");
 	set_progressbar(10);
@@ -196,7 +237,8 @@ int load_sampler(const char *sampler_name)
 	read_record(path, &record);
 	make_current(record);
 	set_progressbar(20);
-	fill_sampler_dialog(sampler_name, *current_sampler);
+	host.ui->set_text(window_sampler, sampler_name, name);
+	select_in_sampler_dialog(*current_sampler);
 	log_line("[I]Successfully loaded sampler configuration from [%s] - SYSEX: %d, "
 		 "USB-NAME: [%s]\r\n",
 		path.c_str(), static_cast<int>(current_sampler->sampler_sysex_channel),
@@ -212,39 +254,24 @@ int load_sampler(const char *sampler_name)
 	return 0;
 }
 
+outcome load_by_name(const std::string &name)
+{
+	if (std::find(conf_sampler.begin(), conf_sampler.end(), name) == conf_sampler.end())
+		return { .how = ending::local_failed,
+			.words = "There is no sampler called '" + name + "'." };
+	if (load_sampler(name.c_str()) != 0)
+		return { .how = ending::refused, .line = "'" + name + "' was not loaded." };
+	return { .line = "Loaded '" + name + "'." };
+}
+
 // ---- Storing -----------------------------------------------------------------------------------
-
-static int write_record(const std::string &path, const _sampler &record)
-{
-	int file;
-	int code = host.files->open(path.c_str(), file_create, &file);
-	if (code)
-		return code;
-	code = host.files->write(file, &record, record_size);
-	if (!code)
-		code = host.files->sync(file);
-	const int closed = host.files->close(file);
-	return code ? code : closed;
-}
-
-// Written beside the old file and renamed over it, so that a crash or a full disk leaves the
-// old one.
-static int replace_record(const std::string &path, const _sampler &record)
-{
-	const std::string fresh = current_config_path + "\\sampler.new";
-	int code = write_record(fresh, record);
-	if (!code)
-		code = host.files->rename(fresh.c_str(), path.c_str());
-	if (code)
-		(void)host.files->remove(fresh.c_str());
-	return code;
-}
 
 int store_sampler(const _sampler &record)
 {
 	_sampler fresh = record;
 	fresh.status = nullptr;
-	const int code = replace_record(sampler_path(fresh.sampler_description), fresh);
+	const int code =
+		write_whole_file(sampler_path(fresh.sampler_description), &fresh, record_size);
 	if (code) {
 		_display_error(__FILE_NAME__, __LINE__, code);
 		return 1;
@@ -300,7 +327,41 @@ int save_sampler()
 
 // ---- Asking who is there -----------------------------------------------------------------------
 
-void get_device_info(u8 control_channel, i32 brand_id, u8 sysex_channel, char *, int *_maxlen)
+// Who answered, or that nobody did.
+static outcome verdict_of(const reached &to, const _dev_status &answer, const line_watch &watch)
+{
+	if (answer.status == 1)
+		return { .words = answer_words(to, answer.version) };
+	if (watch.heard() && !watch.dead())
+		return { .how = ending::refused, .words = stranger_words(to) };
+	return { .how = ending::no_answer, .words = silence_words(to) };
+}
+
+// Only what the driver logs and whether it heard anything is of interest; the record is scratch.
+// What another sampler does is no news of the loaded one.
+static outcome query(const _sampler_type &row, u8 control_channel, u8 sysex_channel)
+{
+	_dev_status *scratch = allocate_dev_status();
+	if (!scratch) {
+		log_line("[F] Failed to allocate %d Bytes of memory!\r\n",
+			static_cast<int>(sizeof(_dev_status)));
+		return { .how = ending::local_failed, .words = "There is no memory to ask." };
+	}
+	const line_state before = the_line;
+	const reached loaded = loaded_reached();
+	const reached to = { &row, sysex_channel, loaded.usb_name };
+	box_keeper keeper;
+	const line_watch watch;
+	row.getstatus(control_channel, sysex_channel, scratch);
+	outcome verdict = verdict_of(to, *scratch, watch);
+	verdict.told = keeper.take();
+	std::free(scratch);
+	if (loaded.model != &row || loaded.exclusive_channel != sysex_channel)
+		the_line = before;
+	return verdict;
+}
+
+outcome get_device_info(u8 control_channel, i32 brand_id, u8 sysex_channel, char *, int *_maxlen)
 {
 	log_line("[D] REQUESTING MIDI-DATA AT CHANNEL: %d,MAXLEN: %d, BRAND_ID: %d\r\n",
 		control_channel, *_maxlen, brand_id);
@@ -309,24 +370,20 @@ void get_device_info(u8 control_channel, i32 brand_id, u8 sysex_channel, char *,
 	log_line("[I] REQUESTING SYSTEM-EXCLUSIVE ON CHANNEL %d, BRAND-ID: %d, [SYSEX-Channel: "
 		 "%d]\r\n(MAXIMUM RESULTLEN: %d) SAMPLER_STRUCT: %d\r\n",
 		control_channel, brand_id, sysex_channel, *_maxlen, row ? 1 : 0);
-	if (!row) {
+	if (!row)
 		log_line("No sampler-description found, or no status-query\r\n");
-		return;
-	}
-	if (!row->getstatus) {
+	else if (!row->getstatus)
 		log_line("No sampler-description found for 'getstatus'\r\n");
-		return;
-	}
+	if (!row || !row->getstatus)
+		return { .how = ending::refused,
+			.words = "This brand cannot be asked who it is. Choose the model of the "
+				 "sampler." };
 	log_line("%s\r\n", std::string(49, '*').c_str());
-	// Only what the driver logs is of interest; the record is scratch.
-	_dev_status *scratch = allocate_dev_status();
-	if (!scratch) {
-		log_line("[F] Failed to allocate %d Bytes of memory!\r\n",
-			static_cast<int>(sizeof(_dev_status)));
-		return;
-	}
-	row->getstatus(control_channel, sysex_channel, scratch);
-	std::free(scratch);
+	const outcome verdict = query(*row, control_channel, sysex_channel);
+	// The sampler that is loaded keeps the device it was loaded from.
+	if ((row->sampler_flags & flag_usb) && loaded_reached().model == row)
+		copy_text(current_usb_name, current_sampler->sampler_usbname);
+	return verdict;
 }
 
 } // namespace velmor

@@ -149,14 +149,17 @@ void show_progressbar(int window, int range, const char *caption);
 // Show a value, and let pending interface events run.
 void set_progressbar(int val);
 void hide_progressbar(int window);
-// True from the press of Stop to the next show_progressbar or forget_stop, and from the wish to
-// close the program on for good. Long work asks at
-// every point where it can end and leave sampler and files consistent.
+// True from the press of Stop to the next show_progressbar or forget_stop, and as long as the
+// program is to be closed. Long work asks at every point where it can end and leave sampler and
+// files consistent.
 bool progress_stopped();
 // Stop was pressed.
 void stop_progress();
 // For long work that shows no progress window: forgets an earlier stop, as showing one does.
 void forget_stop();
+// The program is to be closed as soon as the work that runs has come back.
+void request_close(bool wanted);
+bool close_requested();
 
 // ---- Start-up and configurations (velmor.cpp) --------------------------------------------
 
@@ -171,6 +174,9 @@ extern char current_usb_name[256];
 void start_velmor();
 
 void load_sampler_list();
+// Show conf_sampler, and what is loaded (velmor_card.cpp).
+void show_sampler_list();
+void show_loaded_card();
 // Make a configuration current: 0, or 1 when nothing was named or the load was refused.
 // A missing or short file ends the process.
 int load_sampler(const char *sampler_name);
@@ -181,9 +187,9 @@ bool may_store(const std::string &name, const std::string &path);
 // Write a configuration under its description and make it the current sampler: 0, or 1 when
 // nothing was stored, which a box has said. The file is the old one or the new one at any moment.
 int store_sampler(const _sampler &record);
-// Query a sampler described by the dialog alone; what it says is seen in the log.
-void get_device_info(
-	u8 control_channel, i32 brand_id, u8 sysex_channel, char *result, int *_maxlen);
+// Choose the entries of the sampler dialog that stand for a configuration; what is out of range
+// chooses the nearest.
+void select_in_sampler_dialog(const _sampler &s);
 // The loaded sampler's _dev_status, allocated on first use; null without a sampler or memory.
 _dev_status *require_dev_status();
 

@@ -9,9 +9,11 @@
 
 #include "src/controls.h"
 #include "src/velmor_outcome.h"
+#include <algorithm>
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
+#include <locale.h>
 #include <mutex>
 #include <thread>
 
@@ -24,8 +26,27 @@ double start_time = 0;
 static constexpr std::size_t screen_log_size = 10000; // characters
 static constexpr int lines_dropped = 5;
 
+// Numbers of the program's words have a full stop, whatever the desktop writes: while one lives,
+// this thread formats as in C.
+class plain_numbers
+{
+public:
+	plain_numbers() : before(uselocale(plain())) {}
+	~plain_numbers() { uselocale(before); }
+	plain_numbers(const plain_numbers &) = delete;
+
+private:
+	static locale_t plain()
+	{
+		static const locale_t c = newlocale(LC_ALL_MASK, "C", nullptr);
+		return c;
+	}
+	locale_t before;
+};
+
 static std::string format_list(const char *format, va_list list)
 {
+	const plain_numbers plain;
 	va_list again;
 	va_copy(again, list);
 	const int length = std::vsnprintf(nullptr, 0, format, again);
@@ -176,6 +197,17 @@ void box_keeper::show()
 	for (const kept_box &box : boxes)
 		host.ui->message(box.text.c_str(), box.caption.c_str());
 	boxes.clear();
+}
+
+std::vector<kept_box> box_keeper::take()
+{
+	std::vector<kept_box> taken;
+	for (const kept_box &box : boxes)
+		if (std::none_of(taken.begin(), taken.end(),
+			    [&](const kept_box &earlier) { return earlier.text == box.text; }))
+			taken.push_back(box);
+	boxes.clear();
+	return taken;
 }
 
 void end_program(int status)

@@ -4,55 +4,100 @@
 //
 // Knows nothing of: models, toolkits.
 
-#include "src/controls.h"
-#include "src/velmor.h"
 #include "src/velmor_window.h"
 #include <algorithm>
 
 namespace velmor
 {
 
-// Read everything that a multi names, in the order in which the operations build on each
-// other. A slot that the model lacks is left out.
-static void read_multis(const _sampler_type &model, _dev_status *dev)
+static constexpr list_controls multi_controls = {
+	.window = window_multis,
+	.list = multis_list,
+	.heading = multis_heading,
+	.retry = multis_retry,
+	.what = "multi",
+};
+
+static std::vector<std::string> multi_names()
 {
-	const u8 control = static_cast<u8>(current_sampler->sampler_sysex);
-	const u8 exclusive = static_cast<u8>(current_sampler->sampler_sysex_channel);
-	for (list_operation read :
-		{ model.getstatus, model.getsamplelist, model.getproglist, model.getmultilist })
-		if (read && !close_requested())
-			read(control, exclusive, dev);
+	std::vector<std::string> names;
+	const _dev_status *dev = current_sampler ? current_sampler->status : nullptr;
+	for (int i = 0; dev && i < std::clamp(dev->multis, 0, max_multis); i++)
+		names.emplace_back(dev->multi[i].name);
+	return names;
+}
+
+static void show_multis(const std::vector<std::string> &names)
+{
+	host.ui->set_list(window_multis, multis_list, names);
+	if (!names.empty())
+		host.ui->select(window_multis, multis_list, 0);
+	update_multi_page();
+}
+
+void update_multi_page()
+{
+	if (was_opened(window_multis))
+		show_list_knowledge(
+			multi_controls, the_lists.multis, static_cast<int>(multi_names().size()));
+}
+
+void empty_multi_page()
+{
+	if (was_opened(window_multis))
+		show_multis({});
+}
+
+static void log_multis(const std::vector<std::string> &names)
+{
+	log_line("[D] Found %d Multis on Sampler\r\n", static_cast<int>(names.size()));
+	for (int i = 0; i < static_cast<int>(names.size()); i++)
+		log_line("Loaded Multi[%d]: [%s]\r\n", i,
+			names[static_cast<std::size_t>(i)].c_str());
 }
 
 void show_multi_setup()
 {
-	host.ui->show(window_multis, 0, true);
-	if (!current_sampler) {
-		show_box("INFO", "You must load a sampler first...");
+	open_window(window_multis);
+	const outcome offered = current_sampler
+					? offers_list(&_sampler_type::getmultilist)
+					: outcome{ .how = ending::refused,
+						  .words = "You must load a sampler first..." };
+	if (!offered.done()) {
+		show_outcome(offered);
 		return;
 	}
-	const _sampler_type *model = get_sampler(static_cast<i32>(current_sampler->sampler_type));
-	if (!model) {
-		show_box("INFO", "Invalid sampler type");
+	outcome read = read_multi_list();
+	if (close_requested())
 		return;
-	}
-	if (!model->getmultilist) {
-		show_box("FATAL", "No Sampler loaded/Function not supported by Sampler");
-		return;
-	}
-	_dev_status *dev = require_dev_status();
-	if (!dev)
-		return;
-	read_multis(*model, dev);
-	log_line("[D] Found %d Multis on Sampler\r\n", dev->multis);
-	std::vector<std::string> names;
-	for (int i = 0; i < std::clamp(dev->multis, 0, max_multis); i++) {
-		log_line("Loaded Multi[%d]: [%s]\r\n", i, dev->multi[i].name);
-		names.emplace_back(dev->multi[i].name);
-	}
-	host.ui->set_list(window_multis, multis_list, names);
-	if (!names.empty())
-		host.ui->select(window_multis, multis_list, 0);
+	const std::vector<std::string> names = multi_names();
+	log_multis(names);
+	show_multis(names);
+	// What could not be read is told in place of the list.
+	read.words.clear();
+	read.line = read.done() ? "" : "The sampler's multis were not read.";
+	show_outcome(read);
 }
+
+// ---- Rows ------------------------------------------------------------------------------------
+
+// clang-format off
+static constexpr caption_row multis_captions[] = {
+	// window        control         caption, tooltip, empty
+	{ window_multis, 0,              "VELMOR Manage Multis", nullptr, nullptr },
+	{ window_multis, multis_list,    "Multis", "The multis in the sampler's memory", "The sampler holds no multis" },
+	{ window_multis, multis_heading, "State of the list", "How many multis, and when they were read", nullptr },
+	{ window_multis, multis_retry,   "Try again", "Ask the sampler once more", nullptr },
+	{ window_multis, multis_refresh, "&Refresh", "Read the sampler anew", nullptr },
+	{ window_multis, control_cancel, "&Cancel", "Close this window", nullptr },
+};
+static constexpr command_row multis_commands[] = {
+	{ window_multis, multis_refresh, show_multi_setup,           alone  },
+	{ window_multis, multis_retry,   show_multi_setup,           alone  },
+	{ window_multis, control_cancel, hide_window<window_multis>, always },
+};
+// clang-format on
+
+constinit const window_rows multis_rows = { multis_captions, multis_commands };
 
 } // namespace velmor

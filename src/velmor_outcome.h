@@ -16,16 +16,22 @@ namespace velmor
 
 enum class ending {
 	done,
-	refused,      // the sampler answered and did not do it
+	refused,      // the sampler answered and did not do it, or it may not be done
 	no_answer,    // nothing came, or the line failed
 	stopped,      // the user ended it
 	local_failed, // a file or the disk of this computer
 };
 
+struct kept_box {
+	std::string caption, text;
+};
+
 struct outcome {
 	ending how = ending::done;
-	std::string words;            // for a person, complete sentences; "" says nothing
-	std::string caption = "INFO"; // of the box that shows them
+	std::string words = {};          // for a person, complete sentences; "" says nothing
+	std::string caption = "INFO";    // of the box that shows them
+	std::string line = {};           // one sentence for the status line; "": the words
+	std::vector<kept_box> told = {}; // boxes of the drivers that hold true, shown first
 	bool done() const { return how == ending::done; }
 };
 
@@ -34,7 +40,9 @@ struct outcome {
 // What the exchanges with the loaded sampler did since it was loaded.
 struct line_state {
 	unsigned answers = 0, failures = 0;
+	unsigned changes = 0;   // of sampler, port or connection
 	double answered_at = 0; // time of day of the last answer; 0: never
+	double failed_at = 0;   // the same of the last failure
 	bool failing = false;   // the last exchange failed
 	std::string why;        // of the last failure, a sentence
 };
@@ -54,16 +62,14 @@ public:
 	line_watch() : answers(the_line.answers), failures(the_line.failures) {}
 	bool heard() const { return the_line.answers != answers; }
 	bool failed() const { return the_line.failures != failures; }
+	// It failed, and nothing came since.
+	bool dead() const { return failed() && the_line.failing; }
 
 private:
 	unsigned answers, failures;
 };
 
 // ---- Boxes kept aside (velmor_log.cpp) ----------------------------------------------------
-
-struct kept_box {
-	std::string caption, text;
-};
 
 // While one lives, show_box and the error boxes are kept here instead of shown; questions are
 // still asked. Keepers may stand inside each other; the innermost keeps. What is left at the end
@@ -78,6 +84,8 @@ public:
 	std::vector<kept_box> boxes;
 	// Show what was kept, in order, and forget it.
 	void show();
+	// Give what was kept, each text once, and forget it.
+	std::vector<kept_box> take();
 	box_keeper *enclosing() const { return outer; }
 
 private:

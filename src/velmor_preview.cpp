@@ -1,13 +1,16 @@
-// velmor_preview.cpp - what an import will give and how long its upload will take, and the waveform
+// velmor_preview.cpp - what an import gives, what an upload sends, and the waveform
 //
-// Reads files of the user as they are, which may be anything: every length is
-// compared with the file's size before it is used, and the walk over the chunks
-// ends after a fixed number.
+// Reads files of the user as they are, which may be anything. What cannot be imported is
+// named by the words of why_not_wave, so that preview and import say the same.
+//
+// An upload over MIDI sends the words of 16-bit mono files; of all others it would send
+// silence or noise, of another length. An upload over USB sends the file as it is.
 //
 // Knows nothing of: models (but what their rows say), toolkits.
 
 #include "src/velmor_window.h"
 #include "src/waveqx.h"
+#include "src/waveqx_chunks.h"
 #include <algorithm>
 #include <cstring>
 
@@ -16,7 +19,15 @@ namespace velmor
 
 // ---- Reading a WAV file ---------------------------------------------------------------------
 
+// Kinds of audio in the head of a WAV file.
+enum : u16 {
+	tag_pcm = 1,
+	tag_float = 3,
+	tag_extensible = 0xFFFE, // the real one stands in the extension of fmt
+};
+
 struct wave_shape {
+	u16 tag = 0;
 	u32 rate = 0;
 	unsigned bits = 0, channels = 0, frame_bytes = 0;
 	u64 frames = 0;
@@ -24,87 +35,50 @@ struct wave_shape {
 	u64 loop_start = 0, loop_end = 0; // no loop where both are 0
 };
 
-struct open_file {
-	int file = -1;
-	u64 size = 0;
-
-	explicit open_file(const std::string &path)
-	{
-		file_info info;
-		if (host.files->stat(path.c_str(), &info) == 0 && info.regular &&
-			host.files->open(path.c_str(), file_read, &file) == 0)
-			size = info.size;
-		else
-			file = -1;
-	}
-	~open_file()
-	{
-		if (file >= 0)
-			host.files->close(file);
-	}
-	open_file(const open_file &) = delete;
-
-	// False unless every byte was there.
-	bool read_at(u64 at, void *bytes, std::size_t count) const
-	{
-		std::size_t moved = 0;
-		return at <= size && count <= size - at && host.files->seek(file, at) == 0 &&
-		       host.files->read(file, bytes, count, &moved) == 0 && moved == count;
-	}
-};
-
-static void read_loop(const open_file &wave, u64 at, u32 size, wave_shape *shape)
+static void read_loop(input_file &wave, const wave_chunk &smpl, wave_shape *shape)
 {
-	u8 body[36 + 24];
-	if (size < sizeof body || !wave.read_at(at, body, sizeof body))
+	u8 chunk[smpl_loop_end + 4];
+	constexpr int loops = 36, whole_loop = 36 + 24;
+	if (smpl.size < whole_loop || wave.read(smpl.at, chunk, sizeof chunk) ||
+		wave_read_32bit(chunk + loops) == 0)
 		return;
-	if (wave_read_32bit(body + 28) == 0)
-		return;
-	shape->loop_start = wave_read_32bit(body + 36 + 8);
-	shape->loop_end = wave_read_32bit(body + 36 + 12);
+	shape->loop_start = wave_read_32bit(chunk + smpl_loop_start);
+	shape->loop_end = wave_read_32bit(chunk + smpl_loop_end);
 }
 
-static bool read_format(const open_file &wave, u64 at, u32 size, wave_shape *shape)
+static u16 read_tag(input_file &wave, const wave_head &head)
 {
-	u8 body[16];
-	if (size < sizeof body || !wave.read_at(at, body, sizeof body))
-		return false;
-	shape->channels = wave_read_16bit(body + 2);
-	shape->rate = wave_read_32bit(body + 4);
-	shape->frame_bytes = wave_read_16bit(body + 12);
-	shape->bits = wave_read_16bit(body + 14);
-	return shape->channels && shape->rate && shape->frame_bytes;
+	constexpr u64 at_subformat = 44;
+	u8 bytes[2];
+	const bool extension = head.version == tag_extensible && head.fmt_length >= 40;
+	return extension && !wave.read(at_subformat, bytes, sizeof bytes) ? wave_read_16bit(bytes)
+									  : head.version;
 }
 
-// As far as the data chunk, which need not be complete.
-static bool read_shape(const open_file &wave, wave_shape *shape)
+// "" or why the file has no shape.
+static std::string read_shape(const std::string &path, input_file &wave, wave_shape *shape)
 {
-	u8 head[12];
-	if (wave.file < 0 || !wave.read_at(0, head, sizeof head) || std::memcmp(head, "RIFF", 4) ||
-		std::memcmp(head + 8, "WAVE", 4))
-		return false;
-	u64 at = sizeof head;
-	for (int chunk = 0; chunk < 1000; chunk++) {
-		u8 name_and_size[8];
-		if (!wave.read_at(at, name_and_size, sizeof name_and_size))
-			return false;
-		const u32 size = wave_read_32bit(name_and_size + 4);
-		at += sizeof name_and_size;
-		if (!std::memcmp(name_and_size, "fmt ", 4) && !read_format(wave, at, size, shape))
-			return false;
-		if (!std::memcmp(name_and_size, "smpl", 4))
-			read_loop(wave, at, size, shape);
-		if (!std::memcmp(name_and_size, "data", 4)) {
-			if (!shape->frame_bytes)
-				return false;
-			shape->data_at = at;
-			shape->data_bytes = std::min<u64>(size, wave.size - at);
-			shape->frames = shape->data_bytes / shape->frame_bytes;
+	const std::string why = why_not_wave(path.c_str());
+	wave_head head;
+	if (!why.empty() || wave.measure(path.c_str()) || wave.open(path.c_str()) ||
+		read_wave_head(wave, &head))
+		return why.empty() ? "It cannot be read." : why;
+	*shape = { .tag = read_tag(wave, head),
+		.rate = head.sample_rate,
+		.bits = head.bitspersample,
+		.channels = head.channels,
+		.frame_bytes = head.bytespersample };
+	auto look = [&](const wave_chunk &chunk, u64) {
+		if (chunk.is("smpl"))
+			read_loop(wave, chunk, shape);
+		if (!chunk.is("data"))
 			return true;
-		}
-		at += size;
-	}
-	return false;
+		shape->data_at = chunk.at + 8;
+		shape->data_bytes = wave_bytes_held(wave, chunk);
+		shape->frames = shape->data_bytes / shape->frame_bytes;
+		return false;
+	};
+	return walk_chunks(wave, head, look) ? "It cannot be read." : "";
 }
 
 // ---- Waveform -------------------------------------------------------------------------------
@@ -124,12 +98,12 @@ static std::int16_t word_of(const u8 *frame, unsigned bits)
 	}
 }
 
-static std::vector<std::int16_t> read_words(const open_file &wave, const wave_shape &shape)
+static std::vector<std::int16_t> read_words(input_file &wave, const wave_shape &shape)
 {
 	std::vector<std::int16_t> words;
 	const unsigned width = shape.bits == 24 ? 3 : 2;
 	std::vector<u8> data(shape.data_bytes);
-	if (shape.frame_bytes < width || !wave.read_at(shape.data_at, data.data(), data.size()))
+	if (shape.frame_bytes < width || wave.read(shape.data_at, data.data(), data.size()))
 		return words;
 	words.reserve(shape.frames);
 	for (u64 i = 0; i < shape.frames; i++)
@@ -147,16 +121,16 @@ static std::string path_of_local()
 
 static void show_waveform(const std::string &path)
 {
-	const open_file wave(path);
+	input_file wave;
 	wave_shape shape;
-	if (path.empty() || !read_shape(wave, &shape)) {
+	if (path.empty() || !read_shape(path, wave, &shape).empty()) {
 		host.ui->set_waveform(window_samples, samples_waveform, nullptr);
 		return;
 	}
 	const std::vector<std::int16_t> words = read_words(wave, shape);
 	const waveform_view view = { .words = words,
 		.sample_rate = shape.rate,
-		.loop_start = shape.loop_start,
+		.loop_start = std::min(shape.loop_start, shape.frames),
 		.loop_end = std::min(shape.loop_end, shape.frames) };
 	host.ui->set_waveform(window_samples, samples_waveform, &view);
 }
@@ -253,6 +227,8 @@ static u64 frames_after(const wave_shape &file, u32 rate)
 	return static_cast<u64>(static_cast<double>(file.frames) / factor);
 }
 
+// ---- What an upload sends ------------------------------------------------------------------------
+
 // An upload sends the Sample Dump Standard's packets: 127 bytes, each answered by 6, and one
 // for every 40 bytes of the file's data. MIDI carries ten bits a byte.
 double transfer_seconds(const _sampler_type &model, u64 bytes)
@@ -264,6 +240,80 @@ double transfer_seconds(const _sampler_type &model, u64 bytes)
 		return static_cast<double>(bytes) / usb_bytes_per_second;
 	const u64 packets = (bytes + packet_words - 1) / packet_words;
 	return static_cast<double>(packets * (packet + answer)) / midi_bytes_per_second;
+}
+
+// The S900 takes files of another kind, and its driver refuses all others itself.
+static bool sends_words(const _sampler_type &model)
+{
+	return !(model.sampler_flags & flag_usb) && model.sampler_type != model_s900;
+}
+
+static bool linear(const wave_shape &file)
+{
+	return file.tag == tag_pcm || file.tag == tag_extensible;
+}
+
+// A conversion of this program makes 16 bit mono of it.
+static bool convertible(const wave_shape &file)
+{
+	const unsigned width = file.bits == 24 ? 3 : 2;
+	return linear(file) && (file.bits == 12 || file.bits == 16 || file.bits == 24) &&
+	       (file.channels == 1 || file.channels == 2) &&
+	       file.frame_bytes == width * file.channels;
+}
+
+static std::string advice_for(const wave_shape &file)
+{
+	if (!convertible(file))
+		return "Convert it to 16 bit mono with another program first.";
+	const char *depth = file.bits == 16 ? "" : "Convert to 16 bit";
+	if (file.channels == 1)
+		return format_text("Import it with %s.", depth);
+	return format_text("Import it with %s%s1 Channel and Mix Channels, or Create L/R files for "
+			   "both.",
+		depth, *depth ? ", " : "");
+}
+
+static const char *kind_of_words(const wave_shape &file)
+{
+	return file.tag == tag_float ? " float" : linear(file) ? "" : " compressed";
+}
+
+// The reader takes words out of frames of two or three bytes, and nothing out of others; the
+// sampler is told of as many words as the file has bytes.
+static upload_verdict verdict_of(const _sampler_type &model, const wave_shape &file)
+{
+	upload_verdict out = {
+		.sends = true, .helps = convertible(file), .conversion = {}, .words = {}
+	};
+	if (!sends_words(model))
+		return out;
+	const double seconds = static_cast<double>(file.data_bytes) / file.rate;
+	if (linear(file) && file.bits == 16 && file.channels == 1 && file.frame_bytes == 2) {
+		out.words = format_text("arrives as %.02f s, the second half silent", seconds);
+		return out;
+	}
+	out.sends = false;
+	out.conversion = { .bits = file.bits == 16 ? 0 : 16,
+		.rate = 0,
+		.channels = file.channels == 1 ? 0 : 1,
+		.mixing = file.channels == 1 ? 0 : import_mix };
+	const bool words = file.frame_bytes == 2 || file.frame_bytes == 3;
+	const std::string arrival = words ? "noise" : format_text("%.02f s of silence", seconds);
+	out.words = format_text("A file of %u bit%s and %u channel%s would arrive as %s. %s",
+		file.bits, kind_of_words(file), file.channels, file.channels == 1 ? "" : "s",
+		arrival.c_str(), advice_for(file).c_str());
+	return out;
+}
+
+upload_verdict upload_check(const _sampler_type &model, const std::string &path)
+{
+	input_file wave;
+	wave_shape file;
+	// What is no WAV file at all has words of its own in the driver.
+	if (!read_shape(path, wave, &file).empty())
+		return { .sends = true, .helps = false, .conversion = {}, .words = {} };
+	return verdict_of(model, file);
 }
 
 static std::string duration(double seconds)
@@ -278,16 +328,15 @@ static std::string duration(double seconds)
 	return format_text("about %ld h %ld min", whole / 3600, whole / 60 % 60);
 }
 
-static std::string transfer_text(u64 bytes)
+static const _sampler_type *uploading_model()
 {
 	const _sampler_type *model =
 		current_sampler ? get_sampler(static_cast<i32>(current_sampler->sampler_type))
 				: nullptr;
-	if (!model || !model->uploadsample)
-		return "";
-	return format_text("\nUpload to %s: %s.", model->sampler_brand,
-		duration(transfer_seconds(*model, bytes)).c_str());
+	return model && model->uploadsample ? model : nullptr;
 }
+
+// ---- The preview ---------------------------------------------------------------------------------
 
 static std::string name_of(const std::string &path)
 {
@@ -299,34 +348,101 @@ static const char *plural(unsigned long count)
 	return count == 1 ? "" : "s";
 }
 
-// Words about one file. Adds the bytes of the result, and is empty for a file like any other
-// of a long list.
-static std::string preview_of(const std::string &path, const import_options &options, u64 *bytes)
+// What all files together mean for the upload.
+struct upload_sum {
+	const _sampler_type *model;
+	u64 bytes = 0; // of those that arrive
+	int files = 0, refused = 0;
+	std::string words; // of the first that arrives
+	std::string first_refusal;
+};
+
+static void add_upload(upload_sum *sum, const wave_shape &file, int files)
 {
-	wave_shape file;
-	const std::string name = name_of(path);
-	if (!read_shape(open_file(path), &file))
-		return name + ": not a WAV file";
-	const conversion to = conversion_of(file, options);
-	std::string text = format_text("%s: %u Hz, %u bit, %u channel%s", name.c_str(), file.rate,
-		file.bits, file.channels, plural(file.channels));
-	if (!to.files)
-		return text +
-		       "\nThese options do not convert it. Choose Keep original for the channels.";
-	const u32 rate = options.rate ? static_cast<u32>(options.rate) : file.rate;
-	const unsigned bits = options.bits ? static_cast<unsigned>(options.bits) : file.bits;
-	const u64 frames = frames_after(file, rate);
-	const u64 size = frames * ((bits + 7) / 8) * to.channels;
-	*bytes += size * static_cast<u64>(to.files);
-	text += format_text("\nbecomes %s%u Hz, %u bit, %u channel%s, %.02f s, %llu bytes",
-		to.files == 2 ? "two files: " : "", rate, bits, to.channels, plural(to.channels),
-		static_cast<double>(frames) / rate, static_cast<unsigned long long>(size));
-	if (file.bits == 8)
-		text += "\n8 bit files come out silent: convert them to 16 bit elsewhere first.";
-	else if (file.channels == to.channels && file.channels > 1)
-		text += "\nOnly its left channel is kept. Choose 1 Channel and Create L/R files "
-			"for both.";
+	if (!sum->model)
+		return;
+	const upload_verdict verdict = verdict_of(*sum->model, file);
+	sum->files += files;
+	if (verdict.sends) {
+		sum->bytes += file.data_bytes * static_cast<u64>(files);
+		sum->words = verdict.words;
+	} else {
+		sum->refused += files;
+		if (sum->first_refusal.empty())
+			sum->first_refusal = verdict.words;
+	}
+}
+
+static std::string upload_text(const upload_sum &sum)
+{
+	std::string text;
+	if (sum.model && sum.bytes)
+		text = format_text("\nUpload to %s: %s%s%s.", sum.model->sampler_brand,
+			sum.files == 1 ? sum.words.c_str() : "",
+			sum.files == 1 && !sum.words.empty() ? ", in " : "",
+			duration(transfer_seconds(*sum.model, sum.bytes)).c_str());
+	if (sum.refused)
+		text += format_text("\nUpload to %s refused: %s", sum.model->sampler_brand,
+			sum.first_refusal.c_str());
 	return text;
+}
+
+// What import loses, or "".
+static const char *loss_of(const wave_shape &file, unsigned channels)
+{
+	if (file.tag == tag_float)
+		return "\nFloat files come out as noise: convert them to 16 bit elsewhere first.";
+	if (!linear(file))
+		return "\nCompressed files come out as silence or noise: convert them to 16 bit "
+		       "elsewhere first.";
+	if (file.bits == 8)
+		return "\n8 bit files come out silent: convert them to 16 bit elsewhere first.";
+	if (file.bits == 32)
+		return "\n32 bit files come out as noise: convert them to 24 bit elsewhere first.";
+	if (file.channels == channels && channels > 1)
+		return "\nOnly its left channel is kept. Choose 1 Channel and Create L/R files for "
+		       "both.";
+	return "";
+}
+
+// The words about what the options make of a file, which goes into the sum.
+static std::string import_text(
+	const wave_shape &file, const import_options &options, upload_sum *sum)
+{
+	const conversion to = conversion_of(file, options);
+	if (!to.files)
+		return "\nThese options do not convert it. Choose Keep original for the channels.";
+	wave_shape result = file;
+	result.rate = options.rate ? static_cast<u32>(options.rate) : file.rate;
+	result.bits = options.bits ? static_cast<unsigned>(options.bits) : file.bits;
+	result.channels = to.channels;
+	result.frames = frames_after(file, result.rate);
+	result.frame_bytes = (result.bits + 7) / 8 * to.channels;
+	result.data_bytes = result.frames * result.frame_bytes;
+	add_upload(sum, result, to.files);
+	return format_text("\nbecomes %s%u Hz, %u bit, %u channel%s, %.02f s, %llu bytes%s",
+		to.files == 2 ? "two files: " : "", result.rate, result.bits, to.channels,
+		plural(to.channels), static_cast<double>(result.frames) / result.rate,
+		static_cast<unsigned long long>(result.data_bytes), loss_of(file, to.channels));
+}
+
+// A file that is in the spool already is uploaded as it stands, unless the options are to
+// change it first.
+static std::string preview_of(
+	const std::string &path, bool in_spool, const import_options &options, upload_sum *sum)
+{
+	input_file wave;
+	wave_shape file;
+	const std::string name = name_of(path), why = read_shape(path, wave, &file);
+	if (!why.empty())
+		return name + ": " + why;
+	const std::string text = format_text("%s: %u Hz, %u bit%s, %u channel%s", name.c_str(),
+		file.rate, file.bits, kind_of_words(file), file.channels, plural(file.channels));
+	if (in_spool && !options.bits && !options.rate && !options.channels) {
+		add_upload(sum, file, 1);
+		return text;
+	}
+	return text + import_text(file, options, sum);
 }
 
 // A drop of many files: what the first ones become, and the sum.
@@ -338,17 +454,16 @@ void show_import_preview(std::span<const std::string> paths)
 	if (!local.empty())
 		paths = { &local, 1 };
 	const import_options options = chosen_import_options();
+	upload_sum sum = { .model = uploading_model(), .words = {}, .first_refusal = {} };
 	std::string text;
-	u64 bytes = 0;
 	for (std::size_t i = 0; i < paths.size(); i++) {
-		const std::string words = preview_of(paths[i], options, &bytes);
+		const std::string words = preview_of(paths[i], !local.empty(), options, &sum);
 		if (i < shown_files)
 			text += (i ? "\n" : "") + words;
 	}
 	if (paths.size() > shown_files)
 		text += format_text("\nand %zu more", paths.size() - shown_files);
-	if (bytes)
-		text += transfer_text(bytes);
+	text += upload_text(sum);
 	host.ui->set_text(window_samples, samples_import_preview, text.c_str());
 }
 

@@ -7,7 +7,7 @@
 //
 // Knows nothing of: what is being done, what the window looks like.
 
-#include "src/velmor_window.h"
+#include "src/velmor.h"
 #include <cmath>
 
 namespace velmor
@@ -16,6 +16,7 @@ namespace velmor
 int progressbar_range = 100;
 
 static bool stopped = false;
+static bool closing = false;
 static double shown_at = 0; // counter, when the window was shown
 
 void show_progressbar(int, int range, const char *caption)
@@ -57,7 +58,17 @@ void hide_progressbar(int)
 
 bool progress_stopped()
 {
-	return stopped || close_requested();
+	return stopped || closing;
+}
+
+void request_close(bool wanted)
+{
+	closing = wanted;
+}
+
+bool close_requested()
+{
+	return closing;
 }
 
 void stop_progress()

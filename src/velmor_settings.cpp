@@ -13,6 +13,7 @@
 
 #include "src/controls.h"
 #include "src/velmor.h"
+#include "src/velmor_files.h"
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -162,6 +163,8 @@ void load_settings()
 	(void)host.files->make_folder(current_config_path.c_str());
 	for (const char *folder : { "sample", "pgm", "multi", "setup" })
 		(void)host.files->make_folder((current_config_path + "\\" + folder).c_str());
+	for (const char *folder : { "", "\\sample", "\\pgm", "\\multi", "\\setup" })
+		remove_left_files(current_config_path + folder);
 }
 
 // True if path is a folder now. A setting holds one byte less than its room.

@@ -25,7 +25,6 @@ static void start_windows()
 	reload_midi_setup(true);
 	host.ui->set_text(window_main, main_log, "[I] VELMOR started\r\n");
 	set_up_windows();
-	host.ui->show(window_main, 0, true);
 }
 
 void start_velmor()

@@ -8,56 +8,21 @@
 
 #include "src/controls.h"
 #include "src/usbqx.h"
-#include "src/velmor.h"
-#include <array>
+#include "src/velmor_window.h"
 #include <cstdlib>
 
 namespace velmor
 {
 
-// How a field's text comes out of an answer.
-enum class info_kind {
-	hardware,
-	version,
-	text
-};
-
-struct info_row {
-	bool s5000; // else the Z family
-	u8 command[2];
-	int field;
-	std::size_t offset;
-	info_kind kind;
-	const char *failure;
-};
-
-struct hardware_names {
-	const char *name[3];
-	const char *other;
-};
-
 // clang-format off
-static constexpr const char *no_z_hardware = "Cannot get Hardware-Type for AKAI Z/MPC!";
-static constexpr const char *no_hardware   = "Cannot get Hardware-Type for AKAI S5000/S6000!";
-static constexpr const char *no_version    = "Cannot get OS-Version for AKAI S5000/S6000!";
-static constexpr const char *no_name       = "Cannot get Sampler-Name for AKAI S5000/S6000!";
-
-static constexpr info_row info_rows[] = {
-	// s5000 command        field         offset kind                 words for a failure
-	{ false, { 0x04, 0x04 }, usb_hardware, 8, info_kind::hardware, no_z_hardware },
-	{ false, { 0x04, 0x00 }, usb_version,  8, info_kind::version,  no_hardware },   // so worded
-	{ false, { 0x07, 0x01 }, usb_name,     8, info_kind::text,     no_hardware },   // so worded
-	{ true,  { 0x02, 0x04 }, usb_hardware, 9, info_kind::hardware, no_hardware },
-	{ true,  { 0x02, 0x00 }, usb_version,  9, info_kind::version,  no_version },
-	{ true,  { 0x02, 0x03 }, usb_name,     9, info_kind::text,     no_name },
+struct fact_field { usb_fact fact; int field; };
+static constexpr fact_field fact_fields[] = {
+	{ usb_fact::hardware, usb_hardware },
+	{ usb_fact::version,  usb_version },
+	{ usb_fact::name,     usb_name },
 };
-static constexpr hardware_names s5000_hardware = { { "S5000", "S6000", nullptr }, "S5000/S6000" };
-static constexpr hardware_names z4_hardware    = { { "Z4", "Z8", "MPC" },         "Z4/Z8/MPC4000" };
-
 static constexpr int channel_fields[] = { usb_exclusive_channel, usb_midi_channel, usb_control_channel };
 static constexpr int info_fields[]    = { usb_hardware, usb_version, usb_name, usb_exclusive_channel, usb_midi_channel, usb_control_channel };
-static constexpr u8 s5000_set_name[]  = { 0x02, 0x02 };
-static constexpr u8 z4_set_name[]     = { 0x00, 0x06, 0x01 };
 // clang-format on
 
 static void set_field(int field, const std::string &text)
@@ -65,11 +30,22 @@ static void set_field(int field, const std::string &text)
 	host.ui->set_text(window_usb, field, text.c_str());
 }
 
+// Sockets of the devices in the list, since a scan may have found others meanwhile.
+static std::vector<std::string> listed;
+
 // The device chosen in the list, or null.
 static _usbdev *selected_device()
 {
-	const int index = host.ui->selection(window_usb, usb_device_list);
-	return index >= 0 && index < usbdevs ? &usbdev[static_cast<std::size_t>(index)] : nullptr;
+	const int chosen = host.ui->selection(window_usb, usb_device_list);
+	if (chosen < 0)
+		return nullptr;
+	const auto index = static_cast<std::size_t>(chosen);
+	if (index >= listed.size())
+		return index < usbdev.size() ? &usbdev[index] : nullptr;
+	for (_usbdev &usb : usbdev)
+		if (usb.device_path == listed[index])
+			return &usb;
+	return nullptr;
 }
 
 // Open it, or end the process with the host's words.
@@ -89,47 +65,91 @@ static void end_with(open_usbdev usb, const char *words)
 	end_program(0);
 }
 
-static std::string info_text(const info_row &row, bounded_bytes answer)
+static bool ask(_usbdev *usb, std::span<const u8> command, std::vector<u8> *answer)
 {
-	if (row.kind == info_kind::text)
-		return answer.text(row.offset);
-	if (row.kind == info_kind::version)
-		return format_text(
-			"%d.%d", answer[row.offset] & 0x7F, answer[row.offset + 1] & 0x7F);
-	const hardware_names &names = row.s5000 ? s5000_hardware : z4_hardware;
-	const bool told = row.offset < answer.size() && answer[row.offset] < std::size(names.name);
-	const char *name = told ? names.name[answer[row.offset]] : nullptr;
-	return name ? name : names.other;
+	int received = 0;
+	answer->resize(1024);
+	const bool done = _sysex_midi_usb(usb, command.data(), static_cast<int>(command.size()),
+		answer->data(), static_cast<int>(answer->size()), &received, __FILE_NAME__,
+		__LINE__);
+	answer->resize(static_cast<std::size_t>(received));
+	return done;
+}
+
+static std::string fact_text(const usb_family &family, usb_fact fact, bounded_bytes answer)
+{
+	if (fact == usb_fact::name)
+		return usb_name_in(family, answer);
+	if (fact == usb_fact::version) {
+		const std::size_t at = usb_version_at(family, answer);
+		return format_text("%d.%d", answer[at] & 0x7F, answer[at + 1] & 0x7F);
+	}
+	for (const usb_kind &kind : family.kinds)
+		if (family.data_offset < answer.size() && answer[family.data_offset] == kind.answer)
+			return kind.name;
+	return family.any_kind;
+}
+
+static void clear_fields()
+{
+	for (const int field : info_fields)
+		set_field(field, "");
+}
+
+// Ask an open device what it is and show it: the words for what failed, or null.
+static const char *fill_fields(_usbdev *usb)
+{
+	const usb_family &family = family_of(*usb);
+	set_field(usb_version, "unknown");
+	for (const usb_question &question : family.questions) {
+		std::vector<u8> answer;
+		if (!ask(usb, question.command, &answer))
+			return question.failure;
+		for (const fact_field &row : fact_fields)
+			if (row.fact == question.fact)
+				set_field(row.field, fact_text(family, row.fact, { answer }));
+	}
+	for (const int field : channel_fields)
+		set_field(field, format_text("%d", usb->sysex_channel));
+	return nullptr;
+}
+
+static _usbdev *device_to_show()
+{
+	clear_fields();
+	_usbdev *usb = selected_device();
+	if (usb)
+		log_line("[D] FILL_USB_INFO Retrieving Info for Sampler: [%s](%d)[%s]\r\n",
+			usb->usb_name, usb->device_type, usb->device_path);
+	else
+		log_line("[I] No USB sampler found\r\n");
+	return usb;
 }
 
 void fill_usb_info()
 {
-	for (const int field : info_fields)
-		set_field(field, "");
-	_usbdev *usb = selected_device();
-	if (!usb) {
-		log_line("[I] No USB sampler found\r\n");
+	_usbdev *usb = device_to_show();
+	if (!usb)
 		return;
-	}
-	log_line("[D] FILL_USB_INFO Retrieving Info for Sampler: [%s](%d)[%s]\r\n", usb->usb_name,
-		usb->device_type, usb->device_path);
 	open_usbdev open = open_or_end(usb);
-	if (!open)
+	const char *failure = open ? fill_fields(usb) : nullptr;
+	if (failure)
+		end_with(std::move(open), failure);
+}
+
+// Fields that do not belong to the chosen device would be written to it: when it cannot be
+// asked they stay empty.
+void choose_usb_device()
+{
+	host.ui->set_text(window_usb, usb_verdict, "");
+	_usbdev *usb = device_to_show();
+	if (!usb)
 		return;
-	set_field(usb_version, "unknown");
-	for (const info_row &row : info_rows) {
-		if (row.s5000 != (usb->device_type == model_s5000))
-			continue;
-		std::array<u8, 1024> answer;
-		int received = 0;
-		if (!_sysex_midi_usb(usb, row.command, sizeof row.command, answer.data(),
-			    static_cast<int>(answer.size()), &received, __FILE_NAME__, __LINE__))
-			return end_with(std::move(open), row.failure);
-		const std::span<const u8> bytes(answer.data(), static_cast<std::size_t>(received));
-		set_field(row.field, info_text(row, { bytes }));
-	}
-	for (const int field : channel_fields)
-		set_field(field, format_text("%d", usb->sysex_channel));
+	const open_usbdev open(open_midi_usb(usb) ? usb : nullptr);
+	if (open && !fill_fields(usb))
+		return;
+	clear_fields();
+	show_box("ERROR", "[%s] did not say what it is. Is it switched on?", usb->usb_name);
 }
 
 void update_usb_sampler_name()
@@ -139,24 +159,23 @@ void update_usb_sampler_name()
 		show_box("INFO", "No USB sampler selected!");
 		return;
 	}
+	const std::string name = host.ui->get_text(window_usb, usb_name);
+	if (name.empty()) {
+		show_box("INFO", "Please enter a name for the sampler.");
+		return;
+	}
 	open_usbdev open = open_or_end(usb);
 	if (!open)
 		return;
-	const std::string name = host.ui->get_text(window_usb, usb_name);
 	log_line("[I] Setting new Sampler-Name: [%s] for Sampler: [%s]\r\n", name.c_str(),
 		usb->usb_name);
-	std::vector<u8> command;
-	if (usb->device_type == model_s5000)
-		command.assign(std::begin(s5000_set_name), std::end(s5000_set_name));
-	else
-		command.assign(std::begin(z4_set_name), std::end(z4_set_name));
+	const std::span<const u8> set_name = family_of(*usb).set_name;
+	std::vector<u8> command(set_name.begin(), set_name.end());
 	command.insert(command.end(), name.begin(), name.end());
 	command.push_back(0);
-	std::array<u8, 1024> answer;
-	int received = 0;
-	if (!_sysex_midi_usb(usb, command.data(), static_cast<int>(command.size()), answer.data(),
-		    static_cast<int>(answer.size()), &received, __FILE_NAME__, __LINE__))
-		end_with(std::move(open), no_hardware);
+	std::vector<u8> answer;
+	if (!ask(usb, command, &answer))
+		end_with(std::move(open), "Cannot get Hardware-Type for AKAI S5000/S6000!");
 }
 
 // Only the low byte of a number in a field counts; what is no number is 0.
@@ -193,15 +212,86 @@ void save_usb_sampler()
 void show_usb_sampler_setup()
 {
 	log_line("[D] Starting USB-Sampler Setup\r\n");
-	host.ui->show(window_usb, 0, true);
+	open_window(window_usb);
+	host.ui->set_text(window_usb, usb_verdict, "");
 	init_usb(1);
 	std::vector<std::string> names;
-	for (const _usbdev &usb : usbdev)
+	listed.clear();
+	for (const _usbdev &usb : usbdev) {
 		names.emplace_back(usb.usb_name);
+		listed.emplace_back(usb.device_path);
+	}
 	host.ui->set_list(window_usb, usb_device_list, names);
 	if (!names.empty())
 		host.ui->select(window_usb, usb_device_list, 0);
 	fill_usb_info();
 }
+
+// ---- The window -------------------------------------------------------------------------
+
+static void keep_usb_sampler()
+{
+	save_usb_sampler();
+	empty_open_pages();
+	host.ui->show(window_usb, 0, false);
+}
+
+static void show_usb_verdict(const std::string &words, text_role role)
+{
+	host.ui->set_text(window_usb, usb_verdict, words.c_str());
+	host.ui->set_role(window_usb, usb_verdict, role);
+}
+
+// Whoever does not answer ends the program, in words of its own.
+static void ask_usb_device()
+{
+	log_line("[D] Entering USB-Setup dialog...\r\n");
+	fill_usb_info();
+	auto text = [](int field) { return host.ui->get_text(window_usb, field); };
+	if (selected_device())
+		show_usb_verdict("'" + text(usb_name) + "' answered: " + text(usb_hardware) +
+					 ", version " + text(usb_version) + ".",
+			text_role::good);
+	else
+		show_usb_verdict("No sampler was found on the USB. Is it on, and its cable plugged "
+				 "in? Open this window again to look again.",
+			text_role::failed);
+}
+
+static void rename_usb_sampler()
+{
+	update_usb_sampler_name();
+	host.ui->show(window_usb, 0, false);
+}
+
+// clang-format off
+static constexpr caption_row usb_captions[] = {
+	// window          control                  caption, tooltip, empty
+	{ window_usb,      0,                       "VELMOR Manage USB Samplers", nullptr, nullptr },
+	{ window_usb,      usb_device_list,         "Device:", "The samplers found on the USB", "No sampler found on the USB" },
+	{ window_usb,      usb_hardware,            "Hardware:", "What the sampler says it is", nullptr },
+	{ window_usb,      usb_version,             "OS-Version:", "The version of its system", nullptr },
+	{ window_usb,      usb_name,                "Sampler-Name:", "The sampler's own name; Update stores it in the sampler", nullptr },
+	{ window_usb,      usb_exclusive_channel,   "Sysex-Ch:", "The exclusive channel", nullptr },
+	{ window_usb,      usb_midi_channel,        "MIDI-Ch:", "The channel on which the sampler plays notes", nullptr },
+	{ window_usb,      usb_control_channel,     "CTRL-Ch:", "The control channel", nullptr },
+	{ window_usb,      usb_device_info,         "Get Device Info", "Ask the chosen sampler who it is", nullptr },
+	{ window_usb,      usb_update,              "&Update", "Give the sampler the name in the field", nullptr },
+	{ window_usb,      control_ok,              "&Save", "Keep this sampler in the list", nullptr },
+	{ window_usb,      control_cancel,          "&Cancel", "Close without saving", nullptr },
+	{ window_usb,      usb_verdict,             "Answer of the sampler", nullptr, nullptr },
+};
+static constexpr command_row usb_commands[] = {
+	{ window_usb,      control_ok,              keep_usb_sampler,          alone  },
+	{ window_usb,      control_cancel,          hide_window<window_usb>,   always },
+	{ window_usb,      usb_device_info,         ask_usb_device,            alone  },
+	{ window_usb,      usb_update,              rename_usb_sampler,        alone  },
+};
+static constexpr command_row usb_selections[] = {
+	{ window_usb,      usb_device_list,         choose_usb_device,         alone  },
+};
+// clang-format on
+
+constinit const window_rows usb_rows = { usb_captions, usb_commands, usb_selections };
 
 } // namespace velmor

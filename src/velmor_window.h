@@ -1,9 +1,10 @@
-// velmor_window.h - what each button, menu entry and list of the windows does
+// velmor_window.h - what each button, menu entry and list of the windows says and does
 //
-// The windows report every user action by window and id through the three
-// entries below, and read their words from the table of captions. What happens
-// then is one row of the table of commands (velmor_window.cpp). A control whose
-// command is not in that table is not made at all, so no entry is ever dead.
+// The windows report every user action by window and id through the entries
+// below. What happens then is one row of a table of commands, and the words of a
+// control are one row of a table of captions; both stand in the file of the
+// window's work. A control whose command is in no table is not made at all, so no
+// entry is ever dead. The engine here finds the row and keeps the gate.
 //
 // Main thread only. Commands may run for minutes; they keep the windows alive
 // through host.ui->pump, and so are entered again from inside themselves. Then
@@ -13,23 +14,61 @@
 
 #pragma once
 #include "src/controls.h"
-#include "src/velmor.h"
+#include "src/velmor_work.h"
+#include <functional>
 #include <span>
 #include <string>
+#include <string_view>
+#include <vector>
 
 namespace velmor
 {
 
+// ---- The rows of a window --------------------------------------------------------------------
+
 // The words of one control. Fields and lists have the words of their label.
 struct caption_row {
-	int window, control;
+	int window, control; // window 0: the control of that id in every window
 	const char *caption;
 	const char *tooltip; // null: the caption says it all
 	const char *empty;   // what an empty list or field shows, or null
 };
 
-// Every window (control 0: its title) and control that has words.
-extern const std::span<const caption_row> captions;
+enum command_time {
+	alone,  // refused while another command runs
+	always, // ends or hides something, so it may run inside another command
+};
+
+struct command_row {
+	int window, control;
+	void (*run)();
+	command_time time;
+};
+
+// Files over a list: hovering, none when they left, and dropped.
+struct drop_row {
+	int window, control;
+	void (*hover)(std::span<const std::string> paths);
+	void (*drop)(std::span<const std::string> paths);
+};
+
+// All of a window: its words (control 0: its title), its buttons and menu entries, choices in
+// its lists and options, and where files may be dropped.
+struct window_rows {
+	std::span<const caption_row> captions;
+	std::span<const command_row> commands = {}, selections = {};
+	std::span<const drop_row> drops = {};
+};
+extern const window_rows main_rows, settings_rows, sampler_rows; // velmor_setup.cpp
+extern const window_rows usb_rows;                               // velmor_usb.cpp
+extern const window_rows samples_rows;                           // velmor_samples_page.cpp
+extern const window_rows multis_rows;                            // velmor_multis.cpp
+extern const window_rows status_rows;                            // velmor_status.cpp
+
+// ---- The engine (velmor_window.cpp) ------------------------------------------------------------
+
+// The words of all windows.
+extern const std::vector<caption_row> captions;
 // The row of one control, or null.
 const caption_row *find_caption(int window, int control);
 
@@ -46,54 +85,93 @@ bool velmor_drop(int window, int control, std::span<const std::string> paths);
 // Files hover over a list; none when they left.
 void velmor_hover(int window, int control, std::span<const std::string> paths);
 
+// The gate that all work passes which opens a port or a device, pictures and keys of a panel
+// included, so that no two pieces of work meet on a line: false, and nothing was done, while a
+// command runs or a device is open.
+bool run_through_gate(const std::function<void()> &work);
+// Keys, mouse and forms. A window that takes them has a row, and nobody else hears of them; all
+// are refused while a command runs.
+enum class mouse_action : int {
+	down,
+	up,
+	wheel,
+};
+struct input_row {
+	int window, control;
+	// text is what the key types, "" for a key that types nothing; key is the toolkit's number.
+	void (*key)(int key, std::string_view text, bool pressed);
+	// Places are pixels of the picture, outside it too; amount is the button, from 1 for the
+	// left one, or the steps of the wheel, upwards.
+	void (*mouse)(int x, int y, mouse_action action, int amount);
+	// value is the bar's, the number typed (0 for no number), or the place of the choice.
+	void (*form)(int row, form_event event, int value);
+};
+// Of all windows; an empty slot takes nothing of its kind.
+extern std::span<const input_row> input_rows;
+// False if no row takes it, or not just now.
+bool velmor_key(int window, int control, int key, std::string_view text, bool pressed);
+bool velmor_mouse(int window, int control, int x, int y, mouse_action action, int amount);
+bool velmor_form(int window, int form, int row, form_event event, int value);
+
 // True while a command runs.
 bool command_running();
-// True when the main window was closed while a command runs: work ends as soon as it can.
-bool close_requested();
-// Forget a running command and a wish to close; for tests.
+// Forget a running command, a wish to close, open windows, lists and what could be undone; for
+// tests.
 void forget_commands();
+
+// Show a window, and keep its status line up to date from then on.
+void open_window(int window);
+// True if it was shown since the start. Others need not be filled.
+bool was_opened(int window);
+template <int window> void hide_window()
+{
+	host.ui->show(window, 0, false);
+}
+
+// ---- Status (velmor_status.cpp) ------------------------------------------------------------------
+
+// Show what a workflow has to tell: its boxes, one after the other, and its sentence at the foot
+// of every window.
+void show_outcome(const outcome &result);
+// Say at the foot of every window how the sampler is reached, and offer what can be undone.
+void update_status();
+void forget_status();
+// State and heading of a list of the sampler, and its retry button where it could not be read.
+struct list_controls {
+	int window, list, heading, retry;
+	const char *what; // of one entry: "sample"
+};
+void show_list_knowledge(const list_controls &where, const known_list &known, int count);
+
+// ---- Main window and setup dialogs (velmor_setup.cpp) ----------------------------------------------
 
 // Fill what the windows show from the start. Called once they exist, before the settings are
 // loaded.
 void set_up_windows();
-
 void show_midi_setup();
 void show_sampler_setup();
+// Another sampler is loaded: open pages show that nothing was read of it.
+void empty_open_pages();
+
+// ---- Pages ---------------------------------------------------------------------------------------------
 
 // Read the multis of the loaded sampler and show them (velmor_multis.cpp).
 void show_multi_setup();
+void empty_multi_page();
+void update_multi_page();
 
-// ---- Sample manager (velmor_samples.cpp) -----------------------------------------------
-
-// Read the sampler and the spool anew and show both.
+// Read the sampler and the spool anew and show both (velmor_samples_page.cpp).
 void show_sample_setup();
+void empty_sample_page();
+// Its list may have become stale, or the spool another folder.
+void update_sample_page();
+void show_spool();
 // Show one sample in the sample manager; origin is "LOCAL" or "LOADED". The drivers call it
 // when a sampler has told about a sample.
 void display_sample_information(const _sample *sample, const char *origin);
 
-void download_selected_sample();
-void download_all_samples();
-void delete_loaded_sample();
-void rename_loaded_sample();
-void show_loaded_information();
-void upload_selected_sample();
-void delete_local_sample();
-void rename_local_sample();
-void show_local_information();
-void import_samples();
-void import_files(std::span<const std::string> paths);
-void export_spool();
-void clear_spool();
-
-// What the import options say; 0 keeps what a file has.
-struct import_options {
-	int bits, rate, channels;
-	int mixing; // as import_wave takes it
-};
+// What the import options of the sample manager say (velmor_preview.cpp).
 import_options chosen_import_options();
-
-// ---- Preview (velmor_preview.cpp) ------------------------------------------------------
-
 // Another local sample was chosen: its picture, and what an import of it would give.
 void show_local_selection();
 // Say what the import options make of these files. None: of the selected local sample.

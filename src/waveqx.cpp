@@ -199,7 +199,7 @@ static void fill_header(u8 (&header)[wave_header_size], const _sample *sample, u
 	wave_write_32bit(header + at_data + 4, data_bytes);
 }
 
-static int write_words(new_file &file, const u32 *words, u64 count)
+static int write_words(fresh_file &file, const u32 *words, u64 count)
 {
 	static constexpr u64 block_words = 16 * 1024;
 	u8 block[block_words * 2];
@@ -217,7 +217,7 @@ static int write_words(new_file &file, const u32 *words, u64 count)
 static int write_file(
 	const std::string &path, const u8 (&header)[wave_header_size], const _sample *sample)
 {
-	new_file file;
+	fresh_file file;
 	int code = file.open(path);
 	if (!code)
 		code = file.write(header, sizeof header);
@@ -323,19 +323,19 @@ bool get_wave_info(const char *filename, u8 *bits, u8 *channels, int *sample_rat
 		log_line("[F] No wave-file '%s' (magic(2) missing)\r\n", filename);
 		return false;
 	}
-	u64 at = u64{ head.fmt_length } + 20;
-	for (int i = 0; !code && i < max_wave_chunks && at < file.size; i++) {
-		wave_chunk chunk = {};
-		code = read_wave_chunk(file, at, &chunk);
-		log_line("[D] %s Chunk: [%.4s] (%u Bytes)\r\n", filename, chunk.name, chunk.size);
-		if (!code && chunk.is("smpl")) {
-			u8 note = 0;
-			code = file.read(at + smpl_unity_note, &note, 1);
-			*pitch = note & 0x7F;
-			break;
-		}
-		at = chunk.next();
-	}
+	u64 smpl = 0;
+	auto look = [&](const wave_chunk &chunk, u64 number) {
+		if (number < logged_chunks)
+			log_line("[D] %s Chunk: [%.4s] (%u Bytes)\r\n", filename, chunk.name,
+				chunk.size);
+		smpl = chunk.is("smpl") ? chunk.at : 0;
+		return !smpl;
+	};
+	if (!code)
+		code = walk_chunks(file, head, look);
+	u8 note = 0;
+	if (!code && smpl && !(code = file.read(smpl + smpl_unity_note, &note, 1)))
+		*pitch = note & 0x7F;
 	if (code) {
 		log_line("[F] Cannot read %llu Bytes from '%s'\r\n",
 			static_cast<unsigned long long>(file.size), filename);

@@ -5,8 +5,7 @@
 // Owns the listing of the spool and the list of local programs. The layout of a file
 // and what a conversion does to it: docs/wave-files.md.
 //
-// A file appears under its name whole or not at all: everything is written under a
-// temporary name of the same folder, closed, and renamed.
+// A file appears under its name whole or not at all (velmor_files.h).
 //
 // Windows are given by their id of controls.h, 0 for none. A path has backslashes.
 //
@@ -69,7 +68,7 @@ int create_sample_from_file(const char *filebase, _sample *sample);
 bool get_wave_info(const char *filename, u8 *bits, u8 *channels, int *sample_rate, u8 *pitch);
 
 // Bring a WAV file into the order that create_sample_from_file reads: fmt of 18 bytes,
-// fact, smpl, data. pitch is the unity note of a smpl chunk made here. False after a log
+// fact, smpl, data, whatever the order of the source. pitch is the unity note of a smpl chunk made here. False after a log
 // line; an old target then stands as it was.
 bool akai_it(const char *source, const char *target, u32 pitch);
 
@@ -92,6 +91,34 @@ u32 power2(u32 n);
 bool resample(int progress_dialog, const char *source, const char *target, unsigned channels,
 	unsigned mode, unsigned bits, u64 rate, unsigned pitch);
 
+// How a conversion ended; code is the system's for a file that could not be read or written.
+enum class conversion_end {
+	done,
+	stopped,
+	unreadable,
+	unwritable,
+	unfinished, // written, but it cannot have its name
+	no_wave,    // why_not_wave says more
+	too_large,  // for memory, or for the 32 bits of a length
+	no_order,   // a rate that a smpl chunk cannot tell
+};
+struct conversion_result {
+	conversion_end end;
+	int code;
+};
+
+struct conversion_wish {
+	const char *source, *target;
+	unsigned channels, mode, bits;
+	u64 rate;
+	u32 pitch; // unity note of a smpl chunk made here
+	int window;
+};
+
+// The same conversion straight into the order of the spool, as akai_it would bring it there
+// afterwards: a long file is written once.
+conversion_result convert_for_spool(const conversion_wish &wish);
+
 // ---- Import (waveqx_import.cpp) ---------------------------------------------------------
 
 // The spool's samples, in the order of their names. Replaced whole by load_local_samples.
@@ -111,8 +138,17 @@ enum : u8 {
 // original_pitch serves a file without a unity note. With a window, a percentage goes to
 // samples_work_percent and the outcome to samples_work_outcome. Returns 1 on success.
 // Stop ends it between blocks (progress_stopped is then true) and leaves no half file.
+// import_failure then says why for a person to read.
 int import_wave(const char *filename, int dialog, unsigned bits, int rate, unsigned channels,
 	unsigned mixing_mode, unsigned original_pitch);
+
+// Why the last import_wave or copy_folder failed, in one sentence or two; empty after a
+// success, and when Stop ended it.
+extern std::string import_failure;
+
+// What kind of file this is, and what it lacks to be imported, as a sentence; empty for a WAV
+// file that can be.
+std::string why_not_wave(const char *path);
 
 // List a folder, the spool for null. A folder that cannot be read ends the process.
 void load_local_samples(const char *folder);

@@ -230,7 +230,7 @@ static_assert(table_is_sound<_keygroup>(filter_env_rows, 18));
 static_assert(table_is_sound<_keygroup>(aux_env_rows, 18));
 static_assert(table_is_sound<_keygroup>(filt_rows, 10));
 static_assert(table_is_sound<_keyzone>(zone_rows, 46));
-constexpr int zone_name_length = 1, zone_name = 2, zone_name_end = 34;
+constexpr std::size_t zone_name_length = 1, zone_name = 2;
 
 // ---- Chunks ----------------------------------------------------------------------------
 
@@ -276,10 +276,11 @@ void read_zone(bounded_bytes data, _keygroup *to)
 	if (to->keyzones >= max_keyzones)
 		return;
 	_keyzone &zone = to->keyzone[to->keyzones++];
-	const std::size_t room =
-		std::min<std::size_t>(data[zone_name_length], zone_name_end - zone_name);
-	const std::string name = data.from(zone_name).text(0);
-	copy_text(zone.samplename, std::string_view(name).substr(0, std::min(room, name.size())));
+	// All the characters that it tells, whatever they are; the record ends them with a zero.
+	const std::size_t length =
+		std::min<std::size_t>(data[zone_name_length], sizeof zone.samplename - 1);
+	for (std::size_t i = 0; i < length; i++)
+		zone.samplename[i] = static_cast<char>(data[zone_name + i]);
 	read_rows(zone_rows, data, &zone);
 }
 

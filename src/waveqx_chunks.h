@@ -5,6 +5,8 @@
 #pragma once
 #include "src/waveqx_file.h"
 #include <cstring>
+#include <span>
+#include <vector>
 
 namespace velmor
 {
@@ -48,10 +50,6 @@ enum : int {
 };
 static_assert(int{ at_smpl } + smpl_akai_size == at_data);
 
-// A walk goes no further: a file of more chunks is no audio, and would only be a way to
-// keep the program busy.
-inline constexpr int max_wave_chunks = 4096;
-
 // The fields that stand at fixed places in every file whose first chunk is fmt.
 struct wave_head {
 	bool riff, wave; // "RIFF" and "WAVEfmt " stand where they should
@@ -74,8 +72,38 @@ struct wave_chunk {
 // Both answer a system code; what the file does not hold is zero.
 int read_wave_head(input_file &file, wave_head *head);
 int read_wave_chunk(input_file &file, u64 at, wave_chunk *chunk);
+// From the chunk behind fmt to the end of the file, as long as visit(chunk, number) wants
+// more: there is no limit but the file. A system code.
+template <class visitor> int walk_chunks(input_file &file, const wave_head &head, visitor visit)
+{
+	u64 at = u64{ head.fmt_length } + 20;
+	for (u64 number = 0; at < file.size; number++) {
+		wave_chunk chunk = {};
+		if (const int code = read_wave_chunk(file, at, &chunk))
+			return code;
+		if (!visit(chunk, number))
+			break;
+		at = chunk.next();
+	}
+	return 0;
+}
+// A walk logs no more than the first chunks of a file.
+inline constexpr u64 logged_chunks = 1000;
+
 // Bytes of a chunk that the file really holds: one that claims more is taken as far as
 // it goes.
 u64 wave_bytes_held(const input_file &file, const wave_chunk &chunk);
+
+// The chunks that go into the spool beside the audio, each whole with its name and length;
+// empty where there is none, and then one is made.
+struct kept_chunks {
+	std::span<const u8> fact, smpl;
+};
+
+// All that stands ahead of the audio in a file of the spool: fmt of 18 bytes, fact, smpl, and
+// the name and length of data. head is the first 38 bytes of the source. Null, or what is
+// wrong with the head.
+const char *make_spool_head(std::span<const u8> head, const kept_chunks &kept, u32 data_size,
+	u32 pitch, std::vector<u8> *out);
 
 } // namespace velmor

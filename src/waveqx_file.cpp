@@ -1,8 +1,4 @@
-// waveqx_file.cpp - reading a file by offset, and writing one whole or not at all
-//
-// A temporary name lies in the folder of its file, because only there a rename
-// happens at once, and it never ends in ".wav", so that a listing of the spool
-// does not show it. Left ones (the machine lost power) go with "Clear Spool".
+// waveqx_file.cpp - reading a file by offset
 
 #include "src/waveqx_file.h"
 #include "src/velmor.h"
@@ -12,9 +8,10 @@
 namespace velmor
 {
 
-static constexpr int not_a_file = -1; // no system code: a folder, a pipe, a device
+// No system codes.
+static constexpr int not_a_file = -1; // a folder, a pipe, a device
+static constexpr int cut_short = -2;  // by somebody, while it was read
 static constexpr std::size_t copy_block = 64 * 1024;
-static constexpr int temporary_names = 1000;
 
 owned_bytes allocate_bytes(u64 count)
 {
@@ -36,9 +33,17 @@ std::string error_words(const char *file, int line, int code)
 {
 	if (code == not_a_file)
 		return "Not a regular file";
+	if (code == cut_short)
+		return "It became shorter while it was read";
 	const char *words = host.files->error_text(code);
 	return words ? std::string(words)
 		     : format_text("(%s:%d) Unknown error-code [%d]", file, line, code);
+}
+
+std::string read_failure(const std::string &path, int code)
+{
+	return host.files->host_path(path.c_str()) +
+	       " cannot be read: " + error_words(__FILE_NAME__, __LINE__, code) + ".";
 }
 
 input_file::~input_file()
@@ -77,8 +82,7 @@ int input_file::read_file(u64 offset, u8 *bytes, std::size_t count)
 	std::size_t moved = 0;
 	const int code = host.files->read(file, bytes, held, &moved);
 	position += moved;
-	// Somebody cut the file short while it was read.
-	return code ? code : moved < held ? not_a_file : 0;
+	return code ? code : moved < held ? cut_short : 0;
 }
 
 int input_file::read(u64 offset, void *bytes, std::size_t count)
@@ -96,48 +100,7 @@ int input_file::read(u64 offset, void *bytes, std::size_t count)
 	return 0;
 }
 
-new_file::~new_file()
-{
-	discard();
-}
-
-void new_file::discard()
-{
-	if (file >= 0)
-		host.files->close(file);
-	file = -1;
-	if (!temporary.empty())
-		host.files->remove(temporary.c_str());
-	temporary.clear();
-}
-
-int new_file::open(const std::string &name)
-{
-	path = name;
-	const std::size_t end = path.rfind('\\');
-	const std::string folder = end == path.npos ? "" : path.substr(0, end + 1);
-	std::string free_name;
-	for (int i = 0; i < temporary_names; i++) {
-		file_info info;
-		free_name = format_text("%s~velmor%d.tmp", folder.c_str(), i);
-		if (host.files->not_found(host.files->stat(free_name.c_str(), &info)))
-			break;
-	}
-	const int code = host.files->open(free_name.c_str(), file_create, &file);
-	if (code) {
-		file = -1;
-		return code;
-	}
-	temporary = free_name;
-	return 0;
-}
-
-int new_file::write(const void *bytes, std::size_t count)
-{
-	return host.files->write(file, bytes, count);
-}
-
-int new_file::copy(input_file &source, u64 offset, u64 count, int *source_code)
+int copy_bytes(input_file &source, u64 offset, u64 count, fresh_file &target, int *source_code)
 {
 	u8 block[copy_block];
 	*source_code = 0;
@@ -145,24 +108,12 @@ int new_file::copy(input_file &source, u64 offset, u64 count, int *source_code)
 		const std::size_t part = static_cast<std::size_t>(std::min<u64>(count, copy_block));
 		if ((*source_code = source.read(offset, block, part)))
 			return 0;
-		if (const int code = write(block, part))
+		if (const int code = target.write(block, part))
 			return code;
 		offset += part;
 		count -= part;
 	}
 	return 0;
-}
-
-int new_file::finish()
-{
-	int code = host.files->close(file);
-	file = -1;
-	if (!code)
-		code = host.files->rename(temporary.c_str(), path.c_str());
-	if (!code)
-		temporary.clear();
-	discard();
-	return code;
 }
 
 } // namespace velmor

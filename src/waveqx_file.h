@@ -1,12 +1,13 @@
-// waveqx_file.h - reading a file by offset, and writing one whole or not at all
+// waveqx_file.h - reading a file by offset
 //
-// For the modules that take apart or make audio files of any size: nothing is held
-// but what is asked for. Every answer is a system code, 0 for success.
+// For the modules that take apart audio files of any size: nothing is held but what is
+// asked for. Every answer is a system code, 0 for success.
 //
 // Knows nothing of: what is in the files.
 
 #pragma once
 #include "src/resource.h"
+#include "src/velmor_files.h"
 #include <cstddef>
 #include <cstdlib>
 #include <memory>
@@ -45,29 +46,9 @@ private:
 	u8 near[near_size];
 };
 
-// A file being written under a temporary name beside its own. finish puts it in the place
-// of an old one at once; without finish, or when it fails, nothing of it is left and an
-// old file stands as it was.
-class new_file
-{
-public:
-	new_file() = default;
-	~new_file();
-	new_file(const new_file &) = delete;
-	new_file &operator=(const new_file &) = delete;
-
-	int open(const std::string &path);
-	int write(const void *bytes, std::size_t count);
-	// Bytes of another file, in blocks. *source_code tells a failure of that side.
-	int copy(input_file &source, u64 offset, u64 count, int *source_code);
-	int finish();
-
-private:
-	void discard();
-
-	int file = -1;
-	std::string path, temporary;
-};
+// Bytes of one file into another, in blocks: the code of the target, and in *source_code that
+// of the source.
+int copy_bytes(input_file &source, u64 offset, u64 count, fresh_file &target, int *source_code);
 
 // A block that gives itself back. Null when the system has no memory.
 struct free_block {
@@ -80,6 +61,8 @@ owned_bytes allocate_bytes(u64 count);
 char lower(char c);
 bool equal_but_for_case(std::string_view a, std::string_view b);
 
+// Why a file could not be read, as a sentence.
+std::string read_failure(const std::string &path, int code);
 // The system's words for a code, or "(file:line) Unknown error-code [code]".
 std::string error_words(const char *file, int line, int code);
 

@@ -1,10 +1,11 @@
 // waveqx_import.cpp - foreign WAV files into the spool, and the chores of its folder
 //
-// A file is converted into the folder temp and put in order from there into the
-// folder sample, under its own name with the extension that it came with. temp is
-// emptied at each import.
+// A file is converted straight into the folder sample, under its own name with the
+// extension that it came with, and appears there when it is complete. The folder temp,
+// where earlier versions converted, is emptied at each import.
 //
-// No import shows a box: its caller does, who knows how many files there are.
+// No import shows a box: its caller does, who knows how many files there are. Why one
+// failed stands in import_failure.
 //
 // Knows nothing of: what is inside a WAV file.
 
@@ -20,6 +21,7 @@ namespace velmor
 
 std::vector<_local_sample> local_sample;
 int local_samples = 0;
+std::string import_failure;
 
 static void show_text(int window, int control, const std::string &text)
 {
@@ -93,10 +95,13 @@ static import_case case_of(u32 wanted, u32 present, u32 mixing_mode)
 	}
 }
 
-static std::string temporary_name(const char *which)
+static std::string no_way_words(u32 channels)
 {
-	return format_text("%s\\temp\\wave_%lld_%s.wav", current_config_path.c_str(),
-		static_cast<long long>(host.clock->time_of_day()), which);
+	return channels == 1 ? "It has one channel, and these options make nothing of it. Choose "
+			       "Keep original for the channels."
+			     : format_text("It has %u channels, and these options make nothing of "
+					   "them. Choose Keep original for the channels.",
+				       channels);
 }
 
 static std::string spool_name(const std::string &name)
@@ -104,35 +109,74 @@ static std::string spool_name(const std::string &name)
 	return current_config_path + "\\sample\\" + file_name_of(name);
 }
 
-// Convert and put in order. percent is shown with the success.
-static int import_one(const import_job &job, const import_case &way, const char *which,
-	const std::string &target, const char *percent)
+// For a person, who knows the name of the file.
+static std::string reason_of(
+	const import_job &job, const std::string &target, const conversion_result &result)
 {
-	const std::string temp = temporary_name(which);
+	switch (result.end) {
+	case conversion_end::done:
+	case conversion_end::stopped:
+		return "";
+	case conversion_end::unreadable:
+		return read_failure(job.source, result.code);
+	case conversion_end::unwritable:
+	case conversion_end::unfinished:
+		return write_failure(target, result.code);
+	case conversion_end::too_large:
+		return "The result would be larger than a WAV file, or this computer's memory, "
+		       "can hold.";
+	case conversion_end::no_order:
+		return "Its new rate or depth cannot be told in a file of the spool. Choose "
+		       "another one.";
+	case conversion_end::no_wave:
+		break;
+	}
+	const std::string why = why_not_wave(job.source.c_str());
+	return why.empty() ? "The rate asked for is none." : why;
+}
+
+struct shown_end {
+	const char *outcome, *percent; // null: the percentage stays
+};
+
+// A file that is converted and cannot take its place is not the conversion's fault.
+static shown_end shown_for(const conversion_result &result, const char *percent)
+{
+	switch (result.end) {
+	case conversion_end::done:
+		return { "Success!", percent };
+	case conversion_end::stopped:
+		return { "Stopped!", "100 %" };
+	case conversion_end::unfinished:
+	case conversion_end::no_order:
+		return { "Internal error converting file!", nullptr };
+	default:
+		return { "Resampling failed!", "100 %" };
+	}
+}
+
+// percent is shown with the success.
+static int import_one(const import_job &job, const import_case &way, const std::string &target,
+	const char *percent)
+{
 	if (way.logged)
 		log_line("[D] Creating %s FROM: [%s] --> [%s]\r\n", way.logged, job.source.c_str(),
-			temp.c_str());
-	if (!resample(job.dialog, job.source.c_str(), temp.c_str(), way.channels, way.mode,
-		    job.bits, job.rate, job.pitch)) {
-		host.files->remove(temp.c_str());
-		return job.end(job.dialog && progress_stopped() ? "Stopped!" : "Resampling failed!",
-			"100 %", 0);
-	}
-	if (!akai_it(temp.c_str(), target.c_str(), job.pitch))
-		return job.end("Internal error converting file!", nullptr, 0);
-	host.files->remove(temp.c_str());
-	return job.end("Success!", percent, 1);
+			target.c_str());
+	const conversion_result result = convert_for_spool({ job.source.c_str(), target.c_str(),
+		way.channels, way.mode, job.bits, job.rate, job.pitch, job.dialog });
+	import_failure = reason_of(job, target, result);
+	const shown_end shown = shown_for(result, percent);
+	return job.end(shown.outcome, shown.percent, result.end == conversion_end::done);
 }
 
 static int import_two(const import_job &job)
 {
 	const std::string name = name_in(job.source);
 	const std::string base = name.substr(0, name.rfind('.'));
-	if (!import_one(job, { 1, mix_mode_left, nullptr }, "left", spool_name(base + "-L.wav"),
-		    "50 %"))
+	if (!import_one(job, { 1, mix_mode_left, nullptr }, spool_name(base + "-L.wav"), "50 %"))
 		return 0;
 	return import_one(
-		job, { 1, mix_mode_right, nullptr }, "right", spool_name(base + "-R.wav"), "100 %");
+		job, { 1, mix_mode_right, nullptr }, spool_name(base + "-R.wav"), "100 %");
 }
 
 // A file that somebody imports out of that very folder must outlive it.
@@ -150,7 +194,9 @@ int import_wave(const char *filename, int dialog, unsigned bits, int rate, unsig
 	u8 file_bits = 0, file_channels = 0, file_pitch = 0;
 	int file_rate = 0;
 	show_text(dialog, samples_work_percent, "1 %");
+	import_failure.clear();
 	if (!get_wave_info(filename, &file_bits, &file_channels, &file_rate, &file_pitch)) {
+		import_failure = why_not_wave(filename);
 		show_text(dialog, samples_work_outcome, "Cannot analyze original file");
 		return 0;
 	}
@@ -173,9 +219,11 @@ int import_wave(const char *filename, int dialog, unsigned bits, int rate, unsig
 	if (job.channels && (job.mixing_mode & import_split) && file_channels == 2)
 		return import_two(job);
 	const import_case way = case_of(job.channels, file_channels, job.mixing_mode);
-	if (job.channels && !way.channels)
+	if (job.channels && !way.channels) {
+		import_failure = no_way_words(file_channels);
 		return 0;
-	return import_one(job, way, "1", spool_name(name_in(job.source)), "100 %");
+	}
+	return import_one(job, way, spool_name(name_in(job.source)), "100 %");
 }
 
 // ---- The list of the spool ----------------------------------------------------------------
@@ -255,31 +303,39 @@ void cleanup_dir(const char *folder)
 		cleanup_entry(std::string(folder) + "\\" + name);
 }
 
-// "" or the words of a failure. A missing source is told apart: it alone does not end a copy.
-static std::string copy_file(const std::string &source, const std::string &target, bool *missing)
+struct copy_failure {
+	std::string words;    // "" when all went well
+	bool missing = false; // the source is gone, which alone does not end a copy
+};
+
+static copy_failure copy_file(const std::string &source, const std::string &target)
 {
-	auto words = [](const char *format, const std::string &path) {
-		std::string out = format;
-		return out.replace(out.find("%s"), 2, path);
-	};
 	file_info info = {};
-	*missing = host.files->stat(source.c_str(), &info) != 0;
-	if (*missing)
-		return words("Cannot stat [%s]", source);
+	if (host.files->stat(source.c_str(), &info) != 0)
+		return { "Cannot stat [" + source + "]", true };
+	auto failed = [](const std::string &words, const std::string &why) -> copy_failure {
+		import_failure = why;
+		return { words };
+	};
 	input_file from;
 	// A pipe would wait for its other end.
-	if (from.measure(source.c_str()) || from.open(source.c_str()))
-		return words("Cannot open [%s]", source);
-	new_file to;
-	if (to.open(target))
-		return words("Cannot open [%s] for writing", target);
+	int code = from.measure(source.c_str());
+	if (!code)
+		code = from.open(source.c_str());
+	if (code)
+		return failed("Cannot open [" + source + "]", read_failure(source, code));
+	fresh_file to;
+	if ((code = to.open(target)))
+		return failed(
+			"Cannot open [" + target + "] for writing", write_failure(target, code));
 	int source_code = 0;
-	int code = to.copy(from, 0, from.size, &source_code);
+	code = copy_bytes(from, 0, from.size, to, &source_code);
 	if (source_code)
-		return words("Cannot read [%s]", source);
+		return failed("Cannot read [" + source + "]", read_failure(source, source_code));
 	if (!code)
 		code = to.finish();
-	return code ? words("Cannot write to [%s]", target) : "";
+	return code ? failed("Cannot write to [" + target + "]", write_failure(target, code))
+		    : copy_failure{};
 }
 
 // A disk that does not tell cases apart would put one file over another: true where the
@@ -312,14 +368,16 @@ static std::string copy_entries(int dialog, const std::vector<std::string> &name
 		set_progressbar(i);
 		if (progress_stopped())
 			return "Stopped!";
-		if (taken_in_another_case(names, static_cast<std::size_t>(i), target))
+		if (taken_in_another_case(names, static_cast<std::size_t>(i), target)) {
+			import_failure = "The folder does not tell " + name +
+					 " from another sample whose name differs by case alone.";
 			return "Cannot open [" + to + "] for writing";
-		bool missing = false;
-		const std::string failure = copy_file(from, to, &missing);
-		if (!failure.empty() && !missing)
-			return failure;
-		if (missing)
-			show_text(dialog, samples_work_outcome, failure);
+		}
+		const copy_failure failure = copy_file(from, to);
+		if (!failure.words.empty() && !failure.missing)
+			return failure.words;
+		if (failure.missing)
+			show_text(dialog, samples_work_outcome, failure.words);
 	}
 	return "";
 }
@@ -335,15 +393,20 @@ bool copy_folder(int dialog, const char *source, const char *target)
 		return path;
 	};
 	const std::string from = plain(source), to = plain(target);
+	import_failure.clear();
 	if (from == to) {
+		import_failure = "The export folder is the spool itself. Choose another one.";
 		show_text(dialog, samples_work_outcome, "Export Folder is Spool-Directory!");
 		return false;
 	}
 	std::vector<std::string> names;
-	if (host.files->list(from.c_str(), &names) != 0) {
+	if (const int code = host.files->list(from.c_str(), &names)) {
+		import_failure = read_failure(from, code);
 		show_text(dialog, samples_work_outcome, "Cannot open [" + from + "]");
 		return false;
 	}
+	std::erase_if(names, [](const std::string &name) { return is_temporary_name(name); });
+	remove_left_files(to);
 	show_progressbar(dialog, static_cast<int>(names.size()), "Copying files...");
 	const std::string failure = copy_entries(dialog, names, from, to);
 	if (failure.empty())

@@ -2,139 +2,132 @@
 //
 // Whatever order a file has and whatever else it carries, its result is
 //
-//   RIFF WAVE, fmt 18, fact and smpl as they stood or made here, data
+//   RIFF WAVE, fmt 18, fact, smpl, data
 //
-// A fact that came from the source keeps its count, even where a conversion changed
-// the frames, and a smpl that came from the source keeps its unity note. A made smpl
-// takes its period from the low 16 bits of the rate, as every file of this format
-// does: 32825 ns at 96000 Hz.
+// which is the only one that the reader takes. Of two chunks of a name the last one counts,
+// as it does in a conversion. A fact that came from the source keeps its count, even where
+// a conversion changed the frames, and a smpl that came from the source keeps its unity
+// note. A made smpl takes its period from the low 16 bits of the rate, as every file of
+// this format does: 32825 ns at 96000 Hz.
 //
 // Knows nothing of: audio data, which it copies.
 
 #include "src/velmor.h"
 #include "src/waveqx.h"
 #include "src/waveqx_chunks.h"
-#include <vector>
 
 namespace velmor
 {
 
+// ---- The head ------------------------------------------------------------------------------
+
+static void append(std::vector<u8> *out, std::span<const u8> bytes)
+{
+	out->insert(out->end(), bytes.begin(), bytes.end());
+}
+
+static void append_made_fact(std::vector<u8> *out, u32 frames)
+{
+	u8 fact[12] = { 'f', 'a', 'c', 't', 4 };
+	wave_write_32bit(fact + 8, frames);
+	append(out, fact);
+}
+
+static void append_made_smpl(std::vector<u8> *out, u32 rate, u32 pitch)
+{
+	u8 smpl[44] = { 's', 'm', 'p', 'l', 36 };
+	std::memcpy(smpl + smpl_manufacturer, akai_defs, 8);
+	wave_write_32bit(smpl + smpl_period, 1000000000 / rate);
+	wave_write_32bit(smpl + smpl_unity_note, pitch & 0xFF);
+	append(out, smpl);
+}
+
+const char *make_spool_head(std::span<const u8> head, const kept_chunks &kept, u32 data_size,
+	u32 pitch, std::vector<u8> *out)
+{
+	const u32 frame = wave_read_16bit(&head[at_bytespersample]);
+	const u32 rate = wave_read_16bit(&head[at_sample_rate]);
+	if (kept.fact.empty() && frame == 0)
+		return "block align is 0";
+	if (kept.smpl.empty() && rate == 0)
+		return "no sampling rate";
+	out->assign(head.begin(), head.begin() + at_fact);
+	if (wave_read_32bit(&head[at_fmt_length]) != at_fact - at_version) {
+		wave_write_32bit(out->data() + at_fmt_length, at_fact - at_version);
+		wave_write_16bit(out->data() + at_extension, 0);
+	}
+	if (kept.fact.empty())
+		append_made_fact(out, data_size / frame);
+	append(out, kept.fact);
+	append(out, kept.smpl);
+	if (kept.smpl.empty())
+		append_made_smpl(out, rate, pitch);
+	u8 data[8] = { 'd', 'a', 't', 'a' };
+	wave_write_32bit(data + 4, data_size);
+	append(out, data);
+	wave_write_32bit(
+		out->data() + at_file_length, static_cast<u32>(out->size() + data_size - 8));
+	log_line("[D] AKAI_IT --> CHUNK [data] (%u Bytes) after LOOP DATA-SIZE: %llu\r\n",
+		data_size, static_cast<unsigned long long>(out->size() + data_size));
+	return nullptr;
+}
+
+// ---- A file that stands somewhere ------------------------------------------------------------
+
 namespace
 {
 
-struct ordered_chunks {
-	std::vector<wave_chunk> kept; // fact and smpl, in the order in which they stood
-	wave_chunk data;
+struct found_chunks {
+	wave_chunk fact, smpl, data;
 	bool has_fact, has_smpl, has_data;
 };
 
 } // namespace
 
-static int find_chunks(input_file &file, const wave_head &head, ordered_chunks *found)
+static int find_chunks(input_file &file, const wave_head &head, found_chunks *found)
 {
 	*found = {};
-	u64 at = u64{ head.fmt_length } + 20;
-	for (int i = 0; i < max_wave_chunks && at < file.size; i++) {
-		wave_chunk chunk = {};
-		if (const int code = read_wave_chunk(file, at, &chunk))
-			return code;
-		log_line("[D] AKAI_IT --> CHUNK [%.4s] (%u Bytes)\r\n", chunk.name, chunk.size);
-		if (chunk.is("data")) {
+	auto look = [found](const wave_chunk &chunk, u64 number) {
+		if (number < logged_chunks)
+			log_line("[D] AKAI_IT --> CHUNK [%.4s] (%u Bytes)\r\n", chunk.name,
+				chunk.size);
+		if (chunk.is("fact")) {
+			found->fact = chunk;
+			found->has_fact = true;
+		} else if (chunk.is("smpl")) {
+			found->smpl = chunk;
+			found->has_smpl = true;
+		} else if (chunk.is("data")) {
 			found->data = chunk;
-			found->data.size = static_cast<u32>(wave_bytes_held(file, chunk));
 			found->has_data = true;
-			break;
 		}
-		const bool fact = chunk.is("fact"), smpl = chunk.is("smpl");
-		found->has_fact |= fact;
-		found->has_smpl |= smpl;
-		if (fact || smpl)
-			found->kept.push_back(chunk);
-		at = chunk.next();
-	}
+		return !found->has_data;
+	};
+	const int code = walk_chunks(file, head, look);
+	found->data.size = static_cast<u32>(wave_bytes_held(file, found->data));
 	log_line("[D] AKAI_IT --> HAS_FACT_HEADER: %d, HAS_SMPL_HEADER: %d NEXT-CHUNK: [%.4s]\r\n",
 		found->has_fact, found->has_smpl, found->data.name);
-	return 0;
+	return code;
 }
 
-// What is made here stands between the kept chunks and the data.
-static std::vector<u8> made_chunks(const wave_head &head, const ordered_chunks &chunks, u32 pitch)
+// A chunk in memory, with its name and length; nothing for one that is not there. False
+// without memory.
+static bool load_chunk(
+	input_file &file, const wave_chunk &chunk, bool there, owned_bytes *block, int *code)
 {
-	std::vector<u8> out;
-	if (!chunks.has_fact) {
-		out.resize(12);
-		std::memcpy(out.data(), "fact", 4);
-		wave_write_32bit(out.data() + 4, 4);
-		wave_write_32bit(out.data() + 8, chunks.data.size / head.bytespersample);
-	}
-	if (!chunks.has_smpl) {
-		out.resize(out.size() + 44);
-		u8 *smpl = out.data() + out.size() - 44;
-		std::memcpy(smpl, "smpl", 4);
-		wave_write_32bit(smpl + 4, 36);
-		std::memcpy(smpl + smpl_manufacturer, akai_defs, 8);
-		wave_write_32bit(smpl + smpl_period, 1000000000 / (head.sample_rate & 0xFFFF));
-		wave_write_32bit(smpl + smpl_unity_note, pitch & 0xFF);
-	}
-	return out;
+	if (!there || *code)
+		return true;
+	const u64 size = 8 + u64{ chunk.size };
+	*block = allocate_bytes(size);
+	if (*block)
+		*code = file.read(chunk.at, block->get(), static_cast<std::size_t>(size));
+	return block->get();
 }
 
-static const char *fault_of(const wave_head &head, const ordered_chunks &chunks)
+static bool refused(const char *words, const char *name, int line)
 {
-	if (!chunks.has_data)
-		return "no data chunk";
-	if (!chunks.has_fact && head.bytespersample == 0)
-		return "block align is 0";
-	if (!chunks.has_smpl && (head.sample_rate & 0xFFFF) == 0)
-		return "no sampling rate";
-	return nullptr;
-}
-
-namespace
-{
-
-// Where a result failed, so that the right words are said.
-struct write_outcome {
-	bool opened = false;
-	int source_code = 0, code = 0;
-};
-
-} // namespace
-
-static write_outcome write_result(input_file &file, const char *target,
-	const ordered_chunks &chunks, const std::vector<u8> &made, u64 size)
-{
-	write_outcome out;
-	u8 head[at_fact];
-	if ((out.source_code = file.read(0, head, sizeof head)))
-		return out;
-	wave_write_32bit(head + at_file_length, static_cast<u32>(size - 8));
-	if (wave_read_32bit(head + at_fmt_length) != at_fact - at_version) {
-		wave_write_32bit(head + at_fmt_length, at_fact - at_version);
-		wave_write_16bit(head + at_extension, 0);
-	}
-	new_file result;
-	out.code = result.open(target);
-	out.opened = out.code == 0;
-	auto going = [&] { return !out.code && !out.source_code; };
-	if (going())
-		out.code = result.write(head, sizeof head);
-	for (const wave_chunk &chunk : chunks.kept)
-		if (going())
-			out.code = result.copy(
-				file, chunk.at, 8 + u64{ chunk.size }, &out.source_code);
-	if (going())
-		out.code = result.write(made.data(), made.size());
-	u8 data_head[8] = { 'd', 'a', 't', 'a' };
-	wave_write_32bit(data_head + 4, chunks.data.size);
-	if (going())
-		out.code = result.write(data_head, sizeof data_head);
-	if (going())
-		out.code =
-			result.copy(file, chunks.data.at + 8, chunks.data.size, &out.source_code);
-	if (going())
-		out.code = result.finish();
-	return out;
+	log_line("[F] (%s:%d) %s [%s]\r\n", __FILE_NAME__, line, words, name);
+	return false;
 }
 
 static bool cannot_read(const input_file &file, const char *source)
@@ -144,46 +137,67 @@ static bool cannot_read(const input_file &file, const char *source)
 	return false;
 }
 
-static bool open_source(input_file &file, const char *source)
+static bool corrupted(const char *source, const char *fault)
 {
-	const char *fault = file.measure(source)        ? "Cannot stat"
-			    : file.size < smallest_file ? "Too small file"
-			    : file.open(source)         ? "Cannot open"
-							: nullptr;
-	if (fault)
-		log_line("[F] (%s:%d) %s [%s]\r\n", __FILE_NAME__, __LINE__, fault, source);
-	return !fault;
+	log_line("[F] (%s:%d) File-Header corrupted [%s] (%s)\r\n", __FILE_NAME__, __LINE__, source,
+		fault);
+	return false;
+}
+
+static bool write_result(input_file &file, const char *source, const char *target,
+	const std::vector<u8> &head, const wave_chunk &data)
+{
+	fresh_file result;
+	if (result.open(target))
+		return refused("Cannot open", target, __LINE__);
+	int source_code = 0;
+	int code = result.write(head.data(), head.size());
+	if (!code)
+		code = copy_bytes(file, data.at + 8, data.size, result, &source_code);
+	if (source_code)
+		return cannot_read(file, source);
+	if (!code)
+		code = result.finish();
+	if (code)
+		log_line("[F] (%s:%d) Cannot write %llu Bytes to [%s]\r\n", __FILE_NAME__, __LINE__,
+			static_cast<unsigned long long>(head.size() + data.size), target);
+	return !code;
 }
 
 bool akai_it(const char *source, const char *target, u32 pitch)
 {
 	input_file file;
-	if (!open_source(file, source))
-		return false;
+	if (file.measure(source))
+		return refused("Cannot stat", source, __LINE__);
+	if (file.size < smallest_file)
+		return refused("Too small file", source, __LINE__);
+	if (file.open(source))
+		return refused("Cannot open", source, __LINE__);
 	wave_head head;
-	ordered_chunks chunks;
-	if (read_wave_head(file, &head) || find_chunks(file, head, &chunks))
+	found_chunks found;
+	u8 first[at_fact];
+	if (read_wave_head(file, &head) || find_chunks(file, head, &found) ||
+		file.read(0, first, sizeof first))
 		return cannot_read(file, source);
-	if (const char *fault = fault_of(head, chunks)) {
-		log_line("[F] (%s:%d) File-Header corrupted [%s] (%s)\r\n", __FILE_NAME__, __LINE__,
-			source, fault);
-		return false;
-	}
-	const std::vector<u8> made = made_chunks(head, chunks, pitch);
-	u64 size = at_fact + made.size() + 8 + chunks.data.size;
-	for (const wave_chunk &chunk : chunks.kept)
-		size += 8 + u64{ chunk.size };
-	log_line("[D] AKAI_IT --> CHUNK [%.4s] (%u Bytes) after LOOP DATA-SIZE: %llu\r\n",
-		chunks.data.name, chunks.data.size, static_cast<unsigned long long>(size));
-	const write_outcome out = write_result(file, target, chunks, made, size);
-	if (out.source_code)
+	if (!found.has_data)
+		return corrupted(source, "no data chunk");
+	owned_bytes fact, smpl;
+	int code = 0;
+	if (!load_chunk(file, found.fact, found.has_fact, &fact, &code) ||
+		!load_chunk(file, found.smpl, found.has_smpl, &smpl, &code))
+		return refused("Out of memory", source, __LINE__);
+	if (code)
 		return cannot_read(file, source);
-	if (out.code && !out.opened)
-		log_line("[F] (%s:%d) Cannot open [%s]\r\n", __FILE_NAME__, __LINE__, target);
-	else if (out.code)
-		log_line("[F] (%s:%d) Cannot write %llu Bytes to [%s]\r\n", __FILE_NAME__, __LINE__,
-			static_cast<unsigned long long>(size), target);
-	return !out.code;
+	auto whole = [](const owned_bytes &block, const wave_chunk &chunk) {
+		return std::span<const u8>(block.get(), block ? 8 + std::size_t{ chunk.size } : 0);
+	};
+	std::vector<u8> made;
+	const char *fault =
+		make_spool_head(first, { whole(fact, found.fact), whole(smpl, found.smpl) },
+			found.data.size, pitch, &made);
+	if (fault)
+		return corrupted(source, fault);
+	return write_result(file, source, target, made, found.data);
 }
 
 } // namespace velmor

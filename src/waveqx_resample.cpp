@@ -121,11 +121,13 @@ struct conversion {
 	u32 channels, mode, bits;
 	u32 rate;
 	int window; // whose events run, 0 for none
+	bool for_spool;
+	u32 pitch; // of a smpl chunk that the spool needs and the source lacks
 
 	input_file file;
 	wave_head head;
-	wave_chunk data, smpl;
-	bool has_smpl;
+	wave_chunk data, smpl, fact;
+	bool has_smpl, has_fact;
 	owned_bytes prefix; // the file up to the first byte of data
 	std::size_t prefix_size;
 
@@ -138,31 +140,45 @@ struct conversion {
 
 	std::vector<u8> in, out;
 	std::vector<i32> first, second;
+	// The largest signed values of the frames up to seen, for the log alone.
+	i32 left_peak, right_peak;
+	std::int64_t seen;
+
+	conversion_result result; // why it ended, as soon as it is known
 
 	bool resampled() const { return head.sample_rate != rate; }
 };
 
-bool failed(const char *words, const char *name)
+bool failed(conversion &c, conversion_end end, int code, const char *words)
 {
-	log_line("[F] %s [%s]\r\n", words, name);
+	c.result = { end, code };
+	log_line("[F] %s [%s]\r\n", words, end == conversion_end::unreadable ? c.source : c.target);
 	return false;
 }
 
-bool corrupted(const conversion &c, const char *why)
+bool cannot_read(conversion &c, int code)
 {
+	return failed(c, conversion_end::unreadable, code, "Cannot read");
+}
+
+bool corrupted(conversion &c, const char *why)
+{
+	c.result = { conversion_end::no_wave, 0 };
 	log_line("[F] (%s:%d) File-Header corrupted [%s] (%s)\r\n", __FILE_NAME__, __LINE__,
 		c.source, why);
 	return false;
 }
 
-bool invalid(const conversion &c, const char *why)
+bool invalid(conversion &c, const char *why)
 {
+	c.result = { conversion_end::no_wave, 0 };
 	log_line("[F] Invalid wave-file [%s](%s)\r\n", c.source, why);
 	return false;
 }
 
-bool no_memory(u64 bytes)
+bool no_memory(conversion &c, u64 bytes)
 {
+	c.result = { conversion_end::too_large, 0 };
 	log_line("[F] (%s:%d) Failed to allocate %llu Bytes of data!\r\n", __FILE_NAME__, __LINE__,
 		static_cast<unsigned long long>(bytes));
 	return false;
@@ -172,35 +188,43 @@ bool no_memory(u64 bytes)
 
 bool find_data(conversion &c)
 {
-	u64 at = u64{ c.head.fmt_length } + 20;
-	for (int i = 0; i < max_wave_chunks && at < c.file.size; i++) {
-		wave_chunk chunk = {};
-		if (read_wave_chunk(c.file, at, &chunk))
-			return failed("Cannot read", c.source);
-		log_line("[D] Found Chunk: [%.4s] (%u Bytes)\r\n", chunk.name, chunk.size);
+	bool found = false;
+	auto look = [&](const wave_chunk &chunk, u64 number) {
+		if (number < logged_chunks)
+			log_line("[D] Found Chunk: [%.4s] (%u Bytes)\r\n", chunk.name, chunk.size);
 		if (chunk.is("data")) {
 			c.data = chunk;
-			return true;
-		}
-		if (chunk.is("smpl")) {
+			found = true;
+		} else if (chunk.is("smpl")) {
 			c.smpl = chunk;
 			c.has_smpl = true;
 			log_line("[D] Sample Header found at: %llu!\r\n",
-				static_cast<unsigned long long>(at));
+				static_cast<unsigned long long>(chunk.at));
+		} else if (chunk.is("fact")) {
+			c.fact = chunk;
+			c.has_fact = true;
 		}
-		at = chunk.next();
-	}
-	return invalid(c, "No data-section");
+		return !found;
+	};
+	if (const int code = walk_chunks(c.file, c.head, look))
+		return cannot_read(c, code);
+	return found || invalid(c, "No data-section");
+}
+
+bool open_source(conversion &c)
+{
+	if (const int code = c.file.measure(c.source))
+		return failed(c, conversion_end::unreadable, code, "Cannot stat");
+	if (const int code = c.file.open(c.source))
+		return failed(c, conversion_end::unreadable, code, "Cannot open");
+	const int code = read_wave_head(c.file, &c.head);
+	return !code || cannot_read(c, code);
 }
 
 bool read_head(conversion &c)
 {
-	if (c.file.measure(c.source))
-		return failed("Cannot stat", c.source);
-	if (c.file.open(c.source))
-		return failed("Cannot open", c.source);
-	if (read_wave_head(c.file, &c.head))
-		return failed("Cannot read", c.source);
+	if (!open_source(c))
+		return false;
 	if (!c.head.riff)
 		return invalid(c, "RIFF-Header missing");
 	if (!c.head.wave)
@@ -209,13 +233,15 @@ bool read_head(conversion &c)
 		 "CHANNELS: %d\r\n",
 		c.head.fmt_length, c.head.bytespersample, c.source, c.head.version,
 		c.head.bitspersample, c.head.channels);
+	if (!find_data(c))
+		return false;
 	if (c.head.bytespersample == 0)
 		return corrupted(c, "block align is 0");
 	if (c.head.channels == 0)
 		return corrupted(c, "no channels");
 	if (c.resampled() && (c.head.sample_rate == 0 || c.rate == 0))
 		return corrupted(c, "no sampling rate");
-	return find_data(c);
+	return true;
 }
 
 // Everything ahead of the data survives; a head shorter than its own fields is padded
@@ -225,11 +251,10 @@ bool read_prefix(conversion &c)
 	const u64 size = c.data.at + 8;
 	c.prefix = allocate_bytes(std::max<u64>(size, smallest_file));
 	if (!c.prefix)
-		return no_memory(size);
+		return no_memory(c, size);
 	c.prefix_size = static_cast<std::size_t>(size);
-	if (c.file.read(0, c.prefix.get(), c.prefix_size))
-		return failed("Cannot read", c.source);
-	return true;
+	const int code = c.file.read(0, c.prefix.get(), c.prefix_size);
+	return !code || cannot_read(c, code);
 }
 
 // ---- Changing the head -------------------------------------------------------------------
@@ -278,9 +303,8 @@ bool read_window(conversion &c, std::int64_t first, std::int64_t count)
 	const std::size_t bytes =
 		static_cast<std::size_t>(count) * c.head.bytespersample + overshoot;
 	const u64 at = c.data.at + 8 + static_cast<u64>(first) * c.head.bytespersample;
-	if (c.file.read(at, c.in.data(), bytes))
-		return failed("Cannot read", c.source);
-	return true;
+	const int code = c.file.read(at, c.in.data(), bytes);
+	return !code || cannot_read(c, code);
 }
 
 source_window window_of(const conversion &c, std::int64_t first, std::size_t channel)
@@ -293,22 +317,32 @@ std::int64_t frames_in_window(const conversion &c)
 	return static_cast<std::int64_t>((window_bytes - overshoot) / c.head.bytespersample);
 }
 
-// The largest signed values, for the log alone: nothing is normalised.
-bool find_peaks(conversion &c, i32 *left, i32 *right)
+// Take the values of a window into the peaks, as far as they were not seen before.
+void note_peaks(conversion &c, std::int64_t first, std::int64_t count)
 {
-	*left = *right = 0;
+	const std::int64_t from = std::max(first, c.seen), end = first + count;
+	if (from >= end)
+		return;
 	const depth_row &depth = depth_of(c.head.bitspersample);
+	auto largest = [&](std::size_t channel) {
+		source_window w = window_of(c, from, channel);
+		w.bytes += static_cast<std::size_t>(from - first) * w.stride;
+		return depth.largest(w, static_cast<std::size_t>(end - from));
+	};
+	c.left_peak = std::max(c.left_peak, largest(0));
+	c.right_peak = c.right ? std::max(c.right_peak, largest(c.right)) : c.left_peak;
+	c.seen = end;
+}
+
+// Frames that no block of the result needs, up to end.
+bool note_skipped(conversion &c, std::int64_t end)
+{
 	const std::int64_t most = frames_in_window(c);
-	for (std::int64_t done = 0; done < c.frames; done += most) {
-		const std::int64_t count = std::min(most, c.frames - done);
-		if (!read_window(c, done, count))
+	while (c.seen < end) {
+		const std::int64_t first = c.seen, count = std::min(most, end - first);
+		if (!read_window(c, first, count))
 			return false;
-		auto largest = [&](std::size_t channel, i32 peak) {
-			return std::max(peak, depth.largest(window_of(c, done, channel),
-						      static_cast<std::size_t>(count)));
-		};
-		*left = largest(0, *left);
-		*right = c.right ? largest(c.right, *right) : *left;
+		note_peaks(c, first, count);
 	}
 	return true;
 }
@@ -393,26 +427,44 @@ bool stopped(const conversion &c, int block)
 	return progress_stopped();
 }
 
-bool write_frames(conversion &c, new_file &result, int *code)
+bool write_block(
+	conversion &c, fresh_file &result, std::int64_t start, std::int64_t count, u32 *scaled)
+{
+	const source_run run = run_for(c, start, count);
+	const bool peaks = current_run_mode.diagnostics;
+	if ((peaks && !note_skipped(c, run.first)) || !read_window(c, run.first, run.count))
+		return false;
+	if (peaks)
+		note_peaks(c, run.first, run.count);
+	put_block(c, start, run.first, static_cast<std::size_t>(count), scaled);
+	const int code = result.write(c.out.data(), static_cast<std::size_t>(count) * c.frame);
+	return !code || failed(c, conversion_end::unwritable, code, "Cannot write to");
+}
+
+bool write_blocks(conversion &c, fresh_file &result)
 {
 	std::vector<u32> scaled(block_frames);
 	const std::int64_t most = frames_in_block(c);
 	int block = 0;
 	for (std::int64_t done = 0; done < c.new_frames; done += most) {
-		const std::int64_t count = std::min(most, c.new_frames - done);
-		const source_run run = run_for(c, done, count);
 		if (stopped(c, block++)) {
+			c.result = { conversion_end::stopped, 0 };
 			log_line("[I] Stopped converting [%s]\r\n", c.source);
 			return false;
 		}
-		if (!read_window(c, run.first, run.count))
-			return false;
-		put_block(c, done, run.first, static_cast<std::size_t>(count), scaled.data());
-		*code = result.write(c.out.data(), static_cast<std::size_t>(count) * c.frame);
-		if (*code)
+		if (!write_block(
+			    c, result, done, std::min(most, c.new_frames - done), scaled.data()))
 			return false;
 	}
 	return true;
+}
+
+// A frame of no channels or no bits has no bytes to write.
+bool write_frames(conversion &c, fresh_file &result)
+{
+	if (c.frame && c.new_frames && !write_blocks(c, result))
+		return false;
+	return !current_run_mode.diagnostics || note_skipped(c, c.frames);
 }
 
 // ---- The whole ---------------------------------------------------------------------------
@@ -446,21 +498,57 @@ void change_rate(conversion &c)
 		count);
 }
 
-bool write_target(conversion &c, u64 data_size)
+void log_peaks(const conversion &c)
 {
-	new_file result;
-	if (result.open(c.target))
-		return failed("Cannot create", c.target);
-	int code = result.write(c.prefix.get(), c.prefix_size);
-	if (!code && data_size && !write_frames(c, result, &code) && !code)
-		return false; // the source failed or the user stopped, and the log says which
-	if (!code)
-		code = result.finish();
+	log_line("[D] Sample Peak-Value: %d (Right) %d (Left), SHIFTER: %d (%s) [%zu Bytes per "
+		 "Sample]\r\n",
+		c.right_peak, c.left_peak, c.shifter,
+		c.shifter > 0   ? ">>"
+		: c.shifter < 0 ? "<<"
+				: "",
+		c.frame);
+}
+
+bool write_target(conversion &c, std::span<const u8> head, u64 data_size)
+{
+	fresh_file result;
+	if (const int code = result.open(c.target))
+		return failed(c, conversion_end::unwritable, code, "Cannot create");
+	int code = result.write(head.data(), head.size());
 	if (code)
-		return failed("Cannot write to", c.target);
+		return failed(c, conversion_end::unwritable, code, "Cannot write to");
+	if (!write_frames(c, result))
+		return false;
+	log_peaks(c);
+	if ((code = result.finish()))
+		return failed(c, conversion_end::unfinished, code, "Cannot write to");
 	log_line("[I] Successfully written %llu Bytes to [%s]\r\n",
-		static_cast<unsigned long long>(c.prefix_size + data_size), c.target);
+		static_cast<unsigned long long>(head.size() + data_size), c.target);
 	return true;
+}
+
+// The spool has an order of its own; otherwise the source's head goes as it is.
+bool write_ordered(conversion &c, u64 data_size)
+{
+	const std::span<const u8> prefix = { c.prefix.get(), c.prefix_size };
+	if (!c.for_spool)
+		return write_target(c, prefix, data_size);
+	auto whole = [&](const wave_chunk &chunk, bool there) {
+		return there ? prefix.subspan(static_cast<std::size_t>(chunk.at),
+				       8 + std::size_t{ chunk.size })
+			     : std::span<const u8>{};
+	};
+	std::vector<u8> head;
+	const kept_chunks kept = { whole(c.fact, c.has_fact), whole(c.smpl, c.has_smpl) };
+	const char *fault = c.prefix_size + data_size < smallest_file
+				    ? "too small"
+				    : make_spool_head({ c.prefix.get(), at_fact }, kept,
+					      static_cast<u32>(data_size), c.pitch, &head);
+	if (!fault)
+		return write_target(c, head, data_size);
+	corrupted(c, fault);
+	c.result.end = conversion_end::no_order;
+	return false;
 }
 
 bool convert(conversion &c)
@@ -468,22 +556,13 @@ bool convert(conversion &c)
 	if (!read_head(c) || !read_prefix(c))
 		return false;
 	plan(c);
-	i32 left_peak = 0, right_peak = 0;
-	if (current_run_mode.diagnostics && !find_peaks(c, &left_peak, &right_peak))
-		return false;
 	if (c.resampled())
 		change_rate(c);
 	log_line("[D] ******************** NEW_BYTESPERSAMPLE: %zu *****************\r\n", c.frame);
-	log_line("[D] Sample Peak-Value: %d (Right) %d (Left), SHIFTER: %d (%s) [%zu Bytes per "
-		 "Sample]\r\n",
-		right_peak, left_peak, c.shifter,
-		c.shifter > 0   ? ">>"
-		: c.shifter < 0 ? "<<"
-				: "",
-		c.frame);
 	const u64 data_size = c.frame * static_cast<u64>(c.new_frames);
 	// The length fields have 32 bits.
 	if (c.prefix_size + data_size > 0xFFFFFFFF) {
+		c.result = { conversion_end::too_large, 0 };
 		log_line("[F] (%s:%d) Failed to allocate %llu Bytes of data\r\n", __FILE_NAME__,
 			__LINE__, static_cast<unsigned long long>(c.prefix_size + data_size));
 		return false;
@@ -494,27 +573,44 @@ bool convert(conversion &c)
 		static_cast<unsigned long long>(c.prefix_size + data_size),
 		static_cast<unsigned long long>(data_size));
 	patch_head(c, data_size);
-	return write_target(c, data_size);
+	return write_ordered(c, data_size);
+}
+
+conversion_result run(const conversion_wish &wish, bool for_spool)
+{
+	conversion c = {};
+	c.source = wish.source;
+	c.target = wish.target;
+	c.channels = wish.channels & 0xFF;
+	c.mode = wish.mode & 0xFF;
+	c.bits = wish.bits & 0xFF;
+	c.window = wish.window;
+	c.for_spool = for_spool;
+	c.pitch = wish.pitch;
+	log_line("[D] Resampling [%s] to [%s], Bits: %u, New Channels: %u, Mode: 0x%02X\r\n",
+		c.source, c.target, c.bits, c.channels, c.mode);
+	if (wish.rate > 0xFFFFFFFF) {
+		corrupted(c, "no such sampling rate");
+		return c.result;
+	}
+	c.rate = static_cast<u32>(wish.rate);
+	convert(c);
+	return c.result;
 }
 
 } // namespace
 
 bool resample(int progress_dialog, const char *source, const char *target, unsigned channels,
-	unsigned mode, unsigned bits, u64 rate, unsigned)
+	unsigned mode, unsigned bits, u64 rate, unsigned pitch)
 {
-	conversion c = {};
-	c.source = source;
-	c.target = target;
-	c.channels = channels & 0xFF;
-	c.mode = mode & 0xFF;
-	c.bits = bits & 0xFF;
-	c.window = progress_dialog;
-	log_line("[D] Resampling [%s] to [%s], Bits: %u, New Channels: %u, Mode: 0x%02X\r\n",
-		source, target, c.bits, c.channels, c.mode);
-	if (rate > 0xFFFFFFFF)
-		return corrupted(c, "no such sampling rate");
-	c.rate = static_cast<u32>(rate);
-	return convert(c);
+	const conversion_wish wish = { source, target, channels, mode, bits, rate, pitch,
+		progress_dialog };
+	return run(wish, false).end == conversion_end::done;
+}
+
+conversion_result convert_for_spool(const conversion_wish &wish)
+{
+	return run(wish, true);
 }
 
 } // namespace velmor

@@ -57,6 +57,25 @@ TEST(headless, controls_remember_and_selections_stay_in_their_list)
 	EXPECT_TRUE(headless_ui.choose_files("Import", "*.wav").empty());
 }
 
+TEST(headless, a_form_remembers_its_rows_by_their_place)
+{
+	form_row row = {};
+	row.id = 27005; // twice, which is no matter
+	const std::vector<form_row> rows = { row, row };
+	headless_ui.build_form(13002, 7, rows);
+	headless_ui.set_row_value(13002, 7, 1, -600);
+	headless_ui.set_row_text(13002, 7, 0, "typed");
+	EXPECT_EQ(headless_ui.row_value(13002, 7, 1), -600);
+	EXPECT_EQ(headless_ui.row_value(13002, 7, 0), 0);
+	EXPECT_EQ(headless_ui.row_text(13002, 7, 0), "typed");
+	for (const int wrong : { -1, 2 }) {
+		headless_ui.set_row_value(13002, 7, wrong, 1);
+		EXPECT_EQ(headless_ui.row_value(13002, 7, wrong), 0);
+	}
+	headless_ui.build_form(13002, 7, {});
+	EXPECT_EQ(headless_ui.row_value(13002, 7, 1), 0) << "built anew, it is another form";
+}
+
 TEST(headless, a_wake_ends_a_pump_even_when_it_came_first)
 {
 	headless_ui.wake();

@@ -14,6 +14,7 @@ namespace velmor
 {
 
 static std::atomic<int> wakes = 0;
+static constexpr const char *the_socket = "usb:1-1.2";
 
 class libusb_test : public ::testing::Test
 {
@@ -43,7 +44,7 @@ protected:
 	}
 	void open()
 	{
-		ASSERT_EQ(libusb_usb.open("/dev/bus/usb/001/002", &handle), usb_ok);
+		ASSERT_EQ(libusb_usb.open(the_socket, &handle), usb_ok);
 		ASSERT_EQ(libusb_usb.claim(handle, 0), usb_ok);
 	}
 	int submit(std::uint8_t pipe, std::size_t count, int deadline_ms, int *transfer)
@@ -91,15 +92,17 @@ static const usb_bytes ask_name = { 0x10, 0x0A, 0x00, 0xF0, 0x47, 0x5E, 0x20, 0x
 static const usb_bytes name_answer = { 0xF0, 0x47, 0x5E, 0x00, 0x00, 0x00, 0x52, 0x02, 0x03, 'S',
 	't', 'u', 'd', 'i', 'o', 0x00, 0xF7 };
 
-TEST_F(libusb_test, finds_the_device_with_its_pipes_and_its_name)
+TEST_F(libusb_test, finds_the_device_by_its_socket_and_does_not_touch_it)
 {
 	std::vector<usb_device> devices;
 	ASSERT_TRUE(libusb_usb.list(&devices));
+	std::erase_if(devices, [](const usb_device &d) { return d.interfaces.empty(); }); // the hub
 	ASSERT_EQ(devices.size(), 1u);
 	EXPECT_EQ(devices[0].vendor, 0x09E8);
 	EXPECT_EQ(devices[0].product, 0x005E);
-	EXPECT_EQ(devices[0].path, "/dev/bus/usb/001/002");
-	EXPECT_EQ(devices[0].name, "AKAI S5000/S6000");
+	EXPECT_EQ(devices[0].path, the_socket);
+	EXPECT_EQ(devices[0].address, "001/002");
+	EXPECT_EQ(mock->controls, 0);
 	ASSERT_EQ(devices[0].interfaces.size(), 1u);
 	const usb_interface &i = devices[0].interfaces[0];
 	EXPECT_EQ(i.interface_class, 0xFF);
@@ -223,7 +226,7 @@ TEST_F(libusb_test, takes_the_interface_from_the_kernel_but_not_from_another_pro
 	EXPECT_FALSE(mock->claimed.contains(0));
 	EXPECT_EQ(mock->drivers_attached, 1);
 	mock->held = true;
-	ASSERT_EQ(libusb_usb.open("/dev/bus/usb/001/002", &handle), usb_ok);
+	ASSERT_EQ(libusb_usb.open(the_socket, &handle), usb_ok);
 	EXPECT_EQ(libusb_usb.claim(handle, 0), usb_busy);
 }
 
@@ -237,11 +240,10 @@ TEST_F(libusb_test, loses_the_device_when_it_is_unplugged)
 	EXPECT_EQ(end(transfer, &moved), usb_no_device);
 	EXPECT_EQ(write(ask_name), usb_no_device);
 	libusb_usb.close(handle);
-	EXPECT_EQ(libusb_usb.open("/dev/bus/usb/001/002", &handle), usb_no_device);
-	handle = 0;
-	std::vector<usb_device> devices;
-	EXPECT_TRUE(libusb_usb.list(&devices));
-	EXPECT_TRUE(devices.empty());
+	EXPECT_EQ(libusb_usb.open(the_socket, &handle), usb_no_device);
+	mock->plug(7);
+	open();
+	EXPECT_EQ(write({ 0x03, 0x14 }), usb_ok) << "at its new address";
 }
 
 TEST_F(libusb_test, gives_everything_back_when_it_is_closed_in_the_middle)
@@ -264,7 +266,7 @@ TEST_F(libusb_test, says_which_rule_grants_access_when_it_is_denied)
 		GTEST_SKIP() << "needs root, to become somebody else";
 	mock->deny();
 	ASSERT_EQ(seteuid(65534), 0);
-	const int result = libusb_usb.open("/dev/bus/usb/001/002", &handle);
+	const int result = libusb_usb.open(the_socket, &handle);
 	ASSERT_EQ(seteuid(0), 0);
 	handle = 0;
 	EXPECT_EQ(result, usb_denied);

@@ -1,6 +1,7 @@
 // test_loading.cpp - stored configurations, loading and saving a sampler, start-up
 
 #include "src/controls.h"
+#include "src/velmor_work.h"
 #include "tests/support/test_host.h"
 #include <cerrno>
 #include <cstring>
@@ -143,6 +144,8 @@ TEST_F(loading, texts_and_numbers_of_a_file_are_not_trusted)
 	EXPECT_EQ(load_sampler("hostile"), 0);
 	EXPECT_EQ(std::strlen(current_sampler->sampler_description), 255u);
 	EXPECT_EQ(std::strlen(current_sampler->sampler_usbname), 255u);
+	EXPECT_STREQ(current_usb_name, current_sampler->sampler_usbname)
+		<< "what the next save stores";
 	EXPECT_EQ(current_sampler->status, nullptr); // not the pointer in the file
 	EXPECT_EQ(chosen(sampler_midi_list), 15);
 	EXPECT_EQ(chosen(sampler_exclusive_list), 128);
@@ -165,16 +168,25 @@ TEST_F(loading, the_image_is_allocated_once_for_each_load)
 	EXPECT_EQ(current_sampler->status, nullptr);
 }
 
-TEST_F(loading, the_list_holds_every_sampler_file)
+TEST_F(loading, the_list_holds_what_can_be_loaded)
 {
-	for (const char *file : { ".sampler", "A.SAMPLER", "b.c.sampler", "d.samplers", "e" })
-		h.put_content(h.config + "\\" + file, {});
+	const std::vector<u8> whole = sampler_file("x", 1005, 1, 1, 0);
+	for (const char *file :
+		{ ".sampler", "A.SAMPLER", "b.c.sampler", "b.c.Sampler", "d.samplers", "e" })
+		h.put_content(h.config + "\\" + file, whole);
+	put("short", std::span(whole).first(535));
+	host.files->make_folder(path("folder").c_str());
 	load_sampler_list();
 	std::vector<std::string> names = h.lists[{ window_main, main_sampler_list }];
 	EXPECT_EQ(names, conf_sampler);
 	std::sort(names.begin(), names.end());
 	EXPECT_EQ(names, (std::vector<std::string>{ "A", "b.c" }));
 	EXPECT_EQ((h.selections[{ window_main, main_sampler_list }]), 0);
+	EXPECT_TRUE(
+		h.logged("[W] Not listed: [" + path("short") + "] is no sampler configuration"));
+	for (const std::string &name : names)
+		EXPECT_TRUE(load_by_name(name).done()) << name;
+	EXPECT_EQ(load_by_name("short").words, "There is no sampler called 'short'.");
 
 	current_config_path = h.config + "\\gone";
 	load_sampler_list();
@@ -182,6 +194,22 @@ TEST_F(loading, the_list_holds_every_sampler_file)
 	ASSERT_EQ(h.boxes.size(), 1u);
 	EXPECT_EQ(h.boxes[0].text, "No such file or directory");
 	EXPECT_TRUE(h.logged("CURRENT_CONFIG_PATH: [" + h.config + "\\gone]"));
+	current_config_path = h.config;
+}
+
+TEST_F(loading, a_loaded_usb_sampler_keeps_its_device_when_it_is_saved)
+{
+	put("live", sampler_file("live", 1005, 1, 1, 0, "Z8 LIVE"));
+	EXPECT_EQ(load_sampler("live"), 0);
+	fill_dialog("live", 8, 0, 0, 7);
+	EXPECT_EQ(save_sampler(), 0);
+	EXPECT_EQ(h.content(path("live")), sampler_file("live", 1003, 1, 1, 7, "Z8 LIVE"));
+	// Asking it who it is does not make it forget the device either.
+	int limit = 1024;
+	get_device_info(1, 1003, 7, nullptr, &limit);
+	EXPECT_STREQ(current_usb_name, "Z8 LIVE");
+	get_device_info(1, 1005, 7, nullptr, &limit);
+	EXPECT_STREQ(current_usb_name, "");
 }
 
 TEST_F(loading, saving_writes_the_whole_record)

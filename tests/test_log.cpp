@@ -1,8 +1,11 @@
 // test_log.cpp - the running log, boxes, bytes as text, and progress
 
 #include "src/controls.h"
+#include "src/velmor_outcome.h"
 #include "tests/support/test_host.h"
 #include <cerrno>
+#include <clocale>
+#include <cstdlib>
 #include <thread>
 
 namespace velmor
@@ -138,6 +141,53 @@ TEST_F(running_log, boxes_are_filled_in)
 	EXPECT_EQ(h.boxes[1], (shown_box{ "Really 100%n?", "WARNING" }));
 }
 
+TEST_F(running_log, boxes_kept_aside_are_shown_at_the_latest_when_the_program_ends)
+{
+	{
+		box_keeper outer;
+		show_box("INFO", "first");
+		{
+			box_keeper inner;
+			show_box("ERROR", "second");
+			show_box("ERROR", "second");
+			EXPECT_EQ(inner.take().size(), 1u);
+			show_box("ERROR", "third");
+		}
+		EXPECT_EQ(h.boxes, (std::vector<shown_box>{ { "third", "ERROR" } }));
+		EXPECT_THROW(end_program(0), process_ended);
+	}
+	EXPECT_EQ(h.boxes, (std::vector<shown_box>{ { "third", "ERROR" }, { "first", "INFO" } }));
+}
+
+// Numbers of a locale that writes a comma, as the system keeps them.
+static constexpr char comma_locale[] = "14 11 03 20 06 00*3 20 00*3 22 00*3 23 00*3 24 00*3 28 "
+				       "00*3 2C 00*3 2C 00 00 00 2C 00*7 41 "
+				       "4E 53 49 5F 58 33 2E 34 2D 31 39 36 38 00";
+
+TEST_F(running_log, numbers_do_not_follow_the_locale)
+{
+	std::vector<u8> bytes = hex(comma_locale);
+	host.files->make_folder("locales");
+	host.files->make_folder("locales\\xx_XX");
+	h.put_content(h.root + "/locales/xx_XX/LC_NUMERIC", bytes);
+	setenv("LOCPATH", (h.root + "/locales").c_str(), 1);
+	ASSERT_TRUE(std::setlocale(LC_NUMERIC, "xx_XX"));
+	char number[16];
+	std::snprintf(number, sizeof number, "%.1f", 0.5);
+	EXPECT_STREQ(number, "0,5"); // as other code of the process goes on writing
+	h.time.run_until(1.5);
+	log_line("[I] %.2f\r\n", 12.5);
+	show_progressbar(0, 8, "x");
+	set_progressbar(1);
+	std::snprintf(number, sizeof number, "%.1f", 0.5);
+	std::setlocale(LC_NUMERIC, "C");
+	unsetenv("LOCPATH");
+	EXPECT_STREQ(number, "0,5");
+	EXPECT_TRUE(screen().starts_with("1.5000 [")) << screen();
+	EXPECT_TRUE(h.logged("[I] 12.50"));
+	EXPECT_EQ(h.progress.infos.back(), "12.50 %");
+}
+
 TEST(hexadecimal, has_one_blank_between_bytes_and_none_at_the_end)
 {
 	const u8 bytes[] = { 0xF0, 0x0A, 0xF7 };
@@ -237,6 +287,12 @@ TEST_F(progress, stop_is_seen_through_the_events_that_it_lets_run)
 	set_progressbar(1);
 	EXPECT_TRUE(progress_stopped());
 	show_progressbar(0, 10, "x");
+	EXPECT_FALSE(progress_stopped());
+	request_close(true);
+	show_progressbar(0, 10, "x");
+	forget_stop();
+	EXPECT_TRUE(progress_stopped());
+	request_close(false);
 	EXPECT_FALSE(progress_stopped());
 }
 

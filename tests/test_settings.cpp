@@ -155,7 +155,7 @@ TEST_F(settings, a_path_that_cannot_be_a_folder_keeps_the_old_one)
 {
 	h.put_content(h.root + "/file", {});
 	for (const std::string &path : { std::string(), h.root + "/file", h.root + "/file/x",
-		     h.root + "/no/parent", std::string(1025, 'x'), h.root + "/%s%n/x" }) {
+		     h.root + "/no/parent", h.root + "/%s%n/x" }) {
 		h.boxes.clear();
 		fill_dialog(0, 0, 0, path);
 		save_settings();
@@ -167,17 +167,22 @@ TEST_F(settings, a_path_that_cannot_be_a_folder_keeps_the_old_one)
 	}
 }
 
-TEST_F(settings, a_path_much_longer_than_the_old_one_fits)
+// 1024 bytes are the most that a setting holds, and they do.
+TEST_F(settings, a_path_as_long_as_a_setting_fits_and_a_longer_one_does_not)
 {
 	std::string path = h.root;
-	while (path.size() < 700) {
-		path += "/" + std::string(100, 'd');
-		host.files->make_folder(path.c_str());
+	for (; path.size() < 1024; host.files->make_folder(path.c_str()))
+		path += "/" + std::string(std::min<std::size_t>(100, 1023 - path.size()), 'd');
+	ASSERT_EQ(path.size(), 1024u);
+	const std::string longer = path.substr(0, 1023) + "ee";
+	ASSERT_EQ(host.files->make_folder(longer.c_str()), 0);
+	for (const std::string &typed : { path, longer }) {
+		fill_dialog(0, 0, 0, typed);
+		save_settings();
+		EXPECT_EQ(host.files->host_path(current_config_path.c_str()), path);
+		EXPECT_EQ(h.settings["sampler_config_path"], path);
 	}
-	fill_dialog(0, 0, 0, path);
-	save_settings();
-	EXPECT_EQ(host.files->host_path(current_config_path.c_str()), path);
-	EXPECT_EQ(h.settings["sampler_config_path"], path);
+	EXPECT_EQ(h.boxes.size(), 1u);
 }
 
 TEST_F(settings, a_setting_that_cannot_be_written_ends_the_process)

@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 #include <linux/filter.h>
 #include <linux/seccomp.h>
+#include <set>
 #include <sstream>
 #include <string>
 #include <sys/prctl.h>
@@ -135,6 +136,14 @@ TEST_F(settings_file, a_crash_at_any_byte_keeps_every_old_value)
 	}
 	EXPECT_EQ(posix_settings.save_key("midi_in", "1000000"), 0);
 	EXPECT_EQ(file(), longer) << "what the crashes left behind was in the way";
+	std::ofstream(folder() + "/settings.1.new") << "another program is writing this";
+	std::ofstream(folder() + "/settings.new.bak") << "no file of ours";
+	EXPECT_EQ(posix_settings.save_key("midi_in", "2"), 0);
+	std::set<std::string> names;
+	for (const auto &entry : fs::directory_iterator(folder()))
+		names.insert(entry.path().filename());
+	EXPECT_EQ(names, (std::set<std::string>{ "settings", "settings.1.new", "settings.lock",
+				 "settings.new.bak" }));
 }
 
 // End the process at its next call of that number.

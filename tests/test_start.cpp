@@ -25,7 +25,7 @@ TEST_F(start, reads_the_settings_and_fills_the_windows)
 	host.net = &net;
 	host.usb = &usb;
 	h.put_content(h.root + "/velmor.log", hex("41 42"));
-	h.put_content(h.config + "\\rack.sampler", {});
+	h.put_content(h.config + "\\rack.sampler", std::vector<u8>(536));
 	h.settings = { { "midi_in", "0" }, { "midi_out", "1" } };
 	h.time.run_until(5);
 	start_velmor();

@@ -1,8 +1,7 @@
 // test_wave_akp.cpp - AKP programs, byte by byte, and the list that they are filed in
 
 #include "src/waveqx.h"
-#include "tests/support/test_host.h"
-#include <cstring>
+#include "tests/support/wave_files.h"
 #include <filesystem>
 
 namespace velmor
@@ -11,44 +10,32 @@ namespace velmor
 namespace
 {
 
-std::vector<u8> operator+(std::vector<u8> a, const std::vector<u8> &b)
+bytes akp(const bytes &chunks)
 {
-	a.insert(a.end(), b.begin(), b.end());
-	return a;
-}
-
-std::vector<u8> text(const char *characters)
-{
-	return { characters, characters + std::strlen(characters) };
-}
-
-std::vector<u8> chunk(const char *name, const std::vector<u8> &content)
-{
-	const u32 size = static_cast<u32>(content.size());
-	return text(name) +
-	       std::vector<u8>{ u8(size), u8(size >> 8), u8(size >> 16), u8(size >> 24) } + content;
-}
-
-std::vector<u8> akp(const std::vector<u8> &chunks)
-{
-	return hex("52 49 46 46 00 00 00 00 41 50 52 47") + chunks;
+	return riff(chunks, "APRG");
 }
 
 // Bytes 0, 1, 2, ... from first on: every field gets another value.
-std::vector<u8> count_up(std::size_t size, int first = 0)
+bytes count_up(std::size_t size, int first = 0)
 {
-	std::vector<u8> out;
+	bytes out;
 	for (std::size_t i = 0; i < size; i++)
 		out.push_back(static_cast<u8>(first + static_cast<int>(i)));
 	return out;
 }
 
-std::vector<u8> zone(const char *name, std::size_t size = 46)
+bytes zone(const char *name, std::size_t size = 46)
 {
-	std::vector<u8> out =
-		hex("01") + std::vector<u8>{ static_cast<u8>(std::strlen(name)) } + text(name);
+	bytes out = hex("01") + word(std::strlen(name), 1) + text(name);
 	out.resize(size);
 	return out;
+}
+
+using numbers = std::vector<long long>;
+
+template <class... fields> numbers row(fields... values)
+{
+	return { static_cast<long long>(values)... };
 }
 
 struct wave_akp : host_test {
@@ -65,7 +52,7 @@ struct wave_akp : host_test {
 	}
 	~wave_akp() override { local_pgm.clear(); }
 
-	bool read(const std::vector<u8> &chunks)
+	bool read(const bytes &chunks)
 	{
 		h.put_content(path, akp(chunks));
 		return import_akp_file(path.c_str(), &p);
@@ -82,43 +69,24 @@ TEST_F(wave_akp, the_program)
 		chunk("lfo ", count_up(12, 0x20)) + chunk("lfo ", count_up(14, 0x40)) +
 		chunk("lfo ", count_up(12, 0x60)) + chunk("junk", hex("01"))));
 	EXPECT_STREQ(p.name, "Grand.old");
-	EXPECT_EQ(p.sampler_type, model_z4);
-	EXPECT_EQ(p.midi_pgm_number, 7);
-	EXPECT_EQ(p.keygroups, 2);
-	EXPECT_EQ(p.s1000_basic_loudness, 0x55);
-	EXPECT_EQ(p.s2000_out_mod1_level, 1);
-	EXPECT_EQ(p.s2000_out_mod2_level, 2);
-	EXPECT_EQ(p.s2000_pan_mod1_level, 3);
-	EXPECT_EQ(p.s2000_pan_mod2_level, 4);
-	EXPECT_EQ(p.s2000_pan_mod3_level, 5);
-	EXPECT_EQ(p.s1000_velocity_loudness, -10);
-	EXPECT_EQ(p.s1000_tunning_offset, -200); // -1 semitone, -100
-	EXPECT_EQ(p.c_detune, 1);
-	EXPECT_EQ(p.c_cross_detune, 2);
-	EXPECT_EQ(p.f_detune, 6);
-	EXPECT_EQ(p.f_cross_detune, 7);
-	EXPECT_EQ(p.bb_detune, 11);
-	EXPECT_EQ(p.b_detune, -2);
-	EXPECT_EQ(p.s1000_bendwheel_pitch_up, 2);
-	EXPECT_EQ(p.s2000_bendwheel_pitch_down, 12);
-	EXPECT_EQ(p.s2000_aftertouch_bend_mode, 1);
-	EXPECT_EQ(p.s1000_aftertouch_bend, -12);
-	EXPECT_EQ(p.s2000_lfo1_waveform, 0x21);
-	EXPECT_EQ(p.s1000_lfo1_speed, 0x22);
-	EXPECT_EQ(p.s1000_lfo1_delay, 0x23);
-	EXPECT_EQ(p.s1000_lfo1_depth, 0x24);
-	EXPECT_EQ(p.s1000_lfo1_sync, 0x25);
-	EXPECT_EQ(p.s1000_lfo1_modwheel, 0x27);
-	EXPECT_EQ(p.s1000_lfo1_pressure, 0x28);
-	EXPECT_EQ(p.s2000_lfo1_rate_source, 0x29);
-	EXPECT_EQ(p.s2000_lfo1_delay_source, 0x2A);
-	EXPECT_EQ(p.s2000_lfo1_depth_source, 0x2B);
-	EXPECT_EQ(p.s2000_lfo2_waveform, 0x41);
-	EXPECT_EQ(p.s1000_lfo2_speed, 0x42);
-	EXPECT_EQ(p.s1000_lfo2_delay, 0x43);
-	EXPECT_EQ(p.s1000_lfo2_depth, 0x44);
-	EXPECT_EQ(p.s2000_lfo2_retrigger, 0x45); // the third lfo changed nothing
-	EXPECT_EQ(p.polyphony, 0);
+	EXPECT_EQ(row(p.sampler_type, p.midi_pgm_number, p.keygroups, p.s1000_basic_loudness,
+			  p.s2000_out_mod1_level, p.s2000_out_mod2_level, p.s2000_pan_mod1_level,
+			  p.s2000_pan_mod2_level, p.s2000_pan_mod3_level, p.s1000_velocity_loudness,
+			  p.s1000_tunning_offset, p.c_detune),
+		(numbers{ model_z4, 7, 2, 0x55, 1, 2, 3, 4, 5, -10, -200, 1 }));
+	EXPECT_EQ(row(p.c_cross_detune, p.f_detune, p.f_cross_detune, p.bb_detune, p.b_detune,
+			  p.s1000_bendwheel_pitch_up, p.s2000_bendwheel_pitch_down,
+			  p.s2000_aftertouch_bend_mode, p.s1000_aftertouch_bend,
+			  p.s2000_lfo1_waveform, p.s1000_lfo1_speed, p.s1000_lfo1_delay),
+		(numbers{ 2, 6, 7, 11, -2, 2, 12, 1, -12, 0x21, 0x22, 0x23 }));
+	EXPECT_EQ(
+		row(p.s1000_lfo1_depth, p.s1000_lfo1_sync, p.s1000_lfo1_modwheel,
+			p.s1000_lfo1_pressure, p.s2000_lfo1_rate_source, p.s2000_lfo1_delay_source,
+			p.s2000_lfo1_depth_source, p.s2000_lfo2_waveform, p.s1000_lfo2_speed,
+			p.s1000_lfo2_delay, p.s1000_lfo2_depth, p.s2000_lfo2_retrigger),
+		(numbers{
+			0x24, 0x25, 0x27, 0x28, 0x29, 0x2A, 0x2B, 0x41, 0x42, 0x43, 0x44, 0x45 }));
+	EXPECT_EQ(row(p.polyphony), (numbers{ 0 }));
 	EXPECT_FALSE(h.progress.visible);
 	EXPECT_EQ(h.progress.caption, "Importing AKP [Grand.old]...");
 	EXPECT_TRUE(h.logged("[D] --------> KEYGROUPS: 2, PGM_NUMBER: 7"));
@@ -126,18 +94,14 @@ TEST_F(wave_akp, the_program)
 
 TEST_F(wave_akp, the_order_of_the_chunks_decides)
 {
-	const std::vector<u8> lfo = chunk("lfo ", count_up(12)),
-			      mods = chunk("mods", count_up(38, 0x40));
+	const bytes lfo = chunk("lfo ", count_up(12)), mods = chunk("mods", count_up(38, 0x40));
 	ASSERT_TRUE(read(lfo + mods));
-	EXPECT_EQ(p.s2000_lfo1_rate_source, 0x4F);
-	EXPECT_EQ(p.s2000_lfo1_delay_source, 0x51);
-	EXPECT_EQ(p.s2000_lfo1_depth_source, 0x53);
-	EXPECT_EQ(p.s2000_out_mod1_source, 0x45);
-	EXPECT_EQ(p.s2000_pan_mod3_source, 0x4D);
-	EXPECT_EQ(p.s5000_lfo2_rate_source, 0x55);
-	EXPECT_EQ(p.s5000_kg_amp_mod_source, 0x5F);
-	EXPECT_EQ(p.s2000_flt_mod1_source, 0x61);
-	EXPECT_EQ(p.s2000_flt_mod3_source, 0x65);
+	EXPECT_EQ(
+		row(p.s2000_lfo1_rate_source, p.s2000_lfo1_delay_source, p.s2000_lfo1_depth_source,
+			p.s2000_out_mod1_source, p.s2000_pan_mod3_source, p.s5000_lfo2_rate_source,
+			p.s5000_kg_amp_mod_source, p.s2000_flt_mod1_source,
+			p.s2000_flt_mod3_source),
+		(numbers{ 0x4F, 0x51, 0x53, 0x45, 0x4D, 0x55, 0x5F, 0x61, 0x65 }));
 	ASSERT_TRUE(read(mods + lfo));
 	EXPECT_EQ(p.s2000_lfo1_rate_source, 9);
 	// Shorter than its fields: what it does not hold is not read.
@@ -148,90 +112,71 @@ TEST_F(wave_akp, the_order_of_the_chunks_decides)
 
 TEST_F(wave_akp, a_keygroup)
 {
-	std::vector<u8> first_zone = zone("PIANO C3", 48);
+	bytes first_zone = zone("PIANO C3", 48);
 	first_zone[34] = 5, first_zone[35] = 0x7F, first_zone[38] = 0xF0, first_zone[42] = 0xFE,
 	first_zone[43] = 1;
-	std::vector<u8> unused = hex("01 00") + text("LEFT OVER");
+	bytes unused = hex("01 00") + text("LEFT OVER");
 	unused.resize(46);
-	const std::vector<u8> filt = hex("00 03 64 F4 E0 E1 E2 E3 05 00");
-	const std::vector<u8> inner =
-		chunk("kloc", hex("00*4 18 60 FF 9C 02 03 F1 F2 F3 01 09 00")) +
-		chunk("env ", count_up(18)) + chunk("env ", count_up(18, 0x20)) +
-		chunk("env ", count_up(18, 0x40)) + chunk("env ", count_up(18, 0x60)) +
-		chunk("filt", filt) + chunk("zone", first_zone) + chunk("zone", unused) +
-		chunk("ZONE", zone("NOT THIS")) + chunk("zone", zone("TWENTY CHARACTERS 20"));
+	const bytes filt = hex("00 03 64 F4 E0 E1 E2 E3 05 00");
+	const bytes inner = chunk("kloc", hex("00*4 18 60 FF 9C 02 03 F1 F2 F3 01 09 00")) +
+			    chunk("env ", count_up(18)) + chunk("env ", count_up(18, 0x20)) +
+			    chunk("env ", count_up(18, 0x40)) + chunk("env ", count_up(18, 0x60)) +
+			    chunk("filt", filt) + chunk("zone", first_zone) +
+			    chunk("zone", unused) + chunk("ZONE", zone("NOT THIS")) +
+			    chunk("zone", zone("TWENTY CHARACTERS 20"));
 	ASSERT_TRUE(read(chunk("prg ", hex("00 00 01")) + chunk("kgrp", inner)));
 	const _keygroup &k = p.keygroup[0];
-	EXPECT_EQ(k.low_note, 0x18);
-	EXPECT_EQ(k.high_note, 0x60);
-	EXPECT_EQ(k.s5000_semitone_tune, -1);
-	EXPECT_EQ(k.s5000_fine_tune, -100);
-	EXPECT_EQ(k.s1000_tune_offset, -200);
-	EXPECT_EQ(k.fx_override, 2);
-	EXPECT_EQ(k.fx_sendlevel, 3);
-	EXPECT_EQ(k.s5000_pitch_mod1_val, -15);
-	EXPECT_EQ(k.s5000_pitch_mod2_val, -14);
-	EXPECT_EQ(k.s5000_amp_mod1_val, -13);
-	EXPECT_EQ(k.crossfade, 1);
-	EXPECT_EQ(k.mute_group, 9);
-	EXPECT_EQ(k.amp_attack, 1u);
-	EXPECT_EQ(k.amp_decay, 3u);
-	EXPECT_EQ(k.amp_sustain, 7u);
-	EXPECT_EQ(k.amp_release, 4u);
-	EXPECT_EQ(k.filter_attack, 0x21u);
-	EXPECT_EQ(k.filter_sustain, 0x27u);
-	EXPECT_EQ(k.filter_release, 0x24u);
-	EXPECT_EQ(k.aux_rate1, 0x41u);
-	EXPECT_EQ(k.s2000_env2_r2, 0x42);
-	EXPECT_EQ(k.aux_rate4, 0x44u);
-	EXPECT_EQ(k.s1000_env2_r4, 0x44);
-	EXPECT_EQ(k.s2000_env2_l1, 0x45);
-	EXPECT_EQ(k.s1000_env2_l3, 0x47);
-	EXPECT_EQ(k.aux_rate4_level, 0x48u);
-	EXPECT_EQ(k.s1000_env2_velocity_r1, 0x4A);
-	EXPECT_EQ(k.s1000_env2_key_r2_r4, 0x4C);
-	EXPECT_EQ(k.s1000_env2_velocity_r4, 0x4E);
-	EXPECT_EQ(k.s1000_env2_off_velocity_r4, 0x4F);
-	EXPECT_EQ(k.s1000_env2_velocity_envelope, 0x50);
-	EXPECT_EQ(k.s5000_filter_mode, 3);
-	EXPECT_EQ(k.s5000_filter_cutoff, 0x64);
-	EXPECT_EQ(k.s1000_basic_filter_frequency, 0x64);
-	EXPECT_EQ(k.s5000_filter_resonance, 0xF4);
-	EXPECT_EQ(k.s2000_filter_resonance, -12);
-	EXPECT_EQ(k.s1000_filter_keyboard, -32);
-	EXPECT_EQ(k.s5000_filter_mod3_input, -29);
-	EXPECT_EQ(k.s2000_flt_mod1_level, -31);
-	EXPECT_EQ(k.s5000_filter_attenuation, 5);
+	EXPECT_EQ(
+		row(k.low_note, k.high_note, k.s5000_semitone_tune, k.s5000_fine_tune,
+			k.s1000_tune_offset, k.fx_override, k.fx_sendlevel, k.s5000_pitch_mod1_val,
+			k.s5000_pitch_mod2_val, k.s5000_amp_mod1_val, k.crossfade, k.mute_group),
+		(numbers{ 0x18, 0x60, -1, -100, -200, 2, 3, -15, -14, -13, 1, 9 }));
+	EXPECT_EQ(row(k.amp_attack, k.amp_decay, k.amp_sustain, k.amp_release, k.filter_attack,
+			  k.filter_sustain, k.filter_release, k.aux_rate1, k.s2000_env2_r2,
+			  k.aux_rate4, k.s1000_env2_r4, k.s2000_env2_l1),
+		(numbers{ 1, 3, 7, 4, 0x21, 0x27, 0x24, 0x41, 0x42, 0x44, 0x44, 0x45 }));
+	EXPECT_EQ(
+		row(k.s1000_env2_l3, k.aux_rate4_level, k.s1000_env2_velocity_r1,
+			k.s1000_env2_key_r2_r4, k.s1000_env2_velocity_r4,
+			k.s1000_env2_off_velocity_r4, k.s1000_env2_velocity_envelope,
+			k.s5000_filter_mode, k.s5000_filter_cutoff, k.s1000_basic_filter_frequency,
+			k.s5000_filter_resonance, k.s2000_filter_resonance),
+		(numbers{ 0x47, 0x48, 0x4A, 0x4C, 0x4E, 0x4F, 0x50, 3, 0x64, 0x64, 0xF4, -12 }));
+	EXPECT_EQ(row(k.s1000_filter_keyboard, k.s5000_filter_mod3_input, k.s2000_flt_mod1_level,
+			  k.s5000_filter_attenuation),
+		(numbers{ -32, -29, -31, 5 }));
 	ASSERT_EQ(k.keyzones, 3);
 	EXPECT_STREQ(k.keyzone[0].samplename, "PIANO C3");
-	EXPECT_EQ(k.keyzone[0].low_velocity, 5);
-	EXPECT_EQ(k.keyzone[0].high_velocity, 0x7F);
-	EXPECT_EQ(k.keyzone[0].filter, -16);
-	EXPECT_EQ(k.keyzone[0].zone_filter, -16);
-	EXPECT_EQ(k.keyzone[0].level, -2);
-	EXPECT_EQ(k.keyzone[0].zone_level, -2);
-	EXPECT_EQ(k.keyzone[0].zone_keyboard_track, 1);
+	EXPECT_EQ(row(k.keyzone[0].low_velocity, k.keyzone[0].high_velocity, k.keyzone[0].filter,
+			  k.keyzone[0].zone_filter, k.keyzone[0].level, k.keyzone[0].zone_level,
+			  k.keyzone[0].zone_keyboard_track),
+		(numbers{ 5, 0x7F, -16, -16, -2, -2, 1 }));
 	EXPECT_STREQ(k.keyzone[1].samplename, "");
 	EXPECT_STREQ(k.keyzone[2].samplename, "TWENTY CHARACTERS 20");
 }
 
 TEST_F(wave_akp, more_than_a_record_holds)
 {
-	std::vector<u8> zones, groups;
+	bytes zones, groups;
 	for (int i = 0; i < 10; i++)
 		zones = zones + chunk("zone", zone(i < 8 ? "INSIDE" : "OUTSIDE"));
 	for (int i = 0; i < 130; i++)
 		groups = groups + chunk("kgrp", chunk("kloc", { 0, 0, 0, 0, u8(i), 0x7F }) + zones);
 	ASSERT_TRUE(read(chunk("prg ", hex("00 00 FF")) + groups));
-	EXPECT_EQ(p.keygroups, 128);
-	EXPECT_EQ(p.keygroup[127].low_note, 127);
-	EXPECT_EQ(p.keygroup[127].keyzones, 8);
+	EXPECT_EQ(row(p.keygroups, p.keygroup[127].low_note, p.keygroup[127].keyzones),
+		(numbers{ 128, 127, 8 }));
 	EXPECT_STREQ(p.keygroup[127].keyzone[7].samplename, "INSIDE");
 	EXPECT_EQ(p.midi_pgm_number, 0); // what follows the keygroups is whole
-	std::vector<u8> wide = hex("00 FF") + std::vector<u8>(60, 'N');
-	ASSERT_TRUE(read(chunk("kgrp", chunk("zone", wide))));
-	EXPECT_EQ(std::strlen(p.keygroup[0].keyzone[0].samplename), 32u); // up to the velocities
+	// The stated length, zeros and all, up to what the field holds.
+	bytes named = zone("AB", 48);
+	named[1] = 5, named[4] = 'C', named[5] = 0, named[6] = 'D', named[7] = 'E';
+	ASSERT_TRUE(read(chunk("kgrp", chunk("zone", named))));
+	EXPECT_EQ(std::string(p.keygroup[0].keyzone[0].samplename, 6), std::string("ABC\0D\0", 6));
+	const bytes wide = hex("00 FF") + bytes(200, 'N');
+	ASSERT_TRUE(read(chunk("kgrp", chunk("zone", wide) + chunk("zone", zone("NEXT")))));
+	EXPECT_EQ(p.keygroup[0].keyzone[0].samplename, std::string(127, 'N'));
 	EXPECT_EQ(p.keygroup[0].keyzone[0].low_velocity, 'N');
+	EXPECT_STREQ(p.keygroup[0].keyzone[1].samplename, "NEXT");
 }
 
 TEST_F(wave_akp, lengths_that_lie)
@@ -250,23 +195,21 @@ TEST_F(wave_akp, lengths_that_lie)
 
 TEST_F(wave_akp, what_is_no_program_is_refused)
 {
+	auto refused = [&](const std::string &file, const std::string &words, bool bar) {
+		EXPECT_FALSE(import_akp_file(file.c_str(), &p));
+		EXPECT_EQ(h.boxes.back(), (shown_box{ words, "ERROR" }));
+		EXPECT_EQ(h.progress.visible, bar); // left for the caller to hide, or hidden
+	};
+	const std::string analyze = "Cannot analyze [" + path + "] (Code: ";
 	h.put_content(path, hex("52 49 46 58 00*4 41 50 52 47"));
-	EXPECT_FALSE(import_akp_file(path.c_str(), &p));
-	EXPECT_EQ(h.boxes.back(),
-		(shown_box{ "Cannot analyze [" + path + "] (Code: 2034)", "ERROR" }));
-	EXPECT_FALSE(h.progress.visible);
-	h.put_content(path, hex("52 49 46 46 00*4 57 41 56 45"));
-	EXPECT_FALSE(import_akp_file(path.c_str(), &p));
-	EXPECT_EQ(h.boxes.back().text, "Cannot analyze [" + path + "] (Code: 2042)");
+	refused(path, analyze + "2034)", false);
+	h.put_content(path, riff({}));
+	refused(path, analyze + "2042)", false);
 	h.put_content(path, {});
-	EXPECT_FALSE(import_akp_file(path.c_str(), &p));
-	EXPECT_EQ(h.boxes.back().text, "Cannot analyze [" + path + "] (Code: 2034)");
+	refused(path, analyze + "2034)", false);
 	std::filesystem::resize_file(h.root + "/VELMOR/CONFIG/disk/Grand.old.akp", 0x100000000);
-	EXPECT_FALSE(import_akp_file(path.c_str(), &p));
-	EXPECT_EQ(h.boxes.back(), (shown_box{ "Cannot read [" + path + "]", "ERROR" }));
-	EXPECT_TRUE(h.progress.visible); // for the caller to hide
-	EXPECT_FALSE(import_akp_file((path + "x").c_str(), &p));
-	EXPECT_EQ(h.boxes.back(), (shown_box{ "Cannot stat [" + path + "x]", "ERROR" }));
+	refused(path, "Cannot read [" + path + "]", true);
+	refused(path + "x", "Cannot stat [" + path + "x]", true);
 }
 
 TEST_F(wave_akp, programs_of_one_name_are_asked_about_and_stand_side_by_side)
@@ -298,19 +241,14 @@ TEST_F(wave_akp, required_samples)
 	h.answers = { false };
 	import_required_samples(0, path.c_str(), &p);
 	EXPECT_EQ(h.boxes, (std::vector<shown_box>{ { "Also import 4 Samples?", "INFO" } }));
-	const std::vector<u8> wave =
-		hex("52 49 46 46 28 00 00 00 57 41 56 45 66 6D 74 20 10 00 00 00 01 00 "
-		    "01 00 22 56 00 00 44 AC 00 00 02 00 10 00 64 61 74 61 04 00 00 00 "
-		    "01 00 02 00");
+	const bytes wave = riff(fmt(mono_16) + chunk("data", word(0x00020001)));
 	h.put_content(folder + "\\KICK.WAV", wave);
 	h.put_content(folder + "\\Snare.wav", wave);
 	h.put_content(h.root + "/evil.wav", wave);
 	h.boxes.clear();
 	import_required_samples(0, path.c_str(), &p);
-	std::vector<std::string> names;
-	host.files->list((h.config + "\\sample").c_str(), &names);
-	std::sort(names.begin(), names.end());
-	EXPECT_EQ(names, (std::vector<std::string>{ "KICK.WAV", "Snare.wav" }));
+	EXPECT_EQ(names_in(h.config + "\\sample"),
+		(std::vector<std::string>{ "KICK.WAV", "Snare.wav" }));
 	ASSERT_EQ(h.boxes.size(), 3u);
 	EXPECT_EQ(h.boxes[1].text,
 		"Sample [..\\..\\..\\evil] File: " + folder + "\\.._.._.._evil.wav (not found!)");
@@ -326,8 +264,7 @@ TEST_F(wave_akp, required_samples)
 
 TEST(akp_values, two_bytes)
 {
-	const u8 bytes[] = { 0x34, 0x12 };
-	EXPECT_EQ(get16val(bytes), 0x1234);
+	EXPECT_EQ(get16val(hex("34 12").data()), 0x1234);
 }
 
 } // namespace

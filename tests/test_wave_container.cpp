@@ -1,9 +1,9 @@
 // test_wave_container.cpp - the WAV files of the spool, byte by byte
 
+#include "platform/backends.h"
 #include "src/waveqx.h"
-#include "tests/support/test_host.h"
+#include "tests/support/wave_files.h"
 #include <cerrno>
-#include <cstring>
 #include <filesystem>
 
 namespace velmor
@@ -12,58 +12,23 @@ namespace velmor
 namespace
 {
 
+using strings = std::vector<std::string>;
+
 struct wave_container : host_test {
 	std::string spool = h.config + "\\sample\\";
 
-	std::vector<std::string> names()
+	strings names() { return names_in(h.config + "\\sample"); }
+	bytes content(const std::string &name) { return h.content(spool + name).value(); }
+	void put(const std::string &name, const bytes &file) { h.put_content(spool + name, file); }
+	bool read(const char *name, _sample *sample)
 	{
-		std::vector<std::string> out;
-		host.files->list((h.config + "\\sample").c_str(), &out);
-		std::sort(out.begin(), out.end());
-		return out;
-	}
-	std::vector<u8> bytes(const std::string &name) { return h.content(spool + name).value(); }
-	void put(const std::string &name, const std::vector<u8> &content)
-	{
-		h.put_content(spool + name, content);
-	}
-	bool logged_part(std::string_view part)
-	{
-		for (const std::string &line : h.log())
-			if (line.find(part) != line.npos)
-				return true;
-		return false;
+		return create_sample_from_file((spool + name).c_str(), sample) == 1;
 	}
 };
 
-std::vector<u8> operator+(std::vector<u8> a, const std::vector<u8> &b)
-{
-	a.insert(a.end(), b.begin(), b.end());
-	return a;
-}
-
-std::vector<u8> word(u32 value)
-{
-	return { u8(value), u8(value >> 8), u8(value >> 16), u8(value >> 24) };
-}
-
-std::vector<u8> text(const char *characters)
-{
-	return { characters, characters + std::strlen(characters) };
-}
-
-std::vector<u8> chunk(const char *name, const std::vector<u8> &content)
-{
-	return text(name) + word(static_cast<u32>(content.size())) + content;
-}
-
-// 22050 Hz (22 56), mono, 16 bits: the 16 bytes that every fmt chunk has.
-const std::vector<u8> fmt_mono = hex("01 00 01 00 22 56 00 00 44 AC 00 00 02 00 10 00");
-
-std::vector<u8> riff(const std::vector<u8> &chunks)
-{
-	return text("RIFF") + word(static_cast<u32>(chunks.size() + 4)) + text("WAVE") + chunks;
-}
+constexpr format mono_22 = { 1, 16, 2, 22050 };
+const bytes fmt_22 = fmt(mono_22), fact_9 = chunk("fact", word(9));
+const bytes smpl_36 = chunk("smpl", hex("00*12 40 00 00 00 00*20"));
 
 // Three words, root D#3, tuned, loop 1 to 2, as an S3000 gives it.
 struct three_words {
@@ -94,7 +59,7 @@ TEST_F(wave_container, a_written_sample_byte_by_byte)
 	three_words s;
 	ASSERT_EQ(write_sample(&s.sample, nullptr), 0);
 	// clang-format off
-	EXPECT_EQ(bytes("KICK 1.wav"), hex(
+	EXPECT_EQ(content("KICK 1.wav"), hex(
 		" 52 49 46 46  8E 00 00 00  57 41 56 45 66 6D 74 20  12 00 00 00" // 6 + 136
 		" 01 00 01 00  22 56 00 00  44 AC 00 00  02 00 10 00 00 00"
 		" 66 61 63 74  04 00 00 00  03 00 00 00"
@@ -107,7 +72,7 @@ TEST_F(wave_container, a_written_sample_byte_by_byte)
 	EXPECT_TRUE(h.logged("[I] AKAI SAMPLE ---> WAVE. Saving Sample (3 Samples, 22050 Hz "
 			     "Sampling-Rate) to [" +
 			     spool + "KICK 1.wav] Wave-Header-Size: 144, Complete-File-Size: 150"));
-	EXPECT_EQ(names(), std::vector<std::string>{ "KICK 1.wav" }); // no temporary name left
+	EXPECT_EQ(names(), strings{ "KICK 1.wav" }); // no temporary name left
 }
 
 TEST_F(wave_container, play_modes_are_counted_otherwise_by_s1000_and_s2000)
@@ -118,6 +83,9 @@ TEST_F(wave_container, play_modes_are_counted_otherwise_by_s1000_and_s2000)
 		const u8 expected[] = { 2, 3, 0, 1, 4, 5 };
 		for (u8 mode = 0; mode < 6; mode++)
 			EXPECT_EQ(recalculate_playmode(mode), expected[mode]);
+		three_words s;
+		ASSERT_EQ(write_sample(&s.sample, nullptr), 0);
+		EXPECT_EQ(content("KICK 1.wav")[124], 3);
 	}
 	for (const i32 model : { model_s900, model_s2800, model_s3000, model_z4 }) {
 		h.use_sampler(model, 0);
@@ -125,11 +93,6 @@ TEST_F(wave_container, play_modes_are_counted_otherwise_by_s1000_and_s2000)
 	}
 	current_sampler->sampler_type = 4711; // no such row
 	EXPECT_EQ(recalculate_playmode(1), 1);
-
-	h.use_sampler(model_s1000, 0);
-	three_words s;
-	ASSERT_EQ(write_sample(&s.sample, nullptr), 0);
-	EXPECT_EQ(bytes("KICK 1.wav")[124], 3);
 }
 
 TEST_F(wave_container, a_sample_without_words_is_144_bytes_and_is_there)
@@ -139,7 +102,7 @@ TEST_F(wave_container, a_sample_without_words_is_144_bytes_and_is_there)
 	s.sample.sample_data = nullptr;
 	EXPECT_EQ(test_sample(&s.sample, nullptr), 0);
 	ASSERT_EQ(write_sample(&s.sample, nullptr), 0);
-	EXPECT_EQ(bytes("KICK 1.wav").size(), 144u);
+	EXPECT_EQ(content("KICK 1.wav").size(), 144u);
 	EXPECT_EQ(test_sample(&s.sample, nullptr), 1);
 	put("KICK 1.wav", {});
 	EXPECT_EQ(test_sample(&s.sample, nullptr), 0); // an empty file is none
@@ -160,46 +123,32 @@ TEST_F(wave_container, a_name_never_leaves_the_spool)
 	EXPECT_FALSE(h.content(h.config + "\\evil.wav"));
 }
 
-TEST_F(wave_container, a_full_disk_leaves_no_short_file)
+TEST_F(wave_container, a_disk_that_fails_is_named_and_leaves_no_short_file)
 {
 	three_words s;
-	put("KICK 1.wav", hex("AA BB"));
-	put("KICK 1.info", hex("01"));
-	h.disk.space_left = 145;
-	EXPECT_EQ(write_sample(&s.sample, nullptr), 1);
-	ASSERT_EQ(h.boxes.size(), 1u);
-	EXPECT_EQ(
-		h.boxes[0], (shown_box{ "Cannot open [" + spool +
-						"KICK 1.wav] for writing (No space left on device)",
-				    "FATAL" }));
-	EXPECT_EQ(names(), std::vector<std::string>{ "KICK 1.wav" });
-	EXPECT_EQ(bytes("KICK 1.wav"), hex("AA BB"));
-}
-
-TEST_F(wave_container, what_cannot_be_opened_or_closed_says_so)
-{
-	three_words s;
-	put("KICK 1.info", hex("01"));
+	auto fails = [&](const char *words, const strings &left) {
+		put("KICK 1.info", hex("01"));
+		EXPECT_EQ(write_sample(&s.sample, nullptr), 1);
+		EXPECT_EQ(h.boxes.back(),
+			(shown_box{
+				"Cannot open [" + spool + "KICK 1.wav] for writing (" + words + ")",
+				"FATAL" }));
+		EXPECT_EQ(names(), left); // the side file went too
+	};
 	h.disk.open_for_writing = EACCES;
-	EXPECT_EQ(write_sample(&s.sample, nullptr), 1);
-	EXPECT_EQ(h.boxes.back().text,
-		"Cannot open [" + spool + "KICK 1.wav] for writing (Permission denied)");
-	EXPECT_TRUE(names().empty()); // the side file went too
-	h.disk.open_for_writing = 0;
-	h.disk.close_fails = true;
-	EXPECT_EQ(write_sample(&s.sample, nullptr), 1);
-	EXPECT_EQ(h.boxes.back().text,
-		"Cannot open [" + spool + "KICK 1.wav] for writing (Input/output error)");
-	EXPECT_TRUE(names().empty());
-	h.disk.close_fails = false;
+	fails("Permission denied", {});
+	h.disk = { .space_left = 145 };
+	put("KICK 1.wav", hex("AA BB"));
+	fails("No space left on device", { "KICK 1.wav" });
+	EXPECT_EQ(content("KICK 1.wav"), hex("AA BB"));
+	h.disk = { .space_left = {}, .close_fails = true };
+	fails("Input/output error", { "KICK 1.wav" });
+	h.disk = {};
+	EXPECT_EQ(write_sample(&s.sample, (spool + std::string(300, 'L')).c_str()), 1);
+	EXPECT_NE(h.boxes.back().text.find("(File name too long)"), std::string::npos);
 	s.sample.sample_data = nullptr; // three words said, none there
 	EXPECT_EQ(write_sample(&s.sample, nullptr), 1);
-	EXPECT_TRUE(names().empty());
-	const std::string long_name(300, 'L');
-	s.sample.sample_data = s.data;
-	EXPECT_EQ(write_sample(&s.sample, (spool + long_name).c_str()), 1);
-	EXPECT_NE(h.boxes.back().text.find("(File name too long)"), std::string::npos);
-	EXPECT_TRUE(names().empty());
+	EXPECT_EQ(names(), strings{ "KICK 1.wav" });
 }
 
 TEST_F(wave_container, an_extension_in_another_case_is_the_same_sample)
@@ -209,11 +158,11 @@ TEST_F(wave_container, an_extension_in_another_case_is_the_same_sample)
 	put("kick 1.wav", hex("BB")); // another sample
 	EXPECT_EQ(test_sample(&s.sample, nullptr), 1);
 	EXPECT_EQ(write_sample(&s.sample, nullptr), 0);
-	EXPECT_EQ(names(), (std::vector<std::string>{ "KICK 1.WAV", "kick 1.wav" }));
-	EXPECT_EQ(bytes("KICK 1.WAV").size(), 150u);
-	EXPECT_EQ(bytes("kick 1.wav"), hex("BB"));
+	EXPECT_EQ(names(), (strings{ "KICK 1.WAV", "kick 1.wav" }));
+	EXPECT_EQ(content("KICK 1.WAV").size(), 150u);
+	EXPECT_EQ(content("kick 1.wav"), hex("BB"));
 	_sample back;
-	EXPECT_EQ(create_sample_from_file((spool + "KICK 1").c_str(), &back), 1);
+	EXPECT_TRUE(read("KICK 1", &back));
 	free_sample_data(&back);
 }
 
@@ -223,24 +172,16 @@ TEST_F(wave_container, a_read_sample_is_mode_1_and_untuned)
 	ASSERT_EQ(write_sample(&s.sample, nullptr), 0);
 	_sample back;
 	std::memset(&back, 0xEE, sizeof back);
-	ASSERT_EQ(create_sample_from_file((spool + "KICK 1").c_str(), &back), 1);
+	ASSERT_TRUE(read("KICK 1", &back));
 	EXPECT_STREQ(back.name, "KICK 1");
-	EXPECT_EQ(back.playback_mode, 1);
-	EXPECT_EQ(back.original_pitch, 0x3F);
-	EXPECT_EQ(back.semitone_tune, 0);
-	EXPECT_EQ(back.fine_tune, 0);
-	EXPECT_EQ(back.start_position, 0u);
-	EXPECT_EQ(back.end_position, 3u); // the count of fact
-	EXPECT_EQ(back.loop_start, 0u);   // the file says 1
-	EXPECT_EQ(back.loop_end, 2u);
-	EXPECT_EQ(back.sample_rate, 22050u);
-	EXPECT_EQ(back.channels, 1u);
-	EXPECT_EQ(back.bitspersample, 16u);
-	EXPECT_EQ(back.bytespersample, 2u);
-	ASSERT_EQ(back.sample_bytes, 6u);
-	EXPECT_EQ(
-		std::vector<u8>(back.sample_byte, back.sample_byte + 6), hex("01 00 00 80 FF 7F"));
-	ASSERT_EQ(back.sample_length, 3u);
+	// Mode 1; no tune; from 0 to the count of fact; the loop from 0, where the file says 1.
+	const u64 values[] = { back.playback_mode, back.original_pitch, back.semitone_tune,
+		back.fine_tune, back.start_position, back.end_position, back.loop_start,
+		back.loop_end, back.sample_rate, back.channels, back.bitspersample,
+		back.bytespersample, back.sample_bytes, back.sample_length };
+	const u64 expected[] = { 1, 0x3F, 0, 0, 0, 3, 0, 2, 22050, 1, 16, 2, 6, 3 };
+	EXPECT_TRUE(std::equal(values, std::end(values), expected));
+	EXPECT_EQ(bytes(back.sample_byte, back.sample_byte + 6), hex("01 00 00 80 FF 7F"));
 	EXPECT_EQ(back.sample_data[1], 0x8000u); // not sign-extended
 	EXPECT_EQ(back.sample_data[2], 0x7FFFu);
 	EXPECT_TRUE(
@@ -248,293 +189,246 @@ TEST_F(wave_container, a_read_sample_is_mode_1_and_untuned)
 	free_sample_data(&back);
 }
 
-const std::vector<u8> smpl_36 = chunk("smpl", hex("00*12 40 00 00 00 00*20"));
-
 TEST_F(wave_container, any_length_but_no_other_order)
 {
-	const std::vector<u8> data = chunk("data", hex("11 22 33"));
-	const std::vector<u8> fmt_24 = hex("01 00 01 00 22 56 00 00 66 02 01 00 03 00 18 00");
-	struct {
+	constexpr format mono = { 1, 24, 3, 22050 };
+	const bytes head = fmt(mono), fact = chunk("fact", word(1)), list = chunk("LIST", word(0)),
+		    data = chunk("data", hex("11 22 33"));
+	const struct {
 		const char *name;
-		std::vector<u8> file;
-		int taken;
+		bytes file;
+		bool taken;
 	} rows[] = {
-		{ "fmt of 16",
-			riff(chunk("fmt ", fmt_24) + chunk("fact", word(1)) + smpl_36 + data), 1 },
-		{ "fmt of 40",
-			riff(chunk("fmt ", fmt_24 + hex("16 00 00*22")) + chunk("fact", word(1)) +
-				smpl_36 + data),
-			1 },
-		{ "fact of 9",
-			riff(chunk("fmt ", fmt_24) + chunk("fact", hex("01 00*8")) + smpl_36 +
-				data),
-			1 },
+		{ "fmt of 16", riff(head + fact + smpl_36 + data), true },
+		{ "fmt of 40", riff(fmt(mono, hex("16 00*23")) + fact + smpl_36 + data), true },
+		{ "fact of 9", riff(head + chunk("fact", hex("01 00*8")) + smpl_36 + data), true },
 		// Its name is not compared.
-		{ "no fact", riff(chunk("fmt ", fmt_24) + chunk("FACT", word(1)) + smpl_36 + data),
-			1 },
-		{ "LIST between",
-			riff(chunk("fmt ", fmt_24) + chunk("fact", word(1)) +
-				chunk("LIST", hex("00*4")) + smpl_36 + data),
-			0 },
-		{ "LIST behind smpl",
-			riff(chunk("fmt ", fmt_24) + chunk("fact", word(1)) + smpl_36 +
-				chunk("LIST", hex("00*4")) + data),
-			0 },
-		{ "block align 0",
-			riff(chunk("fmt ", hex("01 00 01 00 00*10 18 00")) +
-				chunk("fact", word(1)) + smpl_36 + data),
-			0 },
-		{ "nothing", {}, 0 },
-		{ "half a head", text("RIFF\x10"), 0 },
-		{ "length of 2^32 - 1", riff(text("fmt ") + word(0xFFFFFFFF) + fmt_24), 0 },
+		{ "no fact", riff(head + chunk("FACT", word(1)) + smpl_36 + data), true },
+		{ "LIST between", riff(head + fact + list + smpl_36 + data), false },
+		{ "LIST behind smpl", riff(head + fact + smpl_36 + list + data), false },
+		{ "block align 0", riff(fmt({ 1, 24, 0, 0 }) + fact + smpl_36 + data), false },
+		{ "nothing", {}, false },
+		{ "half a head", text("RIFF\x10"), false },
+		{ "length of 2^32 - 1", riff(text("fmt ") + word(0xFFFFFFFF) + head), false },
 	};
 	for (const auto &row : rows) {
 		SCOPED_TRACE(row.name);
 		put("A.wav", row.file);
 		h.forget_log();
 		_sample back;
-		ASSERT_EQ(create_sample_from_file((spool + "A").c_str(), &back), row.taken);
+		ASSERT_EQ(read("A", &back), row.taken);
 		EXPECT_STREQ(back.name, "A");
+		EXPECT_EQ(logged_part(h, "File-Header corrupted [" + spool + "A.wav]"), !row.taken);
+		EXPECT_EQ(back.sample_bytes, row.taken ? 3u : 0u);
 		if (row.taken) {
 			EXPECT_EQ(back.original_pitch, 0x40);
 			EXPECT_EQ(back.end_position, 1u);
 			ASSERT_EQ(back.sample_length, 1u);
 			EXPECT_EQ(back.sample_data[0], 0x332211u);
 		} else {
-			EXPECT_TRUE(logged_part("File-Header corrupted [" + spool + "A.wav]"));
 			EXPECT_EQ(back.sample_byte, nullptr);
-			EXPECT_EQ(back.sample_bytes, 0u);
 		}
 		free_sample_data(&back);
 	}
 }
 
-TEST_F(wave_container, frames_of_other_sizes_have_a_length_and_no_words)
+TEST_F(wave_container, what_the_data_cannot_give)
 {
+	_sample back;
+	// Frames of other sizes have a length and no words.
 	for (const u8 frame : { 1, 4, 6 }) {
-		std::vector<u8> fmt = fmt_mono;
-		fmt[12] = frame;
-		put("A.wav", riff(chunk("fmt ", fmt) + chunk("fact", word(9)) + smpl_36 +
+		put("A.wav", riff(fmt({ 1, 16, frame, 22050 }) + fact_9 + smpl_36 +
 				     chunk("data", hex("11*12"))));
-		_sample back;
-		ASSERT_EQ(create_sample_from_file((spool + "A").c_str(), &back), 1);
+		ASSERT_TRUE(read("A", &back));
 		ASSERT_EQ(back.sample_length, 12u / frame);
 		for (u64 i = 0; i < back.sample_length; i++)
 			EXPECT_EQ(back.sample_data[i], 0u);
 		free_sample_data(&back);
 	}
-}
-
-TEST_F(wave_container, a_length_that_lies_is_taken_as_far_as_the_file_goes)
-{
-	put("A.wav", riff(chunk("fmt ", fmt_mono) + chunk("fact", word(9)) + smpl_36 +
-			     text("data") + word(0xFFFFFFFF) + hex("01 02 03")));
-	_sample back;
-	ASSERT_EQ(create_sample_from_file((spool + "A").c_str(), &back), 1);
+	// A length that lies is taken as far as the file goes.
+	const bytes liar = riff(fmt_22 + fact_9 + smpl_36 + text("data") + word(0xFFFFFFFF));
+	put("A.wav", liar + hex("01 02 03"));
+	ASSERT_TRUE(read("A", &back));
 	EXPECT_EQ(back.sample_bytes, 3u);
 	ASSERT_EQ(back.sample_length, 1u);
 	EXPECT_EQ(back.sample_data[0], 0x0201u);
 	free_sample_data(&back);
+	// A file larger than any sampler is refused in words.
+	std::filesystem::resize_file(h.root + "/VELMOR/CONFIG/sample/A.wav", 0xFFFFFFFF);
+	EXPECT_FALSE(read("A", &back));
+	EXPECT_TRUE(logged_part(h, "[F] FAILED TO MALLOC FOR [" + spool + "A.wav]("));
+	EXPECT_EQ(back.sample_byte, nullptr);
 }
 
-TEST_F(wave_container, a_file_larger_than_any_sampler_is_refused_in_words)
+TEST_F(wave_container, a_file_that_is_cut_while_it_is_read)
 {
-	put("A.wav", riff(chunk("fmt ", fmt_mono) + chunk("fact", word(9)) + smpl_36 +
-			     text("data") + word(0xFFFFFFF0)));
-	std::filesystem::resize_file(h.root + "/VELMOR/CONFIG/sample/A.wav", 0xFFFFFFFF);
+	put("A.wav", riff(fmt_22 + fact_9 + smpl_36 + chunk("data", hex("11*9000"))));
+	static files_service cutting;
+	cutting = *host.files;
+	cutting.open = [](const char *path, file_mode mode, int *file) {
+		if (mode == file_read)
+			std::filesystem::resize_file(
+				the_test_host->root + "/VELMOR/CONFIG/sample/A.wav", 5000);
+		return posix_files.open(path, mode, file);
+	};
+	host.files = &cutting;
 	_sample back;
-	EXPECT_EQ(create_sample_from_file((spool + "A").c_str(), &back), 0);
-	EXPECT_TRUE(logged_part("[F] FAILED TO MALLOC FOR [" + spool + "A.wav]("));
+	EXPECT_FALSE(read("A", &back));
 	EXPECT_EQ(back.sample_byte, nullptr);
+	EXPECT_TRUE(h.logged("[F] FAILED TO READ FROM [" + spool +
+			     "A.wav] (It became shorter while it was read)"));
 }
 
 TEST_F(wave_container, what_is_no_file_is_refused)
 {
 	_sample back;
-	EXPECT_EQ(create_sample_from_file((spool + "A").c_str(), &back), 0);
+	EXPECT_FALSE(read("A", &back));
 	EXPECT_TRUE(
 		h.logged("[F] FAILED TO STAT [" + spool + "A.wav] (No such file or directory)"));
 	std::filesystem::create_directory(h.root + "/VELMOR/CONFIG/sample/A.wav");
-	EXPECT_EQ(create_sample_from_file((spool + "A").c_str(), &back), 0);
+	EXPECT_FALSE(read("A", &back));
 	u8 bits, channels, pitch;
 	int rate;
 	EXPECT_FALSE(get_wave_info((spool + "A.wav").c_str(), &bits, &channels, &rate, &pitch));
 	EXPECT_FALSE(akai_it((spool + "A.wav").c_str(), (spool + "B.wav").c_str(), 60));
-	EXPECT_EQ(names(), std::vector<std::string>{ "A.wav" });
+	EXPECT_EQ(names(), strings{ "A.wav" });
 }
 
 // ---- get_wave_info ------------------------------------------------------------------------
 
-struct wave_facts {
-	bool known;
-	int bits, channels, rate, pitch;
-	bool operator==(const wave_facts &) const = default;
-};
-
-wave_facts facts_of(const std::string &path)
+// "bits channels rate pitch", or "pitch" alone of a file that is refused.
+std::string facts_of(const std::string &path)
 {
 	u8 bits = 0, channels = 0, pitch = 0;
 	int rate = 0;
-	const bool known = get_wave_info(path.c_str(), &bits, &channels, &rate, &pitch);
-	return { known, bits, channels, rate, pitch };
+	return get_wave_info(path.c_str(), &bits, &channels, &rate, &pitch)
+		       ? format_text("%d %d %d %d", bits, channels, rate, pitch)
+		       : format_text("%d", pitch);
 }
 
 TEST_F(wave_container, the_head_of_any_file)
 {
-	put("A.wav", riff(chunk("fmt ", fmt_mono) + chunk("LIST", hex("00*5")) +
-			     chunk("smpl", hex("00*12 C8 00*23")) + chunk("data", {})));
-	EXPECT_EQ(facts_of(spool + "A.wav"), (wave_facts{ true, 16, 1, 22050, 72 })); // 200 & 7F
-	put("A.wav", riff(chunk("fmt ", fmt_mono) + chunk("data", hex("00*4"))));
-	EXPECT_EQ(facts_of(spool + "A.wav"), (wave_facts{ true, 16, 1, 22050, 255 }));
-	// Of channels and depth the low byte counts.
-	put("A.wav", riff(chunk("fmt ", hex("03 00 02 01 80 BB 00 00 00*6 20 03")) +
-			     chunk("data", hex("00*4"))));
-	EXPECT_EQ(facts_of(spool + "A.wav"), (wave_facts{ true, 32, 2, 48000, 255 }));
-	// An unpadded odd chunk: what a padding writer put behind it is not found.
-	put("A.wav", riff(chunk("fmt ", fmt_mono) + chunk("LIST", hex("00*5")) + hex("00") +
-			     chunk("smpl", hex("00*12 40 00*23"))));
-	EXPECT_EQ(facts_of(spool + "A.wav").pitch, 255);
-	// The file ends inside the chunk.
-	put("A.wav", riff(chunk("fmt ", fmt_mono) + text("smpl") + word(36) + hex("00*8")));
-	EXPECT_EQ(facts_of(spool + "A.wav").pitch, 0);
+	const bytes smpl = chunk("smpl", hex("00*12 C8 00*23")), data = chunk("data", word(0));
+	bytes many = fmt_22;
+	for (int i = 0; i < 5000; i++)
+		many = std::move(many) + chunk("JUNK", {});
+	const struct {
+		bytes file;
+		const char *facts;
+	} rows[] = {
+		{ riff(fmt_22 + chunk("LIST", hex("00*5")) + smpl + data),
+			"16 1 22050 72" }, // & 7F
+		{ riff(fmt_22 + data), "16 1 22050 255" },
+		// Of channels and depth the low byte counts.
+		{ riff(fmt({ 0x102, 0x320, 2, 48000 }) + data), "32 2 48000 255" },
+		// An unpadded odd chunk: what a padding writer put behind it is not found.
+		{ riff(fmt_22 + chunk("LIST", hex("00*5")) + hex("00") + smpl), "16 1 22050 255" },
+		// The file ends inside the chunk.
+		{ riff(fmt_22 + text("smpl") + word(36) + hex("00*8")), "16 1 22050 0" },
+		// There is no limit to chunks but the file.
+		{ riff(many + smpl), "16 1 22050 72" },
+	};
+	current_run_mode.diagnostics = false;
+	for (const auto &row : rows) {
+		put("A.wav", row.file);
+		EXPECT_EQ(facts_of(spool + "A.wav"), row.facts);
+	}
 }
 
 TEST_F(wave_container, what_is_no_wave_file_is_told_apart)
 {
 	const std::string path = spool + "A.wav";
-	EXPECT_FALSE(facts_of(path).known);
+	EXPECT_EQ(facts_of(path), "255");
 	EXPECT_TRUE(h.logged("[F] Cannot stat '" + path + "'"));
-	put("A.wav", hex("52 49 46 46 00*41"));
-	EXPECT_FALSE(facts_of(path).known);
-	EXPECT_TRUE(h.logged("[F] Obviously no wave-file '" + path + "' (too small)"));
-	put("A.wav", hex("52 49 46 58 00*42")); // RIFX
-	EXPECT_FALSE(facts_of(path).known);
-	EXPECT_TRUE(h.logged("[F] No wave-file '" + path + "' (magic(1) missing)"));
-	put("A.wav", hex("52 49 46 46 00*4 57 41 56 45 4A 55 4E 4B 00*40"));
-	EXPECT_FALSE(facts_of(path).known);
-	EXPECT_TRUE(h.logged("[F] No wave-file '" + path + "' (magic(2) missing)"));
-	EXPECT_EQ(facts_of(path).pitch, 255);
-}
-
-TEST_F(wave_container, a_file_of_nothing_but_chunks_ends)
-{
-	std::vector<u8> file = riff(chunk("fmt ", fmt_mono));
-	for (int i = 0; i < 5000; i++)
-		file = std::move(file) + chunk("JUNK", {});
-	put("A.wav", file);
-	current_run_mode.diagnostics = false;
-	EXPECT_TRUE(facts_of(spool + "A.wav").known);
-	EXPECT_FALSE(akai_it((spool + "A.wav").c_str(), (spool + "B.wav").c_str(), 60));
+	const struct {
+		const char *file, *words;
+	} rows[] = {
+		{ "52 49 46 46 00*41", "[F] Obviously no wave-file '%s' (too small)" },
+		{ "52 49 46 58 00*42", "[F] No wave-file '%s' (magic(1) missing)" }, // RIFX
+		{ "52 49 46 46 00*4 57 41 56 45 4A 55 4E 4B 00*40",
+			"[F] No wave-file '%s' (magic(2) missing)" },
+	};
+	for (const auto &row : rows) {
+		put("A.wav", hex(row.file));
+		EXPECT_EQ(facts_of(path), "255");
+		std::string words = row.words;
+		EXPECT_TRUE(h.logged(words.replace(words.find("%s"), 2, path))) << row.words;
+	}
 }
 
 // ---- akai_it ------------------------------------------------------------------------------
 
-const std::vector<u8> ordered_fmt = text("fmt ") + word(18) + fmt_mono + hex("00 00");
+const bytes ordered_fmt = fmt(mono_22, hex("00 00"));
 
 struct wave_order : wave_container {
-	std::vector<u8> order(const std::vector<u8> &source, u32 pitch = 60)
+	bytes order(const bytes &source, u32 pitch = 60)
 	{
 		put("in.wav", source);
 		EXPECT_TRUE(
 			akai_it((spool + "in.wav").c_str(), (spool + "out.wav").c_str(), pitch));
-		return bytes("out.wav");
+		return content("out.wav");
 	}
-	bool refused(const std::vector<u8> &source)
+	bool refused(const bytes &source)
 	{
 		put("in.wav", source);
 		put("out.wav", hex("AA"));
 		return !akai_it((spool + "in.wav").c_str(), (spool + "out.wav").c_str(), 60) &&
-		       bytes("out.wav") == hex("AA") && names().size() == 2;
+		       content("out.wav") == hex("AA") && names().size() == 2;
 	}
 };
 
 TEST_F(wave_order, what_is_missing_is_made)
 {
+	const bytes data = chunk("data", hex("01 02 03 04 05"));
 	// 1000000000 / 22050 = 45351 = B127; unity note 0x53; 5 bytes of 2 are 2 frames.
-	const std::vector<u8> expected = riff(
-		ordered_fmt + chunk("fact", word(2)) +
-		chunk("smpl", hex("47 00 00 01 5E 00 00 00 27 B1 00 00 53 00 00 00 00*20")) +
-		chunk("data", hex("01 02 03 04 05")));
-	EXPECT_EQ(order(riff(chunk("fmt ", fmt_mono) + chunk("LIST", hex("00*3")) +
-				chunk("data", hex("01 02 03 04 05")) + chunk("smpl", hex("00*36"))),
-			  0x1153),
+	const bytes smpl = chunk("smpl", hex("47 00 00 01 5E 00 00 00 27 B1 00 00 53 00*23"));
+	const bytes expected = riff(ordered_fmt + chunk("fact", word(2)) + smpl + data);
+	EXPECT_EQ(order(riff(fmt_22 + chunk("LIST", hex("00*3")) + data + smpl_36), 0x1153),
 		expected);
 	// fmt of 40: the extension goes.
-	EXPECT_EQ(order(riff(chunk("fmt ", fmt_mono + hex("16 00 FF*22")) +
-				chunk("data", hex("01 02 03 04 05"))),
-			  0x53),
-		expected);
+	EXPECT_EQ(order(riff(fmt(mono_22, hex("16 00 FF*22")) + data), 0x53), expected);
 	EXPECT_TRUE(h.logged("[D] AKAI_IT --> HAS_FACT_HEADER: 0, HAS_SMPL_HEADER: 0 NEXT-CHUNK: "
 			     "[data]"));
+	// Of 96000 Hz the period is that of the low 16 bits, 30464: 32825 = 8039.
+	const bytes fast = order(riff(fmt({ 1, 16, 2, 96000 }) + data));
+	EXPECT_EQ(bytes(fast.begin() + 66, fast.begin() + 70), word(32825));
 }
 
-TEST_F(wave_order, a_rate_of_96000_has_the_period_of_30464)
+// The reader wants fact ahead of smpl, whichever of them stands or is made.
+TEST_F(wave_order, fact_stands_ahead_of_smpl)
 {
-	std::vector<u8> fmt = fmt_mono;
-	fmt[4] = 0x00, fmt[5] = 0x77, fmt[6] = 0x01;
-	const std::vector<u8> out = order(riff(chunk("fmt ", fmt) + chunk("data", hex("00*8"))));
-	// smpl stands at 50, its period 16 further: 32825 = 8039
-	EXPECT_EQ(std::vector<u8>(out.begin() + 66, out.begin() + 70), hex("39 80 00 00"));
-}
-
-TEST_F(wave_order, what_stands_is_kept_in_its_order)
-{
-	const std::vector<u8> smpl = chunk("smpl", hex("00*12 30 00*23")),
-			      fact = chunk("fact", hex("99 00 00 00 07"));
-	const std::vector<u8> data = chunk("data", hex("01 02"));
-	EXPECT_EQ(order(riff(chunk("fmt ", fmt_mono) + smpl + chunk("JUNK", hex("00*7")) + fact +
-			     data + chunk("LIST", hex("00*4")))),
-		riff(ordered_fmt + smpl + fact + data));
-	// An fmt of 18 keeps its two last bytes.
-	EXPECT_EQ(order(riff(chunk("fmt ", fmt_mono + hex("07 08")) + fact + smpl + data)),
-		riff(chunk("fmt ", fmt_mono + hex("07 08")) + fact + smpl + data));
-}
-
-TEST_F(wave_order, the_result_of_a_file_without_smpl_reads_its_loop_end_from_the_data)
-{
-	order(riff(chunk("fmt ", fmt_mono) +
-		   chunk("data", hex("11 12 13 14 15 16 17 18 19 1A 1B 1C 1D 1E 1F 20"))));
+	const bytes fact = chunk("fact", hex("99 00 00 00 07")), data = chunk("data", hex("01 02"));
+	const bytes junk = chunk("JUNK", hex("00*7"));
+	EXPECT_EQ(order(riff(fmt_22 + smpl_36 + junk + fact + data + junk)),
+		riff(ordered_fmt + fact + smpl_36 + data));
+	EXPECT_EQ(order(riff(fmt_22 + smpl_36 + data)),
+		riff(ordered_fmt + chunk("fact", word(1)) + smpl_36 + data));
+	// An fmt of 18 keeps its two last bytes; of two chunks of a name the last one stays.
+	EXPECT_EQ(order(riff(fmt(mono_22, hex("07 08")) + fact_9 + fact + chunk("smpl", {}) +
+			     smpl_36 + data)),
+		riff(fmt(mono_22, hex("07 08")) + fact + smpl_36 + data));
 	_sample back;
-	ASSERT_EQ(create_sample_from_file((spool + "out").c_str(), &back), 1);
-	EXPECT_EQ(
-		back.loop_end, 0x18171615u); // 12 bytes behind the 44 of the chunk: word 1 of data
+	ASSERT_TRUE(read("out", &back));
+	EXPECT_EQ(back.end_position, 0x99u);
+	free_sample_data(&back);
+	// A smpl made here has no loop, and its loop end is read from word 1 of the data.
+	order(riff(fmt_22 + chunk("data", hex("11 12 13 14 15 16 17 18 19 1A"))));
+	ASSERT_TRUE(read("out", &back));
+	EXPECT_EQ(back.loop_end, 0x18171615u);
 	EXPECT_EQ(back.original_pitch, 60);
 	free_sample_data(&back);
 }
 
-TEST_F(wave_order, what_cannot_be_put_in_order_is_refused)
+// Which files are refused: the random ones of test_wave_resample.
+TEST_F(wave_order, a_disk_that_fails_keeps_the_old_file)
 {
-	const std::vector<u8> fmt = chunk("fmt ", fmt_mono), data = chunk("data", hex("00*8"));
-	EXPECT_TRUE(refused(riff(fmt)));                               // too small
-	EXPECT_TRUE(refused(riff(fmt + chunk("LIST", hex("00*20"))))); // no data
-	std::vector<u8> bad = fmt_mono;
-	bad[12] = 0;
-	EXPECT_TRUE(refused(riff(chunk("fmt ", bad) + data))); // block align 0
-	bad = fmt_mono;
-	bad[4] = bad[5] = 0, bad[6] = 1; // 65536 Hz: no period in 16 bits
-	EXPECT_TRUE(refused(riff(chunk("fmt ", bad) + data)));
-	EXPECT_TRUE(refused(riff(fmt + text("smpl") + word(0xFFFFFFF0) + data)));
+	const bytes data = chunk("data", hex("00*8"));
 	h.disk.space_left = 60;
-	EXPECT_TRUE(refused(riff(fmt + data)));
-	EXPECT_TRUE(logged_part("Cannot write 110 Bytes to [" + spool + "out.wav]"));
-	h.disk.space_left.reset();
-	h.disk.open_for_writing = EROFS;
-	EXPECT_TRUE(refused(riff(fmt + data)));
-	EXPECT_TRUE(logged_part("Cannot open [" + spool + "out.wav]"));
-}
-
-TEST_F(wave_order, a_file_may_be_put_in_order_in_its_place)
-{
-	const std::vector<u8> source = riff(chunk("fmt ", fmt_mono) + chunk("data", hex("01 02")));
-	put("in.wav", source);
-	h.disk.space_left = 50;
-	const std::string path = spool + "in.wav";
-	EXPECT_FALSE(akai_it(path.c_str(), path.c_str(), 60));
-	EXPECT_EQ(bytes("in.wav"), source);
-	h.disk.space_left.reset();
-	EXPECT_TRUE(akai_it(path.c_str(), path.c_str(), 60));
-	EXPECT_EQ(bytes("in.wav").size(), 38u + 12 + 44 + 10);
-	EXPECT_EQ(names(), std::vector<std::string>{ "in.wav" });
+	EXPECT_TRUE(refused(riff(fmt_22 + data)));
+	EXPECT_TRUE(logged_part(h, "Cannot write 110 Bytes to [" + spool + "out.wav]"));
+	h.disk = { .space_left = {}, .open_for_writing = EROFS };
+	EXPECT_TRUE(refused(riff(fmt_22 + data)));
+	EXPECT_TRUE(logged_part(h, "Cannot open [" + spool + "out.wav]"));
 }
 
 } // namespace

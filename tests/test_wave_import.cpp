@@ -2,7 +2,7 @@
 
 #include "src/controls.h"
 #include "src/waveqx.h"
-#include "tests/support/test_host.h"
+#include "tests/support/wave_files.h"
 #include <cerrno>
 #include <cstdlib>
 #include <filesystem>
@@ -14,66 +14,48 @@ namespace velmor
 namespace
 {
 
-// 22050 Hz, mono or stereo, 16 bits, four words of data.
-std::vector<u8> mono()
-{
-	return hex("52 49 46 46 2C 00 00 00 57 41 56 45 66 6D 74 20 10 00 00 00 01 00 01 00 22 56 "
-		   "00 00 "
-		   "44 AC 00 00 02 00 10 00 64 61 74 61 08 00 00 00 01 00 02 00 03 00 04 00");
-}
+using strings = std::vector<std::string>;
 
-std::vector<u8> stereo()
-{
-	std::vector<u8> out = mono();
-	out[22] = 2, out[32] = 4;
-	return out;
-}
+// 22050 Hz, 16 bits, four words of data.
+const bytes four_words = chunk("data", hex("01 00 02 00 03 00 04 00"));
+const bytes mono = riff(fmt({ 1, 16, 2, 22050 }) + four_words);
+const bytes stereo = riff(fmt({ 2, 16, 4, 22050 }) + four_words);
 
 struct wave_import : host_test {
-	std::string spool = h.config + "\\sample", from = h.config + "\\music";
+	std::string spool = h.config + "\\sample", from = h.config + "\\music",
+		    temp = h.config + "\\temp";
 
 	wave_import() { host.files->make_folder(from.c_str()); }
 
-	std::vector<std::string> names(const std::string &folder)
-	{
-		std::vector<std::string> out;
-		host.files->list(folder.c_str(), &out);
-		std::sort(out.begin(), out.end());
-		return out;
-	}
 	std::string percent() { return h.texts[{ window_samples, samples_work_percent }]; }
 	std::string outcome() { return h.texts[{ window_samples, samples_work_outcome }]; }
-	int bring(const std::string &name, const std::vector<u8> &file, u32 channels = 0,
-		u32 mixing = 0, u32 bits = 0, int rate = 0, u32 pitch = 83)
+	int bring(const std::string &name, const bytes &file, u32 channels = 0, u32 mixing = 0,
+		u32 bits = 0, int rate = 0, u32 pitch = 83)
 	{
 		h.put_content(from + "\\" + name, file);
 		return import_wave((from + "\\" + name).c_str(), window_samples, bits, rate,
 			channels, mixing, pitch);
 	}
 	// The words of an imported file whose smpl chunk was made: 38 + 12 + 44 + 8 bytes of head.
-	std::vector<u8> words(const std::string &name)
+	bytes words(const std::string &name)
 	{
 		const auto file = h.content(spool + "\\" + name);
-		if (!file)
-			return hex("EE");
-		return { file->begin() + 102, file->end() };
+		return file ? bytes(file->begin() + 102, file->end()) : hex("EE");
 	}
 };
 
 TEST_F(wave_import, a_file_kept_as_it_is)
 {
-	ASSERT_EQ(bring("Kick 1.Wav", mono()), 1);
-	// clang-format off
-	EXPECT_EQ(h.content(spool + "\\Kick 1.Wav").value(), hex(
-		"52 49 46 46 66 00 00 00 57 41 56 45 66 6D 74 20 12 00 00 00 01 00 01 00 22 56 00 00 "
-		"44 AC 00 00 02 00 10 00 00 00 66 61 63 74 04 00 00 00 04 00 00 00 "
-		"73 6D 70 6C 24 00 00 00 47 00 00 01 5E 00 00 00 27 B1 00 00 53 00 00 00 00*20 "
-		"64 61 74 61 08 00 00 00 01 00 02 00 03 00 04 00"));
-	// clang-format on
+	ASSERT_EQ(bring("Kick 1.Wav", mono), 1);
+	// 1000000000 / 22050 = 45351 = B127; the note is that of the import, 0x53.
+	EXPECT_EQ(h.content(spool + "\\Kick 1.Wav").value(),
+		riff(fmt({ 1, 16, 2, 22050 }, word(0, 2)) + chunk("fact", word(4)) +
+			chunk("smpl", hex("47 00 00 01 5E 00 00 00 27 B1 00 00 53 00*23")) +
+			four_words));
 	EXPECT_EQ(outcome(), "Success!");
 	EXPECT_EQ(percent(), "100 %");
-	EXPECT_TRUE(names(h.config + "\\temp").empty());
-	EXPECT_EQ(h.content(from + "\\Kick 1.Wav").value(), mono());
+	EXPECT_TRUE(names_in(temp).empty());
+	EXPECT_EQ(h.content(from + "\\Kick 1.Wav").value(), mono);
 	EXPECT_TRUE(h.boxes.empty());
 	EXPECT_TRUE(h.logged("[D] Original-Sample: [" + from +
 			     "\\Kick 1.Wav] Bits: 16, Channels: 1, Rate: 22050 Hz, Pitch: 255"));
@@ -82,38 +64,38 @@ TEST_F(wave_import, a_file_kept_as_it_is)
 TEST_F(wave_import, the_pitch_of_a_file_that_has_none)
 {
 	auto note = [&] { return h.content(spool + "\\A.wav").value()[70]; };
-	bring("A.wav", mono(), 0, 0, 0, 0, 83);
+	bring("A.wav", mono, 0, 0, 0, 0, 83);
 	EXPECT_EQ(note(), 83);
-	bring("A.wav", mono(), 0, 0, 0, 0, 0);
+	bring("A.wav", mono, 0, 0, 0, 0, 0);
 	EXPECT_EQ(note(), 255);
-	bring("A.wav", mono(), 0, 0, 0, 0, 256 + 40); // taken as a byte
+	bring("A.wav", mono, 0, 0, 0, 0, 256 + 40); // taken as a byte
 	EXPECT_EQ(note(), 40);
 }
 
 TEST_F(wave_import, what_the_choices_lead_to)
 {
 	struct {
-		std::vector<u8> file;
+		bytes file;
 		u32 channels, mixing;
 		const char *data; // null: refused in silence
 	} rows[] = {
-		{ mono(), 0, 0, "01 00 02 00 03 00 04 00" },
-		{ stereo(), 0, import_mix, "01 00 00 00 03 00 00 00" },
-		{ stereo(), 1, import_left, "01 00 03 00" },
-		{ stereo(), 1, import_right, "02 00 04 00" },
-		{ stereo(), 1, import_mix, "01 00 03 00" },
-		{ stereo(), 2, import_left, "01 00 00 00 03 00 00 00" },
-		{ stereo(), 1, import_both, nullptr },
-		{ stereo(), 1, 0, nullptr },
-		{ stereo(), 1, import_left | import_right, nullptr },
-		{ mono(), 1, import_split, "01 00 02 00 03 00 04 00" },
-		{ mono(), 2, import_split, "01 00 00 00 02 00 00 00 03 00 00 00 04 00 00 00" },
-		{ mono(), 2, import_left, "01 00 00 00 02 00 00 00 03 00 00 00 04 00 00 00" },
-		{ mono(), 2, import_right, "00 00 01 00 00 00 02 00 00 00 03 00 00 00 04 00" },
-		{ mono(), 2, import_both, "01 00 01 00 02 00 02 00 03 00 03 00 04 00 04 00" },
-		{ mono(), 2, import_mix, nullptr },
-		{ mono(), 1, import_left, nullptr }, // "Keep original" is its way in
-		{ mono(), 4, import_left, nullptr },
+		{ mono, 0, 0, "01 00 02 00 03 00 04 00" },
+		{ stereo, 0, import_mix, "01 00 00 00 03 00 00 00" },
+		{ stereo, 1, import_left, "01 00 03 00" },
+		{ stereo, 1, import_right, "02 00 04 00" },
+		{ stereo, 1, import_mix, "01 00 03 00" },
+		{ stereo, 2, import_left, "01 00 00 00 03 00 00 00" },
+		{ stereo, 1, import_both, nullptr },
+		{ stereo, 1, 0, nullptr },
+		{ stereo, 1, import_left | import_right, nullptr },
+		{ mono, 1, import_split, "01 00 02 00 03 00 04 00" },
+		{ mono, 2, import_split, "01 00 00 00 02 00 00 00 03 00 00 00 04 00 00 00" },
+		{ mono, 2, import_left, "01 00 00 00 02 00 00 00 03 00 00 00 04 00 00 00" },
+		{ mono, 2, import_right, "00 00 01 00 00 00 02 00 00 00 03 00 00 00 04 00" },
+		{ mono, 2, import_both, "01 00 01 00 02 00 02 00 03 00 03 00 04 00 04 00" },
+		{ mono, 2, import_mix, nullptr },
+		{ mono, 1, import_left, nullptr }, // "Keep original" is its way in
+		{ mono, 4, import_left, nullptr },
 	};
 	for (const auto &row : rows) {
 		SCOPED_TRACE(testing::Message()
@@ -124,8 +106,9 @@ TEST_F(wave_import, what_the_choices_lead_to)
 		if (row.data) {
 			EXPECT_EQ(words("A.wav"), hex(row.data));
 		} else {
-			EXPECT_TRUE(names(spool).empty());
+			EXPECT_TRUE(names_in(spool).empty());
 			EXPECT_EQ(outcome(), "");
+			EXPECT_NE(import_failure.find("Choose Keep original"), import_failure.npos);
 		}
 	}
 	EXPECT_TRUE(h.boxes.empty());
@@ -133,12 +116,11 @@ TEST_F(wave_import, what_the_choices_lead_to)
 
 TEST_F(wave_import, a_stereo_file_becomes_two)
 {
-	std::vector<std::string> seen;
-	ASSERT_EQ(bring("Pad.old.wav", stereo(), 1, import_split, 12, 11025), 1);
-	EXPECT_EQ(names(spool), (std::vector<std::string>{ "Pad.old-L.wav", "Pad.old-R.wav" }));
+	ASSERT_EQ(bring("Pad.old.wav", stereo, 1, import_split, 12, 11025), 1);
+	EXPECT_EQ(names_in(spool), (strings{ "Pad.old-L.wav", "Pad.old-R.wav" }));
 	// 1 and 3 at half the rate: 1; at 12 bits nothing of it is left. 2 * 256 >> 12 is 0 too.
 	EXPECT_EQ(words("Pad.old-L.wav"), hex("00 00"));
-	ASSERT_EQ(bring("Pad", stereo(), 1, import_split), 1); // no point in the name
+	ASSERT_EQ(bring("Pad", stereo, 1, import_split), 1); // no point in the name
 	EXPECT_EQ(words("Pad-L.wav"), hex("01 00 03 00"));
 	EXPECT_EQ(words("Pad-R.wav"), hex("02 00 04 00"));
 	EXPECT_EQ(percent(), "100 %");
@@ -148,13 +130,13 @@ TEST_F(wave_import, the_right_file_fails_and_the_left_one_stays)
 {
 	// "-R.wav" cannot replace a folder.
 	std::filesystem::create_directories(h.root + "/VELMOR/CONFIG/sample/Pad-R.wav/x");
-	EXPECT_EQ(bring("Pad.wav", stereo(), 1, import_split), 0);
+	EXPECT_EQ(bring("Pad.wav", stereo, 1, import_split), 0);
 	EXPECT_EQ(outcome(), "Internal error converting file!");
 	EXPECT_EQ(percent(), "50 %");
+	EXPECT_EQ(import_failure, h.root + "/VELMOR/CONFIG/sample/Pad-R.wav cannot be written: Is "
+					   "a directory.");
 	EXPECT_EQ(words("Pad-L.wav"), hex("01 00 03 00"));
-	EXPECT_EQ(names(h.config + "\\temp").size(), 1u); // left for the next import to empty
-	ASSERT_EQ(bring("B.wav", mono()), 1);
-	EXPECT_TRUE(names(h.config + "\\temp").empty());
+	EXPECT_EQ(h.temporary_files(), 0);
 }
 
 TEST_F(wave_import, what_fails_says_so_in_its_place)
@@ -162,51 +144,92 @@ TEST_F(wave_import, what_fails_says_so_in_its_place)
 	EXPECT_EQ(bring("A.wav", hex("52 49 46 46")), 0);
 	EXPECT_EQ(outcome(), "Cannot analyze original file");
 	EXPECT_EQ(percent(), "1 %");
-	std::vector<u8> bad = mono();
-	bad[32] = 0; // block align
-	EXPECT_EQ(bring("A.wav", bad), 0);
+	EXPECT_EQ(bring("A.wav", riff(fmt({ 1, 16, 0, 22050 }) + four_words)), 0);
 	EXPECT_EQ(outcome(), "Resampling failed!");
 	EXPECT_EQ(percent(), "100 %");
-	EXPECT_TRUE(names(h.config + "\\temp").empty());
-	h.put_content(from + "\\A.wav", mono());
-	h.disk.open_for_writing = EROFS; // a spool that cannot be written
+	EXPECT_EQ(bring("A.wav", mono, 0, 0, 0, 65536), 0);
+	EXPECT_EQ(outcome(), "Internal error converting file!");
+	EXPECT_EQ(import_failure, "Its new rate or depth cannot be told in a file of the spool. "
+				  "Choose another one.");
+	h.disk.space_left = 60;
+	EXPECT_EQ(bring("A.wav", mono), 0);
+	EXPECT_EQ(import_failure, "The disk is full: there is no room for " + h.root +
+					  "/VELMOR/CONFIG/sample/A.wav.");
+	h.disk = { .space_left = {}, .open_for_writing = EROFS };
 	EXPECT_EQ(import_wave((from + "\\A.wav").c_str(), 0, 0, 0, 0, 0, 0), 0);
-	EXPECT_TRUE(names(spool).empty());
+	EXPECT_NE(import_failure.find("Read-only file system."), import_failure.npos);
+	EXPECT_TRUE(names_in(spool).empty());
 	EXPECT_TRUE(h.boxes.empty());
+	h.disk = {};
+	EXPECT_EQ(bring("A.wav", mono), 1);
+	EXPECT_EQ(import_failure, "");
+}
+
+TEST_F(wave_import, what_a_file_is_that_is_no_wave_file)
+{
+	const struct {
+		bytes file;
+		const char *words;
+	} rows[] = {
+		{ {}, "This file is empty." },
+		{ hex("66 4C 61 43 00*60"), "This is a FLAC file. Save it as a WAV file first." },
+		{ text("FORM") + word(4) + text("AIFFCOMM"), "This is an AIFF file. Save it" },
+		{ riff(chunk("prg ", word(0)), "APRG"), "This is an AKAI program file (AKP)." },
+		{ hex("00*4") + text("ftypM4A ") + hex("00*40"), "This is an MP4 or M4A file." },
+		{ text("RF64") + hex("FF*60"), "This is an RF64 file" },
+		{ hex("FF FB 90*60"), "This is an MP3 file." },
+		{ hex("00*60"), "This is no WAV file: it does not begin with" },
+		{ riff(chunk("bext", hex("00*40")) + fmt(mono_16) + four_words),
+			"This WAV file begins with a chunk \"bext\", and only one that begins" },
+		{ riff(fmt(mono_16)), "This WAV file ends in its header: it has 36 bytes." },
+		{ riff(fmt(mono_16) + chunk("LIST", word(0)) + chunk("LIST", {})),
+			"This WAV file has no sound in it: its chunk \"data\" is missing." },
+		{ riff(fmt({ 1, 16, 0, 44100 }) + four_words),
+			"This WAV file is damaged: its header gives" },
+		{ riff(fmt({ 0, 16, 2, 44100 }) + four_words), "header tells no channels." },
+		{ mono, "" },
+	};
+	for (const auto &row : rows) {
+		h.put_content(from + "\\A.wav", row.file);
+		const std::string why = why_not_wave((from + "\\A.wav").c_str());
+		EXPECT_NE(why.find(row.words), why.npos) << why;
+		EXPECT_EQ(why.empty(), !*row.words);
+	}
+	EXPECT_NE(why_not_wave(from.c_str()).find("Not a regular file."), std::string::npos);
 }
 
 TEST_F(wave_import, a_file_of_the_spool_over_itself)
 {
 	const std::string path = spool + "\\A.wav";
-	h.put_content(path, mono());
+	h.put_content(path, mono);
 	h.disk.space_left = 40;
 	EXPECT_EQ(import_wave(path.c_str(), 0, 24, 0, 0, 0, 60), 0);
-	EXPECT_EQ(h.content(path).value(), mono());
+	EXPECT_EQ(h.content(path).value(), mono);
 	h.disk.space_left.reset();
 	EXPECT_EQ(import_wave(path.c_str(), 0, 24, 0, 0, 0, 60), 1);
 	EXPECT_EQ(words("A.wav"), hex("00 01 00 00 02 00 00 03 00 00 04 00"));
 	// And one out of the temporary folder, which the import empties.
-	const std::string temp = h.config + "\\temp\\B.wav";
-	h.put_content(temp, mono());
-	EXPECT_EQ(import_wave(temp.c_str(), 0, 0, 0, 0, 0, 60), 1);
-	EXPECT_EQ(h.content(temp).value(), mono());
+	const std::string other = temp + "\\B.wav";
+	h.put_content(other, mono);
+	EXPECT_EQ(import_wave(other.c_str(), 0, 0, 0, 0, 0, 60), 1);
+	EXPECT_EQ(h.content(other).value(), mono);
 	// A name without a folder is the base name; one with the other separator stays inside.
-	h.put_content(h.root + "/x.wav", mono());
+	h.put_content(h.root + "/x.wav", mono);
 	EXPECT_EQ(import_wave((h.root + "/../" + h.root.substr(5) + "/x.wav").c_str(), 0, 0, 0, 0,
 			  0, 0),
 		1);
-	EXPECT_EQ(names(spool).size(), 3u);
+	EXPECT_EQ(names_in(spool).size(), 3u);
 }
 
 TEST_F(wave_import, stop_leaves_nothing_half_done)
 {
 	h.on_pump = [] { stop_progress(); };
 	show_progressbar(window_samples, 1, "Converting Files...");
-	EXPECT_EQ(bring("A.wav", mono()), 0);
+	EXPECT_EQ(bring("A.wav", mono), 0);
 	EXPECT_TRUE(progress_stopped());
 	EXPECT_EQ(outcome(), "Stopped!");
-	EXPECT_TRUE(names(spool).empty());
-	EXPECT_TRUE(names(h.config + "\\temp").empty());
+	EXPECT_TRUE(names_in(spool).empty());
+	EXPECT_TRUE(names_in(temp).empty());
 	h.on_pump = nullptr;
 	show_progressbar(window_samples, 1, nullptr); // forgets the stop
 }
@@ -248,7 +271,7 @@ TEST_F(wave_import, clearing_keeps_the_folder_and_what_links_lead_to)
 	std::filesystem::create_symlink(root + "music/mine.wav", root + "sample/link.wav");
 	ASSERT_EQ(mkfifo((root + "sample/pipe").c_str(), 0600), 0);
 	cleanup_dir(spool.c_str());
-	EXPECT_EQ(names(spool), std::vector<std::string>{ "pipe" });
+	EXPECT_EQ(names_in(spool), strings{ "pipe" });
 	EXPECT_EQ(h.content(from + "\\mine.wav").value(), hex("AA"));
 	cleanup_dir((h.config + "\\none").c_str());
 	EXPECT_TRUE(h.logged("[D] Cannot open [" + h.config + "\\none]"));
@@ -258,6 +281,9 @@ TEST_F(wave_import, export_copies_and_counts)
 {
 	h.put_content(spool + "\\a.wav", hex("01 02"));
 	h.put_content(spool + "\\A.wav", hex("03"));
+	// What another program is writing stays, and what a dead one left in the target goes.
+	h.put_content(spool + "\\~velmor1-7.tmp", hex("04"));
+	h.put_content(from + "\\~velmor0-7.tmp", hex("05"));
 	h.put_content(from + "\\a.wav", hex("FF FF FF"));
 	ASSERT_TRUE(copy_folder(window_samples, spool.c_str(), (from + "\\").c_str()));
 	EXPECT_EQ(h.content(from + "\\a.wav").value(), hex("01 02"));
@@ -266,7 +292,7 @@ TEST_F(wave_import, export_copies_and_counts)
 	EXPECT_EQ((h.texts[{ window_samples, samples_work_count }]), "2/2");
 	EXPECT_EQ(h.progress.caption, "Copying files...");
 	EXPECT_FALSE(h.progress.visible);
-	EXPECT_EQ(names(from).size(), 2u);
+	EXPECT_EQ(names_in(from).size(), 2u);
 }
 
 TEST_F(wave_import, export_that_fails_says_where)
@@ -280,7 +306,7 @@ TEST_F(wave_import, export_that_fails_says_where)
 	h.disk.space_left = 2;
 	EXPECT_FALSE(copy_folder(window_samples, spool.c_str(), from.c_str()));
 	EXPECT_EQ(outcome(), "Cannot write to [" + from + "\\a.wav]");
-	EXPECT_TRUE(names(from).empty());
+	EXPECT_TRUE(names_in(from).empty());
 	h.disk.space_left.reset();
 	EXPECT_FALSE(copy_folder(window_samples, spool.c_str(), (from + "\\none").c_str()));
 	EXPECT_EQ(outcome(), "Cannot open [" + from + "\\none\\a.wav] for writing");
@@ -296,7 +322,7 @@ TEST_F(wave_import, export_that_fails_says_where)
 	std::filesystem::create_symlink("/nowhere", h.root + "/VELMOR/CONFIG/sample/gone.wav");
 	EXPECT_TRUE(copy_folder(window_samples, spool.c_str(), from.c_str()));
 	EXPECT_EQ(outcome(), "Cannot stat [" + spool + "\\gone.wav]");
-	EXPECT_EQ(names(from), std::vector<std::string>{ "a.wav" });
+	EXPECT_EQ(names_in(from), strings{ "a.wav" });
 	h.on_pump = [] { stop_progress(); };
 	EXPECT_FALSE(copy_folder(window_samples, spool.c_str(), from.c_str()));
 	EXPECT_EQ(outcome(), "Stopped!");
@@ -310,15 +336,14 @@ TEST_F(wave_import, the_answer_of_a_file_dialog)
 		int count = -1;
 		const bool any = extract_files(buffer, &files, &count);
 		EXPECT_EQ(any, count > 0);
-		std::vector<std::string> out(files, files + count);
+		strings out(files, files + count);
 		for (int i = 0; i < count; i++)
 			std::free(files[i]);
 		std::free(files);
 		return out;
 	};
-	EXPECT_EQ(taken("C:\\x\0b.wav\0a.wav\0"),
-		(std::vector<std::string>{ "C:\\x\\b.wav", "C:\\x\\a.wav" }));
-	EXPECT_EQ(taken("C:\\x\\b.wav\0"), std::vector<std::string>{ "C:\\x\\b.wav" });
+	EXPECT_EQ(taken("C:\\x\0b.wav\0a.wav\0"), (strings{ "C:\\x\\b.wav", "C:\\x\\a.wav" }));
+	EXPECT_EQ(taken("C:\\x\\b.wav\0"), strings{ "C:\\x\\b.wav" });
 	EXPECT_TRUE(taken("\0").empty());
 	const std::vector<char> endless(10240, 'x');
 	EXPECT_EQ(taken(endless.data())[0].size(), 10240u);

@@ -1,5 +1,6 @@
 // test_window_commands.cpp - what the buttons, menus and dialogs do
 
+#include "src/usbqx.h"
 #include "src/velmor_window.h"
 #include "tests/support/fake_model.h"
 #include <set>
@@ -13,7 +14,13 @@ class window_commands : public host_test
 {
 protected:
 	window_commands() { forget_commands(); }
-	~window_commands() override { forget_commands(); }
+	~window_commands() override
+	{
+		forget_commands();
+		midi_out_interface.clear();
+		midi_in_interface.clear();
+		selected_midi_out_interface = selected_midi_in_interface = -1;
+	}
 };
 
 std::vector<std::string> ports_out, ports_in;
@@ -43,40 +50,19 @@ protected:
 
 } // namespace
 
+// Those that the system defines; what stands around them is the program's own.
 TEST_F(window_commands, the_words_are_those_of_the_program)
 {
 	const std::tuple<int, int, const char *> words[] = {
-		{ window_main, 0, "VELMOR Sysex-Tools" },
-		{ window_main, 9001, "E&xit" },
-		{ window_main, 9002, "Basic settings" },
-		{ window_main, 9003, "Manage MIDI &Samplers" },
-		{ window_main, 9004, "Manage &USB &Samplers" },
-		{ window_main, 12000, "Load Sampler" },
-		{ window_main, 12001, "Manage Samples" },
-		{ window_main, 12003, "Manage Multis" },
-		{ window_usb, 0, "VELMOR Manage USB Samplers" },
-		{ window_usb, 30000, "&Update" },
-		{ window_multis, 0, "VELMOR Manage Multis" },
-		{ window_multis, 1, "&Refresh" },
-		{ window_samples, 0, "VELMOR Manage current Samples" },
-		{ window_settings, 0, "VELMOR General Setup" },
-		{ window_settings, 1, "&Save settings" },
-		{ window_settings, 2, "&Cancel" },
+		{ window_main, 9001, "E&xit" }, { window_main, 9004, "Manage &USB &Samplers" },
+		{ window_main, 12003, "Manage Multis" }, { window_usb, 30000, "&Update" },
+		{ window_multis, 1, "&Refresh" }, { window_settings, 1, "&Save settings" },
 		{ window_sampler, 0, "VELMOR Manage current Sampler" },
-		{ window_sampler, 2, "&Cancel" },
-		{ window_sampler, 10102, "Get Device Info" },
 		{ window_sampler, 39003, "Use TCP instead of MIDI" },
-		{ window_sampler, 39004, "Use MIDI instead of TCP" },
-		{ window_sampler, sampler_control_list, "CTRL-Ch(1-16):" },
 		{ window_sampler, sampler_exclusive_list, "Sysex-Ch (1-127):" },
-		{ window_samples, samples_download, "Download this Sample" },
 		{ window_samples, samples_loaded_delete, "Delete this Sample" },
-		{ window_samples, samples_local_rename, "Rename this Sample" },
-		{ window_samples, samples_upload, "Upload this Sample" },
-		{ window_samples, samples_import, "Import Sample" },
-		{ window_samples, samples_export, "Export Spool" },
-		{ window_samples, samples_clear, "Clear Spool" },
 		{ window_samples, samples_mix_files, "Create L/R files" },
+		{ window_usb, status_undo, "Undo" }, // of every window
 	};
 	for (const auto &[window, control, caption] : words) {
 		ASSERT_TRUE(find_caption(window, control)) << caption;
@@ -127,6 +113,8 @@ TEST_F(with_ports, settings_list_the_ports_behind_a_first_line)
 
 TEST_F(with_ports, a_choice_counts_at_once_and_is_kept_by_save)
 {
+	conf_sampler = { "from another folder" };
+	h.put_content(h.config + "\\there.sampler", std::vector<u8>(536));
 	velmor_command(window_main, menu_settings);
 	host.ui->select(window_settings, settings_midi_out, 2);
 	velmor_selection(window_settings, settings_midi_out);
@@ -136,6 +124,8 @@ TEST_F(with_ports, a_choice_counts_at_once_and_is_kept_by_save)
 	velmor_command(window_settings, control_ok);
 	EXPECT_EQ(h.settings["midi_out"], "1");
 	EXPECT_EQ(h.settings["midi_in"], "0");
+	EXPECT_EQ(
+		(h.lists[{ window_main, main_sampler_list }]), std::vector<std::string>{ "there" });
 	EXPECT_FALSE((h.visible[{ window_settings, 0 }]));
 }
 
@@ -205,6 +195,84 @@ TEST_F(window_commands, device_info_asks_the_described_sampler)
 	EXPECT_TRUE(h.logged(
 		"[D] Requesting Sampler-Info, Brand: 1007, MIDI_CHANNEL: 4, SYSEXCHAN: 9"));
 	EXPECT_EQ(model.calls, std::vector<std::string>{ "getstatus 4 9" });
+	const std::pair<int, int> verdict = { window_sampler, sampler_verdict };
+	EXPECT_EQ(
+		h.texts[verdict], "Akai S3000/S3000XL answered on exclusive channel 9 over MIDI.");
+	EXPECT_EQ(h.roles[verdict], text_role::good);
+
+	// Beside the button, in words, whatever came back.
+	midi_out_interface = midi_in_interface = { "USB MIDI 1" };
+	selected_midi_out_interface = selected_midi_in_interface = 0;
+	model.silent = true;
+	velmor_command(window_sampler, sampler_device_info);
+	EXPECT_EQ(h.texts[verdict],
+		"No answer on exclusive channel 9 through 'USB MIDI 1'. Is the sampler on? Its "
+		"channel stands on its own MIDI page.");
+	EXPECT_EQ(h.roles[verdict], text_role::failed);
+	EXPECT_FALSE(the_line.failing); // nobody is loaded whose line this would be
+	model.silent = false;
+	model.row.getstatus = [](u8, u8, _dev_status *) { line_answered(); };
+	velmor_command(window_sampler, sampler_device_info);
+	EXPECT_EQ(h.texts[verdict],
+		"Something answered on exclusive channel 9 through 'USB MIDI 1', but not as Akai "
+		"S3000/S3000XL does. Is the right model chosen?");
+	use_tcp = 1;
+	copy_text(tcp_address, "192.168.0.10");
+	tcp_port = 9999;
+	model.row.getstatus = [](u8, u8, _dev_status *) { line_silent("No answer came."); };
+	velmor_command(window_sampler, sampler_device_info);
+	EXPECT_EQ(h.texts[verdict].substr(0, 81), "No answer on exclusive channel 9 through the "
+						  "TCP bridge at 192.168.0.10:9999. Is ");
+	use_tcp = 0;
+	host.ui->select(window_sampler, sampler_brand_list, 0);
+	velmor_command(window_sampler, sampler_device_info);
+	EXPECT_EQ(h.texts[verdict],
+		"This brand cannot be asked who it is. Choose the model of the sampler.");
+	velmor_command(window_main, menu_midi_samplers);
+	EXPECT_EQ(h.texts[verdict], "");
+}
+
+TEST_F(window_commands, the_usb_dialog_says_when_nobody_is_there)
+{
+	velmor_command(window_main, menu_usb_samplers);
+	velmor_command(window_usb, usb_device_info);
+	EXPECT_EQ((h.texts[{ window_usb, usb_verdict }]),
+		"No sampler was found on the USB. Is it on, and its cable plugged in? Open this "
+		"window again to look again.");
+	h.texts[{ window_usb, usb_name }] = "of the device before";
+	EXPECT_TRUE(velmor_selection(window_usb, usb_device_list));
+	EXPECT_EQ((h.texts[{ window_usb, usb_name }]), "");
+}
+
+TEST_F(window_commands, no_channel_of_a_file_leaves_a_list_without_a_choice)
+{
+	h.use_sampler(model_s3000, 255);
+	current_sampler->sampler_midi = 0;
+	current_sampler->sampler_sysex = 99;
+	velmor_command(window_main, menu_midi_samplers);
+	EXPECT_EQ((h.selections[{ window_sampler, sampler_midi_list }]), 0);
+	EXPECT_EQ((h.selections[{ window_sampler, sampler_control_list }]), 15);
+	EXPECT_EQ((h.selections[{ window_sampler, sampler_exclusive_list }]), 128);
+}
+
+TEST_F(window_commands, a_panel_passes_the_gate_of_the_commands)
+{
+	int pictures = 0;
+	auto picture = [&] { pictures++; };
+	EXPECT_TRUE(run_through_gate([&] {
+		picture();
+		EXPECT_TRUE(command_running());
+		EXPECT_FALSE(run_through_gate(picture));
+		EXPECT_FALSE(velmor_command(window_main, menu_settings));
+	}));
+	EXPECT_FALSE(command_running());
+	usbdev.resize(1);
+	usbdev[0].device_handle = 7; // an operation of the drive, say, has it open
+	EXPECT_FALSE(run_through_gate(picture));
+	EXPECT_FALSE(velmor_command(window_main, menu_settings));
+	usbdev.clear();
+	EXPECT_TRUE(run_through_gate(picture));
+	EXPECT_EQ(pictures, 2);
 }
 
 TEST_F(window_commands, the_bridge_is_offered_with_diagnostics_alone)
@@ -227,6 +295,7 @@ TEST_F(window_commands, a_refused_bridge_leaves_midi_in_force)
 	EXPECT_EQ(h.boxes.back(), (shown_box{ "Failed to connect IP (SOCKET)", "WARNING" }));
 	velmor_command(window_sampler, sampler_tcp_off);
 	EXPECT_TRUE(h.logged("TURNING OFF TCP"));
+	tcp_port = 9999;
 	EXPECT_EQ((h.texts[{ window_sampler, sampler_tcp_status }]), "USING MIDI");
 }
 
@@ -293,4 +362,52 @@ TEST_F(window_commands, a_bar_left_behind_by_a_failure_can_be_put_away)
 	show_progressbar(0, 10, "Uploading [KICK]...");
 	velmor_command(window_progress, progress_stop);
 	EXPECT_FALSE(h.progress.visible);
+}
+
+// ---- Multis -------------------------------------------------------------------------------------
+
+class multi_page : public window_commands
+{
+protected:
+	multi_page() : model(h)
+	{
+		model.row.getproglist = nullptr;
+		model.row.getmultilist = [](u8, u8, _dev_status *dev) {
+			dev->multis = dev->status == 1 ? 2 : 0;
+			copy_text(dev->multi[0].name, "ROCK");
+			copy_text(dev->multi[1].name, "JAZZ");
+		};
+	}
+	const std::pair<int, int> list = { window_multis, multis_list };
+	fake_model model;
+};
+
+TEST_F(multi_page, a_silent_sampler_is_told_from_one_without_multis)
+{
+	model.silent = true;
+	velmor_command(window_main, main_multis);
+	EXPECT_EQ(h.states[list].first, list_state::silent);
+	EXPECT_TRUE((h.visible[{ window_multis, multis_retry }]));
+	EXPECT_TRUE(h.boxes.empty());
+	model.silent = false;
+	velmor_command(window_multis, multis_retry);
+	EXPECT_EQ(h.states[list].first, list_state::fresh);
+	EXPECT_EQ(h.lists[list], (std::vector<std::string>{ "ROCK", "JAZZ" }));
+	EXPECT_TRUE((h.texts[{ window_multis, multis_heading }]).starts_with("2 multis · read "));
+	EXPECT_TRUE(h.logged("Loaded Multi[1]: [JAZZ]"));
+	model.row.getmultilist = nullptr;
+	velmor_command(window_multis, multis_refresh);
+	EXPECT_EQ(h.boxes.back().text, "No Sampler loaded/Function not supported by Sampler");
+	EXPECT_EQ(h.lists[list].size(), 2u);
+}
+
+TEST_F(multi_page, exit_in_the_first_list_operation_begins_no_second)
+{
+	model.row.getstatus = [](u8, u8, _dev_status *dev) {
+		dev->status = 1;
+		EXPECT_TRUE(velmor_command(window_main, menu_exit));
+	};
+	EXPECT_THROW(velmor_command(window_main, main_multis), process_ended);
+	EXPECT_TRUE(model.calls.empty());
+	EXPECT_TRUE(h.lists[list].empty());
 }

@@ -7,7 +7,14 @@
 #include "ui/qt_ui.h"
 #include "platform/host.h"
 #include "src/velmor_window.h"
-#include "ui/parts.h"
+#include "ui/parts/entry_list.h"
+#include "ui/parts/form_view.h"
+#include "ui/parts/palette.h"
+#include "ui/parts/parts.h"
+#include "ui/parts/pixel_picture.h"
+#include "ui/parts/style.h"
+#include "ui/parts/told.h"
+#include "ui/parts/window.h"
 #include "ui/waveform.h"
 #include <QAbstractButton>
 #include <QAbstractEventDispatcher>
@@ -18,9 +25,12 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
+#include <QPointer>
 #include <QProgressBar>
+#include <QPushButton>
 #include <QTimer>
 #include <atomic>
+#include <clocale>
 #include <cstdio>
 #include <cstdlib>
 #include <map>
@@ -37,15 +47,19 @@ static top_window *find_window(int window)
 
 static void set_text(int window, int control, const char *text)
 {
+	if (not_made_yet(window))
+		return keep_for_later(window, [window, control, kept = std::string(text)] {
+			set_text(window, control, kept.c_str());
+		});
 	QObject *object = find_control(window, control);
 	if (window == window_main && control == main_log)
 		set_log_text(text);
-	else if (auto *label = qobject_cast<QLabel *>(object))
-		label->setText(QString::fromUtf8(text));
+	else if (auto *label = dynamic_cast<told_label *>(object))
+		label->say(QString::fromUtf8(text));
 	else if (auto *field = qobject_cast<QLineEdit *>(object))
 		field->setText(QString::fromUtf8(text));
-	else if (auto *button = qobject_cast<QAbstractButton *>(object))
-		button->setText(QString::fromUtf8(text));
+	else if (auto *button = qobject_cast<QPushButton *>(object))
+		find_window(window)->caption(button, QString::fromUtf8(text));
 	else if (auto *entry = qobject_cast<QAction *>(object))
 		entry->setText(QString::fromUtf8(text));
 	else if (auto *widget = qobject_cast<QWidget *>(object))
@@ -61,45 +75,69 @@ static std::string get_text(int window, int control)
 		return label->text().toStdString();
 	if (auto *field = qobject_cast<QLineEdit *>(object))
 		return field->text().toStdString();
-	if (auto *button = qobject_cast<QAbstractButton *>(object))
-		return button->text().toStdString();
+	if (auto *button = qobject_cast<QPushButton *>(object))
+		return button->property("caption").toString().toStdString();
 	if (auto *entry = qobject_cast<QAction *>(object))
 		return entry->text().toStdString();
 	auto *widget = qobject_cast<QWidget *>(object);
 	return widget ? widget->windowTitle().toStdString() : "";
 }
 
-static void set_list(int window, int control, std::span<const std::string> items)
+static void fill_list(int window, int control, const std::vector<QStringList> &rows)
 {
-	QStringList names;
-	for (const std::string &item : items)
-		names += QString::fromUtf8(item.c_str());
 	QObject *object = find_control(window, control);
-	if (auto *list = dynamic_cast<named_list *>(object)) {
-		list->fill(names);
+	if (auto *list = dynamic_cast<entry_list *>(object)) {
+		list->fill(rows);
+		if (window == window_main)
+			show_samplers_wanted(rows.empty());
 	} else if (auto *box = qobject_cast<QComboBox *>(object)) {
-		const QSignalBlocker quiet(box);
+		// Its choices are told when a user makes them, so it may be set as it is.
 		box->clear();
-		box->addItems(names);
+		for (const QStringList &row : rows)
+			box->addItem(row.value(0));
 		box->setCurrentIndex(-1);
 	}
 }
 
+static void set_list(int window, int control, std::span<const std::string> items)
+{
+	std::vector<QStringList> rows;
+	for (const std::string &item : items)
+		rows.push_back({ QString::fromUtf8(item.c_str()) });
+	fill_list(window, control, rows);
+}
+
 static void set_rows(int window, int control, std::span<const std::vector<std::string>> rows)
 {
-	std::vector<std::string> names;
-	for (const std::vector<std::string> &row : rows)
-		names.push_back(row.empty() ? "" : row.front());
-	set_list(window, control, names);
+	std::vector<QStringList> texts;
+	for (const std::vector<std::string> &row : rows) {
+		texts.emplace_back();
+		for (const std::string &text : row)
+			texts.back() += QString::fromUtf8(text.c_str());
+	}
+	fill_list(window, control, texts);
+}
+
+static void set_list_state(int window, int control, list_state state, const char *words)
+{
+	if (auto *list = dynamic_cast<entry_list *>(find_control(window, control)))
+		list->set_state(state, QString::fromUtf8(words));
+}
+
+static void set_role(int window, int control, text_role role)
+{
+	if (not_made_yet(window))
+		return keep_for_later(window, [=] { set_role(window, control, role); });
+	if (auto *label = dynamic_cast<told_label *>(find_control(window, control)))
+		label->set_role(role);
 }
 
 static void select_entry(int window, int control, int index)
 {
 	QObject *object = find_control(window, control);
-	if (auto *list = dynamic_cast<named_list *>(object)) {
+	if (auto *list = dynamic_cast<entry_list *>(object)) {
 		list->choose(index);
 	} else if (auto *box = qobject_cast<QComboBox *>(object)) {
-		const QSignalBlocker quiet(box);
 		box->setCurrentIndex(index);
 	}
 }
@@ -107,7 +145,7 @@ static void select_entry(int window, int control, int index)
 static int selection(int window, int control)
 {
 	QObject *object = find_control(window, control);
-	if (auto *list = dynamic_cast<named_list *>(object))
+	if (auto *list = dynamic_cast<entry_list *>(object))
 		return list->chosen();
 	auto *box = qobject_cast<QComboBox *>(object);
 	return box ? box->currentIndex() : -1;
@@ -127,6 +165,8 @@ static bool is_checked(int window, int control)
 
 static void show_control(int window, int control, bool visible)
 {
+	if (not_made_yet(window) && (control || !visible))
+		return keep_for_later(window, [=] { show_control(window, control, visible); });
 	QObject *object = find_control(window, control);
 	if (auto *entry = qobject_cast<QAction *>(object)) {
 		entry->setVisible(visible);
@@ -136,38 +176,112 @@ static void show_control(int window, int control, bool visible)
 	if (!widget)
 		return;
 	widget->setVisible(visible);
+	// What stands on a card brings it along.
+	if (auto *box = dynamic_cast<card *>(widget->parentWidget()); box && visible)
+		box->show();
 	if (visible && control == 0) {
 		widget->raise();
 		widget->activateWindow();
 	}
 }
 
-static void enable_control(int window, int control, bool enabled)
+// A control that works says again what it is for.
+static void set_reason(int window, int control, const char *why_not)
 {
 	QObject *object = find_control(window, control);
 	if (auto *entry = qobject_cast<QAction *>(object))
-		entry->setEnabled(enabled);
-	else if (auto *widget = qobject_cast<QWidget *>(object))
-		widget->setEnabled(enabled);
+		entry->setEnabled(!why_not);
+	auto *widget = qobject_cast<QWidget *>(object);
+	if (!widget)
+		return;
+	widget->setEnabled(!why_not);
+	const caption_row *row = find_caption(window, control);
+	const QString tip = QString::fromUtf8(why_not && *why_not   ? why_not
+					      : row && row->tooltip ? row->tooltip
+								    : "");
+	widget->setToolTip(tip);
+	widget->setAccessibleDescription(tip);
 }
 
-static void set_reason(int window, int control, const char *why_not)
+static void enable_control(int window, int control, bool enabled)
 {
-	enable_control(window, control, !why_not);
-	if (QWidget *widget = find_widget(window, control); widget && why_not)
-		widget->setToolTip(QString::fromUtf8(why_not));
+	set_reason(window, control, enabled ? nullptr : "");
+}
+
+// Disabled windows cannot have the focus: it goes where it should when they work again.
+static QPointer<QWidget> focus_wanted;
+
+// A dialog that is not made has what it has words for.
+static bool exists(int window, int control)
+{
+	return not_made_yet(window) ? find_caption(window, control) != nullptr
+				    : find_control(window, control) != nullptr;
 }
 
 static void focus_control(int window, int control)
 {
-	if (QWidget *widget = find_widget(window, control))
+	QWidget *widget = find_widget(window, control);
+	if (!widget)
+		return;
+	if (widget->window()->isEnabled())
 		widget->setFocus();
+	else
+		focus_wanted = widget;
+}
+
+static void set_bitmap(int window, int control, const bitmap_view *view)
+{
+	if (auto *picture = dynamic_cast<pixel_picture *>(find_control(window, control)))
+		picture->show_view(view);
 }
 
 static void set_waveform(int window, int control, const waveform_view *view)
 {
 	if (auto *picture = dynamic_cast<waveform_widget *>(find_control(window, control)))
 		picture->show_view(view);
+}
+
+// ---- Forms --------------------------------------------------------------------------------------
+
+static form_view *find_form(int window, int form)
+{
+	return dynamic_cast<form_view *>(find_control(window, form));
+}
+
+static void build_form(int window, int form, std::span<const form_row> rows)
+{
+	if (form_view *view = find_form(window, form))
+		view->build(rows);
+}
+
+static void set_row_value(int window, int form, int row, int value)
+{
+	if (form_view *view = find_form(window, form))
+		view->set_value(row, value);
+}
+
+static int row_value(int window, int form, int row)
+{
+	const form_view *view = find_form(window, form);
+	return view ? view->value(row) : 0;
+}
+
+static void set_row_text(int window, int form, int row, const char *text)
+{
+	if (form_view *view = find_form(window, form))
+		view->set_text(row, QString::fromUtf8(text));
+}
+
+static std::string row_text(int window, int form, int row)
+{
+	const form_view *view = find_form(window, form);
+	return view ? view->text(row).toStdString() : "";
+}
+
+static void set_row_changed(int window, int form, int row, bool changed)
+{
+	if (form_view *view = find_form(window, form))
+		view->set_changed(row, changed);
 }
 
 // ---- Boxes --------------------------------------------------------------------------------------
@@ -183,7 +297,7 @@ static constexpr box_icon box_icons[] = {
 	{ "WARNING", QMessageBox::Warning },
 };
 
-static QMessageBox::Icon icon_of(const QString &caption)
+static QMessageBox::Icon icon_of_box(const QString &caption)
 {
 	for (const box_icon &row : box_icons)
 		if (caption.startsWith(row.word, Qt::CaseInsensitive))
@@ -206,7 +320,7 @@ static int show_message(const char *text, const char *caption, QMessageBox::Stan
 	box.setWindowTitle(QString::fromUtf8(caption));
 	box.setTextFormat(Qt::PlainText);
 	box.setText(QString::fromUtf8(text));
-	box.setIcon(icon_of(box.windowTitle()));
+	box.setIcon(icon_of_box(box.windowTitle()));
 	box.setStandardButtons(buttons);
 	return box.exec();
 }
@@ -251,6 +365,10 @@ static void enable_windows(bool enabled)
 
 static void progress_show(const char *caption, int range)
 {
+	// A second piece of work may show the window that a first has left.
+	if (QWidget *focus = QApplication::focusWidget();
+		focus && focus->window() != find_window(window_progress))
+		focus_wanted = focus;
 	enable_windows(false);
 	set_text(window_progress, 0, caption);
 	set_text(window_progress, progress_info, "");
@@ -258,6 +376,7 @@ static void progress_show(const char *caption, int range)
 	if (auto *bar = qobject_cast<QProgressBar *>(find_control(window_progress, progress_bar))) {
 		bar->setRange(0, range);
 		bar->setValue(0);
+		bar->setAccessibleDescription(QString::fromUtf8(caption));
 	}
 	show_control(window_progress, 0, true);
 	if (QWidget *stop = find_widget(window_progress, progress_stop))
@@ -279,6 +398,9 @@ static void progress_hide()
 	top_window *main = find_window(window_main);
 	if (main && main->isVisible())
 		main->raise();
+	if (focus_wanted && focus_wanted->isEnabled())
+		focus_wanted->setFocus();
+	focus_wanted = nullptr;
 }
 
 // ---- Timers -------------------------------------------------------------------------------------
@@ -356,14 +478,20 @@ const ui_service qt_ui = {
 	.checked       = is_checked,
 	.show          = show_control,
 	.enable        = enable_control,
-	.exists        = [](int window, int control) { return find_control(window, control) != nullptr; },
+	.exists        = exists,
 	.set_rows      = set_rows,
-	.set_list_state = [](int, int, list_state, const char *) {},
-	.set_role      = [](int, int, text_role) {},
+	.set_list_state = set_list_state,
+	.set_role      = set_role,
 	.set_reason    = set_reason,
 	.focus         = focus_control,
-	.set_bitmap    = [](int, int, const bitmap_view *) {},
+	.set_bitmap    = set_bitmap,
 	.set_waveform  = set_waveform,
+	.build_form    = build_form,
+	.set_row_value = set_row_value,
+	.row_value     = row_value,
+	.set_row_text  = set_row_text,
+	.row_text      = row_text,
+	.set_row_changed = set_row_changed,
 	.message       = message,
 	.ask           = ask,
 	.choose_files  = choose_files,
@@ -384,7 +512,11 @@ const ui_service qt_ui = {
 
 void create_windows()
 {
+	// A QApplication takes the user's locale, but the numbers in the program's words follow none.
+	std::setlocale(LC_NUMERIC, "C");
 	QApplication::setQuitOnLastWindowClosed(false);
+	QApplication::setStyle(new flat_style);
+	follow_desktop();
 	events = QCoreApplication::eventDispatcher();
 	create_main_window();
 	let_dialogs_be_made(true);

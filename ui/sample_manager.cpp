@@ -1,147 +1,270 @@
 // sample_manager.cpp - the samples of the sampler beside those of this computer
 
-#include "ui/parts.h"
+#include "src/velmor_window.h"
+#include "ui/parts/entry_list.h"
+#include "ui/parts/parts.h"
+#include "ui/parts/style.h"
+#include "ui/parts/told.h"
+#include "ui/parts/window.h"
 #include "ui/qt_ui.h"
 #include "ui/waveform.h"
 #include <QBoxLayout>
+#include <QButtonGroup>
 #include <QFormLayout>
-#include <QGroupBox>
-#include <QGuiApplication>
-#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QScreen>
+#include <QRadioButton>
 #include <QScrollArea>
+#include <QToolButton>
 
 namespace velmor
 {
 
 // One side: its list with a search field, and what can be done with the chosen sample.
 struct side {
-	int list, search;
-	int move, more; // the transfers; more may have no command
+	int list, heading, search;
 	int remove, information, rename, new_name;
+	int refresh, retry; // 0: none
+	icon picture;
+	QStringList columns;
 };
 
-static constexpr side loaded_side = {
-	.list = samples_loaded_list,
-	.search = samples_loaded_search,
-	.move = samples_download,
-	.more = samples_download_all,
-	.remove = samples_loaded_delete,
-	.information = samples_loaded_info,
-	.rename = samples_loaded_rename,
-	.new_name = samples_loaded_new_name,
-};
-
-static constexpr side local_side = {
-	.list = samples_local_list,
-	.search = samples_local_search,
-	.move = samples_upload,
-	.more = 0,
-	.remove = samples_local_delete,
-	.information = samples_local_info,
-	.rename = samples_local_rename,
-	.new_name = samples_local_new_name,
-};
-
-static QWidget *make_side(top_window *window, const side &s)
+static side loaded_side()
 {
-	auto *box = new QGroupBox(caption_of(window->id, s.list), window);
-	auto *column = new QVBoxLayout(box);
-	named_list *list = make_list(window, s.list);
-	list->setMinimumHeight(list->fontMetrics().height() * 6);
-	QLineEdit *search = make_search(window, s.search, list);
-	add_to(column, { search, list });
-	QWidget::setTabOrder(search, list);
+	return { .list = samples_loaded_list,
+		.heading = samples_loaded_heading,
+		.search = samples_loaded_search,
+		.remove = samples_loaded_delete,
+		.information = samples_loaded_info,
+		.rename = samples_loaded_rename,
+		.new_name = samples_loaded_new_name,
+		.refresh = samples_refresh,
+		.retry = samples_retry,
+		.picture = icon::sampler,
+		.columns = { "Name", "Length", "Rate", "Pitch", "Loop" } };
+}
+
+static side local_side()
+{
+	return { .list = samples_local_list,
+		.heading = samples_local_heading,
+		.search = samples_local_search,
+		.remove = samples_local_delete,
+		.information = samples_local_info,
+		.rename = samples_local_rename,
+		.new_name = samples_local_new_name,
+		.refresh = 0,
+		.retry = 0,
+		.picture = icon::computer,
+		.columns = { "Name", "Length", "Rate", "Ch", "Bits", "Loop" } };
+}
+
+// ---- The two sides ----------------------------------------------------------------------------
+
+static entry_list *make_side_list(top_window *window, const side &s)
+{
+	entry_list *list = make_list(window, s.list);
+	list->set_columns(s.columns);
+	list->setMinimumHeight(header_height + row_height * 5);
+	if (s.retry)
+		list->set_retry(make_button(window, s.retry));
 	if (s.list == samples_local_list)
 		list->take_files();
-
-	auto *grid = new QGridLayout;
-	QPushButton *move = make_button(window, s.move);
-	QPushButton *more = s.more ? make_button(window, s.more) : nullptr;
-	grid->addWidget(move, 0, 0, 1, more ? 1 : 2);
-	if (more)
-		grid->addWidget(more, 0, 1);
-	grid->addWidget(make_button(window, s.information), 1, 0);
-	grid->addWidget(make_button(window, s.remove), 1, 1);
-	QLineEdit *name = make_field(window, s.new_name);
-	grid->addWidget(name, 2, 0);
-	grid->addWidget(make_button(window, s.rename), 2, 1);
-	grid->setColumnStretch(0, 1);
-	grid->setColumnStretch(1, 1);
-	column->addLayout(grid);
-	return box;
+	return list;
 }
 
-static QWidget *make_details(top_window *window)
+static QPushButton *make_side_button(top_window *window, const side &s, int control)
 {
-	auto *box = new QGroupBox("Sample Information", window);
-	auto *form = new QFormLayout(box);
-	form->setVerticalSpacing(form->verticalSpacing() / 2);
-	for (int control : { samples_detail_origin, samples_detail_name, samples_detail_pitch,
-		     samples_detail_rate, samples_detail_seconds, samples_detail_channels,
-		     samples_detail_bits, samples_detail_playmode })
+	QPushButton *button = make_button(window, control);
+	tell_apart(button, caption_of(window->id, s.list));
+	return button;
+}
+
+static QBoxLayout *make_side(top_window *window, const side &s)
+{
+	auto *column = new QVBoxLayout;
+	column->setSpacing(between_controls);
+	entry_list *list = make_side_list(window, s);
+	QLineEdit *search = make_search(window, s.search, list);
+	auto *finding = new QHBoxLayout;
+	finding->addWidget(search, 1);
+	if (s.refresh) {
+		QPushButton *refresh = make_button(window, s.refresh);
+		refresh->setShortcut(QKeySequence::Refresh);
+		finding->addWidget(refresh);
+	}
+	column->addLayout(make_heading(window, s.list, s.heading, s.picture));
+	column->addLayout(finding);
+	column->addWidget(list, 1);
+	auto *renaming = new QHBoxLayout;
+	renaming->addWidget(make_field(window, s.new_name), 1);
+	renaming->addWidget(make_side_button(window, s, s.rename));
+	column->addLayout(renaming);
+	auto *more = new QHBoxLayout;
+	more->addWidget(make_side_button(window, s, s.information), 1);
+	more->addWidget(make_side_button(window, s, s.remove), 1);
+	column->addLayout(more);
+	return column;
+}
+
+// The arrows stand on the side they point to.
+static QBoxLayout *make_transfers(top_window *window)
+{
+	auto *column = new QVBoxLayout;
+	column->setSpacing(between_controls);
+	column->addSpacing(button_height + field_height + header_height + 3 * between_controls);
+	for (const int control : { samples_download, samples_download_all, samples_upload }) {
+		QPushButton *button = make_button(window, control);
+		button->setProperty("icon_right", control != samples_upload);
+		button->setMinimumHeight(main_button_height);
+		if (control == samples_upload)
+			column->addSpacing(between_panels);
+		column->addWidget(button);
+	}
+	column->addStretch();
+	return column;
+}
+
+// ---- The chosen sample ------------------------------------------------------------------------
+
+static QWidget *make_details(top_window *window, QWidget *parent)
+{
+	auto *all = new QWidget(parent);
+	auto *column = new QVBoxLayout(all);
+	column->setContentsMargins(0, 0, 0, 0);
+	auto *head = new QHBoxLayout;
+	head->addWidget(new icon_label(icon::wave, big_icon_size - 4, QPalette::Link, all));
+	told_label *name = make_title({}, 1.3, true, all);
+	enroll(window->id, samples_detail_name, name);
+	name->set_cut();
+	head->addWidget(name, 1);
+	head->addStrut(name->fontMetrics().height() + 4);
+	column->addLayout(head);
+	auto *form = new QFormLayout;
+	form->setVerticalSpacing(4);
+	form->setHorizontalSpacing(between_panels);
+	for (int control : { samples_detail_origin, samples_detail_pitch, samples_detail_rate,
+		     samples_detail_seconds, samples_detail_channels, samples_detail_bits,
+		     samples_detail_playmode })
 		add_row(form, window->id, control, make_text(window, control));
-	return box;
+	column->addLayout(form);
+	column->addStretch();
+	all->setFixedWidth(260);
+	return all;
 }
 
-static QWidget *make_picture(top_window *window)
+static QWidget *make_chosen(top_window *window)
 {
-	auto *box = new QGroupBox(caption_of(window->id, samples_waveform), window);
-	auto *column = new QVBoxLayout(box);
-	auto *picture = new waveform_widget("No local sample chosen", window);
+	auto *box = new card(window);
+	auto *row = new QHBoxLayout(box);
+	row->setContentsMargins(12, 12, 12, 12);
+	row->setSpacing(12);
+	row->addWidget(make_details(window, box));
+	auto *picture = new waveform_widget("No local sample chosen", box);
 	enroll(window->id, samples_waveform, picture);
-	column->addWidget(picture);
+	row->addWidget(picture, 1);
 	return box;
 }
 
-static QBoxLayout *make_import_options(top_window *window)
-{
-	auto *row = new QHBoxLayout;
-	row->addWidget(make_options(window, "Bits",
-		{ samples_bits_keep, samples_bits_16, samples_bits_12, samples_bits_24 }, 1));
-	row->addWidget(make_options(window, "Rate",
+// ---- Import -----------------------------------------------------------------------------------
+
+struct option_group {
+	const char *title;
+	std::initializer_list<int> controls;
+	int columns;
+	bool first_keeps; // the first choice leaves a file as it is
+};
+
+static const option_group groups[] = {
+	{ "Bits", { samples_bits_keep, samples_bits_16, samples_bits_12, samples_bits_24 }, 1,
+		true },
+	{ "Rate",
 		{ samples_rate_keep, samples_rate_16000, samples_rate_22000, samples_rate_32000,
 			samples_rate_44100, samples_rate_48000, samples_rate_96000 },
-		2));
-	row->addWidget(make_options(window, "Channels",
-		{ samples_channels_keep, samples_channels_1, samples_channels_2 }, 1));
-	row->addWidget(make_options(window, "Source (if Stereo-Source), Target (if Mono-Source)",
+		2, true },
+	{ "Channels", { samples_channels_keep, samples_channels_1, samples_channels_2 }, 1, true },
+	{ "Source (if Stereo-Source), Target (if Mono-Source)",
 		{ samples_mix_left, samples_mix_right, samples_mix_both_to_one, samples_mix_files,
 			samples_mix_both },
-		2));
-	return row;
+		2, false },
+};
+
+// What the folded options say: "16 bit, 44100 Hz, left channel".
+static QString chosen_options()
+{
+	QStringList all;
+	for (const option_group &group : groups)
+		for (const int control : group.controls) {
+			auto *option =
+				static_cast<QRadioButton *>(find_widget(window_samples, control));
+			const bool keeps = group.first_keeps && control == *group.controls.begin();
+			if (option->isChecked() && !keeps)
+				all += option->text().remove("Convert to ");
+		}
+	if (all.size() == 1)
+		all.prepend("kept as they are");
+	return all.join(", ");
 }
 
-// What is being converted or copied just now, and how it went.
+static QWidget *make_import_options(top_window *window, told_label *line)
+{
+	auto *options = new QWidget(window);
+	auto *row = new QHBoxLayout(options);
+	row->setContentsMargins(28, 0, 0, 0);
+	row->setSpacing(between_panels);
+	for (const option_group &group : groups)
+		row->addWidget(make_options(window, group.title, group.controls, group.columns));
+	row->addStretch();
+	for (QRadioButton *option : options->findChildren<QRadioButton *>())
+		QObject::connect(option, &QRadioButton::toggled, line,
+			[line] { line->say(chosen_options()); });
+	line->say(chosen_options());
+	return options;
+}
+
+// What is being converted or copied just now, and how it went. It keeps its room.
 static QBoxLayout *make_work_line(top_window *window)
 {
 	auto *row = new QHBoxLayout;
-	for (int control : { samples_import, samples_export, samples_clear })
-		add_to(row, { make_button(window, control) });
-	// A long path must not make the window wider.
-	QLabel *file = make_text(window, samples_work_file);
-	file->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
-	file->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-	row->addWidget(file, 1);
-	for (int control : { samples_work_count, samples_work_percent, samples_work_outcome })
-		row->addWidget(make_text(window, control));
-	QPushButton *refresh = make_button(window, samples_refresh);
-	refresh->setShortcut(QKeySequence::Refresh);
-	row->addWidget(refresh);
+	row->setContentsMargins(28, 0, 0, 0);
+	const std::pair<int, const char *> told[] = { { samples_work_count, "Files" },
+		{ samples_work_percent, "Part" }, { samples_work_outcome, "Outcome" },
+		{ samples_work_file, "File" } };
+	for (const auto &[control, spoken] : told) {
+		told_label *text = make_text(window, control);
+		text->set_spoken(spoken);
+		text->set_role(text_role::quiet);
+		if (control == samples_work_file)
+			text->set_cut();
+		row->addWidget(text, control == samples_work_file);
+	}
+	row->addStrut(window->fontMetrics().height());
 	return row;
 }
 
 static QWidget *make_import(top_window *window)
 {
-	auto *box = new QGroupBox("Import and spool", window);
+	auto *box = new card(window);
 	auto *column = new QVBoxLayout(box);
-	column->addLayout(make_import_options(window));
-	QLabel *preview = make_text(window, samples_import_preview);
+	column->setContentsMargins(12, 12, 12, 8);
+	auto *line = new told_label(box);
+	line->set_spoken("Import options");
+	line->set_cut();
+	QWidget *options = make_import_options(window, line);
+	auto *head = new QHBoxLayout;
+	head->addWidget(make_fold(options, "the import options", false, box));
+	head->addWidget(make_title("Import options", 1.1, true, box));
+	head->addWidget(line, 1);
+	for (int control : { samples_import, samples_export, samples_clear })
+		add_to(head, { make_button(window, control) });
+	column->addLayout(head);
+	column->addWidget(options);
+	column->addWidget(make_line(box));
+	told_label *preview = make_text(window, samples_import_preview);
 	preview->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
-	preview->setMinimumHeight(preview->fontMetrics().lineSpacing() * 3);
+	preview->setMinimumHeight(preview->fontMetrics().lineSpacing() * 4);
 	preview->setAlignment(Qt::AlignLeft | Qt::AlignTop);
+	preview->setContentsMargins(28, 0, 0, 0);
 	column->addWidget(preview);
 	column->addLayout(make_work_line(window));
 	return box;
@@ -150,15 +273,18 @@ static QWidget *make_import(top_window *window)
 // A small screen scrolls the window's content instead of losing its lower half.
 static QBoxLayout *scrolled_column(top_window *window)
 {
-	auto *all = new QVBoxLayout(window);
-	all->setContentsMargins(0, 0, 0, 0);
+	window->content->setContentsMargins(0, 0, 0, 0);
 	auto *area = new QScrollArea(window);
 	area->setFrameShape(QFrame::NoFrame);
+	area->setFocusPolicy(Qt::NoFocus);
 	area->setWidgetResizable(true);
 	auto *content = new QWidget(area);
 	area->setWidget(content);
-	all->addWidget(area);
-	return new QVBoxLayout(content);
+	window->content->addWidget(area);
+	auto *column = new QVBoxLayout(content);
+	column->setContentsMargins(margin_side, margin_above, margin_side, margin_above);
+	column->setSpacing(12);
+	return column;
 }
 
 void create_sample_manager(QWidget *owner)
@@ -166,16 +292,25 @@ void create_sample_manager(QWidget *owner)
 	auto *window = new top_window(window_samples, control_cancel, owner);
 	QBoxLayout *column = scrolled_column(window);
 	auto *sides = new QHBoxLayout;
-	add_to(sides, { make_side(window, loaded_side), make_side(window, local_side) });
-	column->addLayout(sides, 3);
-	find_widget(window_samples, samples_loaded_list)->setFocus();
-	auto *picture = new QHBoxLayout;
-	picture->addWidget(make_details(window), 1);
-	picture->addWidget(make_picture(window), 2);
-	column->addLayout(picture, 1);
+	sides->setSpacing(between_panels);
+	sides->addLayout(make_side(window, loaded_side()), 1);
+	sides->addLayout(make_transfers(window));
+	sides->addLayout(make_side(window, local_side()), 1);
+	column->addLayout(sides, 1);
+	column->addWidget(make_chosen(window));
 	column->addWidget(make_import(window));
-	const QSize screen = QGuiApplication::primaryScreen()->availableSize();
-	window->resize(column->sizeHint().grownBy({ 0, 0, 40, 40 }).boundedTo(screen));
+	window->finish();
+	// A list was made before what stands over it.
+	const auto tab = [](int from, int to) {
+		QWidget::setTabOrder(
+			find_widget(window_samples, from), find_widget(window_samples, to));
+	};
+	tab(samples_loaded_search, samples_refresh);
+	tab(samples_refresh, samples_loaded_list);
+	tab(samples_loaded_list, samples_loaded_new_name);
+	tab(samples_local_search, samples_local_list);
+	find_widget(window_samples, samples_loaded_list)->setFocus();
+	window->open_at({ 976, 719 });
 }
 
 } // namespace velmor

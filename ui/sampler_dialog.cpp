@@ -1,12 +1,12 @@
 // sampler_dialog.cpp - one sampler that is connected by MIDI
 
-#include "ui/parts.h"
+#include "ui/parts/parts.h"
+#include "ui/parts/told.h"
+#include "ui/parts/window.h"
 #include <QBoxLayout>
 #include <QComboBox>
-#include <QDialogButtonBox>
 #include <QFormLayout>
 #include <QGroupBox>
-#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 
@@ -36,26 +36,23 @@ static QWidget *make_bridge(top_window *window)
 void create_sampler_dialog(QWidget *owner)
 {
 	auto *window = new top_window(window_sampler, control_cancel, owner);
-	auto *column = new QVBoxLayout(window);
+	QBoxLayout *column = window->content;
 	auto *form = new QFormLayout;
 	QLineEdit *name = make_field(window, sampler_name);
 	name->setMaxLength(255);
-	name->setMinimumWidth(name->fontMetrics().averageCharWidth() * 30);
+	name->setMinimumWidth(name->fontMetrics().averageCharWidth() * 34);
 	add_row(form, window_sampler, sampler_name, name);
 	for (int control : { sampler_brand_list, sampler_midi_list, sampler_control_list,
 		     sampler_exclusive_list })
 		add_row(form, window_sampler, control, make_choice(window, control));
 	column->addLayout(form);
-	column->addWidget(make_button(window, sampler_device_info), 0, Qt::AlignLeft);
+	auto *asking = new QHBoxLayout;
+	asking->addWidget(make_button(window, sampler_device_info), 0, Qt::AlignTop);
+	asking->addWidget(make_verdict(window, sampler_verdict), 1);
+	column->addLayout(asking);
 	column->addWidget(make_bridge(window));
-	column->addStretch();
-
-	auto *buttons = new QDialogButtonBox(window);
-	QPushButton *save = make_button(window, control_ok);
-	buttons->addButton(save, QDialogButtonBox::AcceptRole);
-	buttons->addButton(make_button(window, control_cancel), QDialogButtonBox::RejectRole);
-	save->setDefault(true);
-	column->addWidget(buttons);
+	add_closing_buttons(window);
+	window->finish();
 }
 
 } // namespace velmor

@@ -1,9 +1,10 @@
 // usb_dialog.cpp - the samplers that are connected by USB
 
-#include "ui/parts.h"
+#include "ui/parts/parts.h"
+#include "ui/parts/told.h"
+#include "ui/parts/window.h"
 #include <QBoxLayout>
 #include <QComboBox>
-#include <QDialogButtonBox>
 #include <QFormLayout>
 #include <QLineEdit>
 #include <QPushButton>
@@ -25,7 +26,7 @@ static void add_fields(top_window *window, QFormLayout *form)
 void create_usb_dialog(QWidget *owner)
 {
 	auto *window = new top_window(window_usb, control_cancel, owner);
-	auto *column = new QVBoxLayout(window);
+	QBoxLayout *column = window->content;
 	auto *form = new QFormLayout;
 	QComboBox *devices = make_choice(window, usb_device_list);
 	devices->setMinimumContentsLength(30);
@@ -33,17 +34,12 @@ void create_usb_dialog(QWidget *owner)
 	add_fields(window, form);
 	column->addLayout(form);
 	auto *asking = new QHBoxLayout;
-	add_to(asking, { make_button(window, usb_device_info), make_button(window, usb_update) });
-	asking->addStretch();
+	asking->addWidget(make_button(window, usb_device_info), 0, Qt::AlignTop);
+	asking->addWidget(make_button(window, usb_update), 0, Qt::AlignTop);
+	asking->addWidget(make_verdict(window, usb_verdict), 1);
 	column->addLayout(asking);
-	column->addStretch();
-
-	auto *buttons = new QDialogButtonBox(window);
-	QPushButton *save = make_button(window, control_ok);
-	buttons->addButton(save, QDialogButtonBox::AcceptRole);
-	buttons->addButton(make_button(window, control_cancel), QDialogButtonBox::RejectRole);
-	save->setDefault(true);
-	column->addWidget(buttons);
+	add_closing_buttons(window);
+	window->finish();
 }
 
 } // namespace velmor

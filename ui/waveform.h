@@ -19,10 +19,14 @@ protected:
 	void paintEvent(QPaintEvent *event) override;
 
 private:
+	QRect wave_place() const;
+	bool looped() const { return loop_end > loop_start; }
+	double seconds_of(std::uint64_t word) const;
+	qreal place_of(std::uint64_t word) const;
 	void paint_loop(QPainter *painter) const;
 	void paint_words(QPainter *painter) const;
-	void paint_scale(QPainter *painter) const;
-	qreal place_of(std::uint64_t word) const;
+	void paint_ruler(QPainter *painter) const;
+	void paint_numbers(QPainter *painter) const;
 
 	QString empty_text;
 	std::vector<std::int16_t> words;

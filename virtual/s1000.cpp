@@ -5,6 +5,7 @@
 
 #include "virtual/s1000.h"
 #include <algorithm>
+#include <utility>
 
 namespace velmor
 {
@@ -281,6 +282,8 @@ bytes s1000_machine::answer(byte_view message)
 		return dump_message(message);
 	if (!for_me(message))
 		return {};
+	if (message[frame_function] != 0x07)
+		gap.reset();
 	for (const function_row &row : function_rows)
 		if (row.function == message[frame_function]) {
 			const std::size_t least = row.function == 0x09 ? 9 : 8;
@@ -377,18 +380,20 @@ bytes s1000_machine::take_program(byte_view message)
 	auto block = block_in(message, frame_block, program_identity);
 	if (!block)
 		return reply(false);
-	if (stored_program *p = program_at(message)) {
+	const std::size_t index = machine::number_from_sevens(message, frame_index, 2);
+	const bool fills_gap = std::exchange(gap, std::nullopt) == index;
+	if (stored_program *p = fills_gap ? nullptr : program_at(message)) {
 		std::copy_n(p->common.begin() + block_address, 2, block->begin() + block_address);
 		(*block)[program_keygroups] = p->common[program_keygroups];
 		p->common = std::move(*block);
 		return reply(true);
 	}
-	if (machine::number_from_sevens(message, frame_index, 2) != programs.size())
+	if (!fills_gap && index != programs.size())
 		return reply(false);
-	return create_program(std::move(*block));
+	return create_program(index, std::move(*block));
 }
 
-bytes s1000_machine::create_program(bytes block)
+bytes s1000_machine::create_program(std::size_t index, bytes block)
 {
 	const std::size_t keygroups = block[program_keygroups];
 	if (keygroups > most_keygroups || 1 + keygroups > blocks_free())
@@ -396,6 +401,8 @@ bytes s1000_machine::create_program(bytes block)
 	stored_program &p = add_program("", keygroups);
 	std::copy_n(p.common.begin() + block_address, 2, block.begin() + block_address);
 	p.common = std::move(block);
+	std::rotate(programs.begin() + static_cast<std::ptrdiff_t>(index), programs.end() - 1,
+		programs.end());
 	return reply(true);
 }
 
@@ -440,7 +447,10 @@ bytes s1000_machine::delete_program(byte_view message)
 	const stored_program *p = program_at(message);
 	if (!p)
 		return reply(false);
-	programs.erase(programs.begin() + (p - programs.data()));
+	const auto index = p - programs.data();
+	programs.erase(programs.begin() + index);
+	if (!closes_gaps)
+		gap = static_cast<std::size_t>(index);
 	return reply(true);
 }
 

@@ -26,7 +26,9 @@
 //
 // A program written behind the last one is created, with as many keygroups of the
 // machine's own making as its block says; a keygroup written behind the last one is
-// added. A dump to the number behind the last sample makes a new one.
+// added. A dump to the number behind the last sample makes a new one. A program that is written
+// to the place of the one deleted by the message before it is created there, in front of those
+// that stood behind, unless the machine closes such gaps at once.
 //
 // Called by a wire, on the thread of the timeline. Contents are set up before it is
 // plugged in, or in virtual time at any moment.
@@ -83,6 +85,8 @@ public:
 	// Words and blocks (a program, a keygroup and a sample header take one each) that its
 	// memory holds.
 	std::size_t word_room, block_room;
+	// Whether a program written to the place of one just deleted goes over the next one.
+	bool closes_gaps = false;
 	// The whole messages that reached it, with those it did not take; the last ten thousand.
 	std::deque<machine::bytes> heard;
 
@@ -116,7 +120,7 @@ private:
 	bytes give_samples(view message);
 	bytes give_program(view message);
 	bytes take_program(view message);
-	bytes create_program(bytes block);
+	bytes create_program(std::size_t index, bytes block);
 	bytes give_keygroup(view message);
 	bytes take_keygroup(view message);
 	bytes give_header(view message);
@@ -125,6 +129,8 @@ private:
 	bytes delete_program(view message);
 	bytes delete_keygroup(view message);
 	bytes delete_sample(view message);
+
+	std::optional<std::size_t> gap; // left by the message before
 
 	// A dump towards the machine (s1000_dump.cpp).
 	struct dump {

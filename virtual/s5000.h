@@ -33,6 +33,7 @@ struct s5000_zone {
 	// By the item that writes it, 02 to 0E; item 01 is the name.
 	std::array<std::array<std::uint8_t, 3>, 15> value = {};
 	s5000_zone();
+	bool operator==(const s5000_zone &) const = default;
 };
 
 struct s5000_keygroup {
@@ -44,11 +45,13 @@ struct s5000_keygroup {
 	s5000_keygroup();
 	// The value that block requests write with that item; sub-index from 1.
 	std::array<std::uint8_t, 2> &at(std::uint8_t write_item, int sub = 1);
+	bool operator==(const s5000_keygroup &) const = default;
 };
 
 struct s5000_program {
 	std::string name;
 	std::vector<s5000_keygroup> keygroups;
+	bool operator==(const s5000_program &) const = default;
 };
 
 struct s5000_disk {

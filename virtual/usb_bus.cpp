@@ -22,7 +22,7 @@ namespace
 struct plugged {
 	usb_machine *machine; // null once the plug is pulled
 	timeline *time;
-	std::string path;
+	std::string path, address;
 	std::deque<int> writes, reads; // transfers in order; the first may be under way
 	bool out_stalled = false, in_stalled = false;
 	std::set<std::uint8_t> claimed; // interfaces
@@ -53,7 +53,8 @@ struct whole_bus {
 	std::vector<device_ref> devices;
 	std::map<int, open_handle> handles;
 	std::map<int, moving> transfers;
-	int next_name = 1, next_port = 1;
+	std::map<const usb_machine *, int> sockets; // of each that was ever plugged in
+	int next_name = 1, next_socket = 1, next_address = 1;
 	double free_at = 0; // end of the last packet that has its place on the bus
 	bool list_forbidden = false;
 	void (*wake)() = nullptr;
@@ -186,18 +187,28 @@ static void drop_or_repeat(usb_machine &machine, double now)
 	m.awaited = false;
 }
 
-static void read_from_message(moving &t, std::size_t length, double now)
+// True when the message ends the read: with a short packet, which may be an empty one.
+static bool read_from_message(moving &t, std::size_t length, double now)
 {
 	usb_machine &machine = *t.device->machine;
 	if (machine.outbox.empty())
-		return; // the machine has dropped it meanwhile
+		return true; // the machine has dropped it meanwhile
 	usb_message &m = machine.outbox.front();
 	length = std::min(length, m.bytes.size() - m.taken);
-	std::copy_n(m.bytes.begin() + static_cast<std::ptrdiff_t>(m.taken), length, t.buffer);
+	std::copy_n(
+		m.bytes.begin() + static_cast<std::ptrdiff_t>(m.taken), length, t.buffer + t.moved);
 	m.taken += length;
-	t.moved = length;
-	if (m.taken == m.bytes.size())
-		drop_or_repeat(machine, now);
+	t.moved += length;
+	if (m.taken < m.bytes.size())
+		return false;
+	const bool full = m.bytes.size() % usb_packet == 0;
+	const bool closes = full && m.closed;
+	if (closes && t.moved == t.count && !m.read) {
+		m.read = true; // its empty packet is for the next read
+		return true;
+	}
+	drop_or_repeat(machine, now);
+	return !full || closes;
 }
 
 // ---- Transfers -------------------------------------------------------------------------
@@ -238,11 +249,17 @@ static void end_write(session &s, int name, moving &t)
 
 static void end_read(session &s, int name, moving &t)
 {
-	read_from_message(t, t.length, s.now);
-	if (t.fault == usb_fault::unplugged_answering)
+	const bool ended = read_from_message(t, t.length, s.now);
+	if (t.fault == usb_fault::unplugged_answering) {
 		pull_plug(s, device_ref(t.device));
-	else
+		return;
+	}
+	if (ended || t.moved == t.count) {
 		finish(s, name, t, usb_ok);
+		return;
+	}
+	t.begun = false; // more is to come
+	advance(s, device_ref(t.device));
 }
 
 static void end_on_bus(int name, timeline *time)
@@ -264,7 +281,7 @@ static void break_off(session &s, int name, int result)
 	moving &t = found->second;
 	const std::size_t bytes = crossed(t, s.now);
 	if (t.begun && t.read) {
-		read_from_message(t, bytes, s.now);
+		(void)read_from_message(t, bytes, s.now);
 	} else if (t.begun && bytes > 0) {
 		t.moved = bytes;
 		deliver(s, *t.device, { t.buffer, bytes }, false);
@@ -323,7 +340,7 @@ static void begin_read(session &s, int name, moving &t)
 		return;
 	}
 	t.fault = m.fault;
-	std::size_t length = std::min(t.count, m.bytes.size() - m.taken);
+	std::size_t length = std::min(t.count - t.moved, m.bytes.size() - m.taken);
 	if (t.fault == usb_fault::answer_fails || t.fault == usb_fault::answer_stalls) {
 		d->in_stalled = t.fault == usb_fault::answer_stalls;
 		d->machine->outbox.pop_front();
@@ -359,8 +376,8 @@ static bool list(std::vector<usb_device> *devices)
 	std::lock_guard held(bus.lock);
 	devices->clear();
 	for (const device_ref &d : bus.devices)
-		devices->push_back({ d->machine->vendor, d->machine->product, d->path,
-			d->machine->product_name, d->machine->interfaces });
+		devices->push_back({ d->machine->vendor, d->machine->product, d->path, d->address,
+			d->machine->interfaces });
 	return !bus.list_forbidden;
 }
 
@@ -554,18 +571,32 @@ const usb_service virtual_usb = {
 	.error_text = error_text,
 };
 
-void plug_usb(timeline &time, usb_machine &machine)
+static void plug_into(int socket, timeline &time, usb_machine &machine)
 {
-	std::lock_guard held(bus.lock);
 	if (bus.devices.empty())
 		bus.free_at = 0;
+	bus.sockets[&machine] = socket;
 	machine.plugged_in();
 	bus.devices.push_back(std::make_shared<plugged>(plugged{ .machine = &machine,
 		.time = &time,
-		.path = "/virtual/usb/" + std::to_string(bus.next_port++),
+		.path = "/virtual/usb/" + std::to_string(socket),
+		.address = "001/" + std::to_string(bus.next_address++),
 		.writes = {},
 		.reads = {},
 		.claimed = {} }));
+}
+
+void plug_usb(timeline &time, usb_machine &machine)
+{
+	std::lock_guard held(bus.lock);
+	const auto known = bus.sockets.find(&machine);
+	plug_into(known == bus.sockets.end() ? bus.next_socket++ : known->second, time, machine);
+}
+
+void plug_usb_elsewhere(timeline &time, usb_machine &machine)
+{
+	std::lock_guard held(bus.lock);
+	plug_into(bus.next_socket++, time, machine);
 }
 
 void unplug_usb(usb_machine &machine)
@@ -583,7 +614,8 @@ void unplug_all_usb()
 		pull_plug(s, d);
 	bus.handles.clear();
 	bus.transfers.clear();
-	bus.next_port = 1;
+	bus.sockets.clear();
+	bus.next_socket = bus.next_address = 1;
 	bus.free_at = 0;
 	bus.list_forbidden = false;
 	bus.wake = nullptr;

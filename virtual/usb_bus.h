@@ -11,9 +11,14 @@
 //   A transfer begins at once, as on today's host controllers. Polling a machine
 //   that has nothing to say costs nothing.
 //
-// A read ends when its count is reached, or with the end of one message of the
-// machine, or at its deadline with whatever came; what is left of a message goes
-// to the next read. A write ends a message of the host with its short packet.
+// A read ends when its count is reached, or with the short packet that ends one
+// message of the machine, or at its deadline with whatever came; what is left of a
+// message goes to the next read. A message whose last packet is full ends a read
+// only if the machine sends an empty packet behind it. A write ends a message of
+// the host with its short packet.
+//
+// A machine keeps its socket when its plug is pulled and put in again, and gets
+// another address.
 //
 // A test plugs a machine in and lets the system talk to it:
 //
@@ -41,8 +46,10 @@ namespace velmor
 extern const usb_service virtual_usb;
 
 void plug_usb(timeline &time, usb_machine &machine);
+// The same into another socket than before.
+void plug_usb_elsewhere(timeline &time, usb_machine &machine);
 void unplug_usb(usb_machine &machine);
-// Also forgets open handles and transfers, and lets devices be listed again.
+// Also forgets open handles, transfers and sockets, and lets devices be listed again.
 void unplug_all_usb();
 // Let list answer false, as on a host without USB.
 void forbid_usb_list(bool forbidden);

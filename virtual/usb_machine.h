@@ -49,7 +49,8 @@ struct usb_message {
 	double delay = 0;    // seconds after the host's message until it can be read
 	int repeats = 0;     // sent so many times more, endlessly if negative,
 	double interval = 0; // each this many seconds after the one before
-	// An empty packet follows where the last one is full, for the host cannot know the size.
+	// An empty packet follows where the last one is full. Without it a host that asked for more
+	// goes on waiting.
 	bool closed = false;
 	usb_fault fault = usb_fault::none;
 	// The bus keeps these.
@@ -57,6 +58,7 @@ struct usb_message {
 	double ready = 0; // when it can be read
 	std::size_t taken = 0;
 	bool awaited = false;
+	bool read = false; // but for the empty packet behind it
 };
 
 struct usb_crossing {

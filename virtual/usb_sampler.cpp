@@ -45,14 +45,19 @@ void usb_sampler::plugged_in()
 	confirms = confirms_at_power_on;
 	current_sample = 0;
 	forget_transfer();
+	outbox.clear();
 }
 
+// It is not busy any more, whatever waits to be read.
 void usb_sampler::forget_transfer()
 {
 	doing = phase::framed;
 	arriving = {};
 	leaving.clear();
-	outbox.clear();
+	if (!keeps_unread)
+		outbox.clear();
+	for (usb_message &m : outbox)
+		m.repeats = 0;
 }
 
 const usb_sample *usb_sampler::sample_now() const
@@ -87,9 +92,12 @@ std::size_t usb_sampler::message_size(bytes_in come, bool ended) const
 void usb_sampler::handle(bytes_in message)
 {
 	// A short packet of the wake-up's form breaks off whatever is going on.
+	const bool inside = inside_block();
 	if (message.size() <= 2 && (doing != phase::upload_block || message.size() < block) &&
-		heard_wake_up(message))
+		heard_wake_up(message)) {
+		interrupted += inside;
 		return;
+	}
 	if (awake != awake_state::awake)
 		return;
 	switch (doing) {
@@ -115,6 +123,11 @@ void usb_sampler::handle(bytes_in message)
 		send_display();
 	else
 		heard_raw(message);
+}
+
+bool usb_sampler::inside_block() const
+{
+	return doing == phase::upload_go_on || (doing != phase::framed && !outbox.empty());
 }
 
 void usb_sampler::say_busy()
@@ -187,6 +200,7 @@ void usb_sampler::refuse_transfer()
 void usb_sampler::take_block(bytes_in message)
 {
 	block_was_short = message.size() < block;
+	interrupted += block_was_short;
 	std::size_t bytes = message.size();
 	if (blocks_taken == 0 && first_block_bytes() > 0)
 		bytes = std::min(bytes, first_block_bytes());

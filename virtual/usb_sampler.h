@@ -52,6 +52,13 @@ public:
 	int busy = 0; // so many "AkaI" before each answer in a transfer; endlessly if negative
 	double busy_interval = 0.010;
 	bool display_busy = false;
+	// A wake-up breaks off what goes on, and drops answers that nobody has read; or keeps them.
+	bool keeps_unread = false;
+	// Whether an empty packet ends an answer whose last packet is full.
+	bool empty_packets = true;
+	// Wake-ups that came inside a block, in front of its go-on, or before what was sent was read;
+	// and blocks that came short.
+	int interrupted = 0;
 	int refuse_after = -1; // an upload is refused when it has so many blocks
 
 	void add_sample(std::string sample_name, usb_bytes wave);
@@ -89,10 +96,11 @@ protected:
 	}
 	void say_framed(usb_bytes bytes)
 	{
-		answer({ .bytes = std::move(bytes), .delay = latency, .closed = true });
+		answer({ .bytes = std::move(bytes), .delay = latency, .closed = empty_packets });
 	}
 	void say_busy();
 	void forget_transfer();
+	bool inside_block() const;
 	const usb_sample *sample_now() const;
 	wave_facts facts_now() const;
 	// The part of a transfer that answers with zeros when it refuses.

@@ -31,8 +31,6 @@ void z4::plugged_in()
 {
 	usb_sampler::plugged_in();
 	current_program = current_keygroup = 0;
-	wake_ups = 0;
-	wake_up_was_last = confirmations_switched = false;
 }
 
 int z4::find_handle(bytes_in handle) const
@@ -84,9 +82,6 @@ bool z4::heard_wake_up(bytes_in message)
 		return false;
 	forget_transfer();
 	awake = awake_state::awake;
-	wake_ups = wake_up_was_last ? wake_ups + 1 : 1;
-	wake_up_was_last = true;
-	confirmations_switched = false;
 	return true;
 }
 
@@ -111,7 +106,6 @@ static bool well_formed(bytes_in f, int channel)
 
 void z4::heard_frame(bytes_in frame)
 {
-	wake_up_was_last = false;
 	if (!well_formed(frame, channel))
 		return;
 	const bytes_in payload = frame.subspan(frame_payload, frame.size() - frame_payload - 1);
@@ -132,7 +126,7 @@ std::size_t z4::data_offset() const
 	if (is(start_request) || is(end_request))
 		return 9;
 	if (is(version_request) || is(name_request))
-		return wake_ups == 1 && confirmations_switched ? 9 : 8;
+		return told_at;
 	return 8;
 }
 

@@ -5,9 +5,8 @@
 //
 // len counts, low byte first, what follows it; there is no sum. status is "D" done, "R"
 // reply with data (from offset 8), "O" heard and working on it, "E" refused, with a reason.
-// Start and end of a sample stand one byte further. So do the version and the name, in a
-// session that was opened with one wake-up and has switched confirmations off; after the
-// two wake-ups of a host that looks for machines, and without that request, they do not.
+// Start and end of a sample stand one byte further. So do the version and the name, or not:
+// a setting, since a host has to find them in both places.
 //
 // What is wrong in form is not answered at all. A request of wrong length or with a value
 // the machine does not have is refused and changes nothing.
@@ -30,11 +29,13 @@ inline constexpr std::size_t z4_most_zones = 4, z4_most_keygroups = 128;
 struct z4_zone {
 	std::string sample;
 	std::array<std::uint8_t, 3> level = {}; // sign, low, high: tenths of a decibel
+	bool operator==(const z4_zone &) const = default;
 };
 
 struct z4_keygroup {
 	std::uint8_t low_note = 0, high_note = 127;
 	std::vector<z4_zone> zones = std::vector<z4_zone>(z4_most_zones);
+	bool operator==(const z4_keygroup &) const = default;
 };
 
 struct z4_program {
@@ -42,6 +43,7 @@ struct z4_program {
 	std::vector<z4_keygroup> keygroups;
 	std::uint8_t polyphony = 64, reassignment = 0;
 	std::uint32_t handle = 0; // given by the machine
+	bool operator==(const z4_program &) const = default;
 };
 
 struct z4_disk {
@@ -66,7 +68,8 @@ public:
 	std::vector<z4_program> programs;
 	std::vector<z4_disk> disks;
 	int current_program = 0, current_keygroup = 0;
-	bool stray_end = false; // a lone F7 before each answer
+	bool stray_end = false;  // a lone F7 before each answer
+	std::size_t told_at = 9; // offset of version and name, 8 or 9
 	// What comes after the last block of an upload. Five bytes end it.
 	std::vector<usb_bytes> end_phase = { { 0, 0, 0, 0, 1 } };
 	int end_busy = 0; // so many "AkaI" before them; endlessly if negative
@@ -89,9 +92,6 @@ private:
 	friend struct z4_requests;
 	const z4_model model;
 	std::uint32_t next_program_handle = 0x0204081; // a bit in each group of seven
-	int wake_ups = 0;                              // in a row, before the last request
-	bool wake_up_was_last = false;
-	bool confirmations_switched = false; // since the wake-up
 	std::array<std::uint8_t, 2> asked = {};
 	std::size_t data_offset() const;
 	void answer_with(char status, std::span<const std::uint8_t> data);

@@ -229,7 +229,6 @@ struct z4_requests {
 	static request_outcome confirmations(z4 &m, args a)
 	{
 		m.confirms = a.bytes[0] != 0;
-		m.confirmations_switched = true;
 		return done();
 	}
 

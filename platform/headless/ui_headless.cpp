@@ -27,6 +27,7 @@ struct headless_control {
 	std::vector<std::string> items;
 	int selected = -1;
 	bool checked = false;
+	std::vector<form_row> rows;
 };
 static std::map<std::pair<int, int>, headless_control> controls;
 
@@ -86,6 +87,17 @@ static void set_rows(int window, int control, std::span<const std::vector<std::s
 	for (const std::vector<std::string> &row : rows)
 		names.push_back(row.empty() ? "" : row.front());
 	set_list(window, control, names);
+}
+
+// The row of a form, or null.
+static form_row *find_row(int window, int form, int row)
+{
+	if (!exists(window, form))
+		return nullptr;
+	std::vector<form_row> &rows = controls[{ window, form }].rows;
+	return row >= 0 && static_cast<std::size_t>(row) < rows.size()
+		       ? &rows[static_cast<std::size_t>(row)]
+		       : nullptr;
 }
 
 static void message(const char *text, const char *caption)
@@ -166,6 +178,35 @@ const ui_service headless_ui = {
 	.focus = [](int, int) {},
 	.set_bitmap = [](int, int, const bitmap_view *) {},
 	.set_waveform = [](int, int, const waveform_view *) {},
+	.build_form =
+		[](int w, int c, std::span<const form_row> rows) {
+			controls[{ w, c }].rows.assign(rows.begin(), rows.end());
+		},
+	.set_row_value =
+		[](int w, int c, int row, int value) {
+			if (form_row *found = find_row(w, c, row))
+				found->value = value;
+		},
+	.row_value =
+		[](int w, int c, int row) {
+			const form_row *found = find_row(w, c, row);
+			return found ? found->value : 0;
+		},
+	.set_row_text =
+		[](int w, int c, int row, const char *text) {
+			if (form_row *found = find_row(w, c, row))
+				found->text = text;
+		},
+	.row_text =
+		[](int w, int c, int row) {
+			const form_row *found = find_row(w, c, row);
+			return found ? found->text : std::string();
+		},
+	.set_row_changed =
+		[](int w, int c, int row, bool changed) {
+			if (form_row *found = find_row(w, c, row))
+				found->changed = changed;
+		},
 	.message = message,
 	.ask = ask,
 	// Nobody is there to choose.

@@ -7,8 +7,10 @@
 namespace velmor
 {
 
-// "/dev/bus/usb/001/002": bus and address, which no two devices share.
+// "usb:1-2.3": bus and sockets, which stay the same when a device is plugged in again.
 std::string libusb_path(libusb_device *device);
+// "001/002": bus and device as lsusb shows them.
+std::string libusb_address(libusb_device *device);
 // Interfaces of the active configuration, each in its first setting.
 std::vector<usb_interface> libusb_interfaces(libusb_device *device);
 bool libusb_list(std::vector<usb_device> *devices);

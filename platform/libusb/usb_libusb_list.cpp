@@ -9,15 +9,26 @@
 namespace velmor
 {
 
-// A hung device delays the list by this much for each of the two descriptors it is asked for.
-static constexpr unsigned string_deadline_ms = 100;
-
+// Bus and sockets from the host to the device. A device that tells none, as in some containers,
+// goes by its address.
 std::string libusb_path(libusb_device *device)
 {
-	char path[32];
-	std::snprintf(path, sizeof path, "/dev/bus/usb/%03d/%03d", libusb_get_bus_number(device),
-		libusb_get_device_address(device));
+	std::uint8_t ports[8];
+	const int count = libusb_get_port_numbers(device, ports, sizeof ports);
+	std::string path = "usb:" + std::to_string(libusb_get_bus_number(device));
+	if (count <= 0)
+		return path + "@" + libusb_address(device);
+	for (int i = 0; i < count; i++)
+		path += (i ? "." : "-") + std::to_string(ports[i]);
 	return path;
+}
+
+std::string libusb_address(libusb_device *device)
+{
+	char address[16];
+	std::snprintf(address, sizeof address, "%03d/%03d", libusb_get_bus_number(device),
+		libusb_get_device_address(device));
+	return address;
 }
 
 static usb_interface interface_of(const libusb_interface_descriptor &d)
@@ -44,73 +55,6 @@ std::vector<usb_interface> libusb_interfaces(libusb_device *device)
 	return interfaces;
 }
 
-static void add_utf8(std::string *text, unsigned unit)
-{
-	if (unit < 0x80) {
-		*text += static_cast<char>(unit);
-	} else if (unit < 0x800) {
-		*text += static_cast<char>(0xC0 | unit >> 6);
-		*text += static_cast<char>(0x80 | (unit & 0x3F));
-	} else if (unit < 0xD800 || unit > 0xDFFF) {
-		*text += static_cast<char>(0xE0 | unit >> 12);
-		*text += static_cast<char>(0x80 | (unit >> 6 & 0x3F));
-		*text += static_cast<char>(0x80 | (unit & 0x3F));
-	} else {
-		*text += '?'; // half of a pair; no product name needs one
-	}
-}
-
-// A string descriptor: length, 03, then UTF-16 units, low byte first. Index 0 holds the
-// languages. Returns the bytes that are really there.
-static int read_string(
-	libusb_device_handle *handle, int index, int language, unsigned char (&bytes)[255])
-{
-	const int got = libusb_control_transfer(handle, LIBUSB_ENDPOINT_IN,
-		LIBUSB_REQUEST_GET_DESCRIPTOR,
-		static_cast<std::uint16_t>(LIBUSB_DT_STRING << 8 | index),
-		static_cast<std::uint16_t>(language), bytes, sizeof bytes, string_deadline_ms);
-	if (got < 4 || bytes[1] != LIBUSB_DT_STRING)
-		return 0;
-	return got < bytes[0] ? got : bytes[0];
-}
-
-static std::string product_name(libusb_device *device, int index)
-{
-	std::string text;
-	libusb_device_handle *handle;
-	if (index == 0 || libusb_open(device, &handle) != 0)
-		return text;
-	unsigned char bytes[255];
-	if (read_string(handle, 0, 0, bytes) >= 4) {
-		const int language = bytes[2] | bytes[3] << 8;
-		const int count = read_string(handle, index, language, bytes);
-		for (int i = 2; i + 1 < count; i += 2)
-			add_utf8(&text, bytes[i] | static_cast<unsigned>(bytes[i + 1]) << 8);
-	}
-	libusb_close(handle);
-	return text;
-}
-
-// Asking for a name wakes a sleeping device, so only those are asked that could be spoken to:
-// the ones with a bulk pipe from the host.
-static bool has_bulk_out(const usb_device &device)
-{
-	for (const usb_interface &i : device.interfaces)
-		for (const usb_pipe &p : i.pipes)
-			if (p.type == LIBUSB_TRANSFER_TYPE_BULK && !(p.id & LIBUSB_ENDPOINT_IN))
-				return true;
-	return false;
-}
-
-static usb_device describe(libusb_device *device, const libusb_device_descriptor &d)
-{
-	usb_device found = { d.idVendor, d.idProduct, libusb_path(device), "",
-		libusb_interfaces(device) };
-	if (has_bulk_out(found))
-		found.name = product_name(device, d.iProduct);
-	return found;
-}
-
 bool libusb_list(std::vector<usb_device> *devices)
 {
 	devices->clear();
@@ -122,7 +66,8 @@ bool libusb_list(std::vector<usb_device> *devices)
 	for (ssize_t i = 0; i < count; i++) {
 		libusb_device_descriptor d;
 		if (libusb_get_device_descriptor(present[i], &d) == 0)
-			devices->push_back(describe(present[i], d));
+			devices->push_back({ d.idVendor, d.idProduct, libusb_path(present[i]),
+				libusb_address(present[i]), libusb_interfaces(present[i]) });
 	}
 	if (count >= 0)
 		libusb_free_device_list(present, 1);

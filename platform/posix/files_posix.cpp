@@ -4,6 +4,7 @@
 
 #include "platform/files.h"
 #include <cerrno>
+#include <csignal>
 #include <cstdio>
 #include <cstring>
 #include <dirent.h>
@@ -35,7 +36,7 @@ static std::string system_path(const char *path)
 static int open_file(const char *path, file_mode mode, int *file)
 {
 	static constexpr int flags[] = { O_RDONLY, O_WRONLY | O_CREAT | O_TRUNC,
-		O_WRONLY | O_CREAT | O_APPEND };
+		O_WRONLY | O_CREAT | O_APPEND, O_WRONLY | O_CREAT | O_EXCL };
 	*file = ::open(host_path(path).c_str(), flags[mode] | O_CLOEXEC, 0666);
 	return *file < 0 ? errno : 0;
 }
@@ -74,6 +75,24 @@ static int write_file(int file, const void *bytes, std::size_t count)
 static int code_of(int result)
 {
 	return result == 0 ? 0 : errno;
+}
+
+// Some file systems cannot be asked, and then there is nothing to wait for.
+static int sync_file(int file)
+{
+	const bool refused = ::fsync(file) != 0 && errno != EINVAL && errno != ENOTSUP;
+	return refused ? errno : 0;
+}
+
+// A folder that may be written into but not read cannot be opened, nor can its disk be asked.
+static int sync_folder(const char *path)
+{
+	const int folder = ::open(host_path(path).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+	if (folder < 0)
+		return errno == EACCES ? 0 : errno;
+	const int code = sync_file(folder);
+	::close(folder);
+	return code;
 }
 
 static int stat_path(const char *path, file_info *info)
@@ -126,7 +145,8 @@ const files_service posix_files = {
 		[](int file, std::uint64_t offset) {
 			return ::lseek(file, static_cast<off_t>(offset), SEEK_SET) < 0 ? errno : 0;
 		},
-	.sync = [](int file) { return code_of(::fsync(file)); },
+	.sync = sync_file,
+	.sync_folder = sync_folder,
 	.close = [](int file) { return code_of(::close(file)); },
 	.stat = stat_path,
 	.rename =
@@ -142,6 +162,12 @@ const files_service posix_files = {
 	.system_path = system_path,
 	.exists_already = [](int code) { return code == EEXIST; },
 	.not_found = [](int code) { return code == ENOENT; },
+	.disk_full = [](int code) { return code == ENOSPC || code == EDQUOT; },
+	.process = [] { return static_cast<long>(::getpid()); },
+	.process_runs =
+		[](long number) {
+			return ::kill(static_cast<pid_t>(number), 0) == 0 || errno == EPERM;
+		},
 	.error_text = error_text,
 };
 

@@ -6,17 +6,19 @@
 // backslash, "\x0A" the byte 0A, so that any text survives. Lines that are not of this kind
 // (a comment someone wrote) are kept as they are.
 //
-// A save writes the whole file beside the old one, brings it to the disk, and renames it
-// over the old one. A lock file orders the saves of several processes; readers need none,
-// as a rename shows them the old file or the new one.
+// A save writes the whole file beside the old one, under a name that no other process uses,
+// brings it to the disk, and renames it over the old one. A lock file orders the saves of
+// several processes; readers need none, as a rename shows them the old file or the new one.
 //
 // Codes are errno values.
 
 #include "platform/settings.h"
 #include <cerrno>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <dirent.h>
 #include <fcntl.h>
 #include <string>
 #include <sys/file.h>
@@ -148,7 +150,7 @@ static int read_lines(const std::string &path, std::vector<std::string> *lines)
 
 static int write_synced(const std::string &path, const std::string &content)
 {
-	const int file = ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
+	const int file = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
 	if (file < 0)
 		return errno;
 	int code = 0;
@@ -177,12 +179,31 @@ static int sync_folder(const std::string &path)
 	return code;
 }
 
+// settings.<process>.new of processes that have ended, and of an earlier one of our number.
+static void remove_left_files(const std::string &folder)
+{
+	DIR *open = opendir(folder.c_str());
+	while (const dirent *entry = open ? readdir(open) : nullptr) {
+		const std::string name = entry->d_name;
+		long process = 0;
+		int length = 0;
+		if (std::sscanf(entry->d_name, "settings.%ld.new%n", &process, &length) != 1 ||
+			static_cast<std::size_t>(length) != name.size() || process <= 0)
+			continue;
+		const bool runs = ::kill(static_cast<pid_t>(process), 0) == 0 || errno == EPERM;
+		if (!runs || process == ::getpid())
+			::unlink((folder + "/" + name).c_str());
+	}
+	if (open)
+		closedir(open);
+}
+
 static int replace_file(const std::string &folder, const std::vector<std::string> &lines)
 {
 	std::string content;
 	for (const std::string &line : lines)
 		content += line + "\n";
-	const std::string fresh = folder + "/settings.new";
+	const std::string fresh = folder + "/settings." + std::to_string(::getpid()) + ".new";
 	int code = write_synced(fresh, content);
 	if (!code && ::rename(fresh.c_str(), (folder + "/settings").c_str()) != 0)
 		code = errno;
@@ -255,6 +276,7 @@ static int save_key(const char *name, const char *value)
 	// A file system without locks still saves; only two processes at one moment could collide.
 	while (::flock(lock, LOCK_EX) != 0 && errno == EINTR)
 		;
+	remove_left_files(folder);
 	const int code = save_locked(folder, name, value);
 	::close(lock);
 	return code;

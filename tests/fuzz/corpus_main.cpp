@@ -1,7 +1,8 @@
-// corpus_main.cpp - run a fuzz target over the files of a folder
+// corpus_main.cpp - run a fuzz target over the files of folders
 //
-// Usage: fuzz_NAME FOLDER. Fails when the folder holds nothing, so that a lost
-// corpus cannot pass for a clean one.
+// Usage: fuzz_NAME FOLDER... Fails when they hold nothing, so that a lost corpus cannot
+// pass for a clean one. The files are found before the first runs: a target may change the
+// current directory.
 
 #include <cstddef>
 #include <cstdint>
@@ -15,18 +16,16 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
 
 int main(int count, char **words)
 {
-	int inputs = 0;
-	for (int i = 1; i < count; i++) {
-		for (const auto &entry : std::filesystem::recursive_directory_iterator(words[i])) {
-			if (!entry.is_regular_file())
-				continue;
-			std::ifstream file(entry.path(), std::ios::binary);
-			const std::vector<std::uint8_t> bytes(
-				std::istreambuf_iterator<char>(file), {});
-			LLVMFuzzerTestOneInput(bytes.data(), bytes.size());
-			inputs++;
-		}
+	std::vector<std::filesystem::path> paths;
+	for (int i = 1; i < count; i++)
+		for (const auto &entry : std::filesystem::recursive_directory_iterator(words[i]))
+			if (entry.is_regular_file())
+				paths.push_back(std::filesystem::absolute(entry.path()));
+	for (const auto &path : paths) {
+		std::ifstream file(path, std::ios::binary);
+		const std::vector<std::uint8_t> bytes(std::istreambuf_iterator<char>(file), {});
+		LLVMFuzzerTestOneInput(bytes.data(), bytes.size());
 	}
-	std::printf("%d inputs\n", inputs);
-	return inputs ? 0 : 1;
+	std::printf("%zu inputs\n", paths.size());
+	return paths.empty() ? 1 : 0;
 }

@@ -70,6 +70,7 @@ static const usb_service fuzzed = {
 
 static void list_device(i32 model)
 {
+	forget_unread_usb();
 	_usbdev entry = {};
 	copy_text(entry.device_path, "usb:1");
 	copy_text(entry.usb_name, "Fuzz");

@@ -1,6 +1,7 @@
 // fake_model.cpp - a model whose operations are recorded, for tests of what calls them
 
 #include "tests/support/fake_model.h"
+#include "src/velmor_outcome.h"
 #include <algorithm>
 
 namespace velmor
@@ -8,15 +9,29 @@ namespace velmor
 
 static fake_model *the_fake;
 
+// Note what was asked for, and whether an answer comes.
+static bool answers(const std::string &call)
+{
+	the_fake->calls.push_back(call);
+	const bool lost = the_fake->silent || the_fake->answers_lost > 0;
+	the_fake->answers_lost -= the_fake->answers_lost > 0;
+	if (lost)
+		line_silent("No answer came.");
+	else
+		line_answered();
+	return !lost;
+}
+
 static void fake_status(u8 control, u8 exclusive, _dev_status *dev)
 {
-	the_fake->calls.push_back(format_text("getstatus %d %d", control, exclusive));
-	dev->status = 1;
+	if (answers(format_text("getstatus %d %d", control, exclusive)))
+		dev->status = 1;
 }
 
 static void fake_list(u8 control, u8 exclusive, _dev_status *dev)
 {
-	the_fake->calls.push_back(format_text("getsamplelist %d %d", control, exclusive));
+	if (dev->status != 1 || !answers(format_text("getsamplelist %d %d", control, exclusive)))
+		return;
 	dev->samples = static_cast<i32>(the_fake->names.size());
 	for (std::size_t i = 0; i < the_fake->names.size(); i++)
 		copy_text(dev->sample[i].name, the_fake->names[i]);
@@ -24,8 +39,10 @@ static void fake_list(u8 control, u8 exclusive, _dev_status *dev)
 
 static void fake_rename(u8, u8, const char *oldname, const char *newname)
 {
-	the_fake->calls.push_back(newname ? format_text("renamesample %s %s", oldname, newname)
-					  : format_text("renamesample %s (delete)", oldname));
+	if (!answers(newname ? format_text("renamesample %s %s", oldname, newname)
+			     : format_text("renamesample %s (delete)", oldname)) ||
+		the_fake->refuses)
+		return;
 	const auto found = std::find(the_fake->names.begin(), the_fake->names.end(), oldname);
 	if (found == the_fake->names.end())
 		return;
@@ -37,9 +54,10 @@ static void fake_rename(u8, u8, const char *oldname, const char *newname)
 
 static void fake_download(u8, u8, const char *name)
 {
-	the_fake->calls.push_back(format_text("downloadsample %s", name));
-	if (the_fake->download_fails)
+	if (!answers(format_text("downloadsample %s", name)) || the_fake->download_fails) {
+		show_box("ERROR", "Failed to save sample!");
 		return;
+	}
 	show_progressbar(0, the_fake->download_steps, "Downloading");
 	for (int step = 0; step < the_fake->download_steps; step++) {
 		set_progressbar(step);
@@ -58,7 +76,8 @@ static void fake_download(u8, u8, const char *name)
 
 static void fake_info(u8, u8, const char *name)
 {
-	the_fake->calls.push_back(format_text("infosample %s", name));
+	if (!answers(format_text("infosample %s", name)))
+		return;
 	for (_sample &s : current_sampler->status->sample) {
 		if (s.name != std::string(name))
 			continue;
@@ -75,9 +94,14 @@ static void fake_info(u8, u8, const char *name)
 
 static void fake_upload(const char *path)
 {
-	the_fake->calls.push_back(format_text("uploadsample %s", path));
+	if (!answers(format_text("uploadsample %s", path))) {
+		show_box("ERROR", "Upload failed (received bad header ACK)");
+		return;
+	}
 	const std::string whole = path;
-	the_fake->names.push_back(whole.substr(whole.rfind('\\') + 1));
+	if (!the_fake->refuses)
+		the_fake->names.push_back(whole.substr(whole.rfind('\\') + 1));
+	show_box("INFO", "Sample successfully uploaded!");
 }
 
 static const char *fake_playmode(i32 mode)

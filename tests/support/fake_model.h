@@ -16,6 +16,9 @@ struct fake_model {
 	std::vector<std::string> calls; // "downloadsample KICK", in order
 	int download_steps = 4;
 	bool download_fails = false;
+	bool silent = false;              // nothing is answered, as from a sampler that is off
+	bool refuses = false;             // everything is answered, and nothing is done
+	int answers_lost = 0;             // of the next operations
 	std::function<void(int)> on_step; // in the middle of a download
 
 	explicit fake_model(test_host &h);

@@ -114,6 +114,12 @@ static const clock_service test_clock = {
 
 using place = std::pair<int, int>;
 
+// The row of a form; a test that names one that is not there is wrong.
+static form_row &form_row_of(int window, int form, int row)
+{
+	return the_test_host->forms.at(place(window, form)).at(static_cast<std::size_t>(row));
+}
+
 static const ui_service test_ui = {
 	.set_text = [](int w, int c,
 			    const char *text) { the_test_host->texts[place(w, c)] = text; },
@@ -162,6 +168,18 @@ static const ui_service test_ui = {
 				bits.assign(view->bits.begin(), view->bits.end());
 		},
 	.set_waveform = [](int, int, const waveform_view *) {},
+	.build_form =
+		[](int w, int c, std::span<const form_row> rows) {
+			the_test_host->forms[place(w, c)].assign(rows.begin(), rows.end());
+		},
+	.set_row_value = [](int w, int c, int row,
+				 int value) { form_row_of(w, c, row).value = value; },
+	.row_value = [](int w, int c, int row) { return form_row_of(w, c, row).value; },
+	.set_row_text = [](int w, int c, int row,
+				const char *text) { form_row_of(w, c, row).text = text; },
+	.row_text = [](int w, int c, int row) { return form_row_of(w, c, row).text; },
+	.set_row_changed = [](int w, int c, int row,
+				   bool changed) { form_row_of(w, c, row).changed = changed; },
 	.message =
 		[](const char *text, const char *caption) {
 			the_test_host->boxes.push_back({ text, caption });
@@ -291,7 +309,8 @@ static int log_file = -1;
 static int open_with_faults(const char *path, file_mode mode, int *file)
 {
 	const bool log = std::string_view(path).ends_with("velmor.log");
-	if (mode == file_create && the_test_host->disk.open_for_writing && !log)
+	const bool makes = mode == file_create || mode == file_exclusive;
+	if (makes && the_test_host->disk.open_for_writing && !log)
 		return the_test_host->disk.open_for_writing;
 	const int code = posix_files.open(path, mode, file);
 	if (log && !code)
@@ -354,6 +373,9 @@ test_host::test_host() : before(host), sampler{}, outer(the_test_host)
 	files = posix_files;
 	files.open = open_with_faults;
 	files.write = write_with_faults;
+	// A scratch folder needs no wait for the disk.
+	files.sync = [](int) { return 0; };
+	files.sync_folder = [](const char *) { return 0; };
 	files.close = [](int file) {
 		const int code = posix_files.close(file);
 		const bool log = file == log_file;
@@ -443,6 +465,14 @@ void test_host::put_content(const std::string &path, std::span<const u8> bytes)
 	std::ofstream file(posix_files.host_path(path.c_str()), std::ios::binary);
 	file.write(reinterpret_cast<const char *>(bytes.data()),
 		static_cast<std::streamsize>(bytes.size()));
+}
+
+int test_host::temporary_files()
+{
+	int count = 0;
+	for (const auto &entry : std::filesystem::recursive_directory_iterator(root))
+		count += entry.path().filename().string().starts_with("~velmor");
+	return count;
 }
 
 void test_host::use_sampler(i32 model, u8 exclusive_channel, const char *usb_name)

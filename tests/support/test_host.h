@@ -93,6 +93,7 @@ public:
 	std::map<std::pair<int, int>, text_role> roles;
 	std::map<std::pair<int, int>, std::string> reasons;
 	std::map<std::pair<int, int>, std::vector<u8>> bitmaps;
+	std::map<std::pair<int, int>, std::vector<form_row>> forms; // as built, then as set
 	std::pair<int, int> focus;
 	// Running timers. Nothing ticks by itself: a test calls tick when it is time.
 	struct running_timer {
@@ -114,6 +115,8 @@ public:
 	// Whole content of a file (path with backslashes or slashes), or nothing.
 	std::optional<std::vector<u8>> content(const std::string &path);
 	void put_content(const std::string &path, std::span<const u8> bytes);
+	// Temporary files in the scratch folder and below it: none, once work has ended.
+	int temporary_files();
 
 	// A loaded sampler of that model, exclusive channel, with an empty _dev_status.
 	void use_sampler(i32 model, u8 exclusive_channel, const char *usb_name = "");

@@ -1,6 +1,7 @@
 // transcript_usb.cpp - a USB service that plays the device's side of a written transcript
 
 #include "tests/support/transcript_usb.h"
+#include "src/usbqx.h"
 #include <algorithm>
 #include <sstream>
 
@@ -47,7 +48,7 @@ struct transcript_calls {
 		plugged->reset.push_back(pipe);
 		return usb_ok;
 	}
-	static void on_arrival(void (*)()) {}
+	static void on_arrival(void (*wake)()) { plugged->wake = wake; }
 	static const char *error_text(int code)
 	{
 		static constexpr const char *texts[] = { "Success", "Pending", "Timed out",
@@ -73,10 +74,11 @@ static const usb_service transcript_service = {
 transcript_usb::transcript_usb(test_host &test, u16 product) : host_of_test(test)
 {
 	plugged = this;
+	forget_unread_usb();
 	devices.push_back({ .vendor = 0x09E8,
 		.product = product,
 		.path = "usb:1",
-		.name = "AKAI",
+		.address = "001/002",
 		.interfaces = { { .number = 0,
 			.interface_class = 0xFF,
 			.pipes = { { 0x82, 2, 64 }, { 0x02, 2, 64 } } } } });
@@ -166,6 +168,25 @@ void transcript_usb::match_write(transfer &t)
 	end(t, usb_ok, moved, transfer_overhead + static_cast<double>(moved) * seconds_per_byte);
 }
 
+// As much of an answer as there is room for. A full packet does not end a read that has room
+// for more.
+void transcript_usb::hand_out(transfer &t)
+{
+	step &s = steps.front();
+	const std::size_t size = std::min(s.bytes.size() - s.taken, t.count - t.moved);
+	std::copy_n(
+		s.bytes.begin() + static_cast<std::ptrdiff_t>(s.taken), size, t.buffer + t.moved);
+	s.taken += size;
+	t.moved += size;
+	const bool whole = s.taken == s.bytes.size();
+	const bool short_packet = s.bytes.empty() || s.bytes.size() % 64 != 0;
+	if (whole)
+		steps.pop_front();
+	if (t.moved == t.count || (whole && short_packet))
+		end(t, usb_ok, t.moved,
+			transfer_overhead + static_cast<double>(t.moved) * seconds_per_byte);
+}
+
 // One step, if it is this transfer's turn.
 bool transcript_usb::take_step(transfer &t)
 {
@@ -176,12 +197,7 @@ bool transcript_usb::take_step(transfer &t)
 		return true;
 	}
 	if (s.kind == '<' && t.in) {
-		EXPECT_LE(s.bytes.size(), t.count) << "more than was asked for, at:" << s.words;
-		const std::size_t moved = std::min(s.bytes.size(), t.count);
-		std::copy_n(s.bytes.begin(), moved, t.buffer);
-		steps.pop_front();
-		end(t, usb_ok, moved,
-			transfer_overhead + static_cast<double>(moved) * seconds_per_byte);
+		hand_out(t);
 		return true;
 	}
 	if (s.kind == 'i' && t.in) { // silence
@@ -240,6 +256,10 @@ int transcript_usb::submit(u8 pipe, u8 *buffer, std::size_t count, int deadline_
 {
 	if (unplugged)
 		return usb_no_device;
+	if (++submits > 20000) { // a driver that never ends
+		ADD_FAILURE() << "no end, at:" << words;
+		throw process_ended{ 1 };
+	}
 	EXPECT_EQ(pipe & 0x7F, 2);
 	const bool in = pipe & 0x80;
 	EXPECT_TRUE(!in || count % 64 == 0) << "a packet would not fit";

@@ -2,7 +2,7 @@
 //
 //   # words        what this step is, shown when it fails
 //   > bytes        one transfer to the OUT pipe, exactly these; 'text' stands for its letters
-//   < bytes        what one read of the IN pipe brings
+//   < bytes        one message of the device, in packets of 64; no bytes: an empty packet
 //   ! silence      the read under way gets nothing and runs into its deadline
 //   ! stall        the next transfer of the direction asked for is refused by the pipe
 //   ! cut n        the next transfer out moves only n bytes
@@ -36,6 +36,7 @@ public:
 	std::vector<usb_device> devices;
 	int open_result = usb_ok, claim_result = usb_ok;
 	bool can_list = true;
+	void (*wake)() = nullptr;
 	int opened = 0, closed = 0;
 	std::vector<int> claimed;    // interface numbers, in order
 	std::vector<u8> reset;       // pipes, in order
@@ -48,6 +49,7 @@ private:
 		std::string words;
 		std::vector<u8> bytes;
 		int number;
+		std::size_t taken = 0; // bytes handed out
 	};
 	struct transfer {
 		int id;
@@ -66,6 +68,7 @@ private:
 	void cancel(int id);
 	void go_on();
 	bool take_step(transfer &t);
+	void hand_out(transfer &t);
 	void match_write(transfer &t);
 	void end(transfer &t, int result, std::size_t moved, double after);
 	transfer *find(int id);
@@ -77,6 +80,7 @@ private:
 	bool unplugged = false, waiting = false;
 	std::size_t cut = 0;
 	bool cut_next = false;
+	int submits = 0;
 	std::string words;
 };
 

@@ -238,18 +238,13 @@ std::optional<bytes> akai_it(const bytes &source, unsigned pitch)
 			out.push_back(static_cast<std::uint8_t>(value % 256));
 	};
 	auto append_name = [&](const char *text) { out.insert(out.end(), text, text + 4); };
-	bool fact = false, smpl = false;
-	word at = fmt_length + 20;
+	word fact = 0, smpl = 0, at = fmt_length + 20;
 	for (; at < source.size() && name(source, at) != "data";
 		at += 8 + number(source, at + 4, 4)) {
-		const std::string chunk = name(source, at);
-		if (chunk == "fact")
-			fact = true;
-		if (chunk == "smpl")
-			smpl = true;
-		if ((chunk == "fact" || chunk == "smpl") &&
-			at + 8 + number(source, at + 4, 4) < source.size())
-			append(at, 8 + number(source, at + 4, 4));
+		if (name(source, at) == "fact")
+			fact = at;
+		if (name(source, at) == "smpl")
+			smpl = at;
 	}
 	if (at >= source.size())
 		return {};
@@ -258,12 +253,16 @@ std::optional<bytes> akai_it(const bytes &source, unsigned pitch)
 		length = at + 8 < source.size() ? source.size() - at - 8 : 0;
 	if ((!fact && frame == 0) || (!smpl && rate == 0))
 		return {};
-	if (!fact) {
+	if (fact) {
+		append(fact, 8 + number(source, fact + 4, 4));
+	} else {
 		append_name("fact");
 		append_number(4);
 		append_number(length / frame);
 	}
-	if (!smpl) {
+	if (smpl) {
+		append(smpl, 8 + number(source, smpl + 4, 4));
+	} else {
 		append_name("smpl");
 		append_number(36);
 		append_number(0x01000047);

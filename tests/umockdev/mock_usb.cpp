@@ -16,9 +16,8 @@
 namespace velmor
 {
 
-static constexpr const char *sys_path = "/sys/devices/usb1";
-static constexpr const char *dev_path = "/dev/bus/usb/001/002";
-static constexpr std::size_t setup_size = 8;
+// Behind the second socket of a hub in the first socket of bus 1.
+static constexpr const char *sys_path = "/sys/devices/usb1/1-1/1-1.2";
 
 static std::string hex_of(std::initializer_list<int> bytes)
 {
@@ -47,29 +46,49 @@ bool mock_usb::possible()
 	return preloaded && std::strstr(preloaded, "libumockdev-preload");
 }
 
+static std::string record(const char *path, int address, const std::string &described)
+{
+	char text[512];
+	std::snprintf(text, sizeof text,
+		"P: %s\nN: bus/usb/001/%03d\nE: SUBSYSTEM=usb\nE: DRIVER=usb\nE: BUSNUM=001\n"
+		"E: DEVNUM=%03d\nE: DEVNAME=/dev/bus/usb/001/%03d\nE: DEVTYPE=usb_device\n"
+		"A: bConfigurationValue=1\\n\nA: busnum=1\\n\nA: devnum=%d\\n\n"
+		"A: speed=12\\n\nH: descriptors=",
+		path, address, address, address, address);
+	return text + described + "\n";
+}
+
 mock_usb::mock_usb(usb_machine &m)
 	: machine(m), bed(umockdev_testbed_new()), calls(umockdev_ioctl_base_new())
 {
 	g_signal_connect(calls, "handle-ioctl", G_CALLBACK(on_ioctl), this);
-	umockdev_testbed_attach_ioctl(bed, dev_path, calls, nullptr);
-	const std::string record = "P: /devices/usb1\nN: bus/usb/001/002\nE: SUBSYSTEM=usb\n"
-				   "E: DRIVER=usb\nE: BUSNUM=001\nE: DEVNUM=002\n"
-				   "E: DEVNAME=/dev/bus/usb/001/002\nE: DEVTYPE=usb_device\n"
-				   "A: bConfigurationValue=1\\n\nA: busnum=1\\n\nA: devnum=2\\n\n"
-				   "A: speed=12\\n\nH: descriptors=" +
-				   descriptors(m) + "\n";
-	umockdev_testbed_add_from_string(bed, record.c_str(), nullptr);
-	machine.plugged_in();
+	const std::string hub =
+		hex_of({ 18, 1, 0x10, 0x01, 9, 0, 0, 64, 1, 0, 1, 0, 0, 1, 0, 0, 0, 1 }) +
+		hex_of({ 9, 2, 9, 0, 0, 1, 0, 0xC0, 0 });
+	umockdev_testbed_add_from_string(bed, record("/devices/usb1/1-1", 1, hub).c_str(), nullptr);
+	plug(2);
 }
 
 mock_usb::~mock_usb()
 {
-	umockdev_testbed_detach_ioctl(bed, dev_path, nullptr);
+	umockdev_testbed_detach_ioctl(bed, dev_path.c_str(), nullptr);
 	for (auto *list : { &waiting, &ended })
 		for (UMockdevIoctlData *urb : *list)
 			g_object_unref(urb);
 	g_object_unref(calls);
 	g_object_unref(bed);
+}
+
+void mock_usb::plug(int address)
+{
+	char path[32];
+	std::snprintf(path, sizeof path, "/dev/bus/usb/001/%03d", address);
+	dev_path = path;
+	umockdev_testbed_attach_ioctl(bed, path, calls, nullptr);
+	umockdev_testbed_add_from_string(
+		bed, record(sys_path + 4, address, descriptors(machine)).c_str(), nullptr);
+	gone = false;
+	machine.plugged_in();
 }
 
 void mock_usb::unplug()
@@ -83,6 +102,7 @@ void mock_usb::unplug()
 	}
 	umockdev_testbed_uevent(bed, sys_path, "remove");
 	umockdev_testbed_remove_device(bed, sys_path);
+	umockdev_testbed_detach_ioctl(bed, dev_path.c_str(), nullptr);
 }
 
 // The file itself is closed to others; umockdev's own sockets must not be, nor the root
@@ -225,9 +245,8 @@ void mock_usb::submit(UMockdevIoctlData *argument)
 	UMockdevIoctlData *urb =
 		umockdev_ioctl_data_resolve(argument, 0, sizeof(usbdevfs_urb), nullptr);
 	const usbdevfs_urb &u = *fields(urb);
-	if (u.type == USBDEVFS_URB_TYPE_CONTROL) {
-		control(urb);
-	} else if (stalled) {
+	controls += u.type == USBDEVFS_URB_TYPE_CONTROL;
+	if (stalled || u.type == USBDEVFS_URB_TYPE_CONTROL) {
 		end(urb, -EPIPE, 0);
 	} else if (u.endpoint & 0x80) {
 		reads.push_back(static_cast<std::size_t>(u.buffer_length));
@@ -236,29 +255,6 @@ void mock_usb::submit(UMockdevIoctlData *argument)
 		take_out(urb);
 	}
 	serve_in();
-}
-
-// GET DESCRIPTOR of a string: 80 06 index 03; index 0 lists the languages.
-void mock_usb::control(UMockdevIoctlData *urb)
-{
-	UMockdevIoctlData *buffer = buffer_of(urb);
-	const unsigned char *setup = buffer->data;
-	usb_bytes answer;
-	if (setup[0] == 0x80 && setup[1] == 6 && setup[3] == 3) {
-		answer = { 0, 3 };
-		const std::string text = setup[2] == 0 ? "\x09\x04" : machine.product_name;
-		for (char c : text) {
-			answer.push_back(static_cast<std::uint8_t>(c));
-			if (setup[2] != 0)
-				answer.push_back(0);
-		}
-		answer[0] = static_cast<std::uint8_t>(answer.size());
-	}
-	const std::size_t room = static_cast<std::size_t>(fields(urb)->buffer_length) - setup_size;
-	const std::size_t length = std::min(room, answer.size());
-	std::copy_n(answer.begin(), length, buffer->data + setup_size);
-	g_object_unref(buffer);
-	end(urb, answer.empty() ? -EPIPE : 0, length);
 }
 
 void mock_usb::take_out(UMockdevIoctlData *urb)

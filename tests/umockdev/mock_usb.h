@@ -9,6 +9,7 @@
 #include <list>
 #include <mutex>
 #include <set>
+#include <string>
 #include <umockdev.h>
 
 namespace velmor
@@ -25,10 +26,12 @@ public:
 	static bool possible();
 
 	void unplug();
-	void deny(); // its file is root's from now on
+	void plug(int address); // into the socket that it had
+	void deny();            // its file is root's from now on
 
 	// What the device has seen.
 	std::set<unsigned> claimed;
+	int controls = 0; // questions beside its pipes
 	int drivers_detached = 0, drivers_attached = 0;
 	std::vector<unsigned> halts_cleared; // endpoints
 	std::vector<std::size_t> reads;      // bytes asked for
@@ -44,6 +47,7 @@ private:
 	UMockdevTestbed *bed;
 	UMockdevIoctlBase *calls;
 	bool gone = false;
+	std::string dev_path;
 	std::list<UMockdevIoctlData *> waiting, ended; // urbs
 	std::vector<UMockdevIoctlData *> handed_over;
 
@@ -51,7 +55,6 @@ private:
 	void answer_ioctl(UMockdevIoctlClient *client);
 	std::pair<int, int> reap(UMockdevIoctlData *argument);
 	void submit(UMockdevIoctlData *argument);
-	void control(UMockdevIoctlData *urb);
 	void take_out(UMockdevIoctlData *urb);
 	void serve_in();
 	bool fill(UMockdevIoctlData *urb);

@@ -1,0 +1,585 @@
+// velmor_samples_page.cpp - the sample manager: two lists, what is chosen in them, and the buttons
+//
+// Each button reads the selection, calls a workflow (velmor_work.h), and shows how it ended.
+// Names are taken from what the list shows, not from the record behind it, which another view
+// may have read anew meanwhile. Afterwards the selection stays on its entry or goes to the
+// neighbour, the field of the new name is empty, and the focus is in the list: a second press
+// must not hit another sample.
+//
+// Knows nothing of: models (but what their rows say), toolkits.
+
+#include "src/velmor_window.h"
+#include "src/waveqx.h"
+#include <algorithm>
+#include <cstring>
+
+namespace velmor
+{
+
+// ---- The two lists --------------------------------------------------------------------------
+
+static constexpr list_controls loaded_controls = {
+	.window = window_samples,
+	.list = samples_loaded_list,
+	.heading = samples_loaded_heading,
+	.retry = samples_retry,
+	.what = "sample",
+};
+
+static constexpr int detail_fields[] = { samples_detail_origin, samples_detail_name,
+	samples_detail_pitch, samples_detail_rate, samples_detail_seconds, samples_detail_channels,
+	samples_detail_bits, samples_detail_playmode };
+
+// What needs the sampler's list.
+static constexpr int needs_the_list[] = { samples_download, samples_download_all,
+	samples_loaded_delete, samples_loaded_rename, samples_loaded_info, samples_upload };
+
+// The names as the list shows them.
+static std::vector<std::string> shown_loaded;
+
+// An entry of a list, by its name and place; -1 for none.
+struct chosen_entry {
+	std::string name;
+	int index;
+};
+
+static chosen_entry chosen_loaded()
+{
+	const int index = host.ui->selection(window_samples, samples_loaded_list);
+	if (index < 0 || index >= static_cast<int>(shown_loaded.size()))
+		return { "", -1 };
+	return { shown_loaded[static_cast<std::size_t>(index)], index };
+}
+
+static chosen_entry chosen_local()
+{
+	const int index = host.ui->selection(window_samples, samples_local_list);
+	if (index < 0 || index >= local_samples)
+		return { "", -1 };
+	return { local_sample[static_cast<std::size_t>(index)].displayname, index };
+}
+
+static bool nothing_chosen(const chosen_entry &entry, const char *words)
+{
+	if (entry.index < 0)
+		show_outcome({ .how = ending::refused, .words = words });
+	return entry.index < 0;
+}
+
+static bool no_loaded(const chosen_entry &entry)
+{
+	return nothing_chosen(entry, "Choose a sample on the sampler first!");
+}
+
+static bool no_local(const chosen_entry &entry)
+{
+	return nothing_chosen(entry, "Choose a sample on this computer first!");
+}
+
+// Fill a list, and choose what was chosen before: the name where it was, the name elsewhere, or
+// what stands in its place now.
+static void refill(int control, const std::vector<std::string> &names, const chosen_entry &before)
+{
+	host.ui->set_list(window_samples, control, names);
+	const int count = static_cast<int>(names.size());
+	if (!count)
+		return;
+	const int place = std::clamp(before.index, 0, count - 1);
+	const auto found = std::find(names.begin(), names.end(), before.name);
+	const bool elsewhere =
+		names[static_cast<std::size_t>(place)] != before.name && found != names.end();
+	host.ui->select(window_samples, control,
+		elsewhere ? static_cast<int>(found - names.begin()) : place);
+}
+
+static void clear_details()
+{
+	for (const int field : detail_fields)
+		host.ui->set_text(window_samples, field, "");
+}
+
+static void fill_loaded(const chosen_entry &before)
+{
+	shown_loaded = loaded_names();
+	refill(samples_loaded_list, shown_loaded, before);
+	clear_details();
+}
+
+static void fill_local(const chosen_entry &before)
+{
+	load_local_samples(nullptr);
+	std::vector<std::string> names;
+	for (const _local_sample &local : local_sample)
+		names.emplace_back(local.displayname);
+	refill(samples_local_list, names, before);
+	host.ui->set_text(window_samples, samples_local_heading,
+		format_text("%d sample%s", local_samples, local_samples == 1 ? "" : "s").c_str());
+	clear_details();
+	show_local_selection();
+}
+
+void show_spool()
+{
+	if (was_opened(window_samples))
+		fill_local(chosen_local());
+}
+
+void update_sample_page()
+{
+	if (!was_opened(window_samples))
+		return;
+	const known_list &known = the_lists.samples;
+	show_list_knowledge(loaded_controls, known, static_cast<int>(shown_loaded.size()));
+	const bool silent = known.silent && known.way == way_key();
+	for (const int control : needs_the_list)
+		host.ui->set_reason(window_samples, control,
+			silent ? "Not now: the sampler's list could not be read. Try again first."
+			       : nullptr);
+}
+
+void empty_sample_page()
+{
+	if (!was_opened(window_samples))
+		return;
+	shown_loaded.clear();
+	host.ui->set_list(window_samples, samples_loaded_list, {});
+	clear_details();
+	update_sample_page();
+}
+
+// Read the sampler anew and show both sides.
+static void read_anew(const chosen_entry &loaded, const chosen_entry &local)
+{
+	outcome read = read_sample_list();
+	if (close_requested())
+		return;
+	fill_loaded(loaded);
+	fill_local(local);
+	if (read.done() && read.told.empty())
+		return;
+	// What could not be read is told in place of the list.
+	read.words.clear();
+	read.line = "The sampler's list was not read. The computer's list is up to date.";
+	show_outcome(read);
+}
+
+void show_sample_setup()
+{
+	const chosen_entry loaded = chosen_loaded(), local = chosen_local();
+	const outcome offered = current_sampler
+					? offers_list(&_sampler_type::getsamplelist)
+					: outcome{ .how = ending::refused,
+						  .words = "You must load a sampler first..." };
+	if (!offered.done()) {
+		show_outcome(offered);
+		return;
+	}
+	open_window(window_samples);
+	clear_details();
+	read_anew(loaded, local);
+}
+
+// Another entry was chosen: what was shown of the one before goes.
+static void choose_loaded()
+{
+	clear_details();
+}
+
+static void choose_local()
+{
+	clear_details();
+	show_local_selection();
+}
+
+// ---- Information ------------------------------------------------------------------------------
+
+static const _sampler_type *row_of_play_modes(const _sampler_type *model, const char *origin)
+{
+	if (std::strcmp(origin, "LOCAL") != 0)
+		return model;
+	// A file's play mode is in the words of the S5000, whatever sampler is loaded.
+	const int row = get_sampler_brand_index(model_s5000);
+	log_line("[D] Sampler found: %d\r\n", row);
+	return &sampler_type[row];
+}
+
+static std::string play_mode_text(const _sampler_type *row, int mode)
+{
+	if (!row->getplaymode)
+		return format_text("%d", mode);
+	const char *name = row->getplaymode(mode);
+	return format_text("%d (%s)", mode, name ? name : "OTHER");
+}
+
+void display_sample_information(const _sample *sample, const char *origin)
+{
+	log_line("[D] PLAYBACK-MODE: %d\r\n", sample->playback_mode);
+	const _sampler_type *model =
+		current_sampler ? get_sampler(static_cast<i32>(current_sampler->sampler_type))
+				: nullptr;
+	if (!model) {
+		show_box("FATAL", "Current Sampler not found!");
+		return;
+	}
+	const double words = static_cast<double>(sample->end_position) -
+			     static_cast<double>(sample->start_position);
+	const double rate = static_cast<double>(sample->sample_rate);
+	auto set = [](int control, const std::string &text) {
+		host.ui->set_text(window_samples, control, text.c_str());
+	};
+	set(samples_detail_origin, origin);
+	set(samples_detail_name, sample->name);
+	set(samples_detail_pitch, display_midi_note(sample->original_pitch));
+	set(samples_detail_rate, format_text("%d", static_cast<int>(sample->sample_rate)));
+	set(samples_detail_seconds, format_text("%.02f", rate > 0 ? words / rate : 0.0));
+	set(samples_detail_channels, format_text("%d", static_cast<int>(sample->channels)));
+	set(samples_detail_bits, format_text("%d", static_cast<int>(sample->bitspersample)));
+	set(samples_detail_playmode,
+		play_mode_text(row_of_play_modes(model, origin), sample->playback_mode));
+}
+
+static void show_loaded_information()
+{
+	const chosen_entry chosen = chosen_loaded();
+	if (no_loaded(chosen))
+		return;
+	const _sample *record = nullptr;
+	clear_details();
+	const outcome asked = ask_sample(chosen.name, &record);
+	if (record)
+		display_sample_information(record, "LOADED");
+	else if (shown_loaded != loaded_names())
+		fill_loaded(chosen);
+	show_outcome(asked);
+}
+
+static void show_local_information()
+{
+	const chosen_entry chosen = chosen_local();
+	if (no_local(chosen))
+		return;
+	_sample sample = {};
+	const std::string path = local_sample[static_cast<std::size_t>(chosen.index)].pathname;
+	if (create_sample_from_file(path.c_str(), &sample)) {
+		display_sample_information(&sample, "LOCAL");
+	} else {
+		clear_details();
+		show_box("INFO", "Sample corrupted...cannot read information!");
+	}
+	free_sample_data(&sample);
+}
+
+// ---- From the sampler ---------------------------------------------------------------------------
+
+static void download_selected_sample()
+{
+	const outcome offered = offers_download();
+	if (!offered.done()) {
+		show_outcome(offered);
+		return;
+	}
+	const chosen_entry chosen = chosen_loaded(), local = chosen_local();
+	if (no_loaded(chosen))
+		return;
+	if (in_spool(chosen.name) && !ask_box("WARNING", "Overwrite existing sample?")) {
+		show_outcome({ .how = ending::stopped, .words = "Skipped download of sample!" });
+		return;
+	}
+	const outcome result = download_sample(chosen.name);
+	if (!close_requested())
+		read_anew(chosen, result.done()
+					  ? chosen_entry{ file_name_of(chosen.name), local.index }
+					  : local);
+	show_outcome(result);
+	host.ui->focus(window_samples, samples_loaded_list);
+}
+
+// One question for all, since a sampler holds hundreds; who keeps what is there may still want
+// the others. False: nothing is wanted.
+static bool may_download(work_queue *queue)
+{
+	const int all = static_cast<int>(queue->size());
+	const int existing = static_cast<int>(std::count_if(queue->begin(), queue->end(),
+		[](const work_item &item) { return in_spool(item.name); }));
+	if (!existing ||
+		ask_box("WARNING", "Overwrite existing samples? (%d of %d)", existing, all))
+		return true;
+	if (existing == all ||
+		!ask_box("WARNING", "Download the other samples? (%d of %d)", all - existing, all))
+		return false;
+	for (work_item &item : *queue)
+		if (in_spool(item.name))
+			item.state = item_state::skipped;
+	return true;
+}
+
+static void download_all_samples()
+{
+	work_queue queue;
+	for (const std::string &name : shown_loaded)
+		queue.push_back({ .name = name });
+	outcome result = { .how = ending::stopped, .line = "Nothing was downloaded." };
+	const chosen_entry loaded = chosen_loaded(), local = chosen_local();
+	if (may_download(&queue)) {
+		result = download_samples(&queue);
+		if (!close_requested())
+			read_anew(loaded, local);
+	}
+	show_outcome(result);
+	host.ui->focus(window_samples, samples_loaded_list);
+}
+
+// Show what a change on the sampler has left, tell it, and go on in the list.
+static void show_change(
+	const outcome &result, const chosen_entry &loaded, const chosen_entry &local)
+{
+	if (!close_requested()) {
+		fill_loaded(loaded);
+		fill_local(local);
+	}
+	if (result.done())
+		host.ui->set_text(window_samples, samples_loaded_new_name, "");
+	show_outcome(result);
+}
+
+static void delete_loaded_sample()
+{
+	const chosen_entry chosen = chosen_loaded();
+	if (no_loaded(chosen))
+		return;
+	const outcome result = delete_sample(chosen.name);
+	// The neighbour, not another sample of that name.
+	show_change(result, { result.done() ? "" : chosen.name, chosen.index }, chosen_local());
+	host.ui->focus(window_samples, samples_loaded_list);
+}
+
+static void rename_loaded_sample()
+{
+	const std::string new_name = host.ui->get_text(window_samples, samples_loaded_new_name);
+	if (new_name.empty()) {
+		show_outcome({ .how = ending::refused, .words = "Choose a new name!" });
+		return;
+	}
+	const chosen_entry chosen = chosen_loaded();
+	if (no_loaded(chosen))
+		return;
+	const outcome result = rename_sample(chosen.name, new_name);
+	show_change(result, { result.done() ? "" : chosen.name, chosen.index }, chosen_local());
+	host.ui->focus(window_samples, samples_loaded_list);
+}
+
+// ---- To the sampler, and the files of the spool -----------------------------------------------
+
+// What would arrive as silence is converted first, if the user wants it. False: nothing is sent,
+// and the user has read why.
+static bool make_audible(const std::string &path)
+{
+	const upload_verdict check = upload_check(
+		*get_sampler(static_cast<i32>(current_sampler->sampler_type)), wave_path_of(path));
+	if (check.sends || !check.helps)
+		return true; // the workflow has the words
+	if (!ask_box("WARNING", "%s\nConvert it now, and upload what it becomes?",
+		    check.words.c_str()))
+		return false;
+	const std::string file[] = { wave_path_of(path) };
+	const outcome converted = import_files(
+		file, [&] { return check.conversion; }, window_samples);
+	if (!converted.done())
+		show_outcome(converted);
+	return converted.done();
+}
+
+static void upload_selected_sample()
+{
+	const outcome offered = offers_upload();
+	if (!offered.done()) {
+		show_outcome(offered);
+		return;
+	}
+	const chosen_entry chosen = chosen_local(), loaded = chosen_loaded();
+	if (no_local(chosen))
+		return;
+	const std::string path = local_sample[static_cast<std::size_t>(chosen.index)].pathname;
+	if (!make_audible(path))
+		return;
+	const outcome result = upload_sample(path);
+	show_change(result, { result.done() ? chosen.name : loaded.name, loaded.index }, chosen);
+	host.ui->focus(window_samples, samples_local_list);
+}
+
+static void show_local_change(const outcome &result, const chosen_entry &chosen)
+{
+	fill_local(chosen);
+	if (result.done())
+		host.ui->set_text(window_samples, samples_local_new_name, "");
+	show_outcome(result);
+	host.ui->focus(window_samples, samples_local_list);
+}
+
+static void delete_local_sample()
+{
+	const chosen_entry chosen = chosen_local();
+	if (!no_local(chosen))
+		show_local_change(delete_local(chosen.name), chosen);
+}
+
+static void rename_local_sample()
+{
+	const chosen_entry chosen = chosen_local();
+	if (no_local(chosen))
+		return;
+	const std::string typed = host.ui->get_text(window_samples, samples_local_new_name);
+	const outcome result = rename_local(chosen.name, typed);
+	show_local_change(
+		result, { result.done() ? file_name_of(typed) : chosen.name, chosen.index });
+}
+
+static void export_spool()
+{
+	const std::string target = host.ui->choose_folder("Select target folder for samples");
+	log_line("[D] SHBrowse returned with: [%s]\r\n", target.c_str());
+	if (!target.empty())
+		show_outcome(export_spool_to(target));
+}
+
+static void clear_spool()
+{
+	const outcome result = clear_spool_folder();
+	fill_local({ "", -1 });
+	show_outcome(result);
+}
+
+static void import_paths(std::span<const std::string> paths)
+{
+	const outcome result = import_files(paths, chosen_import_options, window_samples);
+	const bool failed = result.how == ending::local_failed;
+	if (failed)
+		fill_local(chosen_local());
+	show_outcome(result);
+	if (!failed)
+		show_sample_setup();
+}
+
+static void import_samples()
+{
+	const std::vector<std::string> paths =
+		host.ui->choose_files("Import Sample", "Wave files (*.wav *.WAV);;All files (*)");
+	if (paths.empty())
+		show_box("ERROR", "No file(s) selected!");
+	else
+		import_paths(paths);
+}
+
+static void preview_options()
+{
+	show_import_preview({});
+}
+
+// ---- Rows ------------------------------------------------------------------------------------------
+
+// clang-format off
+static constexpr caption_row samples_captions[] = {
+	// window          control                  caption, tooltip, empty
+	{ window_samples,  0,                       "VELMOR Manage current Samples", nullptr, nullptr },
+	{ window_samples,  samples_loaded_list,     "On the sampler", "The samples in the sampler's memory", "The sampler holds no samples" },
+	{ window_samples,  samples_loaded_search,   "Search samples on the sampler", "Show only names that contain these letters", "Search" },
+	{ window_samples,  samples_download,        "Download this Sample", "Copy the chosen sample from the sampler to this computer", nullptr },
+	{ window_samples,  samples_download_all,    "Download all Samples", "Copy every sample of the sampler to this computer", nullptr },
+	{ window_samples,  samples_loaded_delete,   "Delete this Sample", "Remove the chosen sample from the sampler's memory", nullptr },
+	{ window_samples,  samples_loaded_rename,   "Rename this Sample", "Give the chosen sample on the sampler the name in the field", nullptr },
+	{ window_samples,  samples_loaded_new_name, "New name on the sampler", "The name for Rename this Sample", "New name" },
+	{ window_samples,  samples_loaded_info,     "Sample Information", "Ask the sampler about the chosen sample", nullptr },
+	{ window_samples,  samples_refresh,         "Refresh", "Read the sampler and the spool anew", nullptr },
+	{ window_samples,  samples_local_list,      "On this computer", "The samples in the spool; drop WAV files here to import them", "The spool is empty: download samples, or drop WAV files here" },
+	{ window_samples,  samples_local_search,    "Search samples on this computer", "Show only names that contain these letters", "Search" },
+	{ window_samples,  samples_upload,          "Upload this Sample", "Send the chosen sample to the sampler", nullptr },
+	{ window_samples,  samples_local_delete,    "Delete this Sample", "Delete the chosen sample from this computer", nullptr },
+	{ window_samples,  samples_local_rename,    "Rename this Sample", "Give the chosen sample on this computer the name in the field", nullptr },
+	{ window_samples,  samples_local_new_name,  "New name on this computer", "The name for Rename this Sample", "New name" },
+	{ window_samples,  samples_local_info,      "Sample Information", "Show what the file says about the chosen sample", nullptr },
+	{ window_samples,  samples_waveform,        "Waveform", "The chosen sample on this computer; its loop is shaded", "No local sample chosen" },
+	{ window_samples,  samples_detail_origin,   "Origin:", nullptr, nullptr },
+	{ window_samples,  samples_detail_name,     "Name:", nullptr, nullptr },
+	{ window_samples,  samples_detail_pitch,    "Original pitch:", nullptr, nullptr },
+	{ window_samples,  samples_detail_rate,     "Rate (Hz):", nullptr, nullptr },
+	{ window_samples,  samples_detail_seconds,  "Length (s):", nullptr, nullptr },
+	{ window_samples,  samples_detail_channels, "Channels:", nullptr, nullptr },
+	{ window_samples,  samples_detail_bits,     "Bits:", nullptr, nullptr },
+	{ window_samples,  samples_detail_playmode, "Play mode:", nullptr, nullptr },
+	{ window_samples,  samples_import,          "Import Sample", "Choose WAV files and convert them into the spool", nullptr },
+	{ window_samples,  samples_export,          "Export Spool", "Copy every sample of the spool to a folder of your choice", nullptr },
+	{ window_samples,  samples_clear,           "Clear Spool", "Delete every sample of the spool from this computer", nullptr },
+	{ window_samples,  samples_bits_keep,       "Keep original", "Leave the bits of a value as they are", nullptr },
+	{ window_samples,  samples_bits_16,         "Convert to 16 bit", "What most samplers take", nullptr },
+	{ window_samples,  samples_bits_12,         "Convert to 12 bit", "For the S900/950", nullptr },
+	{ window_samples,  samples_bits_24,         "Convert to 24 bit", nullptr, nullptr },
+	{ window_samples,  samples_rate_keep,       "Keep original", "Leave the sampling rate as it is", nullptr },
+	{ window_samples,  samples_rate_16000,      "16000 Hz", nullptr, nullptr },
+	{ window_samples,  samples_rate_22000,      "22000 Hz", nullptr, nullptr },
+	{ window_samples,  samples_rate_32000,      "32000 Hz", nullptr, nullptr },
+	{ window_samples,  samples_rate_44100,      "44100 Hz", nullptr, nullptr },
+	{ window_samples,  samples_rate_48000,      "48000 Hz", nullptr, nullptr },
+	{ window_samples,  samples_rate_96000,      "96000 Hz", nullptr, nullptr },
+	{ window_samples,  samples_channels_keep,   "Keep original", "Leave mono mono and stereo stereo", nullptr },
+	{ window_samples,  samples_channels_1,      "1 Channel", "Make every sample mono", nullptr },
+	{ window_samples,  samples_channels_2,      "2 Channel", "Make every sample stereo", nullptr },
+	{ window_samples,  samples_mix_left,        "Left Channel", "From a stereo file take the left channel; put a mono file on the left", nullptr },
+	{ window_samples,  samples_mix_right,       "Right Channel", "From a stereo file take the right channel; put a mono file on the right", nullptr },
+	{ window_samples,  samples_mix_both_to_one, "Mix Channels", "From a stereo file take the average of both channels", nullptr },
+	{ window_samples,  samples_mix_both,        "Both Channels", "Put a mono file on both channels", nullptr },
+	{ window_samples,  samples_mix_files,       "Create L/R files", "Make two mono samples of a stereo file, with -L and -R behind their names", nullptr },
+	{ window_samples,  samples_import_preview,  "Import preview", "What the options above make of a file, and how long the sampler takes to receive it", nullptr },
+	{ window_samples,  samples_loaded_heading,  "State of the sampler's list", "How many samples, and when they were read", nullptr },
+	{ window_samples,  samples_local_heading,   "State of the spool", "How many samples there are on this computer", nullptr },
+	{ window_samples,  samples_retry,           "Try again", "Ask the sampler once more", nullptr },
+};
+static constexpr command_row samples_commands[] = {
+	// window          control                  what it does               when
+	{ window_samples,  control_cancel,          hide_window<window_samples>, always },
+	{ window_samples,  samples_refresh,         show_sample_setup,         alone  },
+	{ window_samples,  samples_retry,           show_sample_setup,         alone  },
+	{ window_samples,  samples_download,        download_selected_sample,  alone  },
+	{ window_samples,  samples_download_all,    download_all_samples,      alone  },
+	{ window_samples,  samples_loaded_delete,   delete_loaded_sample,      alone  },
+	{ window_samples,  samples_loaded_rename,   rename_loaded_sample,      alone  },
+	{ window_samples,  samples_loaded_info,     show_loaded_information,   alone  },
+	{ window_samples,  samples_upload,          upload_selected_sample,    alone  },
+	{ window_samples,  samples_local_delete,    delete_local_sample,       alone  },
+	{ window_samples,  samples_local_rename,    rename_local_sample,       alone  },
+	{ window_samples,  samples_local_info,      show_local_information,    alone  },
+	{ window_samples,  samples_import,          import_samples,            alone  },
+	{ window_samples,  samples_export,          export_spool,              alone  },
+	{ window_samples,  samples_clear,           clear_spool,               alone  },
+};
+static constexpr command_row samples_selections[] = {
+	{ window_samples,  samples_loaded_list,     choose_loaded,             alone  },
+	{ window_samples,  samples_local_list,      choose_local,              alone  },
+	{ window_samples,  samples_bits_keep,       preview_options,           alone  },
+	{ window_samples,  samples_bits_16,         preview_options,           alone  },
+	{ window_samples,  samples_bits_12,         preview_options,           alone  },
+	{ window_samples,  samples_bits_24,         preview_options,           alone  },
+	{ window_samples,  samples_rate_keep,       preview_options,           alone  },
+	{ window_samples,  samples_rate_16000,      preview_options,           alone  },
+	{ window_samples,  samples_rate_22000,      preview_options,           alone  },
+	{ window_samples,  samples_rate_32000,      preview_options,           alone  },
+	{ window_samples,  samples_rate_44100,      preview_options,           alone  },
+	{ window_samples,  samples_rate_48000,      preview_options,           alone  },
+	{ window_samples,  samples_rate_96000,      preview_options,           alone  },
+	{ window_samples,  samples_channels_keep,   preview_options,           alone  },
+	{ window_samples,  samples_channels_1,      preview_options,           alone  },
+	{ window_samples,  samples_channels_2,      preview_options,           alone  },
+	{ window_samples,  samples_mix_left,        preview_options,           alone  },
+	{ window_samples,  samples_mix_right,       preview_options,           alone  },
+	{ window_samples,  samples_mix_both_to_one, preview_options,           alone  },
+	{ window_samples,  samples_mix_both,        preview_options,           alone  },
+	{ window_samples,  samples_mix_files,       preview_options,           alone  },
+};
+static constexpr drop_row samples_drops[] = {
+	{ window_samples,  samples_local_list,      show_import_preview,       import_paths },
+};
+// clang-format on
+
+constinit const window_rows samples_rows = { samples_captions, samples_commands, samples_selections,
+	samples_drops };
+
+} // namespace velmor

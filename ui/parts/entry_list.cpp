@@ -1,0 +1,371 @@
+// entry_list.cpp - a list that knows what it shows: entries, silence, nothing, or old news
+
+#include "ui/parts/entry_list.h"
+#include "platform/host.h"
+#include "src/velmor_window.h"
+#include "ui/parts/palette.h"
+#include "ui/parts/parts.h"
+#include "ui/parts/style.h"
+#include "ui/parts/told.h"
+#include "ui/parts/window.h"
+#include <QBoxLayout>
+#include <QDropEvent>
+#include <QHeaderView>
+#include <QMimeData>
+#include <QPainter>
+#include <QPushButton>
+#include <QStyledItemDelegate>
+
+namespace velmor
+{
+
+// ---- Two lines --------------------------------------------------------------------------------
+
+class two_line_entry : public QStyledItemDelegate
+{
+public:
+	using QStyledItemDelegate::QStyledItemDelegate;
+	QSize sizeHint(const QStyleOptionViewItem &option, const QModelIndex &) const override
+	{
+		return { 0, std::max<int>(two_line_height, option.fontMetrics.height() * 2 + 16) };
+	}
+	void paint(QPainter *painter, const QStyleOptionViewItem &option,
+		const QModelIndex &index) const override;
+};
+
+void two_line_entry::paint(
+	QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const
+{
+	const bool chosen = option.state & QStyle::State_Selected;
+	const QPalette &palette = option.palette;
+	const auto color = [&](QPalette::ColorRole role) {
+		return palette.color(chosen ? QPalette::HighlightedText : role);
+	};
+	const QString details = index.siblingAtColumn(1).data().toString();
+	const QString mark = index.siblingAtColumn(2).data().toString();
+	if (chosen)
+		painter->fillRect(option.rect, palette.color(QPalette::Highlight));
+	else
+		painter->fillRect(QRect(option.rect.left() + 48, option.rect.bottom(),
+					  option.rect.width() - 48, 1),
+			palette.color(QPalette::Midlight));
+	const icon way = details.contains("USB") ? icon::usb : icon::midi;
+	paint_icon(painter, way,
+		QRectF(option.rect.left() + 14, option.rect.center().y() - 9, 20, 20),
+		color(QPalette::Dark));
+	QRect words = option.rect.adjusted(48, 6, -12, -6);
+	painter->setPen(color(QPalette::Text));
+	painter->drawText(words, Qt::AlignRight | Qt::AlignTop, mark);
+	QFont bold = option.font;
+	bold.setBold(true);
+	painter->setFont(bold);
+	const int room = words.width() -
+			 (mark.isEmpty() ? 0 : option.fontMetrics.horizontalAdvance(mark) + 8);
+	const Qt::Alignment upper = details.isEmpty() ? Qt::AlignVCenter : Qt::AlignTop;
+	painter->drawText(words, static_cast<int>(Qt::AlignLeft | upper),
+		QFontMetrics(bold).elidedText(index.data().toString(), Qt::ElideRight, room));
+	QFont small = option.font;
+	small.setPointSizeF(small.pointSizeF() * 0.95);
+	painter->setFont(small);
+	painter->setPen(color(QPalette::PlaceholderText));
+	painter->drawText(words, Qt::AlignLeft | Qt::AlignBottom,
+		QFontMetrics(small).elidedText(details, Qt::ElideRight, words.width()));
+}
+
+// ---- Making -----------------------------------------------------------------------------------
+
+entry_list::entry_list(top_window *window, int control)
+	: QTreeWidget(window), window_id(window->id), control_id(control),
+	  entry_icon(icon_of(window->id, control))
+{
+	const caption_row *row = find_caption(window_id, control);
+	if (row && row->empty)
+		empty_text = QString::fromUtf8(row->empty);
+	setRootIsDecorated(false);
+	setItemsExpandable(false);
+	setUniformRowHeights(true);
+	setAllColumnsShowFocus(true);
+	setTextElideMode(Qt::ElideRight);
+	setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+	setIconSize({ icon_size, icon_size });
+	header()->setSectionsMovable(false);
+	header()->setStretchLastSection(false);
+	setColumnCount(1);
+	header()->hide();
+	header()->setSectionResizeMode(0, QHeaderView::Stretch);
+	connect(this, &QTreeWidget::currentItemChanged, this,
+		[this] { velmor_selection(window_id, control_id); });
+}
+
+void entry_list::set_columns(const QStringList &titles)
+{
+	setColumnCount(static_cast<int>(titles.size()));
+	setHeaderLabels(titles);
+	header()->show();
+	for (int column = 0; column < columnCount(); column++) {
+		header()->setSectionResizeMode(
+			column, column ? QHeaderView::ResizeToContents : QHeaderView::Stretch);
+		headerItem()->setTextAlignment(
+			column, (column ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignVCenter);
+	}
+	fit_columns(1);
+}
+
+void entry_list::set_two_lines()
+{
+	two_lines = true;
+	setColumnCount(3);
+	for (int column = 1; column < 3; column++)
+		setColumnHidden(column, true);
+	setItemDelegate(new two_line_entry(this));
+}
+
+// A column without a text in any entry only takes room.
+void entry_list::fit_columns(std::size_t texts)
+{
+	for (int column = 1; column < columnCount() && !two_lines; column++)
+		setColumnHidden(column, static_cast<std::size_t>(column) >= texts);
+}
+
+void entry_list::take_files()
+{
+	takes_files = true;
+	setAcceptDrops(true);
+	setDragDropMode(QAbstractItemView::DropOnly);
+}
+
+// ---- Entries ----------------------------------------------------------------------------------
+
+bool entry_list::match(int index) const
+{
+	return name_of(index).contains(letters_sought, Qt::CaseInsensitive);
+}
+
+void entry_list::fill(const std::vector<QStringList> &rows)
+{
+	const QSignalBlocker quiet(this);
+	clear();
+	QList<QTreeWidgetItem *> items;
+	std::size_t texts = 1;
+	const QIcon picture = two_lines ? QIcon() : make_icon(entry_icon);
+	for (const QStringList &row : rows) {
+		auto *item = new QTreeWidgetItem(row);
+		texts = std::max(texts, static_cast<std::size_t>(row.size()));
+		item->setIcon(0, picture);
+		for (int column = 1; column < row.size(); column++)
+			item->setTextAlignment(column, Qt::AlignRight | Qt::AlignVCenter);
+		items += item;
+	}
+	addTopLevelItems(items);
+	fit_columns(texts);
+	for (int i = 0; !letters_sought.isEmpty() && i < count(); i++)
+		topLevelItem(i)->setHidden(!match(i));
+	viewport()->update();
+}
+
+void entry_list::choose(int index)
+{
+	const QSignalBlocker quiet(this);
+	setCurrentItem(index >= 0 && index < count() ? topLevelItem(index) : nullptr);
+	if (index < 0)
+		clearSelection();
+}
+
+bool entry_list::has_entries() const
+{
+	return shown_state == list_state::fresh || shown_state == list_state::stale;
+}
+
+int entry_list::chosen() const
+{
+	QTreeWidgetItem *current = currentItem();
+	return current && !current->isHidden() && has_entries() ? indexOfTopLevelItem(current) : -1;
+}
+
+int entry_list::place_of(const QString &name) const
+{
+	for (int i = 0; i < count(); i++)
+		if (name_of(i) == name)
+			return i;
+	return -1;
+}
+
+void entry_list::search(const QString &letters)
+{
+	letters_sought = letters;
+	int first = -1;
+	for (int i = 0; i < count(); i++) {
+		const bool found = match(i);
+		topLevelItem(i)->setHidden(!found);
+		if (found && first < 0)
+			first = i;
+	}
+	if (chosen() < 0 && first >= 0)
+		setCurrentItem(topLevelItem(first));
+	viewport()->update();
+}
+
+// ---- States -----------------------------------------------------------------------------------
+
+// The words stand where the entries would: same frame, same place.
+void entry_list::make_silence()
+{
+	silence = new card(this);
+	silence->setAutoFillBackground(true);
+	silence->setBackgroundRole(QPalette::Window);
+	silence->setFocusPolicy(Qt::NoFocus);
+	auto *column = new QVBoxLayout(silence);
+	column->setContentsMargins(margin_side, margin_above, margin_side, margin_above);
+	auto *head = new QHBoxLayout;
+	head->addWidget(new icon_label(icon::unplugged, 28, text_role::careful, silence));
+	told_label *title = make_title("The sampler did not answer", 1.3, true, silence);
+	title->setWordWrap(true);
+	head->addWidget(title, 1);
+	silent_words = new told_label(silence);
+	silent_words->setWordWrap(true);
+	column->addStretch();
+	column->addLayout(head);
+	column->addWidget(silent_words);
+	column->addStretch();
+	silence->hide();
+}
+
+void entry_list::set_retry(QPushButton *button)
+{
+	if (!silence)
+		make_silence();
+	if (!button)
+		return;
+	button->setProperty("main", true);
+	auto *column = static_cast<QVBoxLayout *>(silence->layout());
+	column->insertWidget(column->count() - 1, button, 0, Qt::AlignLeft);
+}
+
+void entry_list::set_state(list_state state, const QString &words)
+{
+	shown_state = state;
+	state_words = words;
+	const bool silent = state == list_state::silent;
+	if (silent && !silence)
+		make_silence();
+	const bool had_focus = hasFocus();
+	if (silence) {
+		silent_words->say(words);
+		silence->setVisible(silent);
+		silence->setGeometry(rect());
+		silence->raise();
+	}
+	setVerticalScrollBarPolicy(silent ? Qt::ScrollBarAlwaysOff : Qt::ScrollBarAsNeeded);
+	setFocusPolicy(silent ? Qt::NoFocus : Qt::WheelFocus);
+	if (auto *retry = silence ? silence->findChild<QPushButton *>() : nullptr;
+		retry && silent && had_focus)
+		retry->setFocus();
+	setAccessibleDescription(has_entries() ? words : words_instead());
+	viewport()->setToolTip(state == list_state::stale ? words : QString());
+	viewport()->update();
+}
+
+QString entry_list::words_instead() const
+{
+	if (shown_state == list_state::silent)
+		return "The sampler did not answer. " + state_words;
+	if (!state_words.isEmpty() && !has_entries())
+		return state_words;
+	if (shown_state == list_state::unread)
+		return QStringLiteral("Not read yet");
+	return has_entries() && count() ? QStringLiteral("No name holds these letters")
+					: empty_text;
+}
+
+void entry_list::paintEvent(QPaintEvent *event)
+{
+	bool any = false;
+	for (int i = 0; i < count() && !any && has_entries(); i++)
+		any = !hidden(i);
+	if (any) {
+		QTreeWidget::paintEvent(event);
+		return;
+	}
+	QPainter painter(viewport());
+	painter.setPen(palette().color(QPalette::PlaceholderText));
+	const int margin = fontMetrics().height();
+	painter.drawText(viewport()->rect().adjusted(margin, margin, -margin, -margin),
+		Qt::AlignCenter | Qt::TextWordWrap, words_instead());
+}
+
+// Entries that may no longer be true are paler.
+void entry_list::drawRow(
+	QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const
+{
+	QStyleOptionViewItem row = option;
+	if (shown_state == list_state::stale)
+		row.palette.setColor(QPalette::Text, row.palette.color(QPalette::PlaceholderText));
+	QTreeWidget::drawRow(painter, row, index);
+}
+
+void entry_list::resizeEvent(QResizeEvent *event)
+{
+	QTreeWidget::resizeEvent(event);
+	if (silence)
+		silence->setGeometry(rect());
+}
+
+// The frame shows the focus too.
+void entry_list::focusInEvent(QFocusEvent *event)
+{
+	QTreeWidget::focusInEvent(event);
+	update();
+}
+
+void entry_list::focusOutEvent(QFocusEvent *event)
+{
+	QTreeWidget::focusOutEvent(event);
+	update();
+}
+
+// ---- Files ------------------------------------------------------------------------------------
+
+static std::vector<std::string> paths_of(const QMimeData *data)
+{
+	std::vector<std::string> paths;
+	for (const QUrl &url : data->urls())
+		if (url.isLocalFile())
+			paths.push_back(
+				host.files->system_path(url.toLocalFile().toUtf8().constData()));
+	return paths;
+}
+
+void entry_list::dragEnterEvent(QDragEnterEvent *event)
+{
+	const std::vector<std::string> paths = paths_of(event->mimeData());
+	if (!takes_files || paths.empty() || command_running())
+		return;
+	event->setDropAction(Qt::CopyAction);
+	event->accept();
+	velmor_hover(window_id, control_id, paths);
+}
+
+void entry_list::dragMoveEvent(QDragMoveEvent *event)
+{
+	event->setDropAction(Qt::CopyAction);
+	event->accept();
+}
+
+void entry_list::dragLeaveEvent(QDragLeaveEvent *)
+{
+	velmor_hover(window_id, control_id, {});
+}
+
+// The work begins after the drop is over, so that the program the files come from is not
+// kept waiting.
+void entry_list::dropEvent(QDropEvent *event)
+{
+	const std::vector<std::string> paths = paths_of(event->mimeData());
+	event->setDropAction(Qt::CopyAction);
+	event->accept();
+	QMetaObject::invokeMethod(
+		this, [this, paths] { velmor_drop(window_id, control_id, paths); },
+		Qt::QueuedConnection);
+}
+
+} // namespace velmor

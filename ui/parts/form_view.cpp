@@ -1,0 +1,326 @@
+// form_view.cpp - a form made of rows that are known only when it is shown
+
+#include "ui/parts/form_view.h"
+#include "src/velmor_window.h"
+#include "ui/parts/parts.h"
+#include "ui/parts/style.h"
+#include "ui/parts/told.h"
+#include "ui/parts/window.h"
+#include <QBoxLayout>
+#include <QButtonGroup>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QGridLayout>
+#include <QLineEdit>
+#include <QRadioButton>
+#include <QSignalBlocker>
+#include <QSlider>
+#include <algorithm>
+#include <cstdlib>
+
+namespace velmor
+{
+
+static constexpr int field_characters = 32;
+static constexpr int field_width = 56, bar_width = 120;
+
+// The columns of the grid.
+enum : int {
+	column_dot,
+	column_label,
+	column_bar,
+	column_field,
+	column_unit,
+	columns,
+};
+
+form_view::form_view(top_window *window, int control)
+	: QWidget(window), window_id(window->id), control_id(control)
+{
+	enroll(window->id, control, this);
+	auto *all = new QVBoxLayout(this);
+	all->setContentsMargins(0, 0, 0, 0);
+}
+
+// A label of the system may end in a colon and in line feeds, which a layout has no use for.
+static QString words_of(const std::string &label)
+{
+	return QString::fromUtf8(label.c_str()).trimmed();
+}
+
+static void name_control(QWidget *widget, int id, const QString &name)
+{
+	widget->setProperty("id", id);
+	widget->setAccessibleName(name);
+}
+
+void form_view::tell(int row, form_event event, int value) const
+{
+	velmor_form(window_id, control_id, row, event, value);
+}
+
+// ---- Making -----------------------------------------------------------------------------------
+
+QLineEdit *form_view::make_field(const form_row &row, int place, const QString &name)
+{
+	auto *field = new QLineEdit(rows_shown);
+	field->setMaxLength(field_characters);
+	field->setFixedWidth(field_width);
+	field->setAlignment(Qt::AlignRight);
+	field->setText(row.text.empty() ? QString::number(row.value)
+					: QString::fromUtf8(row.text.c_str()));
+	name_control(field, row.field_id, name + " value");
+	connect(field, &QLineEdit::textEdited, this, [this, place](const QString &typed) {
+		const long number = std::strtol(typed.toUtf8().constData(), nullptr, 10);
+		tell(place, form_event::edit,
+			static_cast<int>(std::clamp(number, -0x7FFFFFFFL, 0x7FFFFFFFL)));
+	});
+	return field;
+}
+
+QWidget *form_view::make_bar(line *made, const form_row &row, int place, const QString &name)
+{
+	auto *bar = new QSlider(Qt::Horizontal, rows_shown);
+	bar->setRange(row.low, row.high);
+	bar->setPageStep(1);
+	bar->setValue(row.value);
+	bar->setMinimumWidth(bar_width);
+	made->bar = bar;
+	name_control(bar, row.id, name);
+	// A press on the groove and a key move it in one step; a drag ends when it is let go.
+	connect(bar, &QSlider::valueChanged, this, [this, bar, place](int value) {
+		tell(place, bar->isSliderDown() ? form_event::drag : form_event::drag_end, value);
+	});
+	connect(bar, &QSlider::sliderReleased, this,
+		[this, bar, place] { tell(place, form_event::drag_end, bar->value()); });
+	return bar;
+}
+
+QWidget *form_view::make_choice(line *made, const form_row &row, int place)
+{
+	auto *choice = new QComboBox(rows_shown);
+	QStringList items;
+	for (const std::string &item : row.items)
+		items += QString::fromUtf8(item.c_str());
+	choice->addItems(items);
+	choice->setCurrentIndex(row.value);
+	choice->setMinimumContentsLength(8);
+	choice->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+	connect(choice, &QComboBox::activated, this,
+		[this, place](int item) { tell(place, form_event::choice, item); });
+	made->choice = choice;
+	return choice;
+}
+
+QWidget *form_view::make_radio(line *made, const form_row &row, int place, const QString &name)
+{
+	auto *all = new QWidget(rows_shown);
+	auto *grid = new QGridLayout(all);
+	grid->setContentsMargins(0, 0, 0, 0);
+	made->buttons = new QButtonGroup(all);
+	for (std::size_t i = 0; i < row.items.size(); i++) {
+		const int item = static_cast<int>(i);
+		auto *button = new QRadioButton(QString::fromUtf8(row.items[i].c_str()), all);
+		name_control(button, i < row.item_ids.size() ? row.item_ids[i] : row.id,
+			button->text() + ", " + name);
+		button->setChecked(item == row.value);
+		made->buttons->addButton(button, item);
+		grid->addWidget(button, item / 4, item % 4);
+		connect(button, &QRadioButton::clicked, this,
+			[this, place, item] { tell(place, form_event::choice, item); });
+	}
+	return all;
+}
+
+QWidget *form_view::make_value(line *made, const form_row &row, int place, const QString &name)
+{
+	QWidget *widget = nullptr;
+	if (row.kind == row_kind::choice) {
+		widget = make_choice(made, row, place);
+	} else if (row.kind == row_kind::radio) {
+		return make_radio(made, row, place, name);
+	} else if (row.kind == row_kind::check) {
+		auto *box = new QCheckBox(words_of(row.label), rows_shown);
+		box->setChecked(row.value != 0);
+		connect(box, &QCheckBox::clicked, this,
+			[this, place](bool ticked) { tell(place, form_event::choice, ticked); });
+		made->check = widget = box;
+	} else {
+		made->reading = new told_label(rows_shown);
+		made->reading->set_spoken(name);
+		made->reading->say(QString::fromUtf8(row.text.c_str()));
+		made->reading->setProperty("id", row.id);
+		return made->reading;
+	}
+	name_control(widget, row.id, name);
+	return widget;
+}
+
+void form_view::add_line(QGridLayout *grid, const form_row &row, int place, const QString &group)
+{
+	line made;
+	const QString label = words_of(row.label);
+	// The same label may come in two groups.
+	const QString said = QString(label).remove(':');
+	const QString name = group.isEmpty() ? said : said + ", " + group;
+	if (row.kind != row_kind::check) {
+		made.label = new told_label(rows_shown);
+		made.label->say(label);
+		made.label->setMinimumHeight(form_row_height);
+		grid->addWidget(made.label, place, column_label);
+	}
+	if (row.kind == row_kind::slider)
+		grid->addWidget(make_bar(&made, row, place, name), place, column_bar);
+	else if (row.kind != row_kind::number)
+		grid->addWidget(make_value(&made, row, place, name), place, column_bar, 1, 2);
+	if (row.kind == row_kind::slider || row.kind == row_kind::number) {
+		made.field = make_field(row, place, name);
+		grid->addWidget(made.field, place, column_field);
+		if (made.label)
+			made.label->setBuddy(made.field);
+	}
+	if (!row.unit.empty()) {
+		auto *unit = new told_label(rows_shown);
+		unit->set_role(text_role::quiet);
+		unit->say(QString::fromUtf8(row.unit.c_str()));
+		grid->addWidget(unit, place, column_unit);
+	}
+	lines.push_back(made);
+	if (row.why_not.empty())
+		return;
+	for (int column = column_bar; column <= column_field; column++)
+		if (QLayoutItem *item = grid->itemAtPosition(place, column)) {
+			item->widget()->setEnabled(row.kind == row_kind::reading);
+			item->widget()->setToolTip(QString::fromUtf8(row.why_not.c_str()));
+		}
+}
+
+// The rows of a form are made on a widget that is not shown yet, so that nothing is laid out
+// before all are there.
+void form_view::build(std::span<const form_row> rows)
+{
+	delete rows_shown;
+	lines.clear();
+	rows_shown = new QWidget;
+	auto *grid = new QGridLayout(rows_shown);
+	grid->setContentsMargins(0, 0, 0, 0);
+	grid->setVerticalSpacing(0);
+	grid->setColumnMinimumWidth(column_dot, 12);
+	grid->setColumnStretch(column_bar, 1);
+	QString group;
+	for (std::size_t i = 0; i < rows.size(); i++) {
+		const int place = static_cast<int>(i);
+		if (rows[i].kind == row_kind::heading) {
+			group = words_of(rows[i].label);
+			grid->addWidget(make_title(group, 1.1, true, rows_shown), place, column_dot,
+				1, columns);
+			grid->setRowMinimumHeight(place, form_row_height);
+			lines.emplace_back();
+			continue;
+		}
+		add_line(grid, rows[i], place, group);
+		if (rows[i].changed)
+			set_changed(place, true);
+	}
+	grid->setRowStretch(static_cast<int>(rows.size()), 1);
+	layout()->addWidget(rows_shown);
+	rows_shown->show();
+}
+
+// ---- Values -----------------------------------------------------------------------------------
+
+const form_view::line *form_view::find(int row) const
+{
+	return row >= 0 && static_cast<std::size_t>(row) < lines.size()
+		       ? &lines[static_cast<std::size_t>(row)]
+		       : nullptr;
+}
+
+void form_view::set_value(int row, int value)
+{
+	const line *l = find(row);
+	if (!l)
+		return;
+	if (l->bar) {
+		const QSignalBlocker quiet(l->bar);
+		l->bar->setValue(value);
+	} else if (l->field) {
+		l->field->setText(QString::number(value));
+	} else if (l->choice) {
+		l->choice->setCurrentIndex(value);
+	} else if (auto *box = qobject_cast<QCheckBox *>(l->check)) {
+		box->setChecked(value != 0);
+	} else if (l->buttons) {
+		// A value that no button has clears them all.
+		l->buttons->setExclusive(false);
+		for (QAbstractButton *button : l->buttons->buttons())
+			button->setChecked(l->buttons->id(button) == value);
+		l->buttons->setExclusive(true);
+	}
+}
+
+int form_view::value(int row) const
+{
+	const line *l = find(row);
+	if (!l)
+		return 0;
+	if (l->bar)
+		return l->bar->value();
+	if (l->field)
+		return l->field->text().toInt();
+	if (l->choice)
+		return l->choice->currentIndex();
+	if (auto *box = qobject_cast<QCheckBox *>(l->check))
+		return box->isChecked();
+	return l->buttons ? l->buttons->checkedId() : 0;
+}
+
+void form_view::set_text(int row, const QString &text)
+{
+	const line *l = find(row);
+	if (l && l->field)
+		l->field->setText(text);
+	else if (l && l->reading)
+		l->reading->say(text);
+}
+
+QString form_view::text(int row) const
+{
+	const line *l = find(row);
+	return !l ? QString() : l->field ? l->field->text() : l->reading ? l->reading->text() : "";
+}
+
+static void set_bold(QWidget *widget, bool bold)
+{
+	if (!widget || widget->font().bold() == bold)
+		return;
+	QFont font = widget->font();
+	font.setBold(bold);
+	widget->setFont(font);
+}
+
+void form_view::set_changed(int row, bool changed)
+{
+	const line *l = find(row);
+	if (!l)
+		return;
+	line &shown = lines[static_cast<std::size_t>(row)];
+	if (changed && !shown.dot) {
+		shown.dot = new icon_label(icon::dot, 8, QPalette::Link, rows_shown);
+		static_cast<QGridLayout *>(rows_shown->layout())
+			->addWidget(shown.dot, row, column_dot, Qt::AlignCenter);
+	}
+	if (shown.dot)
+		shown.dot->setVisible(changed);
+	if (l->field)
+		l->field->setAccessibleDescription(changed ? "Changed" : "");
+	set_bold(l->label, changed);
+	set_bold(l->field, changed);
+	set_bold(l->check, changed);
+	if (l->bar) {
+		l->bar->setProperty("changed", changed);
+		l->bar->update();
+	}
+}
+
+} // namespace velmor

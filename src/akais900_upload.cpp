@@ -161,16 +161,17 @@ static void take_smpl(upload_job *job, u64 at)
 }
 
 // Pitch, loop and words. A file that ends early has the words that it holds.
-static void walk_chunks(upload_job *job)
+static void look_at_chunks(upload_job *job)
 {
 	u64 at = u64{ 20 } + word_at(*job, at_fmt_length, 4), bytes = 0;
 	job->data = job->size;
-	for (int i = 0; i < max_wave_chunks && at < job->size; i++) {
+	for (u64 number = 0; at < job->size; number++) {
 		const u32 length = word_at(*job, at + 4, 4);
 		char name[5] = {};
 		for (std::size_t c = 0; c < 4; c++)
 			name[c] = static_cast<char>(job->image()[static_cast<std::size_t>(at) + c]);
-		log_line("[D] Chunk-Header: [%.4s] (%d Bytes)\r\n", name, shown(length));
+		if (number < logged_chunks)
+			log_line("[D] Chunk-Header: [%.4s] (%d Bytes)\r\n", name, shown(length));
 		if (std::strcmp(name, "smpl") == 0)
 			take_smpl(job, at);
 		if (std::strcmp(name, "data") == 0) {
@@ -478,7 +479,7 @@ void akai_s900_upload_sample(const char *path)
 	choose_number(&job, *status);
 	if (!is_sample(job, path) || !read_file(&job) || !has_right_format(&job))
 		return;
-	walk_chunks(&job);
+	look_at_chunks(&job);
 	if (can_be_sent(&job) && is_free(job, *status))
 		send_dump(job);
 }

@@ -433,6 +433,9 @@ static void look_closer()
 	check(host.ui->get_text(window_samples, samples_detail_origin) == "LOADED",
 		"the sampler told about its sample");
 	choose(window_samples, samples_local_list, looped_name());
+	press(window_samples, samples_local_info);
+	check(host.ui->get_text(window_samples, samples_detail_origin) == "LOCAL",
+		"the file told about its sample");
 	picture(window_samples, "samples");
 	picture(window_samples, "samples-200", 2);
 	use_palette(true);

@@ -32,8 +32,8 @@ using namespace velmor;
 
 static const char help[] =
 	"Usage: velmor-demo [--journey [WAV ...] [--out FOLDER]]\n"
-	"The whole program with virtual samplers plugged in: an S3000 and an S1000 on a MIDI\n"
-	"cable, an S5000 and a Z8 on the USB. It keeps to a folder of its own, VELMOR-Demo.\n"
+	"The whole program with virtual samplers plugged in: an S3000, an S1000 and an S900 on a\n"
+	"MIDI cable, an S5000 and a Z8 on the USB. It keeps to a folder of its own, VELMOR-Demo.\n"
 	"\n"
 	"  --journey [WAV ...]  do the main job without a hand, in seconds, and say what was "
 	"done;\n"
@@ -44,33 +44,20 @@ static const char help[] =
 
 // ---- What is plugged in -----------------------------------------------------------------------
 
-static constexpr u8 s3000_channel = 0, s1000_channel = 1;
+// The dump of an S900 begins as a message to exclusive channel 1 does, so nobody else is there.
+static constexpr u8 s3000_channel = 0, s1000_channel = 2, s900_channel = 3;
 
 struct rack {
 	timeline time;
 	s1000_machine s3000{ s1000_model::s3000, s3000_channel };
 	s1000_machine s1000{ s1000_model::s1000, s1000_channel };
+	s900_machine s900{ s900_model::s900, s900_channel };
 	bool s3000_on = true;
 	s5000 usb_s5000;
 	z4 usb_z8{ z4_model::z8 };
 };
 
 static rack *the_rack;
-
-// What one machine does not take for itself is for the next one on the cable.
-static midi_machine both(midi_machine first, midi_machine second)
-{
-	using hear = std::function<machine::bytes(machine::byte_view)>;
-	const auto in_turn = [](hear a, hear b) {
-		return [a, b](machine::byte_view message) {
-			machine::bytes said = a(message);
-			return said.empty() ? b(message) : said;
-		};
-	};
-	return { .answer = in_turn(first.answer, second.answer),
-		.refuse = in_turn(first.refuse, second.refuse),
-		.wait = in_turn(first.wait, second.wait) };
-}
 
 // A machine that is switched off takes nothing and says nothing.
 static midi_machine while_on(midi_machine machine, const bool *on)
@@ -85,7 +72,11 @@ static void plug_in(rack *r)
 {
 	fill_s3000(r->s3000);
 	fill_s1000(r->s1000);
-	plug_midi(r->time, both(while_on(r->s3000.on_wire(), &r->s3000_on), r->s1000.on_wire()),
+	fill_demo(r->s900);
+	// The S900 stands first: it alone hears a dump in parts.
+	plug_midi(r->time,
+		on_one_cable({ r->s900.on_wire(r->time), while_on(r->s3000.on_wire(), &r->s3000_on),
+			r->s1000.on_wire() }),
 		"Demo MIDI cable");
 	fill_demo(r->usb_s5000);
 	plug_usb(r->time, r->usb_s5000);
@@ -95,8 +86,10 @@ static void plug_in(rack *r)
 
 // ---- Where everything lies ----------------------------------------------------------------------
 
+// control: the channel that an S900 is asked on, from 1; the exclusive channel of all others
+// counts from 0.
 static void write_configuration(const std::string &folder, const char *name, i32 model, u8 channel,
-	const char *usb_name = "")
+	const char *usb_name = "", u8 control = 1)
 {
 	const std::string path = folder + "/" + name + ".sampler";
 	if (std::filesystem::exists(path))
@@ -105,7 +98,7 @@ static void write_configuration(const std::string &folder, const char *name, i32
 	copy_text(sampler.sampler_description, name);
 	copy_text(sampler.sampler_usbname, usb_name);
 	sampler.sampler_type = static_cast<u32>(model);
-	sampler.sampler_sysex = 1;
+	sampler.sampler_sysex = control;
 	sampler.sampler_midi = 1;
 	sampler.sampler_sysex_channel = channel;
 	std::ofstream file(path, std::ios::binary);
@@ -117,6 +110,7 @@ static void write_configurations(const std::string &root)
 	const std::string config = root + "/VELMOR/CONFIG";
 	write_configuration(config, "Demo S3000", model_s3000, s3000_channel);
 	write_configuration(config, "Demo S1000", model_s1000, s1000_channel);
+	write_configuration(config, "Demo S900", model_s900, s900_channel, "", s900_channel + 1);
 	write_configuration(config, "Demo S5000", model_s5000, 0, "Demo S5000");
 	write_configuration(config, "Demo Z8", model_z4, 0, "Demo Z8");
 }

@@ -2,6 +2,7 @@
 
 #include "src/akaimidi.h"
 #include <algorithm>
+#include <cmath>
 
 namespace velmor
 {
@@ -18,10 +19,23 @@ akai_answer ask_akai(std::span<const u8> message, int room, akai_exchange exchan
 	return answer;
 }
 
-void tell_akai(std::span<const u8> message)
+bool tell_akai(std::span<const u8> message)
 {
 	int nothing = 0;
 	send_midi_string_ex(message.data(), static_cast<int>(message.size()), nullptr, &nothing, 0);
+	// An output that failed is closed.
+	return use_tcp ? why_tcp_failed().empty() : the_outHandle >= 0;
+}
+
+void akai_pause(int milliseconds)
+{
+	const double end = host.clock->counter() + milliseconds / 1000.0;
+	for (;;) {
+		const double rest = (end - host.clock->counter()) * 1000;
+		if (rest <= 0)
+			return;
+		host.ui->pump(static_cast<int>(std::ceil(std::min(rest, 100.0))));
+	}
 }
 
 bool akai_interrupted(const akai_answer &answer)

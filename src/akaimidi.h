@@ -40,8 +40,11 @@ using akai_exchange = void (*)(
 // Send a message and take one answer of at most room bytes.
 akai_answer ask_akai(std::span<const u8> message, int room = akai_answer_room,
 	akai_exchange exchange = send_midi_string_ex);
-// Send a message that has no answer.
-void tell_akai(std::span<const u8> message);
+// Send a message that has no answer, or a part of a longer one. False when it did not leave,
+// which a box has said.
+bool tell_akai(std::span<const u8> message);
+// A rest that the sampler needs. The interface runs meanwhile.
+void akai_pause(int milliseconds);
 
 // A message with its holes filled: the exclusive channel, and where the message has one, the
 // index of a program or sample.

@@ -43,7 +43,7 @@ struct conversion {
 	// Bytes that the text does not reach may stay. Null: a text of width 0, or never written.
 	void (*put_text)(u8 *bytes, const char *text) = nullptr;
 };
-inline constexpr int max_value_size = 4; // bytes of a number
+inline constexpr int max_value_size = 8; // bytes of a number
 inline constexpr int max_text_size = 32; // bytes of a text in a block
 inline constexpr int max_block_size = 1024;
 

@@ -4,6 +4,7 @@
 #include "src/akai_forms.h"
 #include "src/akais1000.h"
 #include "src/akais5000.h"
+#include "src/akais900.h"
 #include "src/akaiz4.h"
 #include <cstdio>
 #include <cstdlib>
@@ -123,17 +124,17 @@ _sampler_type sampler_type[11] = {
 		.default_keyzones         = 2,
 		.sampler_type             = model_s900,
 		.ctrl                     = nullptr,  // no panel
-		.getstatus                = nullptr,  // not built yet
-		.getproglist              = nullptr,  // not built yet
-		.getsamplelist            = nullptr,  // not built yet
-		.getmultilist             = nullptr,  // not built yet
+		.getstatus                = akai_s900_getstatus,
+		.getproglist              = akai_s900_getproglist,
+		.getsamplelist            = akai_s900_getsamplelist,
+		.getmultilist             = akai_s900_getmultilist,
 		.renamesample             = nullptr,  // the machine takes no such request
-		.downloadsample           = nullptr,  // not built yet
-		.infosample               = nullptr,  // not built yet
-		.uploadsample             = nullptr,  // not built yet
+		.downloadsample           = akai_s900_download_sample,
+		.infosample               = akai_s900_sample_info,
+		.uploadsample             = akai_s900_upload_sample,
 		.getplaymode              = nullptr,  // its modes have no names
 		.getpanel                 = nullptr,  // no panel
-		.saveprogram              = nullptr,  // not built yet
+		.saveprogram              = akai_s900_save_program,
 		.deleteprogram            = nullptr,  // the machine takes no such request
 		.renameprogram            = nullptr,  // the machine takes no such request
 		.assignvoice              = akai_s900_voice_assign,

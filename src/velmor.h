@@ -225,6 +225,8 @@ void wait_midi_string_ex(u8 *input, int *_input_len, int msg_count, int timeout)
 void send_midi_string(const u8 *midi_data, int len);
 // The output, opened by whichever send comes first and kept open; -1 while it is closed.
 extern int the_outHandle;
+// Open the output unless it is open: 0, or the port's code, for which the caller has the words.
+int open_midi_output();
 // Close the output, so that the next send opens the port chosen then. A send also notices by
 // itself that another output was chosen.
 void close_midi_output();
@@ -244,6 +246,12 @@ bool send_tcp(std::span<const u8> bytes);
 // Receive up to the first 0xF7, capacity bytes, a break of the connection, or the deadline of
 // the MIDI path. Returns the bytes received.
 int receive_tcp(u8 *input, int capacity);
+// For an answer that goes on while more is sent: from now on, until stop_listening_to_tcp, what
+// comes is kept for take_tcp. What came before is thrown away.
+void listen_to_tcp();
+void stop_listening_to_tcp();
+// The oldest bytes that came, capacity at most: how many, or -1 when the connection is gone.
+int take_tcp(u8 *bytes, int capacity);
 // Why the last message was not taken or its answer broke off, a sentence; "" when neither did.
 const std::string &why_tcp_failed();
 

@@ -69,14 +69,15 @@ static void port_failed(int code, call_site at = call_site::current())
 	port_failed(host.midi->error_text(code), at);
 }
 
-// Every exchange that wanted an answer ends here, over MIDI as over the bridge.
-static void report_exchange(const u8 *answer, int length)
+// Every exchange that wanted an answer ends here, over MIDI as over the bridge. Whether the S900
+// answered enough is for its driver to say: the head of its dump has no end byte.
+static void report_exchange(const u8 *answer, int length, bool ends = true)
 {
 	if (!failure.empty())
 		line_silent(failure.c_str());
 	else if (length < 1)
 		line_silent("No answer came.");
-	else if (answer[length - 1] != end_byte)
+	else if (ends && answer[length - 1] != end_byte)
 		line_silent("The answer broke off.");
 	else
 		line_answered();
@@ -96,21 +97,26 @@ void close_midi_output()
 		forget_output();
 }
 
-// Open the chosen output unless it is open already.
-static bool open_output()
+int open_midi_output()
 {
 	if (the_outHandle >= 0 && opened_interface != selected_midi_out_interface)
 		forget_output();
 	if (the_outHandle >= 0)
-		return true;
+		return 0;
 	const int code = host.midi->open_output(selected_midi_out_interface, &the_outHandle);
-	if (code) {
+	if (code)
 		the_outHandle = -1;
+	else
+		opened_interface = selected_midi_out_interface;
+	return code;
+}
+
+static bool open_output()
+{
+	const int code = open_midi_output();
+	if (code)
 		port_failed(code);
-		return false;
-	}
-	opened_interface = selected_midi_out_interface;
-	return true;
+	return code == 0;
 }
 
 // Run the interface until the bytes have left, a tenth of a second at most. The port wakes it;
@@ -455,7 +461,7 @@ static void exchange(exchange_form over_midi, const u8 *output, int output_len, 
 	else
 		over_midi(output, output_len, input, _input_len, msg_count);
 	if (answered)
-		report_exchange(input, *_input_len);
+		report_exchange(input, *_input_len, over_midi == exchange_over_midi);
 }
 
 void send_midi_string_ex(

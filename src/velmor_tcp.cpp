@@ -193,4 +193,28 @@ int receive_tcp(u8 *input, int capacity)
 	return count;
 }
 
+void listen_to_tcp()
+{
+	failure.clear();
+	discard_leftovers();
+	receiving = true;
+}
+
+void stop_listening_to_tcp()
+{
+	receiving = false;
+}
+
+int take_tcp(u8 *bytes, int capacity)
+{
+	const long got = use_tcp ? host.net->receive(tcp_socket, bytes,
+					   static_cast<std::size_t>(std::max(capacity, 0)))
+				 : -1;
+	if (got >= 0)
+		return static_cast<int>(got);
+	failure = use_tcp ? host.net->error_text(static_cast<int>(-got))
+			  : "The TCP bridge was switched off.";
+	return -1;
+}
+
 } // namespace velmor

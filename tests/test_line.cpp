@@ -92,6 +92,7 @@ TEST_F(line, the_usb_tells_of_the_loaded_sampler_alone)
 	device.packet_size = 64;
 	device.device_handle = no_usb_handle;
 	auto ask = [&](const char *played, const char *loaded) {
+		forget_unread_usb();
 		h.use_sampler(model_z4, 0, loaded);
 		usb.play(played);
 		const u8 command[] = { 0x04, 0x04 };

@@ -2,6 +2,7 @@
 
 #include "src/akais1000.h"
 #include "src/akais5000.h"
+#include "src/akais900.h"
 #include "src/akaiz4.h"
 #include <cstdlib>
 #include <fstream>
@@ -84,6 +85,9 @@ TEST(model_table, holds_what_each_model_can)
 		EXPECT_TRUE(row.infosample == info && row.uploadsample == upload) << index;
 		EXPECT_TRUE(row.getplaymode == playmode) << index;
 	};
+	expect(1, akai_s900_getstatus, akai_s900_getproglist, akai_s900_getsamplelist,
+		akai_s900_getmultilist, nullptr, akai_s900_download_sample, akai_s900_sample_info,
+		akai_s900_upload_sample, nullptr);
 	expect(2, akai_s1000_getstatus, akai_s1000_getproglist, akai_s1000_getsamplelist,
 		akai_s1000_getmultilist, akai_s1000_sample_rename, akai_s1000_sample_download,
 		akai_s1000_sample_info, akai_s2000_sample_upload, akai_s1000_getplaymode);
@@ -106,6 +110,9 @@ TEST(model_table, holds_what_each_model_can)
 	}
 	// The S900 has no renaming and no deleting over MIDI.
 	const _sampler_type &s900 = sampler_type[1];
+	EXPECT_EQ(s900.saveprogram, akai_s900_save_program);
+	EXPECT_TRUE(s900.assignprog == akai_s900_prog_assign &&
+		    s900.assignprog_callback == akai_s900_prog_assign_callback);
 	EXPECT_FALSE(s900.renamesample || s900.getplaymode || s900.deleteprogram ||
 		     s900.renameprogram || s900.del_keygroup);
 }

@@ -26,7 +26,7 @@ template <std::size_t count> consteval bool asks(const row (&rows)[count])
 constexpr auto low = field_of<&_keygroup::low_note>;
 constexpr auto high = field_of<&_keygroup::high_note>;
 constexpr auto zone_name = field_of<&_keyzone::samplename>;
-constexpr conversion as_wide = { .name = "five bytes", .width = 5 };
+constexpr conversion as_wide = { .name = "five bytes", .width = 9 };
 
 static_assert(sound({ { { 0 }, low, &as_word, 1 }, { { 2 }, high, &as_byte, 1 } }));
 static_assert(sound({ { { 7 }, low, &as_byte, 1 } }) && !sound({ { { 7 }, low, &as_word, 1 } }));

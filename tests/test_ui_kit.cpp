@@ -352,6 +352,15 @@ TEST_F(kit, a_role_colours_a_text_and_marks_the_foot)
 	EXPECT_EQ(kinds.size(), 3);
 }
 
+TEST_F(kit, long_words_at_the_foot_are_cut_and_make_no_window_wider)
+{
+	host.ui->show(window_multis, 0, true);
+	const int width = at(window_multis, 0)->minimumSizeHint().width();
+	for (const int control : { status_line, status_outcome })
+		host.ui->set_text(window_multis, control, std::string(300, 'w').c_str());
+	EXPECT_EQ(at(window_multis, 0)->minimumSizeHint().width(), width);
+}
+
 TEST_F(kit, the_focus_comes_back_after_work_or_goes_where_it_was_sent_meanwhile)
 {
 	host.ui->show(window_samples, 0, true);

@@ -28,7 +28,7 @@ struct way_row {
 // clang-format off
 static constexpr way_row ways[] = {
 	{ menu_midi_samplers, icon::midi, "A sampler on MIDI",
-	  "S1000 to S3200, with MIDI IN and MIDI OUT both connected to this computer. You name the model and the exclusive channel that its own MIDI page shows.",
+	  "S900 to S3200, with MIDI IN and MIDI OUT both connected to this computer. You name the model and the exclusive channel that its own MIDI page shows.",
 	  { "OUT to IN", "IN from OUT" } },
 	{ menu_usb_samplers, icon::usb, "A sampler on USB",
 	  "S5000, S6000, Z4, Z8 or MPC 4000 on a USB cable. Switch it on; it is found by itself, and its name and version are read.",

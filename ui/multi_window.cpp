@@ -26,7 +26,7 @@ void create_multi_window(QWidget *owner)
 	window->content->addLayout(buttons);
 	list->setFocus();
 	window->finish();
-	window->open_at({ 420, 440 });
+	window->open_at({ 500, 440 });
 }
 
 } // namespace velmor

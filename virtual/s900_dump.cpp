@@ -144,7 +144,7 @@ bytes s900_machine::go_on()
 bytes s900_machine::part(std::size_t at, byte_view fresh)
 {
 	if (at == 0)
-		receiving.emplace();
+		receiving = dump_in{};
 	if (!receiving)
 		return {};
 	receiving->spoiled |= early(deaf_until);

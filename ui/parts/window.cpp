@@ -57,7 +57,11 @@ static QWidget *make_status_line(top_window *window)
 	auto *row = new QHBoxLayout(foot);
 	row->setContentsMargins(margin_side, 0, margin_side, 0);
 	row->setSpacing(between_panels);
-	row->addWidget(make_told(window, status_line, "Connection", foot));
+	// Neither makes the window wider: nothing jumps when the words change.
+	told_label *connection = make_told(window, status_line, "Connection", foot);
+	connection->set_cut();
+	connection->setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Preferred);
+	row->addWidget(connection);
 	told_label *outcome = make_told(window, status_outcome, "Last outcome", foot);
 	outcome->set_cut();
 	row->addWidget(outcome, 1);

@@ -7,6 +7,8 @@
 #include "ui/qt_ui.h"
 #include "platform/host.h"
 #include "src/velmor_window.h"
+#include "ui/envelope_view.h"
+#include "ui/key_map.h"
 #include "ui/parts/entry_list.h"
 #include "ui/parts/form_view.h"
 #include "ui/parts/palette.h"
@@ -28,6 +30,7 @@
 #include <QPointer>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QTabBar>
 #include <QTimer>
 #include <atomic>
 #include <clocale>
@@ -45,6 +48,13 @@ static top_window *find_window(int window)
 
 // ---- Controls ---------------------------------------------------------------------------------
 
+static void say_in(int window, int control, told_label *label, const QString &words)
+{
+	label->say(words);
+	if (window == window_programs && control == programs_unsent)
+		show_unsent(words);
+}
+
 static void set_text(int window, int control, const char *text)
 {
 	if (not_made_yet(window))
@@ -55,7 +65,7 @@ static void set_text(int window, int control, const char *text)
 	if (window == window_main && control == main_log)
 		set_log_text(text);
 	else if (auto *label = dynamic_cast<told_label *>(object))
-		label->say(QString::fromUtf8(text));
+		say_in(window, control, label, QString::fromUtf8(text));
 	else if (auto *field = qobject_cast<QLineEdit *>(object))
 		field->setText(QString::fromUtf8(text));
 	else if (auto *button = qobject_cast<QPushButton *>(object))
@@ -95,7 +105,11 @@ static void fill_list(int window, int control, const std::vector<QStringList> &r
 		box->clear();
 		for (const QStringList &row : rows)
 			box->addItem(row.value(0));
+		mark_missing(box);
 		box->setCurrentIndex(-1);
+	} else if (auto *tabs = qobject_cast<QTabBar *>(object)) {
+		for (int i = 0; i < tabs->count() && i < static_cast<int>(rows.size()); i++)
+			tabs->setTabText(i, rows[static_cast<std::size_t>(i)].value(0));
 	}
 }
 
@@ -139,6 +153,10 @@ static void select_entry(int window, int control, int index)
 		list->choose(index);
 	} else if (auto *box = qobject_cast<QComboBox *>(object)) {
 		box->setCurrentIndex(index);
+	} else if (auto *tabs = qobject_cast<QTabBar *>(object)) {
+		const QSignalBlocker quiet(tabs);
+		tabs->setCurrentIndex(index);
+		show_program_tab(index);
 	}
 }
 
@@ -147,6 +165,8 @@ static int selection(int window, int control)
 	QObject *object = find_control(window, control);
 	if (auto *list = dynamic_cast<entry_list *>(object))
 		return list->chosen();
+	if (auto *tabs = qobject_cast<QTabBar *>(object))
+		return tabs->currentIndex();
 	auto *box = qobject_cast<QComboBox *>(object);
 	return box ? box->currentIndex() : -1;
 }
@@ -239,6 +259,18 @@ static void set_waveform(int window, int control, const waveform_view *view)
 {
 	if (auto *picture = dynamic_cast<waveform_widget *>(find_control(window, control)))
 		picture->show_view(view);
+}
+
+static void set_key_map(int window, int control, const key_map_view *view)
+{
+	if (auto *map = dynamic_cast<key_map *>(find_control(window, control)))
+		map->show_view(view);
+}
+
+static void set_envelope(int window, int control, const envelope_view *view)
+{
+	if (auto *curve = dynamic_cast<envelope_curve *>(find_control(window, control)))
+		curve->show_view(view);
 }
 
 // ---- Forms --------------------------------------------------------------------------------------
@@ -486,8 +518,8 @@ const ui_service qt_ui = {
 	.focus         = focus_control,
 	.set_bitmap    = set_bitmap,
 	.set_waveform  = set_waveform,
-	.set_key_map   = [](int, int, const key_map_view *) {},
-	.set_envelope  = [](int, int, const envelope_view *) {},
+	.set_key_map   = set_key_map,
+	.set_envelope  = set_envelope,
 	.build_form    = build_form,
 	.set_row_value = set_row_value,
 	.row_value     = row_value,

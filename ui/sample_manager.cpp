@@ -14,7 +14,6 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
-#include <QScrollArea>
 #include <QToolButton>
 
 namespace velmor
@@ -268,23 +267,6 @@ static QWidget *make_import(top_window *window)
 	column->addWidget(preview);
 	column->addLayout(make_work_line(window));
 	return box;
-}
-
-// A small screen scrolls the window's content instead of losing its lower half.
-static QBoxLayout *scrolled_column(top_window *window)
-{
-	window->content->setContentsMargins(0, 0, 0, 0);
-	auto *area = new QScrollArea(window);
-	area->setFrameShape(QFrame::NoFrame);
-	area->setFocusPolicy(Qt::NoFocus);
-	area->setWidgetResizable(true);
-	auto *content = new QWidget(area);
-	area->setWidget(content);
-	window->content->addWidget(area);
-	auto *column = new QVBoxLayout(content);
-	column->setContentsMargins(margin_side, margin_above, margin_side, margin_above);
-	column->setSpacing(12);
-	return column;
 }
 
 void create_sample_manager(QWidget *owner)

@@ -1,6 +1,7 @@
 // form_view.cpp - a form made of rows that are known only when it is shown
 
 #include "ui/parts/form_view.h"
+#include "src/velmor_forms.h"
 #include "src/velmor_window.h"
 #include "ui/parts/parts.h"
 #include "ui/parts/style.h"
@@ -10,21 +11,24 @@
 #include <QButtonGroup>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QContextMenuEvent>
 #include <QGridLayout>
 #include <QLineEdit>
+#include <QMenu>
 #include <QRadioButton>
 #include <QSignalBlocker>
 #include <QSlider>
 #include <algorithm>
 #include <cstdlib>
+#include <initializer_list>
 
 namespace velmor
 {
 
 static constexpr int field_characters = 32;
-static constexpr int field_width = 56, bar_width = 120;
+static constexpr int field_width = 56, bar_width = 60, least_width = 280;
 
-// The columns of the grid.
+// The columns of the grid; of a wide form, twice.
 enum : int {
 	column_dot,
 	column_label,
@@ -33,6 +37,7 @@ enum : int {
 	column_unit,
 	columns,
 };
+static constexpr int two_columns_from = 560; // pixels
 
 form_view::form_view(top_window *window, int control)
 	: QWidget(window), window_id(window->id), control_id(control)
@@ -156,7 +161,7 @@ QWidget *form_view::make_value(line *made, const form_row &row, int place, const
 	return widget;
 }
 
-void form_view::add_line(QGridLayout *grid, const form_row &row, int place, const QString &group)
+void form_view::add_line(const form_row &row, int place, const QString &group)
 {
 	line made;
 	const QString label = words_of(row.label);
@@ -167,15 +172,15 @@ void form_view::add_line(QGridLayout *grid, const form_row &row, int place, cons
 		made.label = new told_label(rows_shown);
 		made.label->say(label);
 		made.label->setMinimumHeight(form_row_height);
-		grid->addWidget(made.label, place, column_label);
+		put(made.label, place, column_label);
 	}
 	if (row.kind == row_kind::slider)
-		grid->addWidget(make_bar(&made, row, place, name), place, column_bar);
+		put(make_bar(&made, row, place, name), place, column_bar);
 	else if (row.kind != row_kind::number)
-		grid->addWidget(make_value(&made, row, place, name), place, column_bar, 1, 2);
+		put(make_value(&made, row, place, name), place, column_bar, 2);
 	if (row.kind == row_kind::slider || row.kind == row_kind::number) {
 		made.field = make_field(row, place, name);
-		grid->addWidget(made.field, place, column_field);
+		put(made.field, place, column_field);
 		if (made.label)
 			made.label->setBuddy(made.field);
 	}
@@ -183,16 +188,39 @@ void form_view::add_line(QGridLayout *grid, const form_row &row, int place, cons
 		auto *unit = new told_label(rows_shown);
 		unit->set_role(text_role::quiet);
 		unit->say(QString::fromUtf8(row.unit.c_str()));
-		grid->addWidget(unit, place, column_unit);
+		put(unit, place, column_unit);
 	}
+	for (QWidget *each : std::initializer_list<QWidget *>{
+		     made.label, made.bar, made.field, made.choice, made.check })
+		if (each)
+			watch(each, place);
+	for (QWidget *each : std::initializer_list<QWidget *>{ made.bar, made.choice })
+		if (each)
+			each->setFocusPolicy(Qt::StrongFocus);
 	lines.push_back(made);
 	if (row.why_not.empty())
 		return;
-	for (int column = column_bar; column <= column_field; column++)
-		if (QLayoutItem *item = grid->itemAtPosition(place, column)) {
-			item->widget()->setEnabled(row.kind == row_kind::reading);
-			item->widget()->setToolTip(QString::fromUtf8(row.why_not.c_str()));
+	for (const cell &c : cells)
+		if (c.row == place && (c.column == column_bar || c.column == column_field)) {
+			c.widget->setEnabled(row.kind == row_kind::reading);
+			c.widget->setToolTip(QString::fromUtf8(row.why_not.c_str()));
 		}
+}
+
+// Words over the rows below, with a hairline behind them.
+static QWidget *make_heading(const QString &words, QWidget *parent)
+{
+	auto *all = new QWidget(parent);
+	auto *row = new QHBoxLayout(all);
+	row->setContentsMargins(0, 0, 0, 0);
+	row->addWidget(make_title(words, 1.1, true, all));
+	row->addWidget(make_line(all), 1);
+	return all;
+}
+
+void form_view::put(QWidget *widget, int row, int column, int span)
+{
+	cells.push_back({ widget, row, column, span });
 }
 
 // The rows of a form are made on a widget that is not shown yet, so that nothing is laid out
@@ -201,30 +229,193 @@ void form_view::build(std::span<const form_row> rows)
 {
 	delete rows_shown;
 	lines.clear();
+	cells.clear();
+	heads.clear();
 	rows_shown = new QWidget;
-	auto *grid = new QGridLayout(rows_shown);
-	grid->setContentsMargins(0, 0, 0, 0);
-	grid->setVerticalSpacing(0);
-	grid->setColumnMinimumWidth(column_dot, 12);
-	grid->setColumnStretch(column_bar, 1);
 	QString group;
 	for (std::size_t i = 0; i < rows.size(); i++) {
 		const int place = static_cast<int>(i);
 		if (rows[i].kind == row_kind::heading) {
 			group = words_of(rows[i].label);
-			grid->addWidget(make_title(group, 1.1, true, rows_shown), place, column_dot,
-				1, columns);
-			grid->setRowMinimumHeight(place, form_row_height);
+			put(make_heading(group, rows_shown), place, column_dot, columns);
+			heads.push_back(place);
 			lines.emplace_back();
 			continue;
 		}
-		add_line(grid, rows[i], place, group);
-		if (rows[i].changed)
-			set_changed(place, true);
+		add_line(rows[i], place, group);
 	}
-	grid->setRowStretch(static_cast<int>(rows.size()), 1);
+	arrange();
+	for (std::size_t i = 0; i < rows.size(); i++)
+		if (rows[i].changed)
+			set_changed(static_cast<int>(i), true);
 	layout()->addWidget(rows_shown);
 	rows_shown->show();
+}
+
+// The first row of the second half of a wide form: the group that makes both most alike.
+int form_view::second_half() const
+{
+	const int count = static_cast<int>(lines.size());
+	int found = count;
+	for (const int head : heads)
+		if (head > 0 && std::max(head, count - head) < std::max(found, count - found))
+			found = head;
+	return found;
+}
+
+// From anew, as another width may want other columns.
+void form_view::arrange()
+{
+	delete rows_shown->layout();
+	auto *grid = new QGridLayout(rows_shown);
+	grid->setContentsMargins(0, 0, 0, 0);
+	grid->setVerticalSpacing(0);
+	grid->setHorizontalSpacing(4);
+	shown_wide = width() >= two_columns_from;
+	split = shown_wide ? second_half() : static_cast<int>(lines.size());
+	const bool halves = split < static_cast<int>(lines.size());
+	for (int first = 0; first <= (halves ? columns + 1 : 0); first += columns + 1) {
+		grid->setColumnMinimumWidth(first + column_dot, 12);
+		grid->setColumnStretch(first + column_bar, 1);
+	}
+	if (halves)
+		grid->setColumnMinimumWidth(columns, between_controls);
+	for (const cell &c : cells)
+		place_cell(grid, c);
+	for (int row = 0; row < std::max(split, static_cast<int>(lines.size()) - split); row++)
+		grid->setRowMinimumHeight(row, form_row_height);
+	grid->setRowStretch(static_cast<int>(lines.size()), 1);
+}
+
+void form_view::place_cell(QGridLayout *grid, const cell &c)
+{
+	const bool second = c.row >= split;
+	grid->addWidget(c.widget, second ? c.row - split : c.row,
+		c.column + (second ? columns + 1 : 0), 1, c.span,
+		c.column == column_dot && c.span == 1 ? Qt::AlignCenter : Qt::Alignment());
+}
+
+void form_view::resizeEvent(QResizeEvent *event)
+{
+	if (rows_shown && shown_wide != (width() >= two_columns_from))
+		arrange();
+	QWidget::resizeEvent(event);
+}
+
+// Narrow enough to give up the second half.
+QSize form_view::minimumSizeHint() const
+{
+	const QSize all = QWidget::minimumSizeHint();
+	return { std::min(all.width(), least_width), all.height() };
+}
+
+// ---- Steps, and putting back ------------------------------------------------------------------
+
+void form_view::watch(QWidget *widget, int place)
+{
+	widget->setProperty("row", place);
+	widget->installEventFilter(this);
+}
+
+// A bar tells of it as of a key; a number alone as if it was typed.
+void form_view::step(int row, int by)
+{
+	const line *l = find(row);
+	if (l && l->bar)
+		return l->bar->setValue(l->bar->value() + by);
+	bool is_number = false;
+	const int before = l && l->field ? l->field->text().toInt(&is_number) : 0;
+	if (!is_number)
+		return;
+	l->field->setText(QString::number(before + by));
+	tell(row, form_event::edit, before + by);
+}
+
+static int step_of(const QInputEvent *event)
+{
+	return event->modifiers() & Qt::ShiftModifier ? 10 : 1;
+}
+
+// A form is no dialog: Enter in a field ends nothing.
+bool form_view::take_key(int row, QObject *watched, QKeyEvent *event)
+{
+	const int key = event->key();
+	if (!qobject_cast<QSlider *>(watched) && !qobject_cast<QLineEdit *>(watched))
+		return false;
+	if (key == Qt::Key_Return || key == Qt::Key_Enter)
+		return true;
+	const bool bar = qobject_cast<QSlider *>(watched) != nullptr;
+	if (key == Qt::Key_Up || (bar && key == Qt::Key_Right))
+		step(row, step_of(event));
+	else if (key == Qt::Key_Down || (bar && key == Qt::Key_Left))
+		step(row, -step_of(event));
+	else if (key == Qt::Key_PageUp || key == Qt::Key_PageDown)
+		step(row, key == Qt::Key_PageUp ? 10 : -10);
+	else
+		return false;
+	return true;
+}
+
+// Only of what has the focus: a form that is scrolled must not change what passes under the
+// mouse. With Shift some systems turn the wheel across.
+bool form_view::take_wheel(int row, QWidget *watched, QWheelEvent *event)
+{
+	if (!watched->hasFocus()) {
+		event->ignore();
+		return true;
+	}
+	if (qobject_cast<QComboBox *>(watched))
+		return false;
+	const QPoint turned = event->angleDelta();
+	wheel_turned += turned.y() ? turned.y() : turned.x();
+	const int steps = wheel_turned / QWheelEvent::DefaultDeltasPerStep;
+	wheel_turned %= QWheelEvent::DefaultDeltasPerStep;
+	if (steps)
+		step(row, steps * step_of(event));
+	return true;
+}
+
+void form_view::offer_put_back(int row, const QPoint &where)
+{
+	const std::string words = put_back_words(window_id, control_id, row);
+	if (words.empty())
+		return;
+	QMenu menu(this);
+	QAction *entry = menu.addAction(make_icon(icon::undo), QString::fromUtf8(words.c_str()));
+	if (menu.exec(where) == entry)
+		tell(row, form_event::put_back, 0);
+}
+
+bool form_view::eventFilter(QObject *watched, QEvent *event)
+{
+	auto *widget = qobject_cast<QWidget *>(watched);
+	const int row = watched->property("row").toInt();
+	switch (event->type()) {
+	case QEvent::MouseButtonDblClick:
+		if (qobject_cast<QLabel *>(widget))
+			tell(row, form_event::put_back, 0);
+		return false;
+	case QEvent::ContextMenu:
+		// A field has a menu of its own for its text.
+		if (qobject_cast<QLineEdit *>(widget))
+			return false;
+		offer_put_back(row, static_cast<QContextMenuEvent *>(event)->globalPos());
+		return true;
+	case QEvent::ShortcutOverride: {
+		// Undo is of edits, not of the letters in a field.
+		auto *key = static_cast<QKeyEvent *>(event);
+		if (!key->matches(QKeySequence::Undo) && !key->matches(QKeySequence::Redo))
+			return false;
+		event->ignore();
+		return true;
+	}
+	case QEvent::KeyPress:
+		return take_key(row, watched, static_cast<QKeyEvent *>(event));
+	case QEvent::Wheel:
+		return take_wheel(row, widget, static_cast<QWheelEvent *>(event));
+	default:
+		return false;
+	}
 }
 
 // ---- Values -----------------------------------------------------------------------------------
@@ -307,8 +498,8 @@ void form_view::set_changed(int row, bool changed)
 	line &shown = lines[static_cast<std::size_t>(row)];
 	if (changed && !shown.dot) {
 		shown.dot = new icon_label(icon::dot, 8, QPalette::Link, rows_shown);
-		static_cast<QGridLayout *>(rows_shown->layout())
-			->addWidget(shown.dot, row, column_dot, Qt::AlignCenter);
+		put(shown.dot, row, column_dot);
+		place_cell(static_cast<QGridLayout *>(rows_shown->layout()), cells.back());
 	}
 	if (shown.dot)
 		shown.dot->setVisible(changed);

@@ -11,8 +11,10 @@
 class QButtonGroup;
 class QComboBox;
 class QGridLayout;
+class QKeyEvent;
 class QLineEdit;
 class QSlider;
+class QWheelEvent;
 
 namespace velmor
 {
@@ -30,7 +32,12 @@ public:
 	int value(int row) const;
 	void set_text(int row, const QString &text);
 	QString text(int row) const;
+	QSize minimumSizeHint() const override;
 	void set_changed(int row, bool changed);
+
+protected:
+	bool eventFilter(QObject *watched, QEvent *event) override;
+	void resizeEvent(QResizeEvent *event) override;
 
 private:
 	struct line {
@@ -48,13 +55,32 @@ private:
 	QWidget *make_bar(line *made, const form_row &row, int place, const QString &name);
 	QWidget *make_choice(line *made, const form_row &row, int place);
 	QWidget *make_radio(line *made, const form_row &row, int place, const QString &name);
-	void add_line(QGridLayout *grid, const form_row &row, int place, const QString &group);
+	void add_line(const form_row &row, int place, const QString &group);
+	// Where a widget stands: in the row of the form, and in the column of its half.
+	struct cell {
+		QWidget *widget;
+		int row, column, span;
+	};
+	void put(QWidget *widget, int row, int column, int span = 1);
+	void arrange();
+	void place_cell(QGridLayout *grid, const cell &c);
+	int second_half() const;
+	void watch(QWidget *widget, int place);
+	void step(int row, int by);
+	bool take_key(int row, QObject *watched, QKeyEvent *event);
+	bool take_wheel(int row, QWidget *watched, QWheelEvent *event);
+	void offer_put_back(int row, const QPoint &where);
 	void tell(int row, form_event event, int value) const;
 	const line *find(int row) const;
 
 	const int window_id, control_id;
 	std::vector<line> lines;
 	QWidget *rows_shown = nullptr;
+	std::vector<cell> cells;
+	std::vector<int> heads; // rows that are headings
+	bool shown_wide = false;
+	int split = 0;        // the first row of the second half
+	int wheel_turned = 0; // not yet a step
 };
 
 } // namespace velmor

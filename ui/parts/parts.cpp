@@ -11,6 +11,7 @@
 #include <QAction>
 #include <QBoxLayout>
 #include <QButtonGroup>
+#include <QCheckBox>
 #include <QComboBox>
 #include <QFormLayout>
 #include <QGroupBox>
@@ -19,6 +20,7 @@
 #include <QPointer>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QScrollArea>
 #include <QToolButton>
 #include <algorithm>
 #include <map>
@@ -47,6 +49,7 @@ struct dialog_maker {
 
 static constexpr dialog_maker dialogs[] = {
 	{ window_samples, create_sample_manager },
+	{ window_programs, create_program_manager },
 	{ window_settings, create_settings_dialog },
 	{ window_sampler, create_sampler_dialog },
 	{ window_usb, create_usb_dialog },
@@ -257,6 +260,17 @@ QRadioButton *make_option(top_window *window, int control, QButtonGroup *group)
 	return option;
 }
 
+// A box that says something of itself need not be told: what it lets through asks for it.
+QCheckBox *make_check(top_window *window, int control)
+{
+	const int id = window->id;
+	auto *box = new QCheckBox(caption_of(id, control), window);
+	enroll(id, control, box);
+	QObject::connect(
+		box, &QCheckBox::clicked, box, [id, control] { velmor_selection(id, control); });
+	return box;
+}
+
 QWidget *make_options(
 	top_window *window, const QString &title, std::initializer_list<int> ids, int columns)
 {
@@ -324,6 +338,22 @@ QLayout *make_heading(top_window *window, int list, int told, icon picture, QPus
 	// The same height with a button and without.
 	row->addStrut(button_height);
 	return row;
+}
+
+QBoxLayout *scrolled_column(top_window *window)
+{
+	window->content->setContentsMargins(0, 0, 0, 0);
+	auto *area = new QScrollArea(window);
+	area->setFrameShape(QFrame::NoFrame);
+	area->setFocusPolicy(Qt::NoFocus);
+	area->setWidgetResizable(true);
+	auto *content = new QWidget(area);
+	area->setWidget(content);
+	window->content->addWidget(area);
+	auto *column = new QVBoxLayout(content);
+	column->setContentsMargins(margin_side, margin_above, margin_side, margin_above);
+	column->setSpacing(12);
+	return column;
 }
 
 void add_row(QFormLayout *form, int window, int control, QWidget *field)

@@ -15,6 +15,7 @@
 
 class QBoxLayout;
 class QButtonGroup;
+class QCheckBox;
 class QComboBox;
 class QFormLayout;
 class QLayout;
@@ -52,6 +53,7 @@ QRadioButton *make_option(top_window *window, int control, QButtonGroup *group);
 // A group of exclusive options, the first of them chosen.
 QWidget *make_options(
 	top_window *window, const QString &title, std::initializer_list<int> controls, int columns);
+QCheckBox *make_check(top_window *window, int control);
 pixel_picture *make_picture(top_window *window, int control);
 // Shows and hides a part of the window.
 QToolButton *make_fold(QWidget *part, const QString &name, bool open, QWidget *parent);
@@ -59,6 +61,9 @@ QToolButton *make_fold(QWidget *part, const QString &name, bool open, QWidget *p
 // Above a list: its name, what its heading tells, and a button at the right, or null.
 QLayout *make_heading(
 	top_window *window, int list, int told, icon picture, QPushButton *button = nullptr);
+
+// A small screen scrolls the window's content instead of losing its lower half.
+QBoxLayout *scrolled_column(top_window *window);
 
 // Add a row whose label is the control's caption.
 void add_row(QFormLayout *form, int window, int control, QWidget *field);
@@ -79,6 +84,14 @@ void create_usb_dialog(QWidget *owner);
 void create_multi_window(QWidget *owner);
 void create_progress_window(QWidget *owner);
 void create_sample_manager(QWidget *owner);
+void create_program_manager(QWidget *owner);
+
+// What waits to be sent is told beside the tabs, and fills the button that sends it.
+void show_unsent(const QString &words);
+// The page of a tab of the program manager.
+void show_program_tab(int tab);
+// Choices that name what the sampler does not hold are in the colour of what failed.
+void mark_missing(QComboBox *box);
 
 // True while the list of samplers is empty: the main window says how to begin.
 void show_samplers_wanted(bool wanted);

@@ -32,7 +32,7 @@ static QBoxLayout *make_content(QWidget *window)
 
 top_window::top_window(int window, int close, QWidget *owner)
 	: QWidget(owner, owner ? Qt::Dialog : Qt::Window), id(window), close_command(close),
-	  content(make_content(this))
+	  enter_command(control_ok), content(make_content(this))
 {
 	enroll(window, 0, this);
 	setWindowTitle(caption_of(window, 0));
@@ -153,7 +153,7 @@ void top_window::keyPressEvent(QKeyEvent *event)
 	if (event->matches(QKeySequence::Cancel) && close_command == control_cancel)
 		velmor_command(id, close_command);
 	else if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
-		velmor_command(id, control_ok);
+		velmor_command(id, enter_command);
 	else
 		QWidget::keyPressEvent(event);
 }

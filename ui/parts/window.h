@@ -14,6 +14,7 @@ class top_window : public QWidget
 {
 public:
 	const int id, close_command;
+	int enter_command;         // what Enter does where the focus takes none
 	QBoxLayout *const content; // a column with the margins of a window
 
 	// Enrolled as control 0, titled by its caption.

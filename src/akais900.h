@@ -193,8 +193,5 @@ void akai_s900_upload_sample(const char *path);
 // The record is that of the loaded list at the index; the second argument is not used.
 void akai_s900_save_program(i32 program, _program *source);
 // This model has no form for a whole program.
-void akai_s900_prog_assign(int window, i32 pgm_index, i32 kg_index, i32 kz_index);
-void akai_s900_prog_assign_callback(int window, i32 pgm_index, i32 kg_index, i32 kz_index,
-	unsigned message, std::uintptr_t first, std::intptr_t second);
 
 } // namespace velmor

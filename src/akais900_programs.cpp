@@ -152,8 +152,4 @@ void akai_s900_save_program(i32 program, _program *)
 	tell_akai(message);
 }
 
-void akai_s900_prog_assign(int, i32, i32, i32) {}
-
-void akai_s900_prog_assign_callback(int, i32, i32, i32, unsigned, std::uintptr_t, std::intptr_t) {}
-
 } // namespace velmor

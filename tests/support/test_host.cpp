@@ -24,11 +24,11 @@ test_host *the_test_host = nullptr;
 
 // ---- Limits -------------------------------------------------------------------------------
 
-// AddressSanitizer asks for this by name.
+// AddressSanitizer asks for this by name. Short histories of blocks save a fifth of the time.
 extern "C" const char *__asan_default_options();
 extern "C" const char *__asan_default_options()
 {
-	return "hard_rss_limit_mb=2500:max_allocation_size_mb=1000";
+	return "hard_rss_limit_mb=2500:max_allocation_size_mb=1000:malloc_context_size=6";
 }
 
 struct host_meter {

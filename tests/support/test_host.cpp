@@ -360,9 +360,7 @@ static void forget_everything()
 	tcp_port = 9999;
 }
 
-// Files that are replaced all the time are kept in memory where there is room: a disk makes each
-// one wait for the one before it.
-static std::string new_scratch_folder()
+std::string new_scratch_folder()
 {
 	std::error_code none;
 	const bool room = std::filesystem::space("/dev/shm", none).available > 500u << 20;

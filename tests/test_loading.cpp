@@ -68,9 +68,9 @@ TEST_F(loading, a_configuration_fills_the_dialog_and_shows_the_buttons_of_its_mo
 	EXPECT_EQ(h.progress.caption, "Loading Sampler...");
 	EXPECT_EQ(h.progress.infos, (std::vector<std::string>{ "10.00 %", "20.00 %", "100.00 %" }));
 	EXPECT_FALSE(h.progress.visible);
-	EXPECT_TRUE(h.logged("[D] LOADING SAMPLER-CONFIG from: [" + path("rack") + "]"));
-	EXPECT_TRUE(h.logged("[I]Successfully loaded sampler configuration from [" + path("rack") +
-			     "] - SYSEX: 128, USB-NAME: []"));
+	expect_logged({ "[D] LOADING SAMPLER-CONFIG from: [" + path("rack") + "]",
+		"[I]Successfully loaded sampler configuration from [" + path("rack") +
+			"] - SYSEX: 128, USB-NAME: []" });
 }
 
 TEST_F(loading, a_model_without_multis_hides_their_button)
@@ -218,8 +218,8 @@ TEST_F(loading, saving_writes_the_whole_record)
 	EXPECT_EQ(save_sampler(), 0);
 	EXPECT_EQ(h.content(path("my %s 100%n")), sampler_file("my %s 100%n", 1005, 2, 16, 128));
 	EXPECT_TRUE(h.boxes.empty());
-	EXPECT_TRUE(h.logged("SAMPLER-CONFIG: [" + path("my %s 100%n") + "]"));
-	EXPECT_TRUE(h.logged("[D]Saving SYSEX-CHANNEL: 128"));
+	expect_logged({ "SAMPLER-CONFIG: [" + path("my %s 100%n") + "]",
+		"[D]Saving SYSEX-CHANNEL: 128" });
 	EXPECT_EQ(conf_sampler, std::vector<std::string>{ "my %s 100%n" });
 	ASSERT_TRUE(current_sampler);
 	EXPECT_EQ(current_sampler->sampler_type, 1005u);
@@ -317,9 +317,8 @@ TEST_F(loading, device_info_asks_the_model_of_the_dialog)
 	copy_text(current_usb_name, "old");
 	get_device_info(4, 1234, 9, result, &limit);
 	EXPECT_STREQ(current_usb_name, "");
-	EXPECT_TRUE(
-		h.logged("[D] REQUESTING MIDI-DATA AT CHANNEL: 4,MAXLEN: 1024, BRAND_ID: 1234"));
-	EXPECT_TRUE(h.logged("No sampler-description found, or no status-query"));
+	expect_logged({ "[D] REQUESTING MIDI-DATA AT CHANNEL: 4,MAXLEN: 1024, BRAND_ID: 1234",
+		"No sampler-description found, or no status-query" });
 	get_device_info(4, 0, 9, result, &limit);
 	EXPECT_TRUE(h.logged("No sampler-description found for 'getstatus'"));
 

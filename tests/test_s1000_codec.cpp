@@ -64,8 +64,8 @@ TEST_F(codec, numbers_go_low_part_first)
 {
 	EXPECT_EQ(get_akai8_word({ hex("34 12") }), 0x1234u);
 	EXPECT_EQ(get_akai8_dword({ hex("78 56 34 F2") }), 0xF2345678u);
-	EXPECT_TRUE(h.logged("[D] ############# Decoding: [0x34,0x12] --> 4660"));
-	EXPECT_TRUE(h.logged("[D] ############# Decoding: [0x78,0x56,0x34,0xF2] --> 4063516280"));
+	expect_logged({ "[D] ############# Decoding: [0x34,0x12] --> 4660",
+		"[D] ############# Decoding: [0x78,0x56,0x34,0xF2] --> 4063516280" });
 	EXPECT_EQ(get_akai8_dword({ hex("78 56") }), 0x5678u) << "what never came is zero";
 	struct {
 		void (*put)(u32 value, u8 *p);

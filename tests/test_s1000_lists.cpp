@@ -39,15 +39,6 @@ std::string said(std::initializer_list<std::pair<std::string, std::string>> exch
 }
 constexpr char refused[] = "16 48 01";
 
-// A block as it travels: two bytes of nibbles for each of its bytes.
-std::string nibbles(std::string_view block)
-{
-	std::string text;
-	for (u8 byte : hex(block))
-		text += format_text(" %02X %02X", byte & 0x0F, byte >> 4);
-	return text;
-}
-
 // ---- Status ------------------------------------------------------------------------------
 
 constexpr char status_answer[] = "< F0 47 05 01 48 0A 02 00*12 04 F7\n";
@@ -63,11 +54,11 @@ TEST_F(lists, a_status_is_logged_by_the_s2000_alone)
 	for (const std::string &line : h.log())
 		EXPECT_EQ(line.find("Requested Akai S1000"), line.npos);
 	play(std::string("> F0 47 05 00 48 F7\n") + status_answer, akai_s2000_getstatus);
-	EXPECT_TRUE(h.logged("[D] Requesting Akai S2000 Status on Exclusive Channel: 1 "
-			     "[SYSEX-CHANNEL: 5] [F0 47 05 00 48 F7]"));
-	EXPECT_TRUE(h.logged("Requested Akai S2000 Status on Exclusive Channel: 1 "
-			     "[SYSEX-CHANNEL: 5] --> 21 Bytes [F0 47 05 01 48 0A 02 00 00 00 00 00 "
-			     "00 00 00 00 00 00 00 04 F7]"));
+	expect_logged({ "[D] Requesting Akai S2000 Status on Exclusive Channel: 1 "
+			"[SYSEX-CHANNEL: 5] [F0 47 05 00 48 F7]",
+		"Requested Akai S2000 Status on Exclusive Channel: 1 "
+		"[SYSEX-CHANNEL: 5] --> 21 Bytes [F0 47 05 01 48 0A 02 00 00 00 00 00 "
+		"00 00 00 00 00 00 00 04 F7]" });
 }
 
 TEST_F(lists, a_status_counts_by_length_or_by_function)

@@ -9,14 +9,6 @@ namespace velmor
 namespace
 {
 
-std::string nibbles(std::string_view block)
-{
-	std::string text;
-	for (u8 byte : hex(block))
-		text += format_text("%02X %02X ", byte & 0x0F, byte >> 4);
-	return text;
-}
-
 // A header of 150 bytes: KICK, 44100 Hz, pitch 60, NO LOOPING, fine 3, semitone FE, the given
 // length, play from 0 to 80, loop at 70 with a coarse length of 30, time 9999.
 std::string header(std::string_view length, std::string_view name = "15 13 0D 15 0A*8")
@@ -77,11 +69,6 @@ protected:
 	{
 		EXPECT_EQ(h.boxes, (std::vector<shown_box>{ { text, caption } }));
 		h.boxes.clear();
-	}
-	void expect_logged(std::initializer_list<std::string> lines)
-	{
-		for (const std::string &line : lines)
-			EXPECT_TRUE(h.logged(line)) << line;
 	}
 	// A local WAV file of 16 bit mono words at 44100 Hz.
 	void local(const char *name, std::vector<u32> words)

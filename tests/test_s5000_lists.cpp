@@ -3,7 +3,7 @@
 #include "src/akais5000.h"
 #include "src/akaiz4.h"
 #include "tests/support/told.h"
-#include "tests/support/transcript_usb.h"
+#include "tests/support/usb_fixture.h"
 #include <cstring>
 #include <memory>
 #include <numeric>
@@ -23,29 +23,14 @@ const char *const open_s5000 = R"(
 	< F0 47 5E 21 00 00 44 00 01 F7
 )";
 
-class s5000_lists : public host_test
+class s5000_lists : public usb_test
 {
 protected:
-	s5000_lists() : wire(h, 0x5E)
-	{
-		_usbdev entry = {};
-		copy_text(entry.device_path, "usb:1");
-		copy_text(entry.usb_name, "Studio");
-		entry.device_handle = no_usb_handle;
-		entry.pipe_id = 2;
-		entry.packet_size = 64;
-		entry.device_type = model_s5000;
-		usbdev.assign(1, entry);
-		usbdevs = 1;
-		h.use_sampler(model_s5000, 1, "Studio");
-		dev = current_sampler->status;
-	}
+	s5000_lists() : wire(h, 0x5E), dev(load(model_s5000)) { dev->status = 0; }
 	void TearDown() override
 	{
 		EXPECT_EQ(wire.steps_left(), 0);
-		EXPECT_FALSE(usb_in_use());
-		usbdev.clear();
-		usbdevs = 0;
+		usb_test::TearDown();
 	}
 	// A request in its frame, with the sum of its bytes in seven bits, and the data at offset 9
 	// of the answer. 'text' is for its letters.
@@ -99,12 +84,12 @@ TEST_F(s5000_lists, status)
 	EXPECT_STREQ(dev->version, "2.14");
 	EXPECT_STREQ(dev->sampler_name, "Studio");
 	EXPECT_EQ(dev->exclusive_channel, 7);
-	EXPECT_TRUE(h.logged("[D] Requesting Akai S5000 CONFIRMATION OFF on Exclusive Channel: 1 "
-			     "[SYSEX-CHANNEL: 7]"));
-	EXPECT_TRUE(h.logged("[D] Requested Akai S5000 MAJOR OS NUMBER on Exclusive Channel: 1 "
-			     "[SYSEX-CHANNEL: 7]"));
-	EXPECT_TRUE(h.logged("[D] Requested Akai S5000 Name on Exclusive Channel: 1 "
-			     "[SYSEX-CHANNEL: 7][Studio]"));
+	expect_logged({ "[D] Requesting Akai S5000 CONFIRMATION OFF on Exclusive Channel: 1 "
+			"[SYSEX-CHANNEL: 7]",
+		"[D] Requested Akai S5000 MAJOR OS NUMBER on Exclusive Channel: 1 "
+		"[SYSEX-CHANNEL: 7]",
+		"[D] Requested Akai S5000 Name on Exclusive Channel: 1 "
+		"[SYSEX-CHANNEL: 7][Studio]" });
 }
 
 TEST_F(s5000_lists, nothing_works_without_a_status_or_a_device)
@@ -174,8 +159,8 @@ TEST_F(s5000_lists, samples_are_counted_modulo_128)
 	EXPECT_STREQ(dev->sample[0].name, "KICK");
 	EXPECT_STREQ(dev->sample[1].name, "SNARE");
 	EXPECT_STREQ(dev->sample[2].name, "");
-	EXPECT_TRUE(h.logged("[I] USB--> Sample-List-Len: 77 Entries"));
-	EXPECT_TRUE(h.logged("[D] USB--> Sample-List-Len: 25 Bytes"));
+	expect_logged({ "[I] USB--> Sample-List-Len: 77 Entries",
+		"[D] USB--> Sample-List-Len: 25 Bytes" });
 }
 
 TEST_F(s5000_lists, no_programs)
@@ -266,17 +251,16 @@ TEST_F(s5000_lists, one_program_with_two_keygroups)
 		"-12, zone_keyboard_track 1, zone_playback 2, velocity_start -128, zone_mute 4, "
 		"zone_solo 6");
 	EXPECT_STREQ(k.keyzone[1].samplename, "");
-	for (const char *line : { "[D] I: 0, PTR: [PIANO]", "[D] {PIANO} INDEX: 130",
-		     "[D] {PIANO} number of keygroups: 2",
-		     "[D] ------> REQUESTING KEYGROUP(1) BLOCK-DATA (52 Bytes)[1]",
-		     "[D] ------> REQUESTING KEYGROUP(1) BLOCK-DATA (36 Bytes)[2]",
-		     "[D] ------> REQUESTING KEYGROUP(1) BLOCK-DATA (40 Bytes)[3]",
-		     "[D] ------> BLOCK-ANSWER: [24 Bytes] [F0 47 5E 21 00 00 52 00 00 05 02 14 32 "
-		     "63 2D 02 07 02 08 02 09 02 0A F7][3]",
-		     "[D] Selecting Keygroup 2 for [PIANO]",
-		     "[D] Zone(1) Sample: [PIANO C3] VEL-LOW: 64, VEL-HIGH: 127",
-		     "[D] Sampler has loaded 2 Keygroups" })
-		EXPECT_TRUE(h.logged(line)) << line;
+	expect_logged({ "[D] I: 0, PTR: [PIANO]", "[D] {PIANO} INDEX: 130",
+		"[D] {PIANO} number of keygroups: 2",
+		"[D] ------> REQUESTING KEYGROUP(1) BLOCK-DATA (52 Bytes)[1]",
+		"[D] ------> REQUESTING KEYGROUP(1) BLOCK-DATA (36 Bytes)[2]",
+		"[D] ------> REQUESTING KEYGROUP(1) BLOCK-DATA (40 Bytes)[3]",
+		"[D] ------> BLOCK-ANSWER: [24 Bytes] [F0 47 5E 21 00 00 52 00 00 05 02 14 32 "
+		"63 2D 02 07 02 08 02 09 02 0A F7][3]",
+		"[D] Selecting Keygroup 2 for [PIANO]",
+		"[D] Zone(1) Sample: [PIANO C3] VEL-LOW: 64, VEL-HIGH: 127",
+		"[D] Sampler has loaded 2 Keygroups" });
 	EXPECT_FALSE(h.progress.visible);
 }
 

@@ -71,8 +71,8 @@ TEST_F(s5000_samples, information)
 	EXPECT_EQ(s.sample_rate, 44100u);
 	EXPECT_EQ(s.sample_length, 2u) << "seconds, not words";
 	EXPECT_EQ(s.original_pitch, 60);
-	EXPECT_TRUE(h.logged("Retrieving information for sample 'KICK' (Internal INDEX: 0)"));
-	EXPECT_TRUE(h.logged("[D] S5000 Current Sample rate: 44100"));
+	expect_logged({ "Retrieving information for sample 'KICK' (Internal INDEX: 0)",
+		"[D] S5000 Current Sample rate: 44100" });
 	EXPECT_TRUE(h.boxes.empty());
 }
 
@@ -125,16 +125,16 @@ TEST_F(s5000_samples, renaming_and_deleting)
 	play(std::string(select_kick) + "\n < F0 47 5E 20 00 00 45 0E 05 F7");
 	ask("10 0C 00 F0 47 5E 20 00 00 0E 09 'I' 00 60 F7", "");
 	akai_s5000_renamesample(1, 2, "KICK", "\xC9");
-	EXPECT_TRUE(h.logged("[D] Requesting Akai S5000 SAMPLE_RENAME on Exclusive Channel: 1 "
-			     "[SYSEX-CHANNEL: 2] [KICK] --> [\xC9]"));
-	EXPECT_TRUE(h.logged("[D] S5000 RENAMED current sample!"));
+	expect_logged({ "[D] Requesting Akai S5000 SAMPLE_RENAME on Exclusive Channel: 1 "
+			"[SYSEX-CHANNEL: 2] [KICK] --> [\xC9]",
+		"[D] S5000 RENAMED current sample!" });
 	play(open_s5000);
 	play(std::string(select_kick) + done);
 	ask("10 0A 00 F0 47 5E 20 00 00 0E 08 16 F7", "");
 	akai_s5000_renamesample(1, 2, "KICK", nullptr);
-	EXPECT_TRUE(h.logged("[D] Requesting Akai S5000 SAMPLE_DELETE on Exclusive Channel: 1 "
-			     "[SYSEX-CHANNEL: 2] [KICK] --> [NULL]"));
-	EXPECT_TRUE(h.logged("[D] S5000 DELETED current sample!"));
+	expect_logged({ "[D] Requesting Akai S5000 SAMPLE_DELETE on Exclusive Channel: 1 "
+			"[SYSEX-CHANNEL: 2] [KICK] --> [NULL]",
+		"[D] S5000 DELETED current sample!" });
 	EXPECT_TRUE(h.boxes.empty());
 }
 
@@ -172,14 +172,11 @@ TEST_F(s5000_samples, upload)
 	EXPECT_EQ(h.progress.caption, "Uploading [KICK]...");
 	EXPECT_EQ(h.progress.value, 125); // 250 * 100 / 200, over 100 %
 	EXPECT_EQ(h.progress.infos.back(), "100.00 %");
-	EXPECT_TRUE(h.logged("Deleting currently selected Sample, because already resident in "
-			     "memory"));
-	EXPECT_TRUE(h.logged("[D] STEPSIZE: 125"));
-	EXPECT_TRUE(h.logged("[D] Transferring: 106/200 Bytes of data!"));
-	EXPECT_TRUE(h.logged("[D] Sampler is still busy..."));
-	EXPECT_TRUE(h.logged("[D] Upload Block-Size: 0 [250/250]"));
-	EXPECT_TRUE(h.logged("[D] Loaded Samples: 130"));
-	EXPECT_TRUE(h.logged("[D] Upload completed (Sample renamed)[KICK]!"));
+	expect_logged({ "Deleting currently selected Sample, because already resident in "
+			"memory",
+		"[D] STEPSIZE: 125", "[D] Transferring: 106/200 Bytes of data!",
+		"[D] Sampler is still busy...", "[D] Upload Block-Size: 0 [250/250]",
+		"[D] Loaded Samples: 130", "[D] Upload completed (Sample renamed)[KICK]!" });
 }
 
 TEST_F(s5000_samples, upload_of_an_empty_file_still_names_the_last_sample)
@@ -289,19 +286,15 @@ TEST_F(s5000_samples, download)
 	EXPECT_EQ(h.progress.caption, "Downloading [KICK]...");
 	// Each block's share: 200 and 100 of 300.
 	EXPECT_EQ(h.progress.infos, (std::vector<std::string>{ "1.00 %", "66.00 %", "33.00 %" }));
-	EXPECT_TRUE(h.logged("[I] ########################## S5000 requesting Sample download for "
-			     "sample: KICK [Studio]"));
-	EXPECT_TRUE(h.logged("[D] Header-Length: 144 Bytes"));
-	EXPECT_TRUE(h.logged("[D] RAW_DATA_LEN: 300 Bytes"));
-	EXPECT_TRUE(
-		h.logged("[I] -------> Sample has 1 Channels, 44100 Hz Sample-Rate, 2 Bytes per "
-			 "sample,DATA-Length 300, Format Length: 18, FACT_LEN: 4, Size: 144"));
-	EXPECT_TRUE(
-		h.logged("[I] -------> PITCH: [C3] LOOP-START: 16, LOOP-End: 255 SAMPLE: [smpl]"));
-	EXPECT_TRUE(h.logged("[I] -------> START: 5, END: 240, PLAYMODE: 1, SEMI-TONE-TUNE: 2, "
-			     "FINE-TUNE: 3"));
-	EXPECT_TRUE(h.logged(
-		"[I] Downloaded Sample successfully...(444 Bytes, 300 Bytes Sample-Data)"));
+	expect_logged({ "[I] ########################## S5000 requesting Sample download for "
+			"sample: KICK [Studio]",
+		"[D] Header-Length: 144 Bytes", "[D] RAW_DATA_LEN: 300 Bytes",
+		"[I] -------> Sample has 1 Channels, 44100 Hz Sample-Rate, 2 Bytes per "
+		"sample,DATA-Length 300, Format Length: 18, FACT_LEN: 4, Size: 144",
+		"[I] -------> PITCH: [C3] LOOP-START: 16, LOOP-End: 255 SAMPLE: [smpl]",
+		"[I] -------> START: 5, END: 240, PLAYMODE: 1, SEMI-TONE-TUNE: 2, "
+		"FINE-TUNE: 3",
+		"[I] Downloaded Sample successfully...(444 Bytes, 300 Bytes Sample-Data)" });
 }
 
 TEST_F(s5000_samples, a_length_of_0_behind_the_header_gives_a_file_of_the_header_alone)

@@ -1,12 +1,12 @@
 // test_settings_file.cpp - settings on the disk: any text, any crash, two processes at once
 
 #include "platform/backends.h"
+#include "tests/support/test_host.h"
 #include <cerrno>
 #include <cstddef>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <gtest/gtest.h>
 #include <linux/filter.h>
 #include <linux/seccomp.h>
 #include <set>
@@ -31,8 +31,7 @@ protected:
 
 	void SetUp() override
 	{
-		char pattern[] = "/tmp/velmor-settings-XXXXXX";
-		home = mkdtemp(pattern);
+		home = new_scratch_folder();
 		unsetenv("XDG_CONFIG_HOME");
 		unsetenv("XDG_DATA_HOME");
 		unsetenv("LOCALAPPDATA");

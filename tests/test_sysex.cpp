@@ -57,10 +57,9 @@ TEST_F(sysex, an_answer_is_handed_over_as_soon_as_it_ends)
 	EXPECT_EQ(buffer[6], 0); // cleared before
 	// Six bytes at 31250 baud, and a millisecond.
 	EXPECT_NEAR(seconds, 6 * 0.00032 + 0.001, 1e-9);
-	for (const char *line : { "[D] MIDI-OUT: 6 Bytes (F0 47 00 00 48 F7)",
-		     "[D] Still waiting for sending of midi-buffer",
-		     "[D] Midi-Data sent successfully" })
-		EXPECT_TRUE(h.logged(line)) << line;
+	expect_logged({ "[D] MIDI-OUT: 6 Bytes (F0 47 00 00 48 F7)",
+		"[D] Still waiting for sending of midi-buffer",
+		"[D] Midi-Data sent successfully" });
 	EXPECT_TRUE(t.finished());
 	EXPECT_EQ(t.inputs_open, 0);
 	EXPECT_EQ(t.outputs_open, 1); // kept for the next
@@ -243,8 +242,8 @@ TEST_F(sysex, the_s900_is_sent_through_a_port_of_its_own)
 	transcript_midi t(h, "> 90 3C 40\n" + asked + "< F0 47 F7\n" + asked + "< nothing");
 	send("90 3C 40"); // leaves the shared output open
 	EXPECT_EQ(ask(100, 1, send_midi_string_ex_s900), hex("F0 47 F7"));
-	EXPECT_TRUE(h.logged("[D] MIDI-OUT: 6 Bytes (F0 47 00 00 48 F7)"));
-	EXPECT_TRUE(h.logged("[D] Midi-Data sent successfully [F0 47 00 00 48 F7] 6 Bytes..."));
+	expect_logged({ "[D] MIDI-OUT: 6 Bytes (F0 47 00 00 48 F7)",
+		"[D] Midi-Data sent successfully [F0 47 00 00 48 F7] 6 Bytes..." });
 	EXPECT_EQ(t.outputs_open, 0);
 	h.time.run_until(10.25);
 	ask(100, 1, send_midi_string_ex_s900);

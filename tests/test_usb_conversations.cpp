@@ -263,6 +263,7 @@ TEST_F(usb_conversation, a_replugged_sampler_is_found_again)
 		return dev().samples == 1 && std::string(dev().sample[0].name) == "KICK";
 	};
 	const std::string first = usbdev[0].address;
+	const std::string socket = usbdev[0].device_path;
 	unplug_usb(machine);
 	EXPECT_FALSE(list_again());
 	plug_usb(h.time, machine);
@@ -274,6 +275,7 @@ TEST_F(usb_conversation, a_replugged_sampler_is_found_again)
 	plug_usb(h.time, other);
 	plug_usb_elsewhere(h.time, machine);
 	EXPECT_TRUE(list_again());
+	EXPECT_NE(usbdev[0].device_path, socket);
 	// Its socket, with the other one in it, is not its own.
 	unplug_all_usb();
 	plug_usb(h.time, other);

@@ -104,13 +104,12 @@ TEST_F(usb_transport, an_s5000_is_found_by_its_own_name)
 	EXPECT_EQ(wire.reset, hex("02 82"));
 	EXPECT_EQ(find_usbdev("Studio"), &usbdev[0]);
 	EXPECT_EQ(find_usbdev("studio"), nullptr);
-	EXPECT_TRUE(h.logged("[D] Initializing USB-Subsystem...[FORCED]"));
-	EXPECT_TRUE(h.logged("[D] PID of AKAI-Device: 94 (0x5E)"));
-	EXPECT_TRUE(h.logged("[D] QUERIED INTERFACE-ID: 0 --> bLength: 9, bInterfaceClass: 255, "
-			     "Endpoints: 2"));
-	EXPECT_TRUE(h.logged("[D] Received S5000/6000 Sampler-Name [Studio]"));
-	EXPECT_TRUE(h.logged("[D] Device Sysex-Channel: 3 opened"));
-	EXPECT_TRUE(h.logged("[D] USB Device closed SYSEX-CHANNEL: [3]"));
+	expect_logged({ "[D] Initializing USB-Subsystem...[FORCED]",
+		"[D] PID of AKAI-Device: 94 (0x5E)",
+		"[D] QUERIED INTERFACE-ID: 0 --> bLength: 9, bInterfaceClass: 255, "
+		"Endpoints: 2",
+		"[D] Received S5000/6000 Sampler-Name [Studio]",
+		"[D] Device Sysex-Channel: 3 opened", "[D] USB Device closed SYSEX-CHANNEL: [3]" });
 	h.forget_log();
 	init_usb(0);
 	EXPECT_EQ(h.log(),
@@ -172,11 +171,10 @@ TEST_F(usb_transport, other_devices_and_interfaces_without_an_out_pipe_are_left_
 	EXPECT_EQ(usbdev[0].packet_size, 64) << "of the IN pipe of that number";
 	EXPECT_EQ(wire.opened, 2) << "for the scan and its test";
 	EXPECT_EQ(wire.claimed, (std::vector<int>{ 0, 4, 4 }));
-	EXPECT_TRUE(h.logged("[D] Interface-Index: 0, No [OUT] Interface found for this index!"));
-	EXPECT_TRUE(h.logged("[D] Interface-Index: 1, No [OUT] Interface found for this index!"));
-	EXPECT_TRUE(
-		h.logged("[D] Interface-Index: 2, [OUT] Interface found for this index and opened "
-			 "successfully!"));
+	expect_logged({ "[D] Interface-Index: 0, No [OUT] Interface found for this index!",
+		"[D] Interface-Index: 1, No [OUT] Interface found for this index!",
+		"[D] Interface-Index: 2, [OUT] Interface found for this index and opened "
+		"successfully!" });
 }
 
 TEST_F(usb_transport, no_device_is_a_finished_scan_and_no_list_ends_the_process)
@@ -480,9 +478,8 @@ TEST_F(usb_transport, the_probe_lists_volumes_and_disks)
 	wire.play("> 10 07 00 F0 47 5F 00 20 05 F7 \n"
 		  "< 00*14 01 00*5 'HD' 00 02 00*5 'ROM' 00 F7");
 	probe_usb_sampler();
-	EXPECT_TRUE(h.logged("[D] Response-Len(1): 34"));
-	EXPECT_TRUE(h.logged("[I] Volume: [HD] [0x02]"));
-	EXPECT_TRUE(h.logged("[I] Volume: [ROM] [0xF7]"));
+	expect_logged({ "[D] Response-Len(1): 34", "[I] Volume: [HD] [0x02]",
+		"[I] Volume: [ROM] [0xF7]" });
 
 	listed(model_s5000);
 	h.use_sampler(model_s5000, 0, "Studio");
@@ -491,9 +488,9 @@ TEST_F(usb_transport, the_probe_lists_volumes_and_disks)
 		  "> 10 0A 00 F0 47 5E 23 00 00 10 05 15 F7 \n"
 		  "< 00*9 01 02 03 04 05 00 'DISK 1' 00 F7");
 	probe_usb_sampler();
-	EXPECT_TRUE(h.logged("[D] Response-Len(2): 23"));
-	EXPECT_TRUE(h.logged("[D] --> DISK_INFO!!! DISK-ID: 130, FORMAT: 4, SCSI-ID: 5, Type: 3, "
-			     "Name: [DISK 1]"));
+	expect_logged({ "[D] Response-Len(2): 23",
+		"[D] --> DISK_INFO!!! DISK-ID: 130, FORMAT: 4, SCSI-ID: 5, Type: 3, "
+		"Name: [DISK 1]" });
 	EXPECT_EQ(wire.steps_left(), 0);
 }
 

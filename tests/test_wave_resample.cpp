@@ -94,9 +94,6 @@ TEST_F(wave_resample, loops_move_with_the_rate)
 	EXPECT_EQ(bytes(file.begin() + 36, file.end()),
 		smpl(45351, 500, 0x7FFFFFFF, "00*8 EE*18") + chunk("data", hex("01 00")));
 	EXPECT_TRUE(h.logged("[D] LOOP REWRITE[0] START 1001 --> 500"));
-	// At the same rate nothing of it moves.
-	ASSERT_TRUE(convert(riff(fmt(mono_16) + whole + data), 1, 0, 16, 44100));
-	EXPECT_EQ(result(), riff(fmt(mono_16) + whole + data));
 	// A chunk that ends inside its loop's end: what is behind it is no loop.
 	bytes cut = smpl(22675, 1001, 5000, "");
 	cut.resize(cut.size() - 2);

@@ -191,9 +191,8 @@ TEST_F(window_commands, device_info_asks_the_described_sampler)
 	host.ui->select(window_sampler, sampler_control_list, 3);
 	host.ui->select(window_sampler, sampler_exclusive_list, 9);
 	velmor_command(window_sampler, sampler_device_info);
-	EXPECT_TRUE(h.logged("[D] Requesting Sampler-Info"));
-	EXPECT_TRUE(h.logged(
-		"[D] Requesting Sampler-Info, Brand: 1007, MIDI_CHANNEL: 4, SYSEXCHAN: 9"));
+	expect_logged({ "[D] Requesting Sampler-Info",
+		"[D] Requesting Sampler-Info, Brand: 1007, MIDI_CHANNEL: 4, SYSEXCHAN: 9" });
 	EXPECT_EQ(model.calls, std::vector<std::string>{ "getstatus 4 9" });
 	const std::pair<int, int> verdict = { window_sampler, sampler_verdict };
 	EXPECT_EQ(

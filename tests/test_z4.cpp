@@ -51,9 +51,9 @@ TEST_F(z4_driver, status)
 	EXPECT_STREQ(dev->version, "1.2");
 	EXPECT_STREQ(dev->sampler_name, "Rack");
 	EXPECT_EQ(dev->exclusive_channel, 7);
-	EXPECT_TRUE(h.logged("[D] Z4 trying to get status..."));
-	EXPECT_TRUE(h.logged("[D] Requesting Akai Z4 CONFIRMATION OFF on Exclusive Channel: 1 "
-			     "[SYSEX-CHANNEL: 7]"));
+	expect_logged({ "[D] Z4 trying to get status...",
+		"[D] Requesting Akai Z4 CONFIRMATION OFF on Exclusive Channel: 1 "
+		"[SYSEX-CHANNEL: 7]" });
 	open();
 	play("> 10 08 00 F0 47 5F 00 00 01 00 F7 \n ! silence");
 	akai_mpc_getstatus(1, 7, dev);
@@ -75,8 +75,8 @@ TEST_F(z4_driver, no_multis_and_samples_with_a_byte_in_front)
 	EXPECT_EQ(dev->samples, 2);
 	EXPECT_STREQ(dev->sample[0].name, "KICK");
 	EXPECT_STREQ(dev->sample[1].name, "HAT");
-	EXPECT_TRUE(h.logged("[I] USB--> Sample-List-Len: 2 Entries"));
-	EXPECT_TRUE(h.logged("[D] SAMPLE[1] --> 'HAT' (SLEN: 3)"));
+	expect_logged(
+		{ "[I] USB--> Sample-List-Len: 2 Entries", "[D] SAMPLE[1] --> 'HAT' (SLEN: 3)" });
 	// 03 01 00 00 is 131; the list ends behind one.
 	open();
 	ask("1C 01", "03 01 00 00");
@@ -131,15 +131,14 @@ TEST_F(z4_driver, programs)
 	EXPECT_EQ(zone(0, 0), "samplename A1, zone_level -133");
 	EXPECT_EQ(zone(0, 1), "samplename A2, zone_level 5");
 	EXPECT_EQ(zone(1, 0), "samplename B1, zone_level 0");
-	for (const char *line :
+	expect_logged(
 		{ "[D] PROG-NR BEFORE DECODING: [05 01 00 00]", "[D] I: 0, PTR: [A] NUMBER: 133",
 			"[D] PROGRAM[133] GETPOLYPHONY [F0 47 5F 00 52 00 00 00 20 F7]",
 			"[D] PROGRAM[133] GET REASIGNEMENT [F0 47 5F 00 52 00 00 00 01 F7]",
 			"[D] Requesting Keygroup LOW-Note", "[D] Requesting Keygroup HIGH-Note",
 			"[D] KEYGROUP: 0, ZONE: 1, LEVEL: [F0 47 5F 00 52 00 00 00 01 05 01 F7] "
 			"(-133)",
-			"[D] Program has 2 Keygroups", "[D] Sampler has loaded 2 Keygroups" })
-		EXPECT_TRUE(h.logged(line)) << line;
+			"[D] Program has 2 Keygroups", "[D] Sampler has loaded 2 Keygroups" });
 	EXPECT_TRUE(h.progress.caption.empty()) << "no bar is shown";
 }
 
@@ -202,8 +201,7 @@ TEST_F(z4_driver, information)
 	EXPECT_EQ(s.end_position, 88200u);
 	EXPECT_EQ(s.sample_length, 2u);
 	EXPECT_EQ(s.original_pitch, 60);
-	EXPECT_TRUE(h.logged("[D] Current Sample set at Z4/Z8"));
-	EXPECT_TRUE(h.logged("[D] S5000 Current Sample start: 130"));
+	expect_logged({ "[D] Current Sample set at Z4/Z8", "[D] S5000 Current Sample start: 130" });
 	EXPECT_STREQ(akai_z4_getplaymode(1), "LOOPING");
 	EXPECT_STREQ(akai_z4_getplaymode(3), "OTHER(3)");
 	open();
@@ -245,15 +243,14 @@ TEST_F(z4_driver, upload)
 		(std::vector<shown_box>{ { "Sample [KICK] successfully uploaded!", "INFO" } }));
 	EXPECT_EQ(wire.most_in_flight, 3);
 	EXPECT_EQ(h.progress.infos, (std::vector<std::string>{ "80.00 %", "100.00 %" }));
-	EXPECT_TRUE(h.logged("[D] Z4 --> UPLOAD REQUEST [20 00 00 00 C8 4B 49 43 4B 2E 77 61 76]"));
-	EXPECT_TRUE(h.logged("[D] STEPSIZE: 0"));
-	EXPECT_TRUE(h.logged("[D] Sampler is still busy...[5]"));
-	EXPECT_TRUE(h.logged("[D] Upload Block-Size: 160 [160/200], Response from Z4: 8 Bytes [01 "
-			     "00 00 00]"));
-	EXPECT_TRUE(h.logged("[D] Sampler is still end-busy...[4]"));
-	EXPECT_TRUE(h.logged("[D] Sampler is still sending some status...[3]"));
-	EXPECT_TRUE(h.logged("[I] Upload completed! Received final confirmation! (5 Bytes)"));
-	EXPECT_TRUE(h.logged("[D] Upload completed (Sample renamed)[KICK]!"));
+	expect_logged({ "[D] Z4 --> UPLOAD REQUEST [20 00 00 00 C8 4B 49 43 4B 2E 77 61 76]",
+		"[D] STEPSIZE: 0", "[D] Sampler is still busy...[5]",
+		"[D] Upload Block-Size: 160 [160/200], Response from Z4: 8 Bytes [01 "
+		"00 00 00]",
+		"[D] Sampler is still end-busy...[4]",
+		"[D] Sampler is still sending some status...[3]",
+		"[I] Upload completed! Received final confirmation! (5 Bytes)",
+		"[D] Upload completed (Sample renamed)[KICK]!" });
 }
 
 TEST_F(z4_driver, a_refusal_is_only_in_the_log)
@@ -319,14 +316,12 @@ TEST_F(z4_driver, download)
 	EXPECT_EQ(h.content(spool("KICK.wav"))->size(), 370u);
 	EXPECT_EQ(h.progress.caption, "Downloading [KICK]");
 	EXPECT_EQ(h.progress.value, 300) << "the sum, and not each block's share";
-	EXPECT_TRUE(h.logged("[D] Current Sample selected [KICK]"));
-	EXPECT_TRUE(h.logged("[D] SAMPLE HANDLE: 0x00004185 (Request: [21 00 00 41 85])"));
-	EXPECT_TRUE(
-		h.logged("[D] Header-Length: 70 Bytes RESULT-LEN: 8 Bytes [00 00 00 00 00 00 00 "
-			 "46]"));
-	EXPECT_TRUE(h.logged("[D] Data-Length: 200 Bytes [00 00 00 00 00 00 00 C8]"));
-	EXPECT_TRUE(h.logged(
-		"[I] Downloaded Sample successfully...(370 Bytes, 300 Bytes Sample-Data)"));
+	expect_logged({ "[D] Current Sample selected [KICK]",
+		"[D] SAMPLE HANDLE: 0x00004185 (Request: [21 00 00 41 85])",
+		"[D] Header-Length: 70 Bytes RESULT-LEN: 8 Bytes [00 00 00 00 00 00 00 "
+		"46]",
+		"[D] Data-Length: 200 Bytes [00 00 00 00 00 00 00 C8]",
+		"[I] Downloaded Sample successfully...(370 Bytes, 300 Bytes Sample-Data)" });
 }
 
 // The sampler is left in the middle though every exchange ended well.

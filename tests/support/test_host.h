@@ -144,7 +144,17 @@ class host_test : public ::testing::Test
 {
 protected:
 	test_host h;
+
+	void expect_logged(std::initializer_list<std::string> lines)
+	{
+		for (const std::string &line : lines)
+			EXPECT_TRUE(h.logged(line)) << line;
+	}
 };
+
+// A new empty folder, in memory where there is room: a disk makes each file that is replaced wait
+// for the one before it.
+std::string new_scratch_folder();
 
 // Bytes written as hexadecimal words: "F0 47 00*3 F7" is F0 47 00 00 00 F7.
 std::vector<u8> hex(std::string_view text);

@@ -254,4 +254,12 @@ long transcript_midi::leaving() const
 	return rest <= 0 ? 0 : static_cast<long>(std::ceil(rest / byte_seconds));
 }
 
+std::string nibbles(std::string_view block)
+{
+	std::string text = " ";
+	for (u8 byte : hex(block))
+		text += format_text("%02X %02X ", byte & 0x0F, byte >> 4);
+	return text;
+}
+
 } // namespace velmor

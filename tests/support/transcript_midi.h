@@ -88,4 +88,7 @@ private:
 	std::shared_ptr<transcript_midi *> self; // outlives this in events
 };
 
+// A block as it travels: two bytes of nibbles for each of its bytes, and blanks around each.
+std::string nibbles(std::string_view block);
+
 } // namespace velmor

@@ -113,7 +113,7 @@ static bool can_look(const outcome &read)
 	return read.done() || (read.how == ending::no_answer && !the_lists.programs.silent);
 }
 
-static outcome read_programs_again()
+outcome read_programs_again()
 {
 	std::vector<kept_edit> edited = take_edited();
 	outcome read = read_program_list();

@@ -104,17 +104,18 @@ static std::string title_of(const _program &program)
 {
 	const _sampler_type *model = get_sampler(edited_model());
 	const char *make = model ? model->sampler_brand : "";
+	const std::string name = without_end_blanks(program.name);
 	const char *sampler = current_sampler ? current_sampler->sampler_description : "";
 	const int tab = host.ui->selection(window_programs, programs_tabs);
 	if (tab == 2)
 		return format_text(
 			"Keyzone: %d, Keygroup: %d, Prog: [%s], Sampler: [%s], Make: [%s]",
-			current_keyzone_index + 1, current_keygroup_index + 1, program.name,
+			current_keyzone_index + 1, current_keygroup_index + 1, name.c_str(),
 			sampler, make);
 	if (tab == 1 || tab == 3)
 		return format_text("Keygroup: %d (%s), Sampler: %s, Make: %s",
-			current_keygroup_index + 1, program.name, sampler, make);
-	return format_text("Program Settings for '%s' [Sampler: '%s', Make: '%s']", program.name,
+			current_keygroup_index + 1, name.c_str(), sampler, make);
+	return format_text("Program Settings for '%s' [Sampler: '%s', Make: '%s']", name.c_str(),
 		sampler, make);
 }
 
@@ -413,9 +414,9 @@ bool may_lose_edits(bool all)
 		       unsent, unsent == 1 ? "" : "s", unsent == 1 ? "it is" : "they are");
 }
 
-static void read_all(const program_entry &loaded, const program_entry &local)
+static void read_all(const program_entry &loaded, const program_entry &local, bool keeping_edits)
 {
-	const outcome read = read_program_list();
+	const outcome read = keeping_edits ? read_programs_again() : read_program_list();
 	if (close_requested())
 		return;
 	edit_local_program(nullptr);
@@ -440,7 +441,9 @@ void show_pgm_setup(int selection)
 		show_outcome(offered);
 		return;
 	}
-	if (!may_lose_edits(false)) {
+	// Edits that are still there after a reading that failed come through the next one.
+	const bool keeping = the_lists.programs.silent;
+	if (!keeping && !may_lose_edits(false)) {
 		open_window(window_programs);
 		return;
 	}
@@ -449,7 +452,7 @@ void show_pgm_setup(int selection)
 	if (loaded.index != selection)
 		loaded = { "", selection };
 	open_window(window_programs);
-	read_all(loaded, chosen_on_computer());
+	read_all(loaded, chosen_on_computer(), keeping);
 }
 
 } // namespace velmor

@@ -192,6 +192,5 @@ void akai_s900_upload_sample(const char *path);
 
 // The record is that of the loaded list at the index; the second argument is not used.
 void akai_s900_save_program(i32 program, _program *source);
-// This model has no form for a whole program.
 
 } // namespace velmor

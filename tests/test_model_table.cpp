@@ -1,5 +1,6 @@
 // test_model_table.cpp - the table of models, its look-ups, and the names of notes
 
+#include "src/akai_forms.h"
 #include "src/akais1000.h"
 #include "src/akais5000.h"
 #include "src/akais900.h"

@@ -20,7 +20,7 @@
 namespace velmor
 {
 
-static constexpr int whites_of_all = 75, bar_height = 20, key_height = 58, left_room = 38, grip = 5,
+static constexpr int whites_of_all = 75, bar_height = 20, key_height = 50, left_room = 38, grip = 5,
 		     retry_ms = 20, tenfold = 10;
 static constexpr int key_velocity = 100; // of a note that the computer's keys play
 
@@ -29,8 +29,8 @@ key_map::key_map(int window, int control, const QString &said, QWidget *parent)
 {
 	setMouseTracking(true);
 	setFocusPolicy(Qt::StrongFocus);
-	setMinimumHeight(144);
-	setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
+	setMinimumHeight(168);
+	setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
 	release_again.setInterval(retry_ms);
 	connect(&release_again, &QTimer::timeout, this, [this] { tell_release(); });
 	show_view(nullptr);
@@ -38,7 +38,7 @@ key_map::key_map(int window, int control, const QString &said, QWidget *parent)
 
 QSize key_map::sizeHint() const
 {
-	return { 720, 208 };
+	return { 720, 176 };
 }
 
 // ---- What is shown ----------------------------------------------------------------------------

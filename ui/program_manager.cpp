@@ -153,6 +153,7 @@ static QLayout *make_side_buttons(top_window *window, const side &s)
 			return;
 		tell_apart(button, caption_of(window->id, s.list));
 		button->setFlat(true);
+		button->setFixedHeight(field_height);
 		grid->addWidget(button, place / 2, place % 2);
 		place++;
 	};
@@ -173,8 +174,15 @@ static QBoxLayout *make_side(top_window *window, const side &s)
 	column->setSpacing(4);
 	entry_list *list = make_side_list(window, s);
 	QPushButton *refresh = s.refresh ? make_button(window, s.refresh) : nullptr;
-	column->addLayout(make_heading(window, s.list, s.heading, s.picture, refresh));
-	column->addWidget(make_search(window, s.search, list));
+	QLayout *heading = make_heading(window, s.list, s.heading, s.picture, refresh);
+	QLineEdit *search = make_search(window, s.search, list);
+	auto *head = new QHBoxLayout;
+	head->addLayout(heading, 1);
+	column->addLayout(head);
+	if (refresh)
+		column->addWidget(search);
+	else
+		head->addWidget(search, 1);
 	column->addWidget(list, 1);
 	column->addLayout(make_side_buttons(window, s));
 	return column;
@@ -460,11 +468,27 @@ static void add_shortcuts(top_window *window)
 	add_shortcut(window, QKeySequence::Find, Qt::WindowShortcut, find_in_list);
 }
 
+// Always to be seen, whatever scrolls above it.
+static QBoxLayout *make_below(top_window *window)
+{
+	auto *column = new QVBoxLayout;
+	column->setContentsMargins(margin_side, 0, margin_side, margin_above);
+	column->setSpacing(between_controls);
+	const caption_row *words = find_caption(window->id, programs_key_map);
+	auto *map = new key_map(window->id, programs_key_map,
+		words && words->empty ? QString::fromUtf8(words->empty) : QString(), window);
+	enroll(window->id, programs_key_map, map);
+	column->addWidget(map, 1);
+	column->addLayout(make_foot(window));
+	return column;
+}
+
 void create_program_manager(QWidget *owner)
 {
 	auto *window = new top_window(window_programs, control_cancel, owner);
 	window->enter_command = 0;
 	QBoxLayout *column = scrolled_column(window);
+	column->setContentsMargins(margin_side, margin_above, margin_side, 0);
 	auto *both = new QHBoxLayout;
 	both->setSpacing(between_panels);
 	QWidget *lists = make_lists(window);
@@ -472,12 +496,8 @@ void create_program_manager(QWidget *owner)
 	both->addWidget(lists);
 	both->addWidget(make_program(window), 1);
 	column->addLayout(both, 1);
-	const caption_row *words = find_caption(window->id, programs_key_map);
-	auto *map = new key_map(window->id, programs_key_map,
-		words && words->empty ? QString::fromUtf8(words->empty) : QString(), window);
-	enroll(window->id, programs_key_map, map);
-	column->addWidget(map);
-	column->addLayout(make_foot(window));
+	window->content->setStretch(0, 3);
+	window->content->addLayout(make_below(window), 1);
 	window->finish();
 	show_program_tab(0);
 	add_shortcuts(window);

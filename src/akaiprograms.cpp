@@ -9,12 +9,14 @@ namespace velmor
 {
 
 outcome program_outcome;
+bool save_once_more = false;
 
 static std::unique_ptr<_program> rescued, endangered;
 
 void begin_program_operation()
 {
 	program_outcome = {};
+	save_once_more = false;
 	endangered.reset();
 }
 
@@ -43,6 +45,11 @@ _program *program_to_write(i32 index, _program *local)
 		return local ? &local[index] : &status->program[index];
 	program_ended(ending::refused, "There is no such program.");
 	return nullptr;
+}
+
+std::string counted(int count, const char *what)
+{
+	return format_text("%d %s%s", count, what, count == 1 ? "" : "s");
 }
 
 int sent_count(i32 count, int most, const char *what)

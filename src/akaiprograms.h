@@ -22,6 +22,9 @@ namespace velmor
 
 // How the last operation that wrote programs ended.
 extern outcome program_outcome;
+// The last save added keygroups which did not take everything. The record as it was before that
+// save is to be saved once more: a save changes it, so whoever saves keeps a copy.
+extern bool save_once_more;
 
 // Each such operation begins with this: nothing is known of its end, and nothing kept.
 void begin_program_operation();
@@ -33,6 +36,8 @@ void program_done_but(const char *words);
 // Entry index of a local array, or, with local null, of the loaded tree. Null, which is told,
 // where there is none.
 _program *program_to_write(i32 index, _program *local);
+// "1 value", "2 values".
+std::string counted(int count, const char *what);
 // As many as an operation sends, whatever the record says; what is left out is logged.
 int sent_count(i32 count, int most, const char *what);
 // Bytes for a line of the log that nobody may want.

@@ -287,9 +287,9 @@ static bool save_common(s1000_save *s, bool existed)
 		s->held = common[program_keygroups];
 		const int surplus = s->held - s->keygroups;
 		if (surplus > 0)
-			program_done_but(format_text("The program on the sampler has %d keygroups "
-						     "more, which stay there.",
-				surplus)
+			program_done_but(format_text("The program on the sampler keeps %s that "
+						     "this one does not have.",
+				counted(surplus, "keygroup").c_str())
 						 .c_str());
 	}
 	const akai_answer answer = send_program(s->index, common);
@@ -393,9 +393,9 @@ static bool save_program(s1000_save *s)
 static void tell_refused(int refused, int keygroups)
 {
 	if (refused)
-		program_done_but(format_text("The sampler did not take %d of the %d keygroups. "
-					     "Its memory may be full.",
-			refused, keygroups)
+		program_done_but(format_text("The sampler did not take %d of %s. Its memory may "
+					     "be full.",
+			refused, counted(keygroups, "keygroup").c_str())
 					 .c_str());
 }
 

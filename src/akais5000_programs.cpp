@@ -203,12 +203,12 @@ static bool save_program(s5000_save *s)
 
 static void tell_what_is_missing(const s5000_save &s)
 {
+	save_once_more = s.added > 0;
 	if (s.added)
 		program_done_but(
-			format_text("The sampler added %d keygroups, which do not have their "
-				    "tuning, filter and filter envelope yet: read the program "
-				    "again and save it once more.",
-				s.added)
+			format_text("The sampler added %s without their tuning, filter and "
+				    "filter envelope, which take saving once more.",
+				counted(s.added, "keygroup").c_str())
 				.c_str());
 	s.w->tell_refused();
 }

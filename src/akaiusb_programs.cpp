@@ -53,7 +53,9 @@ bool program_writer::stopped() const
 void program_writer::tell_refused() const
 {
 	if (refused)
-		program_done_but(format_text("The sampler refused %d values.", refused).c_str());
+		program_done_but(
+			format_text("The sampler refused %s.", counted(refused, "value").c_str())
+				.c_str());
 }
 
 } // namespace velmor

@@ -20,6 +20,7 @@
 #include "src/velmor.h"
 #include "src/controls.h"
 #include "src/usbqx.h"
+#include "src/velmor_edits.h"
 #include "src/velmor_files.h"
 #include "src/velmor_work.h"
 #include <algorithm>
@@ -60,6 +61,7 @@ static void forget_sampler()
 	for (_sample &sample : owned_status->sample)
 		if (sample.sample_data || sample.sample_byte)
 			free_sample_data(&sample);
+	forget_edits(owned_status->program, owned_status->program + max_programs);
 	std::free(owned_status);
 	owned_status = nullptr;
 }

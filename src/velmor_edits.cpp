@@ -5,6 +5,7 @@
 
 #include "src/velmor_edits.h"
 #include <algorithm>
+#include <functional>
 #include <map>
 #include <memory>
 #include <tuple>
@@ -494,6 +495,33 @@ void forget_edits()
 {
 	histories.clear();
 	tell_change(nullptr);
+}
+
+void forget_edits(const _program *first, const _program *end)
+{
+	const std::less<const _program *> before;
+	std::erase_if(histories, [&](const auto &known) {
+		return !before(known.first, first) && before(known.first, end);
+	});
+	tell_change(nullptr);
+}
+
+void move_edits(const _program &from, const _program &to)
+{
+	histories.erase(&to);
+	auto known = histories.extract(&from);
+	if (known.empty())
+		return;
+	known.key() = &to;
+	histories.insert(std::move(known));
+}
+
+int keygroup_as_read(const _program &program, int keygroup)
+{
+	const history *h = find_history(program);
+	if (keygroup < 0 || keygroup >= program.keygroups)
+		return -1;
+	return h ? index_of(h->ids_as_read, h->ids[static_cast<std::size_t>(keygroup)]) : keygroup;
 }
 
 } // namespace velmor

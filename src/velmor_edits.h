@@ -103,6 +103,12 @@ void edits_sent(const _program &program);
 // The record was read anew, or is no more: of this program, or of all.
 void forget_edits(const _program &program);
 void forget_edits();
+// Of the records from first to the one before end.
+void forget_edits(const _program *first, const _program *end);
+// A record was moved, unchanged, and its history goes with it.
+void move_edits(const _program &from, const _program &to);
+// The place of a keygroup on the sampler, or -1 when the sampler does not have it.
+int keygroup_as_read(const _program &program, int keygroup);
 
 // Called after every change of a program or of its counts, also from inside an event of a form;
 // null for all programs at once.

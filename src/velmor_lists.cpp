@@ -7,6 +7,7 @@
 //
 // Knows nothing of: windows, models.
 
+#include "src/velmor_edits.h"
 #include "src/velmor_work.h"
 #include <algorithm>
 
@@ -106,7 +107,8 @@ static outcome read_list(const list_reading &reading)
 		dev->*reading.count = 0;
 	// After a gap, what the record holds of any list may be old.
 	if (list->silent || watch.failed())
-		the_lists.samples.failures = the_lists.multis.failures = the_line.failures - 1;
+		the_lists.samples.failures = the_lists.programs.failures =
+			the_lists.multis.failures = the_line.failures - 1;
 	outcome result = judge(*list, watch);
 	list->words = result.words;
 	result.told = keeper.take();
@@ -122,6 +124,13 @@ outcome offers_list(list_operation _sampler_type::*slot)
 			.words = "No Sampler loaded/Function not supported by Sampler",
 			.caption = "FATAL" };
 	return why;
+}
+
+// The loaded programs are read anew.
+static void forget_program_edits()
+{
+	if (const _dev_status *dev = current_sampler->status)
+		forget_edits(dev->program, dev->program + max_programs);
 }
 
 outcome read_sample_list()
@@ -140,9 +149,24 @@ outcome read_multi_list()
 	if (!offered.done())
 		return offered;
 	const _sampler_type *model = loaded_model(&offered);
-	return read_list({ &the_lists.multis, &_dev_status::multis,
+	forget_program_edits();
+	outcome read = read_list({ &the_lists.multis, &_dev_status::multis,
 		{ model->getstatus, model->getsamplelist, model->getproglist,
 			model->getmultilist } });
+	// The programs came along, but whether all of them did, nobody looked.
+	the_lists.programs.failures = the_line.failures - 1;
+	return read;
+}
+
+outcome read_program_list()
+{
+	outcome offered = offers_list(&_sampler_type::getproglist);
+	if (!offered.done())
+		return offered;
+	const _sampler_type *model = loaded_model(&offered);
+	forget_program_edits();
+	return read_list({ &the_lists.programs, &_dev_status::programs,
+		{ model->getstatus, model->getsamplelist, model->getproglist } });
 }
 
 outcome have_sample_list()

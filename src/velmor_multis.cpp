@@ -67,6 +67,8 @@ void show_multi_setup()
 		show_outcome(offered);
 		return;
 	}
+	if (!may_lose_edits(false))
+		return;
 	outcome read = read_multi_list();
 	if (close_requested())
 		return;

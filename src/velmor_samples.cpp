@@ -27,8 +27,7 @@ static bool claims_success(const kept_box &box)
 	return box.text.find("successfully") != box.text.npos;
 }
 
-// What a driver told besides success.
-static std::vector<kept_box> troubles(std::vector<kept_box> told)
+std::vector<kept_box> troubles(std::vector<kept_box> told)
 {
 	std::erase_if(told, claims_success);
 	return told;
@@ -67,8 +66,7 @@ static bool can_look(const outcome &read)
 	return read.done() || (read.how == ending::no_answer && !the_lists.samples.silent);
 }
 
-// It could not, so nobody knows how the work ended.
-static outcome unknown_end(const outcome &read, const std::string &what)
+outcome unknown_end(const outcome &read, const std::string &what)
 {
 	return { .how = read.how,
 		.words = "It is not known whether " + what +

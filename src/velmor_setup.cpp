@@ -19,6 +19,8 @@ static void leave()
 		request_close(true);
 		return;
 	}
+	if (!may_lose_edits(true))
+		return;
 	log_line("[D] Closing Application!\r\n");
 	end_program(0);
 }
@@ -194,10 +196,17 @@ static void turn_tcp_off()
 
 // ---- Main window ----------------------------------------------------------------------------
 
+static void show_first_program()
+{
+	show_pgm_setup(0);
+}
+
 static void load_selected_sampler()
 {
 	const int index = host.ui->selection(window_main, main_sampler_list);
 	if (index < 0 || index >= static_cast<int>(conf_sampler.size()))
+		return;
+	if (!may_lose_edits(false))
 		return;
 	log_line("[I] Loading sampler [%d]\r\n", index);
 	// Loading may rebuild the list that holds the name.
@@ -210,6 +219,7 @@ static void load_selected_sampler()
 void empty_open_pages()
 {
 	empty_sample_page();
+	empty_program_page();
 	empty_multi_page();
 }
 
@@ -239,6 +249,7 @@ static constexpr caption_row main_captions[] = {
 	{ window_main,     main_sampler_list,       "Samplers", "The samplers you have set up; choose one and load it", "No sampler configured yet: Settings, Manage MIDI Samplers" },
 	{ window_main,     main_load,               "Load Sampler", "Work with the chosen sampler", nullptr },
 	{ window_main,     main_samples,            "Manage Samples", "Fetch, send, rename, delete and import samples", nullptr },
+	{ window_main,     main_programs,           "Manage Programs", "See, edit, send, keep, rename and delete programs", nullptr },
 	{ window_main,     main_multis,             "Manage Multis", "See the multis on the sampler", nullptr },
 };
 static constexpr command_row main_commands[] = {
@@ -249,6 +260,7 @@ static constexpr command_row main_commands[] = {
 	{ window_main,     menu_usb_samplers,       show_usb_sampler_setup,    alone  },
 	{ window_main,     main_load,               load_selected_sampler,     alone  },
 	{ window_main,     main_samples,            show_sample_setup,         alone  },
+	{ window_main,     main_programs,           show_first_program,        alone  },
 	{ window_main,     main_multis,             show_multi_setup,          alone  },
 };
 

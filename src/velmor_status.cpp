@@ -11,7 +11,7 @@ namespace velmor
 {
 
 static constexpr int windows_with_status[] = { window_main, window_settings, window_sampler,
-	window_usb, window_multis, window_samples };
+	window_usb, window_multis, window_samples, window_programs };
 
 // The last outcome, as every window shows it.
 struct last_outcome {
@@ -38,6 +38,7 @@ void update_status()
 		host.ui->show(window, status_undo, can_undo());
 	}
 	update_sample_page();
+	update_program_page();
 	update_multi_page();
 }
 

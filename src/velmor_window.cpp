@@ -13,6 +13,7 @@
 #include "src/velmor_window.h"
 #include "src/usbqx.h"
 #include "src/velmor_forms.h"
+#include "src/velmor_programs_page.h"
 #include <set>
 
 namespace velmor
@@ -48,7 +49,7 @@ static constexpr command_row progress_commands[] = {
 static const window_rows progress_rows = { progress_captions, progress_commands };
 
 static const window_rows *const all_rows[] = { &main_rows, &settings_rows, &sampler_rows, &usb_rows,
-	&samples_rows, &multis_rows, &progress_rows, &status_rows };
+	&samples_rows, &programs_rows, &multis_rows, &progress_rows, &status_rows };
 
 static std::vector<caption_row> all_captions()
 {
@@ -186,6 +187,11 @@ static constexpr input_row input_table[] = {
 	{ window_programs, form_of_program,  nullptr, nullptr, change_form<window_programs, form_of_program> },
 	{ window_programs, form_of_keygroup, nullptr, nullptr, change_form<window_programs, form_of_keygroup> },
 	{ window_programs, form_of_keyzone,  nullptr, nullptr, change_form<window_programs, form_of_keyzone> },
+	{ window_programs, programs_adsr_form, nullptr, nullptr, change_adsr_form },
+	{ window_programs, programs_key_map, nullptr, nullptr, nullptr, change_key_map },
+	{ window_programs, programs_amp_envelope,    nullptr, nullptr, nullptr, nullptr, change_envelope<programs_amp_envelope> },
+	{ window_programs, programs_filter_envelope, nullptr, nullptr, nullptr, nullptr, change_envelope<programs_filter_envelope> },
+	{ window_programs, programs_aux_envelope,    nullptr, nullptr, nullptr, nullptr, change_envelope<programs_aux_envelope> },
 };
 // clang-format on
 std::span<const input_row> input_rows = input_table;
@@ -217,6 +223,11 @@ bool velmor_form(int window, int form, int row, form_event event, int value)
 bool velmor_key_map(
 	int window, int control, key_map_event event, int group, int zone, int value, int amount)
 {
+	// A note must end whatever else is going on; sending it disturbs no exchange.
+	if (event == key_map_event::note_off) {
+		stop_test_note();
+		return true;
+	}
 	return take_input(window, control, &input_row::key_map, event, group, zone, value, amount);
 }
 
@@ -240,6 +251,7 @@ void forget_commands()
 	forget_line();
 	forget_undo();
 	forget_status();
+	forget_program_page();
 }
 
 } // namespace velmor

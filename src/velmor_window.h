@@ -62,6 +62,7 @@ struct window_rows {
 extern const window_rows main_rows, settings_rows, sampler_rows; // velmor_setup.cpp
 extern const window_rows usb_rows;                               // velmor_usb.cpp
 extern const window_rows samples_rows;                           // velmor_samples_page.cpp
+extern const window_rows programs_rows;                          // velmor_programs_page.cpp
 extern const window_rows multis_rows;                            // velmor_multis.cpp
 extern const window_rows status_rows;                            // velmor_status.cpp
 
@@ -164,6 +165,21 @@ void empty_open_pages();
 void show_multi_setup();
 void empty_multi_page();
 void update_multi_page();
+
+// Read the sampler and the programs of the computer anew, and show the program of that place
+// (velmor_programs_page.cpp). Asks first where edits would be lost.
+void show_pgm_setup(int selection);
+void empty_program_page();
+// Its list may have become stale, or edits were made.
+void update_program_page();
+// Show the program with one of its keygroups, a keygroup with one of its zones, a zone.
+void edit_program(_program *program, int index, int keygroup);
+void edit_keygroup(_program *program, int keygroup, int keyzone);
+void edit_keyzone(_program *program, int keygroup, int keyzone);
+void upload_selected_local_program();
+// No edits of the loaded programs are lost, or the user gives them up. All: of the computer's
+// programs too.
+bool may_lose_edits(bool all);
 
 // Read the sampler and the spool anew and show both (velmor_samples_page.cpp).
 void show_sample_setup();

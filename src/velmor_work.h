@@ -68,7 +68,7 @@ struct known_list {
 	freshness state() const;
 };
 struct sampler_lists {
-	known_list samples, multis;
+	known_list samples, programs, multis;
 };
 extern sampler_lists the_lists;
 
@@ -88,6 +88,13 @@ outcome read_multi_list();
 outcome have_sample_list();
 // Names of the list last read.
 std::vector<std::string> loaded_names();
+// Read status, samples and programs. Forgets the edits of the loaded programs.
+outcome read_program_list();
+
+// What a driver told besides success.
+std::vector<kept_box> troubles(std::vector<kept_box> told);
+// The list could not be read again, so nobody knows how the work ended.
+outcome unknown_end(const outcome &read, const std::string &what);
 
 // Make a configuration current.
 outcome load_by_name(const std::string &name);

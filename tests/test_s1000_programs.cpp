@@ -291,7 +291,7 @@ TEST_F(s1000_programs, words_of_a_save_and_what_it_leaves_in_the_record)
 	s.expect_logged({ "[D] UPDATING Program [target] PGM_IDX: 1",
 		"[D] Saving Program 0 (target), SYSEX_CHANNEL: 5 [LOCAL]" });
 	EXPECT_EQ(program_outcome.words,
-		"The program on the sampler has 1 keygroups more, which stay there.");
+		"The program on the sampler keeps 1 keygroup that this one does not have.");
 }
 
 TEST_F(s1000_programs, memory_that_is_full_is_told)
@@ -308,8 +308,8 @@ TEST_F(s1000_programs, memory_that_is_full_is_told)
 	s.record().keygroups = 5;
 	s.row->saveprogram(0, nullptr);
 	EXPECT_EQ(s.machine.programs[1].keygroups.size(), 3u);
-	EXPECT_EQ(program_outcome.words, "The sampler did not take 2 of the 5 keygroups. Its "
-					 "memory may be full.");
+	EXPECT_EQ(program_outcome.words,
+		"The sampler did not take 2 of 5 keygroups. Its memory may be full.");
 }
 
 // An answer that says no more than that it is empty; and a program without any keygroup.

@@ -1,0 +1,577 @@
+// velmor_programs.cpp - programs between the sampler and this computer, by their names
+//
+// What a model can do is in its row of sampler_type; an empty slot has its words here. How an
+// operation ended stands in program_outcome (akaiprograms.h), and where a list can show it, the
+// list is read again and decides.
+//
+// Sending changes the record that is sent (tunings, magnitudes), so a copy is kept: a save that
+// failed gives the user's edits back.
+//
+// Knows nothing of: models, windows.
+
+#include "src/velmor_programs.h"
+#include "src/akaiprograms.h"
+#include "src/velmor_edits.h"
+#include "src/velmor_library.h"
+#include "src/waveqx.h"
+#include "src/waveqx_file.h"
+#include <algorithm>
+
+namespace velmor
+{
+
+static const char *const not_supported = "No Sampler loaded/Function not supported by Sampler";
+
+static std::string quoted(const std::string &name)
+{
+	return "'" + name + "'";
+}
+
+std::string without_end_blanks(std::string name)
+{
+	name.resize(name.find_last_not_of(' ') + 1);
+	return name;
+}
+
+static _dev_status *loaded_status()
+{
+	return current_sampler ? current_sampler->status : nullptr;
+}
+
+std::vector<std::string> loaded_programs()
+{
+	std::vector<std::string> names;
+	const _dev_status *dev = loaded_status();
+	for (int i = 0; dev && i < std::clamp(dev->programs, 0, max_programs); i++)
+		names.push_back(without_end_blanks(dev->program[i].name));
+	return names;
+}
+
+static int times_listed(const std::string &name)
+{
+	const std::vector<std::string> names = loaded_programs();
+	return static_cast<int>(std::count(names.begin(), names.end(), name));
+}
+
+// Its place in the list now: where it was, or the first of its name; -1 for none.
+static int place_of(const program_entry &which)
+{
+	const std::vector<std::string> names = loaded_programs();
+	const auto at = static_cast<std::size_t>(which.index);
+	if (which.index >= 0 && at < names.size() && names[at] == which.name)
+		return which.index;
+	const auto found = std::find(names.begin(), names.end(), which.name);
+	return found == names.end() ? -1 : static_cast<int>(found - names.begin());
+}
+
+// ---- Reading, with edits on the way ---------------------------------------------------------------
+
+struct kept_edit {
+	std::unique_ptr<_program> program;
+	program_entry was;
+};
+
+static std::vector<kept_edit> take_edited()
+{
+	std::vector<kept_edit> kept;
+	_dev_status *dev = loaded_status();
+	for (int i = 0; dev && i < max_programs; i++) {
+		const _program &program = dev->program[i];
+		if (!unsent_changes(program).all())
+			continue;
+		auto copy = std::make_unique<_program>(program);
+		move_edits(program, *copy);
+		kept.push_back({ std::move(copy), { without_end_blanks(program.name), i } });
+	}
+	return kept;
+}
+
+// Back into the list that was read, under the sampler's own numbers of now; after a reading that
+// failed, to where it was. A program that is gone becomes one of this computer.
+static void give_back(kept_edit *kept, bool read, outcome *result)
+{
+	const int at = read ? place_of(kept->was) : kept->was.index;
+	if (at < 0) {
+		forget_edits(*kept->program);
+		const outcome saved = keep_program(*kept->program);
+		result->words += (result->words.empty() ? "" : "\n") + quoted(kept->was.name) +
+				 " is not on the sampler any more, but had edits. " + saved.words;
+		return;
+	}
+	_program &place = current_sampler->status->program[at];
+	if (read) {
+		kept->program->index = place.index;
+		kept->program->number = place.number;
+	}
+	place = *kept->program;
+	move_edits(*kept->program, place);
+}
+
+// The list was read, if perhaps with a gap, and can be looked at.
+static bool can_look(const outcome &read)
+{
+	return read.done() || (read.how == ending::no_answer && !the_lists.programs.silent);
+}
+
+static outcome read_programs_again()
+{
+	std::vector<kept_edit> edited = take_edited();
+	outcome read = read_program_list();
+	for (kept_edit &one : edited)
+		give_back(&one, can_look(read), &read);
+	return read;
+}
+
+outcome have_program_list()
+{
+	if (the_lists.programs.state() == freshness::read)
+		return {};
+	outcome read = read_programs_again();
+	if (read.done() || read.how == ending::stopped || !the_lists.programs.asked_at)
+		return read;
+	read.words =
+		"Nothing was sent, because the sampler's list could not be read.\n" + read.words;
+	if (!read.told.empty())
+		read.words += "\n" + read.told.front().text;
+	read.told.clear();
+	read.line = "Nothing was sent: the sampler's list could not be read.";
+	return read;
+}
+
+// ---- What every operation begins and ends with ------------------------------------------------------
+
+struct ready_program {
+	outcome why;
+	const _sampler_type *model = nullptr;
+	int index = -1;
+	_program *program = nullptr;
+};
+
+// A fresh list that holds the program, and a model that has the operation.
+template <typename slot>
+static ready_program prepare(const program_entry &which, slot _sampler_type::*operation)
+{
+	ready_program r;
+	r.model = loaded_model(&r.why);
+	if (!r.why.done())
+		return r;
+	if (!(r.model->*operation)) {
+		r.why = { .how = ending::refused, .words = not_supported, .caption = "FATAL" };
+		return r;
+	}
+	r.why = have_program_list();
+	if (!r.why.done())
+		return r;
+	r.index = place_of(which);
+	if (r.index < 0) {
+		r.why = { .how = ending::refused,
+			.words = quoted(which.name) + " is not on the sampler any more." };
+		return r;
+	}
+	// Models search their own list by the name, which has no blanks at its end there.
+	r.program = &current_sampler->status->program[r.index];
+	copy_text(r.program->name, without_end_blanks(r.program->name));
+	return r;
+}
+
+// How the driver says that it ended.
+static outcome end_of_operation(box_keeper *keeper, const line_watch &watch)
+{
+	outcome result = program_outcome;
+	result.told = troubles(keeper->take());
+	if (result.done() && progress_stopped())
+		result.how = ending::stopped;
+	if (result.done() && watch.dead())
+		result.how = ending::no_answer;
+	if (result.done() && !result.told.empty())
+		result.how = ending::refused;
+	if (result.how == ending::no_answer && result.words.empty())
+		result.words = silence_words(loaded_reached());
+	return result;
+}
+
+// What was told in a box needs no second one.
+static outcome one_box(outcome result)
+{
+	if (!result.told.empty() && !result.words.empty()) {
+		result.line = result.line.empty() ? result.words : result.line;
+		result.words.clear();
+	}
+	return result;
+}
+
+// ---- Saving -----------------------------------------------------------------------------------------
+
+// The record as the driver leaves it, or as it was where it failed.
+static outcome send_record(const _sampler_type &model, int index, _program *local, _program *record)
+{
+	const auto before = std::make_unique<_program>(*record);
+	box_keeper keeper;
+	const line_watch watch;
+	forget_stop(); // of earlier work
+	model.saveprogram(index, local);
+	if (save_once_more && program_outcome.done() && !progress_stopped()) {
+		*record = *before;
+		model.saveprogram(index, local);
+	}
+	outcome result = end_of_operation(&keeper, watch);
+	if (!result.done())
+		*record = *before;
+	return result;
+}
+
+outcome save_program(const program_entry &which)
+{
+	const ready_program r = prepare(which, &_sampler_type::saveprogram);
+	if (!r.why.done())
+		return r.why;
+	outcome result = send_record(*r.model, r.index, nullptr, r.program);
+	if (result.done()) {
+		edits_sent(*r.program);
+		result.line = "Sent " + quoted(which.name) + " to the sampler.";
+	} else {
+		result.line = result.how == ending::stopped
+				      ? "Sending " + quoted(which.name) + " was stopped."
+				      : quoted(which.name) + " was not sent.";
+		if (result.words.empty() && result.told.empty() && result.how != ending::stopped)
+			result.words = result.line;
+	}
+	return one_box(result);
+}
+
+// ---- Deleting and renaming ------------------------------------------------------------------------------
+
+outcome delete_program(const program_entry &which)
+{
+	const ready_program r = prepare(which, &_sampler_type::deleteprogram);
+	if (!r.why.done())
+		return r.why;
+	log_line("[D] Deleting Program-Info for [%s] (INDEX: %d)\r\n", r.program->name, r.index);
+	const int before = times_listed(which.name);
+	const auto copy = std::make_unique<_program>(*r.program);
+	move_edits(*r.program, *copy); // they go with it, where it goes
+	box_keeper keeper;
+	const line_watch watch;
+	forget_stop();
+	r.model->deleteprogram(r.index);
+	const outcome end = end_of_operation(&keeper, watch);
+	const outcome read = read_programs_again();
+	if (!can_look(read)) {
+		outcome unknown = unknown_end(read, quoted(which.name) + " was deleted");
+		unknown.told = end.told;
+		return unknown;
+	}
+	const int place = place_of(which);
+	if (times_listed(which.name) < before)
+		return { .line = "Deleted " + quoted(which.name) + " on the sampler." };
+	if (place >= 0 && unsent_changes(*copy).all()) {
+		current_sampler->status->program[place] = *copy;
+		move_edits(*copy, current_sampler->status->program[place]);
+	}
+	outcome result = { .how = end.done() ? ending::refused : end.how,
+		.words = end.words.empty() ? "The sampler did not do it: " + quoted(which.name) +
+						     " is still in its list."
+					   : end.words,
+		.line = quoted(which.name) + " was not deleted.",
+		.told = end.told };
+	forget_edits(*copy);
+	return one_box(result);
+}
+
+// A machine may keep a name in other letters, cut, and with blanks.
+static bool may_be_called(const std::string &wanted, const std::string &name)
+{
+	constexpr std::size_t shortest_cut = 10;
+	const bool fits = wanted.size() == name.size() ||
+			  (name.size() >= shortest_cut && wanted.size() > name.size());
+	return fits && equal_but_for_case(wanted.substr(0, name.size()), name);
+}
+
+static int find_renamed(const std::string &wanted, int near)
+{
+	const std::vector<std::string> names = loaded_programs();
+	int found = -1;
+	for (int i = 0; i < static_cast<int>(names.size()); i++)
+		if (may_be_called(wanted, names[static_cast<std::size_t>(i)]) &&
+			(found < 0 || i == near))
+			found = i;
+	return found;
+}
+
+// Programs that the renaming took, or may have taken, off the sampler become programs of this
+// computer. The words say where; empty when nothing was in danger.
+static std::string keep_endangered(bool looked)
+{
+	std::string words;
+	auto keep = [&](std::unique_ptr<_program> program, bool endangered) {
+		if (!program)
+			return;
+		const std::string name = without_end_blanks(program->name);
+		if (endangered && looked && times_listed(name))
+			return;
+		const outcome kept = keep_program(*program);
+		words += (words.empty() ? "" : "\n") + kept.words;
+	};
+	keep(take_rescued_program(), false);
+	keep(take_endangered_program(), true);
+	return words;
+}
+
+outcome rename_program(const program_entry &which, const std::string &new_name)
+{
+	if (new_name.empty())
+		return { .how = ending::refused, .words = "Choose a new name!" };
+	const ready_program r = prepare(which, &_sampler_type::renameprogram);
+	if (!r.why.done())
+		return r.why;
+	log_line("[D] Renaming Program-Info for [%s] (INDEX: %d) --> [%s]\r\n", r.program->name,
+		r.index, new_name.c_str());
+	const auto copy = std::make_unique<_program>(*r.program);
+	const bool edited = unsent_changes(*copy).all() || unsent_changes(*r.program).all();
+	move_edits(*r.program, *copy);
+	const int before = times_listed(which.name);
+	box_keeper keeper;
+	const line_watch watch;
+	forget_stop();
+	r.model->renameprogram(r.index, new_name.c_str());
+	outcome result = end_of_operation(&keeper, watch);
+	const outcome read = read_programs_again();
+	const bool looked = can_look(read);
+	const std::string kept = keep_endangered(looked);
+	const bool gone = looked && (times_listed(which.name) < before ||
+					    may_be_called(new_name, which.name));
+	const int now = looked ? find_renamed(new_name, r.index) : -1;
+	const int place = now >= 0 && gone ? now : looked ? place_of(which) : r.index;
+	if (edited && place >= 0) {
+		_program &to = current_sampler->status->program[place];
+		copy_text(copy->name, to.name);
+		copy->index = to.index;
+		copy->number = to.number;
+		to = *copy;
+		move_edits(*copy, to);
+	}
+	forget_edits(*copy);
+	if (!looked && result.done()) {
+		const auto told = result.told;
+		result = unknown_end(read, quoted(which.name) + " was renamed");
+		result.told = told;
+	} else if (result.done() && (!gone || now < 0)) {
+		result.how = ending::refused;
+		result.words = "The sampler did not do it: " + quoted(which.name) +
+			       (gone ? " is gone, and no program has the new name."
+				     : " is still in its list.");
+	}
+	result.line = result.done() ? quoted(which.name) + " on the sampler is now " +
+					      quoted(new_name) + "."
+				    : quoted(which.name) + " was not renamed.";
+	result = kept.empty() ? one_box(result) : result;
+	if (!kept.empty())
+		result.words += (result.words.empty() ? "" : "\n") + kept;
+	return result;
+}
+
+// ---- Keygroups ------------------------------------------------------------------------------------------
+
+void remove_keygroup(_program *program, int keygroup, bool sampler_told)
+{
+	log_line("[D] LOGICAL REMOVE OF KEYGROUP: %d FROM: [%s]\r\n", keygroup, program->name);
+	(void)edit_remove_keygroup(*program, keygroup, sampler_told);
+	log_line("[D] New count of Keygroups: %d\r\n", program->keygroups);
+}
+
+outcome delete_keygroup(const program_entry &which, int keygroup)
+{
+	const ready_program r = prepare(which, &_sampler_type::del_keygroup);
+	if (!r.why.done())
+		return r.why;
+	if (keygroup < 0 || keygroup >= r.program->keygroups)
+		return { .how = ending::refused, .words = "There is no such keygroup." };
+	log_line("[D] Deleting from PROG: %d Keygroup: %d !\r\n", r.index, keygroup);
+	// What the sampler does not have yet, it need not remove.
+	const int read = keygroup_as_read(*r.program, keygroup);
+	outcome result;
+	if (read >= 0) {
+		box_keeper keeper;
+		const line_watch watch;
+		forget_stop();
+		r.model->del_keygroup(r.index, read);
+		result = end_of_operation(&keeper, watch);
+	}
+	if (result.done())
+		remove_keygroup(r.program, keygroup, read >= 0);
+	result.line = result.done() ? format_text("Deleted keygroup %d of ", keygroup + 1) +
+					      quoted(which.name) + "."
+				    : format_text("Keygroup %d was not deleted.", keygroup + 1);
+	return one_box(result);
+}
+
+// ---- To the sampler -----------------------------------------------------------------------------------------
+
+std::vector<std::string> samples_of(const _program &program)
+{
+	std::vector<std::string> names;
+	for (int k = 0; k < std::clamp(program.keygroups, 0, max_keygroups); k++)
+		for (int z = 0; z < std::clamp(program.keygroup[k].keyzones, 0, max_keyzones);
+			z++) {
+			const std::string name =
+				without_end_blanks(program.keygroup[k].keyzone[z].samplename);
+			if (!name.empty() &&
+				std::find(names.begin(), names.end(), name) == names.end())
+				names.push_back(name);
+		}
+	return names;
+}
+
+bool is_loaded_sample(const std::string &name)
+{
+	for (const std::string &loaded : loaded_names())
+		if (without_end_blanks(loaded) == without_end_blanks(name))
+			return true;
+	return false;
+}
+
+std::vector<std::string> required_files(const _program &program)
+{
+	std::vector<std::string> paths;
+	for (const std::string &name : samples_of(program)) {
+		const std::string path = wave_path_of(spool_folder() + "\\" + file_name_of(name));
+		file_info info;
+		if (host.files->stat(path.c_str(), &info) == 0 && info.regular) {
+			log_line("Found valid sample: [%s]\r\n", path.c_str());
+			paths.push_back(path);
+		}
+	}
+	return paths;
+}
+
+// "a, b, c and 12 more".
+static std::string first_of(const std::vector<std::string> &names)
+{
+	constexpr std::size_t shown = 8;
+	std::string text;
+	for (std::size_t i = 0; i < std::min(names.size(), shown); i++)
+		text += (i ? ", " : "") + names[i];
+	return names.size() > shown ? text + format_text(" and %zu more", names.size() - shown)
+				    : text;
+}
+
+// Nothing is lost on the way, or the user knows what is.
+static bool may_carry(const _program &program, const _sampler_type &model)
+{
+	const std::vector<std::string> lost = not_carried(program, model);
+	return lost.empty() ||
+	       ask_box("WARNING",
+		       "'%s' holds what an %s does not know, and what would stay behind: %s.\n"
+		       "Upload it all the same?",
+		       program.name, model.sampler_brand, first_of(lost).c_str());
+}
+
+outcome upload_program(const _program &program)
+{
+	outcome why;
+	const _sampler_type *model = loaded_model(&why);
+	if (!model)
+		return why;
+	log_line("[D] REQUEST FOR UPLOADING [%s]\r\n", program.name);
+	if (!model->saveprogram)
+		return { .how = ending::refused, .words = not_supported, .caption = "FATAL" };
+	const std::string name = without_end_blanks(program.name);
+	if (!may_carry(program, *model))
+		return { .how = ending::stopped, .line = quoted(name) + " was not sent." };
+	const outcome ready = have_program_list();
+	if (!ready.done())
+		return ready;
+	const std::size_t before = loaded_programs().size();
+	const auto copy = std::make_unique<_program>(program); // sending changes it
+	copy_text(copy->name, name);
+	outcome result = send_record(*model, 0, copy.get(), copy.get());
+	const outcome read = read_programs_again();
+	if (result.done() && !can_look(read))
+		result = unknown_end(read, quoted(name) + " has arrived");
+	else if (result.done() && loaded_programs().size() <= before && find_renamed(name, -1) < 0)
+		result = { .how = ending::refused,
+			.words = "The sampler does not list " + quoted(name) +
+				 ", so it did not keep it." };
+	if (result.done() && result.line.empty())
+		result.line = "Uploaded " + quoted(name) + ".";
+	return one_box(result);
+}
+
+// ---- Queues ---------------------------------------------------------------------------------------------
+
+// Ends at a dead line, at Stop, and at the same trouble twice in a row.
+static outcome run_queue(const std::vector<std::string> &names, const char *done_word,
+	const std::function<outcome(const std::string &)> &work)
+{
+	outcome last;
+	std::string failed, before;
+	int done = 0;
+	for (const std::string &name : names) {
+		last = work(name);
+		const std::string trouble = last.done()         ? ""
+					    : last.told.empty() ? last.words
+								: last.told.back().text;
+		done += last.done();
+		if (!last.done())
+			failed += "\n" + quoted(file_name_of(name.substr(name.rfind('\\') + 1))) +
+				  (trouble.empty() ? "" : ": " + trouble);
+		if (last.how == ending::no_answer || last.how == ending::stopped ||
+			(!last.done() && trouble == before))
+			break;
+		before = trouble;
+	}
+	const int all = static_cast<int>(names.size());
+	outcome verdict = { .how = done == all   ? ending::done
+				   : last.done() ? ending::refused
+						 : last.how,
+		.caption = done == all ? "INFO" : "WARNING",
+		.line = format_text("%d of %d samples were %s.", done, all, done_word) };
+	if (!failed.empty() || done < all)
+		verdict.words = verdict.line + failed;
+	return verdict;
+}
+
+outcome upload_files(const std::vector<std::string> &paths)
+{
+	if (paths.empty())
+		return {};
+	return run_queue(paths, "uploaded", [](const std::string &path) {
+		return upload_sample(path.substr(0, path.size() - 4));
+	});
+}
+
+outcome download_program(const program_entry &which)
+{
+	outcome ready = have_program_list();
+	const int at = ready.done() ? place_of(which) : -1;
+	if (ready.done() && at < 0)
+		ready = { .how = ending::refused,
+			.words = quoted(which.name) + " is not on the sampler any more." };
+	if (!ready.done())
+		return ready;
+	auto copy = std::make_unique<_program>(current_sampler->status->program[at]);
+	copy_text(copy->name, without_end_blanks(copy->name));
+	copy->sampler_type = static_cast<i32>(current_sampler->sampler_type);
+	outcome kept = keep_program(*copy);
+	if (!kept.done())
+		return kept;
+	work_queue queue;
+	std::vector<std::string> missing;
+	const std::vector<std::string> loaded = loaded_names();
+	for (const std::string &name : samples_of(*copy)) {
+		const auto found = std::find_if(loaded.begin(), loaded.end(),
+			[&](const auto &one) { return without_end_blanks(one) == name; });
+		if (found == loaded.end())
+			missing.push_back(name);
+		else if (!in_spool(*found))
+			queue.push_back({ .name = *found });
+	}
+	outcome verdict = queue.empty() ? outcome{} : download_samples(&queue);
+	verdict.words = kept.words + (verdict.words.empty() ? "" : "\n" + verdict.words);
+	if (!missing.empty())
+		verdict.words += "\nNot on the sampler: " + first_of(missing);
+	verdict.line = verdict.done() ? "Downloaded " + quoted(which.name) + "." : verdict.line;
+	return verdict;
+}
+
+} // namespace velmor

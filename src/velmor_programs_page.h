@@ -1,0 +1,37 @@
+// velmor_programs_page.h - what the files of the program manager share
+//
+// Knows nothing of: toolkits, models.
+
+#pragma once
+#include "src/velmor_forms.h"
+#include "src/velmor_window.h"
+
+namespace velmor
+{
+
+// ---- The page (velmor_programs_page.cpp) --------------------------------------------------------
+
+// The program that is shown, of the sampler or of this computer; null for none.
+_program *shown_program();
+bool shown_is_local();
+// A sample that a shown program names is not where the program is.
+bool sample_missing(const std::string &name);
+// Choose a keygroup and a zone of the shown program.
+void choose_place(int keygroup, int keyzone);
+void forget_program_page();
+
+// ---- Pictures and notes (velmor_programs_views.cpp) ------------------------------------------------
+
+void show_key_map();
+void show_envelopes();
+void open_adsr_form();
+void stop_test_note();
+void change_adsr_form(int row, form_event event, int value);
+void change_key_map(key_map_event event, int group, int zone, int value, int amount);
+void drag_envelope(int control, envelope_event event, int index, int value);
+template <int control> void change_envelope(envelope_event event, int index, int value)
+{
+	drag_envelope(control, event, index, value);
+}
+
+} // namespace velmor

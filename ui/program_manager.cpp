@@ -334,6 +334,13 @@ static QBoxLayout *make_tab_line(top_window *window)
 	return row;
 }
 
+// A tab says which keygroup or keyzone it shows.
+static void name_tab(int tab, const QString &chosen)
+{
+	if (auto *bar = qobject_cast<QTabBar *>(find_control(window_programs, programs_tabs)))
+		bar->setTabText(tab, chosen.isEmpty() ? tabs[tab].name : chosen);
+}
+
 // Which keygroup and keyzone the form is of.
 static QBoxLayout *make_choices(top_window *window)
 {
@@ -341,6 +348,9 @@ static QBoxLayout *make_choices(top_window *window)
 	for (const int control : { programs_keygroup_list, programs_keyzone_list }) {
 		QComboBox *choice = make_choice(window, control);
 		choice->setMinimumContentsLength(10);
+		const int tab = control == programs_keygroup_list ? tab_keygroup : tab_keyzone;
+		QObject::connect(choice, &QComboBox::currentTextChanged, choice,
+			[tab](const QString &chosen) { name_tab(tab, chosen); });
 		row->addWidget(choice);
 	}
 	told_label *facts = make_text(window, programs_keygroup_facts);
@@ -395,9 +405,7 @@ static QWidget *make_envelopes(top_window *window)
 		{ programs_amp_envelope, programs_filter_envelope, programs_aux_envelope }) {
 		const QString name = caption_of(window->id, control);
 		column->addWidget(make_title(name, 1.1, true, all));
-		const caption_row *words = find_caption(window->id, control);
-		auto *curve = new envelope_curve(window->id, control,
-			words && words->empty ? QString::fromUtf8(words->empty) : QString(), all);
+		auto *curve = new envelope_curve(window->id, control, "No keygroup chosen", all);
 		enroll(window->id, control, curve);
 		column->addWidget(curve);
 	}
@@ -474,9 +482,7 @@ static QBoxLayout *make_below(top_window *window)
 	auto *column = new QVBoxLayout;
 	column->setContentsMargins(margin_side, 0, margin_side, margin_above);
 	column->setSpacing(between_controls);
-	const caption_row *words = find_caption(window->id, programs_key_map);
-	auto *map = new key_map(window->id, programs_key_map,
-		words && words->empty ? QString::fromUtf8(words->empty) : QString(), window);
+	auto *map = new key_map(window->id, programs_key_map, "No program chosen", window);
 	enroll(window->id, programs_key_map, map);
 	column->addWidget(map, 1);
 	column->addLayout(make_foot(window));

@@ -113,7 +113,7 @@ static bool can_look(const outcome &read)
 	return read.done() || (read.how == ending::no_answer && !the_lists.programs.silent);
 }
 
-static outcome read_programs_again()
+outcome read_programs_again()
 {
 	std::vector<kept_edit> edited = take_edited();
 	outcome read = read_program_list();
@@ -257,6 +257,9 @@ outcome delete_program(const program_entry &which)
 	const outcome end = end_of_operation(&keeper, watch);
 	const outcome read = read_programs_again();
 	if (!can_look(read)) {
+		_program &place = current_sampler->status->program[r.index];
+		place = *copy;
+		move_edits(*copy, place);
 		outcome unknown = unknown_end(read, quoted(which.name) + " was deleted");
 		unknown.told = end.told;
 		return unknown;

@@ -24,6 +24,8 @@ std::string without_end_blanks(std::string name);
 std::vector<std::string> loaded_programs();
 // The list of programs, read anew unless it is fresh.
 outcome have_program_list();
+// Read the list; edits that are not sent stay with their programs.
+outcome read_programs_again();
 
 // Send a loaded program as it stands in memory ("Life Update"). Sending changes the record.
 outcome save_program(const program_entry &which);

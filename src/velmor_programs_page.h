@@ -4,6 +4,7 @@
 
 #pragma once
 #include "src/velmor_forms.h"
+#include "src/velmor_programs.h"
 #include "src/velmor_window.h"
 
 namespace velmor
@@ -19,6 +20,23 @@ bool sample_missing(const std::string &name);
 // Choose a keygroup and a zone of the shown program.
 void choose_place(int keygroup, int keyzone);
 void forget_program_page();
+
+// What is chosen in the lists; index -1 for nothing.
+program_entry chosen_on_sampler();
+program_entry chosen_on_computer();
+// Show an entry of a list.
+void choose_program(bool local, int index);
+// The shown program once more, with another number of keygroups.
+void show_program_again();
+// The next filling shows the computer's program that is chosen.
+void show_local_side();
+// Fill both lists from what is known, choose these, or what stands in their places now, and show
+// the program that is chosen then.
+void fill_lists(const program_entry &loaded, const program_entry &local);
+// Of what the tab in front shows.
+void show_title();
+void show_zone_sample(const _program &program, int keygroup, int keyzone);
+std::string facts_of(const _program &program, int keygroup);
 
 // ---- Pictures and notes (velmor_programs_views.cpp) ------------------------------------------------
 

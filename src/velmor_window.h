@@ -62,7 +62,7 @@ struct window_rows {
 extern const window_rows main_rows, settings_rows, sampler_rows; // velmor_setup.cpp
 extern const window_rows usb_rows;                               // velmor_usb.cpp
 extern const window_rows samples_rows;                           // velmor_samples_page.cpp
-extern const window_rows programs_rows;                          // velmor_programs_page.cpp
+extern const window_rows programs_rows;                          // velmor_programs_commands.cpp
 extern const window_rows multis_rows;                            // velmor_multis.cpp
 extern const window_rows status_rows;                            // velmor_status.cpp
 

@@ -423,13 +423,13 @@ TEST_F(samples, import_stops_at_the_first_file_that_fails)
 	press(samples_import);
 	const lines dropped = { user_file("one.wav", 1, 50), bad, user_file("two.wav", 1, 50) };
 	EXPECT_TRUE(velmor_drop(window_samples, samples_local_list, dropped));
-	EXPECT_EQ(
-		h.boxes, (boxes{ { "No file(s) selected!", "ERROR" },
-				 { "Conversion failed! [" + h.root +
-						 "/bad.wav] (2/3)\nThis is no WAV file: it does not begin "
-						 "with \"RIFF\" and \"WAVE\". Save it as a WAV "
-						 "file first.",
-					 "ERROR" } }));
+	EXPECT_EQ(h.boxes,
+		(boxes{ { "No file(s) selected!", "ERROR" },
+			{ "Conversion failed! [" + h.root +
+					"/bad.wav] (2/3)\nThis is no WAV file: it does not begin "
+					"with \"RIFF\" and \"WAVE\". Save it as a WAV "
+					"file first.",
+				"ERROR" } }));
 	EXPECT_FALSE(h.progress.visible);
 	EXPECT_TRUE(h.content(spooled("one.wav")));
 	EXPECT_FALSE(h.content(spooled("two.wav")));

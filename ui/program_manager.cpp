@@ -313,10 +313,12 @@ void show_unsent(const QString &words)
 	}
 }
 
+static constexpr QLatin1String not_loaded("(not loaded)");
+
 void mark_missing(QComboBox *box)
 {
 	for (int i = 0; i < box->count(); i++)
-		if (box->itemText(i).endsWith("(not loaded)"))
+		if (box->itemText(i).endsWith(not_loaded))
 			box->setItemData(i, role_color(box->palette(), text_role::failed),
 				Qt::ForegroundRole);
 }
@@ -359,6 +361,13 @@ static QBoxLayout *make_choices(top_window *window)
 	QComboBox *sample = make_choice(window, programs_zone_sample);
 	sample->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
 	sample->setMinimumContentsLength(14);
+	QObject::connect(sample, &QComboBox::currentTextChanged, sample, [sample] {
+		QPalette colors = QApplication::palette();
+		if (sample->currentText().endsWith(not_loaded))
+			colors.setColor(
+				QPalette::ButtonText, role_color(colors, text_role::failed));
+		sample->setPalette(colors);
+	});
 	row->addWidget(sample, 1);
 	row->addWidget(make_check(window, apply_to_keygroups));
 	row->addWidget(make_check(window, apply_to_keyzones));

@@ -23,6 +23,7 @@
 #include <QMouseEvent>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QTabBar>
 #include <QTimer>
 #include <QUrl>
 #include <algorithm>
@@ -63,6 +64,8 @@ static void picture(int window, const char *name, int scale = 1)
 		widget->resize(976, 700);
 	if (window == window_main)
 		widget->resize(992, 600);
+	if (window == window_programs)
+		widget->resize(1280, 860);
 	// What was told to the layouts arrives in several rounds.
 	for (int round = 0; round < 4; round++)
 		QApplication::processEvents();
@@ -511,6 +514,72 @@ static void look_at_usb()
 	press(window_usb, control_cancel);
 }
 
+// ---- Programs -----------------------------------------------------------------------------------
+
+static std::string unsent()
+{
+	return host.ui->get_text(window_programs, programs_unsent);
+}
+
+// The last key of a keygroup of the program that is shown.
+static int high_note_of(int keygroup)
+{
+	const _dev_status *status = current_sampler ? current_sampler->status : nullptr;
+	return status && current_pgm_index >= 0 && current_pgm_index < status->programs
+		       ? status->program[current_pgm_index].keygroup[keygroup].high_note
+		       : -1;
+}
+
+static void show_tab(int tab)
+{
+	auto *bar = qobject_cast<QTabBar *>(find_widget(window_programs, programs_tabs));
+	click_at(bar, bar->tabRect(tab).center());
+}
+
+static void type_key(QWidget *widget, int key, Qt::KeyboardModifiers modifiers)
+{
+	widget->setFocus();
+	QKeyEvent down(QEvent::KeyPress, key, modifiers);
+	QApplication::sendEvent(widget, &down);
+}
+
+// One key less for the first keygroup, taken back and made again, sent, and read anew.
+static void edit_program_on(const std::string &name, const char *pictured)
+{
+	step(("Edit a program of the " + name + ", send it and read it back").c_str());
+	press(window_main, main_programs);
+	const std::vector<std::string> names = names_in(window_programs, programs_loaded_list);
+	check(!names.empty(), format_text("the list shows its %zu programs", names.size()));
+	if (names.empty())
+		return;
+	choose(window_programs, programs_loaded_list, names.front());
+	press(window_programs, programs_information);
+	show_tab(1);
+	const int before = high_note_of(0);
+	type_key(find_widget(window_programs, programs_key_map), Qt::Key_Left, Qt::ShiftModifier);
+	check(high_note_of(0) == before - 1 && unsent() == "1 change unsent",
+		"its first keygroup ends a key lower, unsent");
+	press(window_programs, programs_undo);
+	check(high_note_of(0) == before && unsent().empty(), "undone, nothing is unsent");
+	press(window_programs, programs_redo);
+	picture(window_programs, pictured);
+	press(window_programs, programs_life_update);
+	check(unsent().empty(), "it was sent");
+	press(window_programs, programs_refresh);
+	check(high_note_of(0) == before - 1, "the sampler holds it as it was sent");
+}
+
+static void picture_programs()
+{
+	show_tab(3);
+	picture(window_programs, "programs-envelopes");
+	show_tab(1);
+	use_palette(true);
+	picture(window_programs, "programs-dark");
+	use_palette(false);
+	picture(window_programs, "programs-200", 2);
+}
+
 int run_journey(const journey &trip)
 {
 	the_trip = &trip;
@@ -534,12 +603,15 @@ int run_journey(const journey &trip)
 	rename_one();
 	delete_one();
 	look_closer();
+	edit_program_on(trip.name, "programs");
+	picture_programs();
 	look_at_usb();
 	for (const usb_stop &stop : trip.usb) {
 		load_usb(stop);
 		stop_download([&stop] { return names_on(stop); });
 		replug(stop);
 		transfer_usb(stop);
+		edit_program_on(stop.name, "programs-usb");
 	}
 	picture(window_multis, "multis-usb");
 	std::printf("WAV files: %s\nScreenshots: %s\n",

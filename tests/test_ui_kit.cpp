@@ -205,7 +205,7 @@ TEST_F(kit, every_control_has_a_name_and_no_two_of_a_window_are_alike)
 {
 	std::size_t counted = 0;
 	for (const int window : { window_main, window_settings, window_sampler, window_usb,
-		     window_multis, window_samples, window_progress }) {
+		     window_multis, window_samples, window_programs, window_progress }) {
 		host.ui->show(window, 0, true);
 		for (auto *fold : at(window, 0)->findChildren<QToolButton *>())
 			fold->setChecked(true);

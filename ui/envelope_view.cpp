@@ -176,7 +176,7 @@ void envelope_curve::mousePressEvent(QMouseEvent *event)
 	moved_index = -1;
 	if (grabbed < 0)
 		return;
-	const point &p = points_of(view.values)[static_cast<std::size_t>(grabbed)];
+	const point p = points_of(view.values)[static_cast<std::size_t>(grabbed)];
 	chosen = p.across >= 0 ? p.across : p.up;
 	update();
 }

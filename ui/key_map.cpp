@@ -3,7 +3,7 @@
 // A keygroup is a bar over its keys, and its zones are bands of velocity above the bar. What
 // would lie over each other shares the room. The mouse chooses, drags the edges of what is
 // chosen, and plays the keys: harder the lower a key is hit. A note ends whatever happens to the
-// mouse; while the system cannot take that, it is told again a little later.
+// mouse.
 
 #include "ui/key_map.h"
 #include "src/resource.h"
@@ -20,8 +20,7 @@
 namespace velmor
 {
 
-static constexpr int whites_of_all = 75, bar_height = 20, key_height = 58, left_room = 38, grip = 5,
-		     retry_ms = 20, tenfold = 10;
+static constexpr int whites_of_all = 75, bar_height = 20, key_height = 50, left_room = 38, grip = 5;
 static constexpr int key_velocity = 100; // of a note that the computer's keys play
 
 key_map::key_map(int window, int control, const QString &said, QWidget *parent)
@@ -29,16 +28,14 @@ key_map::key_map(int window, int control, const QString &said, QWidget *parent)
 {
 	setMouseTracking(true);
 	setFocusPolicy(Qt::StrongFocus);
-	setMinimumHeight(144);
-	setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
-	release_again.setInterval(retry_ms);
-	connect(&release_again, &QTimer::timeout, this, [this] { tell_release(); });
+	setMinimumHeight(168);
+	setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
 	show_view(nullptr);
 }
 
 QSize key_map::sizeHint() const
 {
-	return { 720, 208 };
+	return { 720, 176 };
 }
 
 // ---- What is shown ----------------------------------------------------------------------------
@@ -440,31 +437,19 @@ void key_map::drag_to(key_map_event which, int value)
 
 void key_map::press_key(int note, int velocity)
 {
-	if (note == sounding || !view.takes_notes)
+	if (note == sounding_note || !view.takes_notes)
 		return;
 	release_key();
-	if (note >= 0 && !release_again.isActive() &&
-		velmor_key_map(window_id, control_id, key_map_event::note_on, view.group, view.zone,
-			note, velocity))
-		sounding = note;
+	if (note >= 0 && velmor_key_map(window_id, control_id, key_map_event::note_on, view.group,
+				 view.zone, note, velocity))
+		sounding_note = note;
 }
 
 void key_map::release_key()
 {
-	if (sounding >= 0)
-		tell_release();
-}
-
-// Work that runs refuses everything, and the note must end all the same.
-void key_map::tell_release()
-{
-	if (velmor_key_map(window_id, control_id, key_map_event::note_off, view.group, view.zone,
-		    sounding, 0)) {
-		sounding = -1;
-		release_again.stop();
-	} else if (!release_again.isActive()) {
-		release_again.start();
-	}
+	if (sounding_note >= 0)
+		tell(key_map_event::note_off, view.group, view.zone,
+			std::exchange(sounding_note, -1));
 }
 
 void key_map::end_movement()
@@ -509,7 +494,7 @@ void key_map::mouseMoveEvent(QMouseEvent *event)
 				  : Qt::SizeVerCursor);
 		return;
 	}
-	if (sounding >= 0) {
+	if (sounding_note >= 0) {
 		const int note = key_at(at);
 		if (note < 0)
 			release_key();

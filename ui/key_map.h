@@ -6,7 +6,6 @@
 #pragma once
 #include "platform/ui.h"
 #include <QPixmap>
-#include <QTimer>
 #include <QWidget>
 
 namespace velmor
@@ -24,6 +23,7 @@ public:
 	QRectF group_bar(int group) const;
 	QRectF zone_band(int group, int zone) const;
 	QPointF on_key(int note, int velocity) const;
+	int sounding() const { return sounding_note; } // -1: none
 	// How often the picture was painted whole: dragging an edge leaves most of it as it is.
 	int times_painted_whole() const { return painted_whole; }
 
@@ -76,7 +76,6 @@ private:
 	void step(int key, bool low, int by);
 	void press_key(int note, int velocity);
 	void release_key();
-	void tell_release();
 	void tell(key_map_event event, int group, int zone, int value = 0, int amount = 0) const;
 
 	void arrange();
@@ -105,8 +104,7 @@ private:
 	QPixmap whole;
 	int painted_whole = 0;
 	edge dragged = { key_map_event::choose, 0 };
-	int sounding = -1; // the note that was begun here
-	QTimer release_again;
+	int sounding_note = -1; // that was begun here
 };
 
 } // namespace velmor

@@ -153,6 +153,7 @@ static QLayout *make_side_buttons(top_window *window, const side &s)
 			return;
 		tell_apart(button, caption_of(window->id, s.list));
 		button->setFlat(true);
+		button->setFixedHeight(field_height);
 		grid->addWidget(button, place / 2, place % 2);
 		place++;
 	};
@@ -173,8 +174,15 @@ static QBoxLayout *make_side(top_window *window, const side &s)
 	column->setSpacing(4);
 	entry_list *list = make_side_list(window, s);
 	QPushButton *refresh = s.refresh ? make_button(window, s.refresh) : nullptr;
-	column->addLayout(make_heading(window, s.list, s.heading, s.picture, refresh));
-	column->addWidget(make_search(window, s.search, list));
+	QLayout *heading = make_heading(window, s.list, s.heading, s.picture, refresh);
+	QLineEdit *search = make_search(window, s.search, list);
+	auto *head = new QHBoxLayout;
+	head->addLayout(heading, 1);
+	column->addLayout(head);
+	if (refresh)
+		column->addWidget(search);
+	else
+		head->addWidget(search, 1);
 	column->addWidget(list, 1);
 	column->addLayout(make_side_buttons(window, s));
 	return column;
@@ -305,10 +313,12 @@ void show_unsent(const QString &words)
 	}
 }
 
+static constexpr QLatin1String not_loaded("(not loaded)");
+
 void mark_missing(QComboBox *box)
 {
 	for (int i = 0; i < box->count(); i++)
-		if (box->itemText(i).endsWith("(not loaded)"))
+		if (box->itemText(i).endsWith(not_loaded))
 			box->setItemData(i, role_color(box->palette(), text_role::failed),
 				Qt::ForegroundRole);
 }
@@ -326,6 +336,13 @@ static QBoxLayout *make_tab_line(top_window *window)
 	return row;
 }
 
+// A tab says which keygroup or keyzone it shows.
+static void name_tab(int tab, const QString &chosen)
+{
+	if (auto *bar = qobject_cast<QTabBar *>(find_control(window_programs, programs_tabs)))
+		bar->setTabText(tab, chosen.isEmpty() ? tabs[tab].name : chosen);
+}
+
 // Which keygroup and keyzone the form is of.
 static QBoxLayout *make_choices(top_window *window)
 {
@@ -333,6 +350,9 @@ static QBoxLayout *make_choices(top_window *window)
 	for (const int control : { programs_keygroup_list, programs_keyzone_list }) {
 		QComboBox *choice = make_choice(window, control);
 		choice->setMinimumContentsLength(10);
+		const int tab = control == programs_keygroup_list ? tab_keygroup : tab_keyzone;
+		QObject::connect(choice, &QComboBox::currentTextChanged, choice,
+			[tab](const QString &chosen) { name_tab(tab, chosen); });
 		row->addWidget(choice);
 	}
 	told_label *facts = make_text(window, programs_keygroup_facts);
@@ -341,6 +361,13 @@ static QBoxLayout *make_choices(top_window *window)
 	QComboBox *sample = make_choice(window, programs_zone_sample);
 	sample->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
 	sample->setMinimumContentsLength(14);
+	QObject::connect(sample, &QComboBox::currentTextChanged, sample, [sample] {
+		QPalette colors = QApplication::palette();
+		if (sample->currentText().endsWith(not_loaded))
+			colors.setColor(
+				QPalette::ButtonText, role_color(colors, text_role::failed));
+		sample->setPalette(colors);
+	});
 	row->addWidget(sample, 1);
 	row->addWidget(make_check(window, apply_to_keygroups));
 	row->addWidget(make_check(window, apply_to_keyzones));
@@ -387,9 +414,7 @@ static QWidget *make_envelopes(top_window *window)
 		{ programs_amp_envelope, programs_filter_envelope, programs_aux_envelope }) {
 		const QString name = caption_of(window->id, control);
 		column->addWidget(make_title(name, 1.1, true, all));
-		const caption_row *words = find_caption(window->id, control);
-		auto *curve = new envelope_curve(window->id, control,
-			words && words->empty ? QString::fromUtf8(words->empty) : QString(), all);
+		auto *curve = new envelope_curve(window->id, control, "No keygroup chosen", all);
 		enroll(window->id, control, curve);
 		column->addWidget(curve);
 	}
@@ -460,11 +485,25 @@ static void add_shortcuts(top_window *window)
 	add_shortcut(window, QKeySequence::Find, Qt::WindowShortcut, find_in_list);
 }
 
+// Always to be seen, whatever scrolls above it.
+static QBoxLayout *make_below(top_window *window)
+{
+	auto *column = new QVBoxLayout;
+	column->setContentsMargins(margin_side, 0, margin_side, margin_above);
+	column->setSpacing(between_controls);
+	auto *map = new key_map(window->id, programs_key_map, "No program chosen", window);
+	enroll(window->id, programs_key_map, map);
+	column->addWidget(map, 1);
+	column->addLayout(make_foot(window));
+	return column;
+}
+
 void create_program_manager(QWidget *owner)
 {
 	auto *window = new top_window(window_programs, control_cancel, owner);
 	window->enter_command = 0;
 	QBoxLayout *column = scrolled_column(window);
+	column->setContentsMargins(margin_side, margin_above, margin_side, 0);
 	auto *both = new QHBoxLayout;
 	both->setSpacing(between_panels);
 	QWidget *lists = make_lists(window);
@@ -472,12 +511,8 @@ void create_program_manager(QWidget *owner)
 	both->addWidget(lists);
 	both->addWidget(make_program(window), 1);
 	column->addLayout(both, 1);
-	const caption_row *words = find_caption(window->id, programs_key_map);
-	auto *map = new key_map(window->id, programs_key_map,
-		words && words->empty ? QString::fromUtf8(words->empty) : QString(), window);
-	enroll(window->id, programs_key_map, map);
-	column->addWidget(map);
-	column->addLayout(make_foot(window));
+	window->content->setStretch(0, 3);
+	window->content->addLayout(make_below(window), 1);
 	window->finish();
 	show_program_tab(0);
 	add_shortcuts(window);

@@ -12,6 +12,7 @@
 #include <QSlider>
 #include <QStyleFactory>
 #include <QStyleOption>
+#include <QTabBar>
 #include <cmath>
 
 namespace velmor
@@ -182,6 +183,16 @@ static void draw_choice(const QStyleOptionComboBox *option, QPainter *painter)
 			on ? QPalette::Dark : QPalette::ButtonText));
 }
 
+// The chosen one has a line of the accent under it.
+static void draw_tab(const QStyleOption *option, QPainter *painter)
+{
+	const QRect &place = option->rect;
+	const bool chosen = has(option, QStyle::State_Selected);
+	if (chosen || has(option, QStyle::State_MouseOver))
+		painter->fillRect(QRect(place.left(), place.bottom() - 2, place.width(), 3),
+			option->palette.color(chosen ? QPalette::Link : QPalette::Mid));
+}
+
 // ---- Sliders and bars -----------------------------------------------------------------------------
 
 // The accent runs from zero, or from the low end where zero is none of its values.
@@ -331,6 +342,8 @@ void flat_style::drawControl(ControlElement element, const QStyleOption *option,
 			return QProxyStyle::drawControl(element, &quiet, painter, widget);
 		}
 		break;
+	case CE_TabBarTabShape:
+		return draw_tab(option, painter);
 	case CE_ProgressBarGroove:
 		return draw_progress(bar, painter, option->palette.color(QPalette::Midlight), 1);
 	case CE_ProgressBarContents:
@@ -408,6 +421,9 @@ QSize flat_style::sizeFromContents(ContentsType type, const QStyleOption *option
 	case CT_ComboBox:
 		all.setHeight(std::max(field_height, words + 10));
 		return all;
+	case CT_TabBarTab:
+		all.setHeight(std::max(tab_height, words + 12));
+		return all;
 	case CT_HeaderSection:
 		all.setHeight(std::max(header_height, words + 10));
 		return all;
@@ -436,6 +452,9 @@ int flat_style::pixelMetric(
 	case PM_SliderLength:
 	case PM_SliderThickness:
 		return icon_size;
+	case PM_TabBarTabShiftVertical:
+	case PM_TabBarTabShiftHorizontal:
+	case PM_TabBarTabOverlap:
 	case PM_ButtonShiftHorizontal:
 	case PM_ButtonShiftVertical:
 		return 0;
@@ -470,7 +489,8 @@ QIcon flat_style::standardIcon(
 
 void flat_style::polish(QWidget *widget)
 {
-	if (qobject_cast<QAbstractButton *>(widget) || qobject_cast<QScrollBar *>(widget))
+	if (qobject_cast<QAbstractButton *>(widget) || qobject_cast<QScrollBar *>(widget) ||
+		qobject_cast<QTabBar *>(widget))
 		widget->setAttribute(Qt::WA_Hover);
 	QProxyStyle::polish(widget);
 }

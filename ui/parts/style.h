@@ -14,7 +14,7 @@ namespace velmor
 inline constexpr int margin_side = 16, margin_above = 12, between_panels = 16, between_controls = 8,
 		     row_height = 24, header_height = 26, two_line_height = 48,
 		     form_row_height = 28, field_height = 26, button_height = 28,
-		     main_button_height = 32, status_height = 32, icon_size = 16,
+		     main_button_height = 32, tab_height = 34, status_height = 32, icon_size = 16,
 		     big_icon_size = 24, corner = 4, card_corner = 6;
 
 class flat_style : public QProxyStyle

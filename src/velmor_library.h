@@ -53,6 +53,8 @@ std::string program_folder();
 // Bring local_pgm in line with the folder. Programs with edits that are not saved stay as they
 // are. What a file was refused for is told; its program is not listed.
 outcome load_local_programs();
+// Forget them and their files; for tests.
+void forget_local_programs();
 // The file of a listed program, "" before it has one.
 std::string file_of_program(const _program &program);
 // Write a listed program to its file, or to a free name.

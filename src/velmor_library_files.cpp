@@ -131,6 +131,15 @@ static void forget_program(const _program &program)
 	program_files.erase(&program);
 }
 
+void forget_local_programs()
+{
+	for (const program_pointer &program : local_pgm)
+		forget_edits(*program);
+	program_files.clear();
+	local_pgm.clear();
+	local_pgms = 0;
+}
+
 // As the file has it, unless edits wait for it to be written.
 static program_pointer load_one(const std::string &path, std::string *refused)
 {

@@ -31,9 +31,10 @@ static constexpr int needs_the_list[] = { programs_download, programs_loaded_del
 	programs_loaded_rename, programs_information, programs_upload, programs_life_update };
 
 static bool local_side;
-static std::vector<std::string> names_loaded, names_local;     // of the entries
-static std::vector<std::string> entries_loaded, entries_local; // as the lists show them
-static std::set<std::string> samples_there;                    // that the sampler holds
+static std::vector<std::string> names_loaded, names_local; // of the entries
+using list_rows = std::vector<std::vector<std::string>>;
+static list_rows entries_loaded, entries_local; // as the lists show them
+static std::set<std::string> samples_there;     // that the sampler holds
 
 void forget_program_page()
 {
@@ -131,33 +132,35 @@ static std::string changes_words(int count)
 	return count ? format_text("%d change%s unsent", count, count == 1 ? "" : "s") : "";
 }
 
-static std::string entry_words(const std::string &name, const _program &program)
+// The name, and how many keygroups.
+static std::vector<std::string> entry_of(const std::string &name, const _program &program)
 {
 	const int unsent = unsent_changes(program).all();
-	return unsent ? name + format_text(" (%d unsent)", unsent) : name;
+	return { unsent ? name + format_text(" (%d unsent)", unsent) : name,
+		std::to_string(program.keygroups) };
 }
 
 // A list is set only when it changes: it may be shown while a bar is dragged.
-static void set_entries(int list, std::vector<std::string> *shown, std::vector<std::string> now)
+static void set_entries(int list, list_rows *shown, list_rows now)
 {
 	if (*shown == now)
 		return;
 	const int chosen = host.ui->selection(window_programs, list);
 	*shown = std::move(now);
-	host.ui->set_list(window_programs, list, *shown);
+	host.ui->set_rows(window_programs, list, *shown);
 	if (chosen >= 0 && chosen < static_cast<int>(shown->size()))
 		host.ui->select(window_programs, list, chosen);
 }
 
 static void show_entries()
 {
-	std::vector<std::string> loaded, local;
+	list_rows loaded, local;
 	const _dev_status *dev = loaded_status();
 	for (std::size_t i = 0; i < names_loaded.size(); i++)
-		loaded.push_back(
-			dev ? entry_words(names_loaded[i], dev->program[i]) : names_loaded[i]);
+		loaded.push_back(dev ? entry_of(names_loaded[i], dev->program[i])
+				     : std::vector{ names_loaded[i] });
 	for (std::size_t i = 0; i < std::min(names_local.size(), local_pgm.size()); i++)
-		local.push_back(entry_words(names_local[i], *local_pgm[i]));
+		local.push_back(entry_of(names_local[i], *local_pgm[i]));
 	set_entries(programs_loaded_list, &entries_loaded, std::move(loaded));
 	set_entries(programs_local_list, &entries_local, std::move(local));
 }
@@ -168,7 +171,7 @@ static void show_unsent()
 	const int here = program ? unsent_changes(*program).all() : 0, all = unsent_changes();
 	host.ui->set_text(window_programs, programs_unsent, changes_words(here).c_str());
 	host.ui->set_role(
-		window_programs, programs_unsent, here ? text_role::careful : text_role::quiet);
+		window_programs, programs_unsent, here ? text_role::plain : text_role::quiet);
 	host.ui->set_text(window_programs, 0,
 		(all ? std::string(window_title) + " - " + changes_words(all) : window_title)
 			.c_str());
@@ -225,10 +228,20 @@ void show_zone_sample(const _program &program, int keygroup, int keyzone)
 	choose_entry(programs_zone_sample, items, index);
 }
 
+// What stands where the model has no form. One that it has takes the place.
+static void show_no_form(int form, const char *words)
+{
+	form_row row = {};
+	row.kind = row_kind::heading;
+	row.label = words;
+	host.ui->build_form(window_programs, form, { &row, 1 });
+}
+
 void edit_keyzone(_program *program, int keygroup, int keyzone)
 {
 	current_keyzone_index = keyzone;
 	const _sampler_type *model = get_sampler(edited_model());
+	show_no_form(form_of_keyzone, "Of a keyzone of this model only the sample is edited.");
 	if (model && model->assignvelocity)
 		model->assignvelocity(window_programs, current_pgm_index, keygroup, keyzone);
 	show_zone_sample(*program, keygroup, keyzone);
@@ -248,6 +261,8 @@ void edit_keygroup(_program *program, int keygroup, int keyzone)
 {
 	current_keygroup_index = keygroup;
 	const _sampler_type *model = get_sampler(edited_model());
+	show_no_form(form_of_keygroup, "Of a keygroup of this model only the keys are edited: drag "
+				       "its edges in the key map.");
 	if (model && model->assignvoice)
 		model->assignvoice(window_programs, current_pgm_index, keygroup, keyzone);
 	open_adsr_form();
@@ -272,6 +287,7 @@ void edit_program(_program *program, int index, int keygroup)
 	const int count = std::clamp(program->keygroups, 0, max_keygroups);
 	current_keygroup_index = std::clamp(keygroup, 0, std::max(count - 1, 0));
 	close_forms(window_programs);
+	show_no_form(form_of_program, "This model has no values of the program to edit.");
 	if (model && model->assignprog)
 		model->assignprog(window_programs, index, current_keygroup_index, 0);
 	choose_entry(programs_keygroup_list, numbered("Keygroup", count), current_keygroup_index);

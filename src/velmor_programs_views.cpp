@@ -57,14 +57,25 @@ static void start_test_note(int note, int velocity)
 
 // ---- The key map ----------------------------------------------------------------------------------
 
-static key_group_view group_view(const _keygroup &keygroup)
+// Some models do not tell the velocities of a zone; then each sounds at all of them.
+static bool tells_velocities(const _program &program)
+{
+	for (int k = 0; k < std::clamp(program.keygroups, 0, max_keygroups); k++)
+		for (const _keyzone &zone : program.keygroup[k].keyzone)
+			if (zone.high_velocity)
+				return true;
+	return false;
+}
+
+static key_group_view group_view(const _keygroup &keygroup, bool velocities)
 {
 	key_group_view view = { keygroup.low_note, keygroup.high_note, {} };
 	for (int z = 0; z < std::clamp(keygroup.keyzones, 0, max_keyzones); z++) {
 		const _keyzone &zone = keygroup.keyzone[z];
 		const std::string name = without_end_blanks(zone.samplename);
-		view.zones.push_back({ zone.low_velocity, zone.high_velocity, name,
-			!name.empty() && sample_missing(name) });
+		const int high = velocities ? zone.high_velocity : 127;
+		view.zones.push_back(
+			{ zone.low_velocity, high, name, !name.empty() && sample_missing(name) });
 	}
 	return view;
 }
@@ -80,8 +91,9 @@ void show_key_map()
 	}
 	key_map_view view = { {}, current_keygroup_index, current_keyzone_index, sounding_note,
 		sounding_velocity, can_sound() };
+	const bool velocities = tells_velocities(*program);
 	for (int k = 0; k < std::clamp(program->keygroups, 0, max_keygroups); k++)
-		view.groups.push_back(group_view(program->keygroup[k]));
+		view.groups.push_back(group_view(program->keygroup[k], velocities));
 	host.ui->set_key_map(window_programs, programs_key_map, &view);
 }
 

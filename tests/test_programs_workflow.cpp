@@ -25,22 +25,7 @@ constexpr int low_note = 3; // in the machine's block of a keygroup
 class programs : public host_test
 {
 protected:
-	programs()
-	{
-		forget_commands();
-		forget_edits();
-		local_pgm.clear();
-		local_pgms = 0;
-	}
-	~programs() override
-	{
-		h.on_pump = nullptr;
-		forget_edits();
-		forget_commands();
-		edits_changed = nullptr;
-		local_pgm.clear();
-		local_pgms = 0;
-	}
+	~programs() override { h.on_pump = nullptr; }
 	bool press(int control) { return velmor_command(window_programs, control); }
 	void choose(int list, int index)
 	{

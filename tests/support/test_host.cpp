@@ -3,6 +3,8 @@
 #include "tests/support/test_host.h"
 #include "platform/backends.h"
 #include "src/usbqx.h"
+#include "src/velmor_edits.h"
+#include "src/velmor_library.h"
 #include "src/velmor_outcome.h"
 #include "src/velmor_window.h"
 #include "src/waveqx.h"
@@ -115,57 +117,56 @@ static const clock_service test_clock = {
 		},
 };
 
-using place = std::pair<int, int>;
+using spot = std::pair<int, int>;
 
 // The row of a form; a test that names one that is not there is wrong.
 static form_row &form_row_of(int window, int form, int row)
 {
-	return the_test_host->forms.at(place(window, form)).at(static_cast<std::size_t>(row));
+	return the_test_host->forms.at(spot(window, form)).at(static_cast<std::size_t>(row));
 }
 
 static const ui_service test_ui = {
-	.set_text = [](int w, int c,
-			    const char *text) { the_test_host->texts[place(w, c)] = text; },
-	.get_text = [](int w, int c) { return the_test_host->texts[place(w, c)]; },
+	.set_text = [](int w, int c, const char *text) { the_test_host->texts[spot(w, c)] = text; },
+	.get_text = [](int w, int c) { return the_test_host->texts[spot(w, c)]; },
 	.set_list =
 		[](int w, int c, std::span<const std::string> items) {
-			the_test_host->lists[place(w, c)].assign(items.begin(), items.end());
-			the_test_host->selections[place(w, c)] = -1;
+			the_test_host->lists[spot(w, c)].assign(items.begin(), items.end());
+			the_test_host->selections[spot(w, c)] = -1;
 		},
-	.select = [](int w, int c, int index) { the_test_host->selections[place(w, c)] = index; },
+	.select = [](int w, int c, int index) { the_test_host->selections[spot(w, c)] = index; },
 	.selection =
 		[](int w, int c) {
-			auto found = the_test_host->selections.find(place(w, c));
+			auto found = the_test_host->selections.find(spot(w, c));
 			return found == the_test_host->selections.end() ? -1 : found->second;
 		},
-	.set_checked = [](int w, int c, bool on) { the_test_host->checks[place(w, c)] = on; },
-	.checked = [](int w, int c) { return the_test_host->checks[place(w, c)]; },
-	.show = [](int w, int c, bool on) { the_test_host->visible[place(w, c)] = on; },
-	.enable = [](int w, int c, bool on) { the_test_host->enabled[place(w, c)] = on; },
+	.set_checked = [](int w, int c, bool on) { the_test_host->checks[spot(w, c)] = on; },
+	.checked = [](int w, int c) { return the_test_host->checks[spot(w, c)]; },
+	.show = [](int w, int c, bool on) { the_test_host->visible[spot(w, c)] = on; },
+	.enable = [](int w, int c, bool on) { the_test_host->enabled[spot(w, c)] = on; },
 	.exists = [](int, int) { return true; },
 	.set_rows =
 		[](int w, int c, std::span<const std::vector<std::string>> rows) {
-			std::vector<std::string> &names = the_test_host->lists[place(w, c)];
+			std::vector<std::string> &names = the_test_host->lists[spot(w, c)];
 			names.clear();
 			for (const std::vector<std::string> &row : rows)
 				names.push_back(row.empty() ? "" : row.front());
-			the_test_host->rows[place(w, c)].assign(rows.begin(), rows.end());
-			the_test_host->selections[place(w, c)] = -1;
+			the_test_host->rows[spot(w, c)].assign(rows.begin(), rows.end());
+			the_test_host->selections[spot(w, c)] = -1;
 		},
 	.set_list_state =
 		[](int w, int c, list_state state, const char *words) {
-			the_test_host->states[place(w, c)] = { state, words };
+			the_test_host->states[spot(w, c)] = { state, words };
 		},
-	.set_role = [](int w, int c, text_role role) { the_test_host->roles[place(w, c)] = role; },
+	.set_role = [](int w, int c, text_role role) { the_test_host->roles[spot(w, c)] = role; },
 	.set_reason =
 		[](int w, int c, const char *why_not) {
-			the_test_host->enabled[place(w, c)] = !why_not;
-			the_test_host->reasons[place(w, c)] = why_not ? why_not : "";
+			the_test_host->enabled[spot(w, c)] = !why_not;
+			the_test_host->reasons[spot(w, c)] = why_not ? why_not : "";
 		},
-	.focus = [](int w, int c) { the_test_host->focus = place(w, c); },
+	.focus = [](int w, int c) { the_test_host->focus = spot(w, c); },
 	.set_bitmap =
 		[](int w, int c, const bitmap_view *view) {
-			auto &bits = the_test_host->bitmaps[place(w, c)];
+			auto &bits = the_test_host->bitmaps[spot(w, c)];
 			bits.clear();
 			if (view)
 				bits.assign(view->bits.begin(), view->bits.end());
@@ -173,15 +174,15 @@ static const ui_service test_ui = {
 	.set_waveform = [](int, int, const waveform_view *) {},
 	.set_key_map =
 		[](int w, int c, const key_map_view *view) {
-			the_test_host->key_maps[place(w, c)] = view ? *view : key_map_view();
+			the_test_host->key_maps[spot(w, c)] = view ? *view : key_map_view();
 		},
 	.set_envelope =
 		[](int w, int c, const envelope_view *view) {
-			the_test_host->envelopes[place(w, c)] = view ? *view : envelope_view();
+			the_test_host->envelopes[spot(w, c)] = view ? *view : envelope_view();
 		},
 	.build_form =
 		[](int w, int c, std::span<const form_row> rows) {
-			the_test_host->forms[place(w, c)].assign(rows.begin(), rows.end());
+			the_test_host->forms[spot(w, c)].assign(rows.begin(), rows.end());
 		},
 	.set_row_value = [](int w, int c, int row,
 				 int value) { form_row_of(w, c, row).value = value; },
@@ -353,8 +354,10 @@ static void forget_everything()
 	forget_stop();
 	the_line = {};
 	local_sample.clear();
-	local_pgm.clear();
-	local_samples = local_pgms = 0;
+	edits_changed = nullptr;
+	forget_edits();
+	forget_local_programs();
+	local_samples = 0;
 	usbdev.clear();
 	usbdevs = usb_init_done = 0;
 	midi_out_interface.clear();

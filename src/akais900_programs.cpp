@@ -11,6 +11,7 @@
 //
 // Knows nothing of: lists, windows.
 
+#include "src/akaiprograms.h"
 #include "src/akais900.h"
 #include <algorithm>
 #include <cstring>
@@ -125,26 +126,27 @@ static std::vector<u8> saved_program(
 
 void akai_s900_save_program(i32 program, _program *)
 {
+	begin_program_operation();
 	_program *record = record_to_save(program);
 	if (!record)
-		return;
+		return program_ended(ending::refused, "");
 	const int channel = static_cast<int>(current_sampler->sampler_sysex) - 1;
 	log_line("[D] S900 Request for saving program [%d] --> [%s] (%d) SYSEX: %d\r\n", program,
 		record->name, record->number, static_cast<int>(current_sampler->sampler_sysex));
 	const akai_answer answer = read_stored_program(program, *record, channel);
 	log_line("[D] Program has stored %d Keygroups\r\n", answer[s900_keygroup_count]);
 	if (answer.port_failed)
-		return;
+		return program_ended(ending::no_answer, "");
 	if (!is_whole(answer)) {
 		show_box("ERROR",
 			"The program [%s] was not saved, and the sampler has it as it was: %s",
 			record->name,
 			answer.size() ? "what the sampler sent of it broke off."
 				      : "the sampler does not answer.");
-		return;
+		return program_ended(ending::no_answer, "");
 	}
 	if (!may_overwrite(answer, *record))
-		return;
+		return program_ended(ending::stopped, "");
 	const std::vector<u8> message = saved_program(answer, program, channel, record);
 	log_line("[D] Requesting update for Program Index for %d of COMMON SYSEX (%d Bytes) "
 		 "[%s]\r\n",

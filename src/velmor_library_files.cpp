@@ -6,6 +6,7 @@
 
 #include "src/akais1000.h"
 #include "src/akais5000.h"
+#include "src/akais900.h"
 #include "src/akaiz4.h"
 #include "src/velmor_edits.h"
 #include "src/velmor_files.h"
@@ -307,6 +308,12 @@ static field_names names_of_family(const _sampler_type &model)
 		add_names(&names, akai_z4_program_values);
 		add_names(&names, akai_z4_keygroup_values);
 		add_names(&names, akai_z4_zone_values);
+	} else if (model.saveprogram == akai_s900_save_program) {
+		add_names(&names, akai_s900_program_parameters);
+		add_names(&names, akai_s900_keygroup_parameters);
+		for (const auto &zone : { akai_s900_keyzone_parameters, akai_s900_soft_parameters,
+			     akai_s900_loud_parameters })
+			add_names(&names, zone);
 	}
 	if (!names.empty())
 		names.insert({ "name", "samplename", "number", "index" });

@@ -11,6 +11,7 @@
 
 #include "src/velmor_programs.h"
 #include "src/akaiprograms.h"
+#include "src/akais900.h"
 #include "src/velmor_edits.h"
 #include "src/velmor_library.h"
 #include "src/waveqx.h"
@@ -469,6 +470,37 @@ static bool may_carry(const _program &program, const _sampler_type &model)
 		       program.name, model.sampler_brand, first_of(lost).c_str());
 }
 
+// An S900 takes a program only over one that it holds, and from the loaded record of that one.
+static bool takes_only_its_own(const _sampler_type &model)
+{
+	return model.saveprogram == akai_s900_save_program;
+}
+
+static outcome upload_over_its_own(const _sampler_type &model, const _program &program)
+{
+	const std::string name = without_end_blanks(program.name);
+	const std::vector<std::string> names = loaded_programs();
+	const auto found = std::find(names.begin(), names.end(), name);
+	if (found == names.end())
+		return { .how = ending::refused,
+			.words = "This sampler takes a program only over one that it holds. Make a "
+				 "program called " +
+				 quoted(name) + " on its own panel, then try again." };
+	const int index = static_cast<int>(found - names.begin());
+	_program &held = current_sampler->status->program[index];
+	const auto before = std::make_unique<_program>(held);
+	held = program;
+	std::ranges::copy(before->name, held.name);
+	held.number = before->number;
+	held.index = before->index;
+	outcome result = send_record(model, index, nullptr, &held);
+	if (!result.done())
+		held = *before;
+	result.line =
+		result.done() ? "Uploaded " + quoted(name) + "." : quoted(name) + " was not sent.";
+	return one_box(result);
+}
+
 outcome upload_program(const _program &program)
 {
 	outcome why;
@@ -484,6 +516,8 @@ outcome upload_program(const _program &program)
 	const outcome ready = have_program_list();
 	if (!ready.done())
 		return ready;
+	if (takes_only_its_own(*model))
+		return upload_over_its_own(*model, program);
 	const std::size_t before = loaded_programs().size();
 	const auto copy = std::make_unique<_program>(program); // sending changes it
 	copy_text(copy->name, name);

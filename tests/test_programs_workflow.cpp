@@ -6,6 +6,7 @@
 #include "src/velmor_programs_page.h"
 #include "src/waveqx.h"
 #include "tests/support/fake_model.h"
+#include "virtual/demo_content.h"
 #include "virtual/midi_ports.h"
 #include "virtual/s1000.h"
 #include "virtual/s5000.h"
@@ -465,6 +466,37 @@ TEST_F(s3000_programs, akp_files_come_with_their_samples_and_a_summary)
 	EXPECT_EQ(local_pgms, 2);
 	press(programs_refresh);
 	EXPECT_EQ(local_pgms, 2);
+}
+
+// It has no request that creates a program.
+TEST_F(programs, an_s900_takes_a_program_over_the_one_of_its_name)
+{
+	s900_machine machine{ s900_model::s900, 3 };
+	fill_demo(machine);
+	h.use_sampler(model_s900, 3);
+	current_sampler->sampler_sysex = 4;
+	host.midi = &virtual_midi;
+	const int port = plug_midi(h.time, machine.on_wire(h.time), "virtual");
+	reload_midi_setup(false);
+	selected_midi_in_interface = selected_midi_out_interface = 0;
+	velmor_command(window_main, main_programs);
+	const _dev_status &dev = *current_sampler->status;
+	ASSERT_GT(dev.programs, 1);
+	const auto program = std::make_unique<_program>(dev.program[0]);
+	program->keygroup[0].amp_attack = 77;
+	copy_text(program->name, "NOWHERE");
+	EXPECT_EQ(upload_program(*program).how, ending::refused);
+	copy_text(program->name, dev.program[0].name);
+	EXPECT_TRUE(upload_program(*program).done());
+	EXPECT_TRUE(read_program_list().done());
+	EXPECT_EQ(dev.program[0].keygroup[0].amp_attack, 77u);
+	// What is not sent is not in the list either.
+	program->keygroup[0].amp_attack = 5;
+	port_wire(port).set_fault({ wire_fault_kind::silent, 1, true });
+	EXPECT_EQ(upload_program(*program).how, ending::no_answer);
+	EXPECT_EQ(dev.program[0].keygroup[0].amp_attack, 77u);
+	close_midi_output();
+	unplug_all_midi();
 }
 
 TEST_F(programs, a_model_without_an_operation_says_so)

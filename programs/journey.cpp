@@ -544,7 +544,7 @@ static void type_key(QWidget *widget, int key, Qt::KeyboardModifiers modifiers)
 }
 
 // One key less for the first keygroup, taken back and made again, sent, and read anew.
-static void edit_program_on(const std::string &name, const char *pictured)
+static void edit_program_on(const std::string &name, const std::string &pictured)
 {
 	step(("Edit a program of the " + name + ", send it and read it back").c_str());
 	press(window_main, main_programs);
@@ -562,11 +562,27 @@ static void edit_program_on(const std::string &name, const char *pictured)
 	press(window_programs, programs_undo);
 	check(high_note_of(0) == before && unsent().empty(), "undone, nothing is unsent");
 	press(window_programs, programs_redo);
-	picture(window_programs, pictured);
+	picture(window_programs, pictured.c_str());
 	press(window_programs, programs_life_update);
 	check(unsent().empty(), "it was sent");
 	press(window_programs, programs_refresh);
 	check(high_note_of(0) == before - 1, "the sampler holds it as it was sent");
+}
+
+// "Demo S900" has its picture as "programs-S900".
+static std::string picture_of_programs(const std::string &name)
+{
+	return "programs-" + name.substr(name.rfind(' ') + 1);
+}
+
+static void visit_next_on_the_cable()
+{
+	const std::string &name = the_trip->next_on_the_cable;
+	step(("Load the " + name + " on the same cable").c_str());
+	choose(window_main, main_sampler_list, name);
+	press(window_main, main_load);
+	check(current_sampler && current_sampler->sampler_description == name, name + " is loaded");
+	edit_program_on(name, picture_of_programs(name));
 }
 
 static void picture_programs()
@@ -605,13 +621,14 @@ int run_journey(const journey &trip)
 	look_closer();
 	edit_program_on(trip.name, "programs");
 	picture_programs();
+	visit_next_on_the_cable();
 	look_at_usb();
 	for (const usb_stop &stop : trip.usb) {
 		load_usb(stop);
 		stop_download([&stop] { return names_on(stop); });
 		replug(stop);
 		transfer_usb(stop);
-		edit_program_on(stop.name, "programs-usb");
+		edit_program_on(stop.name, picture_of_programs(stop.name));
 	}
 	picture(window_multis, "multis-usb");
 	std::printf("WAV files: %s\nScreenshots: %s\n",

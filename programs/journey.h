@@ -20,8 +20,9 @@ struct usb_stop {
 };
 
 struct journey {
-	s1000_machine &sampler; // the one behind the configuration name
-	std::string name;       // in the list of samplers
+	s1000_machine &sampler;        // the one behind the configuration name
+	std::string name;              // in the list of samplers
+	std::string next_on_the_cable; // another one, in the list of samplers
 	std::vector<usb_stop> usb;
 	std::vector<std::string> files;  // WAV files to send, host paths
 	std::string pictures;            // folder of the screenshots, host path

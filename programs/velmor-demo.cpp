@@ -250,6 +250,7 @@ static int travel(arguments *a)
 	};
 	return run_journey({ .sampler = the_rack->s3000,
 		.name = "Demo S3000",
+		.next_on_the_cable = "Demo S900",
 		.usb = { { the_rack->usb_s5000, "Demo S5000", the_rack->usb_s5000.programs.size(),
 				 the_rack->usb_s5000.multis, replug(the_rack->usb_s5000) },
 			{ the_rack->usb_z8, "Demo Z8", the_rack->usb_z8.programs.size(), {},

@@ -134,12 +134,22 @@ static constexpr form_table_row for_soft_alone(form_table_row row)
 	return row;
 }
 
+// Written out: no constant may assign to a field of another kind with every compiler.
 static constexpr form_table_row velocity_switch()
 {
-	form_table_row row = for_soft_alone(bar("Velocity switch",
-		field_of<&_keyzone::high_velocity>, 0, switch_off, &unit_switch));
-	row.also = field_of<&_keyzone::low_velocity>;
-	return row;
+	const form_table_row row = bar(
+		"Velocity switch", field_of<&_keyzone::high_velocity>, 0, switch_off, &unit_switch);
+	return { .kind = row.kind,
+		.label = row.label,
+		.field = row.field,
+		.shown_for = row.shown_for,
+		.bar = row.bar,
+		.edit = row.edit,
+		.unit = row.unit,
+		.log_word = row.log_word,
+		.apply = applying::alone,
+		.only_keyzone = 0,
+		.also = field_of<&_keyzone::low_velocity> };
 }
 
 // clang-format off

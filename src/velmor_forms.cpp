@@ -289,9 +289,10 @@ static void refresh(int window, const built_form &form)
 
 void refresh_forms(int window)
 {
-	for (auto &[where, form] : built_forms) {
-		if (where.first != window)
+	for (auto &built : built_forms) {
+		if (built.first.first != window)
 			continue;
+		built_form &form = built.second;
 		const bool there = std::all_of(
 			form.rows.begin(), form.rows.end(), [&](const form_table_row *row) {
 				return row->kind == row_kind::heading ||

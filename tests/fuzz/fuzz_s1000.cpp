@@ -5,7 +5,7 @@
 // used up the sampler is silent, and after a few silent answers somebody presses Stop.
 
 #include "src/akais1000.h"
-#include "tests/support/test_host.h"
+#include "tests/fuzz/limits.h"
 #include <algorithm>
 #include <cstring>
 
@@ -120,6 +120,7 @@ void write_local(test_host &h)
 void begin(test_host &h)
 {
 	h.use_sampler(model_s2000, 5);
+	renew_limits(h);
 	h.boxes.clear();
 	h.progress = {};
 	_dev_status &status = *current_sampler->status;

@@ -8,10 +8,9 @@
 
 #include "src/akais900.h"
 #include "src/waveqx.h"
-#include "tests/support/test_host.h"
+#include "tests/fuzz/limits.h"
 #include <algorithm>
 #include <cstdlib>
-#include <sys/time.h>
 
 namespace velmor
 {
@@ -150,11 +149,7 @@ void write_local(test_host &h)
 void begin(test_host &h)
 {
 	h.use_sampler(model_s900, 0);
-	// The host's limits are for this one input.
-	h.limits.seconds += 1000;
-	h.limits.disk_bytes += 1 << 23;
-	const itimerval computing = { .it_interval = {}, .it_value = { 10, 0 } };
-	setitimer(ITIMER_PROF, &computing, nullptr);
+	renew_limits(h);
 	h.boxes.clear();
 	h.progress = {};
 	_dev_status &status = *current_sampler->status;

@@ -6,7 +6,7 @@
 
 #include "src/akais5000.h"
 #include "src/akaiz4.h"
-#include "tests/support/test_host.h"
+#include "tests/fuzz/limits.h"
 #include <algorithm>
 #include <cstdlib>
 
@@ -125,6 +125,7 @@ extern "C" int LLVMFuzzerTestOneInput(const u8 *data, std::size_t size)
 	answers = { data + 1, size - 1 };
 	list_device(model);
 	h.use_sampler(model, 0, "Fuzz");
+	renew_limits(h);
 	h.boxes.clear();
 	h.progress.infos.clear();
 	h.texts.clear();

@@ -321,6 +321,17 @@ static std::string keep_endangered(bool looked)
 	return words;
 }
 
+// The edits go on with their program, where it stands now.
+static void give_edits_back(_program *copy, int place)
+{
+	_program &to = current_sampler->status->program[place];
+	copy_text(copy->name, to.name);
+	copy->index = to.index;
+	copy->number = to.number;
+	to = *copy;
+	move_edits(*copy, to);
+}
+
 outcome rename_program(const program_entry &which, const std::string &new_name)
 {
 	if (new_name.empty())
@@ -346,14 +357,8 @@ outcome rename_program(const program_entry &which, const std::string &new_name)
 					    may_be_called(new_name, which.name));
 	const int now = looked ? find_renamed(new_name, r.index) : -1;
 	const int place = now >= 0 && gone ? now : looked ? place_of(which) : r.index;
-	if (edited && place >= 0) {
-		_program &to = current_sampler->status->program[place];
-		copy_text(copy->name, to.name);
-		copy->index = to.index;
-		copy->number = to.number;
-		to = *copy;
-		move_edits(*copy, to);
-	}
+	if (edited && place >= 0)
+		give_edits_back(copy.get(), place);
 	forget_edits(*copy);
 	if (!looked && result.done()) {
 		const auto told = result.told;

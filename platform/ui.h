@@ -90,6 +90,52 @@ enum class envelope_event {
 	drag_end,
 };
 
+// A sampler's front panel: its screen and its keys. Places are pixels of the screen, from the
+// corner of the whole; the window shows all of it at one scale, by whole numbers.
+struct panel_key_view {
+	int id;
+	std::string name;
+	bool wheel; // a step of the wheel, which has no release
+	int x, y, width, height;
+};
+struct panel_view {
+	int width, height;
+	int picture_x, picture_y, picture_width, picture_height;
+	std::vector<panel_key_view> keys;
+};
+
+// One track of a MIDI file, as its frame shows it.
+enum class track_colour {
+	stopped,
+	running,
+	muted,
+};
+struct track_view {
+	std::string title, name, state, info;
+	track_colour colour;
+	bool muted;
+	int forced_channel; // a place in the list of channels, 16: as in the file
+	std::vector<std::string> channels;
+	int volume;                      // 0 to 127
+	std::vector<std::string> events; // the next ones, "" for a blank cell
+	std::vector<std::string> sounding;
+};
+// Its notes over time, in ticks, by their start.
+struct strip_note {
+	std::uint64_t start, end;
+	std::uint8_t pitch, velocity;
+};
+struct strip_view {
+	std::span<const strip_note> notes; // must live until the next set_track_count
+	std::uint64_t length;              // of the whole file
+};
+enum class track_event {
+	in_view, // its frame is made: it has to be filled
+	mute,
+	channel,  // value is the place in the list
+	sounding, // its list of sounding notes was pressed
+};
+
 // A form is a list of rows, built when it is known what they are. Everything about a row is said
 // by its place in that list: ids are only for people who look for a control, and may come twice.
 enum class row_kind {
@@ -165,12 +211,30 @@ struct ui_service {
 	std::string (*row_text)(int window, int form, int row);
 	void (*set_row_changed)(int window, int form, int row, bool changed);
 
+	// The front panel with its keys, which are controls then; set_checked of one shows it
+	// pressed. A null view takes them away.
+	void (*build_panel)(int window, const panel_view *view) = nullptr;
+	// A picture for other programs, by whole-number scale: on the clipboard, or as a PNG file.
+	void (*copy_bitmap)(const bitmap_view *view, int scale) = nullptr;
+	bool (*save_bitmap)(const char *path, const bitmap_view *view, int scale) = nullptr;
+
+	// The tracks of a MIDI file. Frames are made when they come into view, which is told
+	// through velmor_track; one that is not made ignores what it is given.
+	void (*set_track_count)(int window, int control, int count) = nullptr;
+	void (*set_track)(int window, int control, int track, const track_view *view) = nullptr;
+	void (*set_strip)(int window, int control, int track, const strip_view *view) = nullptr;
+	// Where the song is, in ticks, in all strips; negative: nowhere.
+	void (*set_play_position)(int window, int control, std::int64_t ticks) = nullptr;
+
 	// Modal boxes. ask has the buttons OK and Cancel and is true for OK.
 	void (*message)(const char *text, const char *caption);
 	bool (*ask)(const char *text, const char *caption);
 	// Both give back paths written with backslashes, and none when the user cancelled.
 	std::vector<std::string> (*choose_files)(const char *title, const char *filter);
 	std::string (*choose_folder)(const char *title);
+	// Where a new file goes, "" when the user cancelled.
+	std::string (*choose_new_file)(
+		const char *title, const char *filter, const char *name) = nullptr;
 
 	// The progress window: a bar from 0 to range. show disables the other windows.
 	void (*progress_show)(const char *caption, int range);

@@ -18,6 +18,7 @@ enum window_id : int {
 	window_programs = 13002,
 	window_multis = 13003,
 	window_progress = 16000,
+	window_panel = 18999,
 	window_usb = 20000,
 };
 
@@ -210,6 +211,34 @@ enum usb_control : int {
 	usb_midi_channel = 21004,
 	usb_control_channel = 21005,
 	usb_verdict = 60032, // who answered Get Device Info, or that nobody did
+};
+
+// The front panel. The machine's own keys have the ids of its table, from the first one on.
+enum panel_control : int {
+	panel_first_key = 18000,
+	panel_picture = 60061,
+	panel_state = 60062, // words across the picture: busy, gone
+	panel_copy = 60063,
+	panel_save = 60064,
+	panel_scale_1 = 60065, // pixels of the desktop to one of the picture
+	panel_scale_2 = 60066,
+	panel_scale_3 = 60067,
+};
+
+// The player. A track's controls have its number added.
+enum player_control : int {
+	player_load = 9101,
+	player_unload = 9102,
+	player_play = 9103,
+	player_stop = 9104,
+	player_speed = 9105,       // "Playback Speed", a bar
+	player_speed_field = 9106, // its number
+	player_tracks = 9107,      // the frames, and the strips beside them
+	player_file = 9108,        // which file, or why there is none
+	player_sounding = 9109,    // the sounding notes of all tracks
+	player_mute = 9300,
+	player_channel = 9350,
+	player_stack = 9400,
 };
 
 enum multis_control : int {

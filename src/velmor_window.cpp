@@ -236,6 +236,11 @@ bool velmor_envelope(int window, int control, envelope_event event, int index, i
 	return take_input(window, control, &input_row::envelope, event, index, value);
 }
 
+bool velmor_track(int window, int control, track_event event, int track, int value)
+{
+	return take_input(window, control, &input_row::track, event, track, value);
+}
+
 bool command_running()
 {
 	return commands_running > 0;

@@ -108,6 +108,7 @@ struct input_row {
 	void (*form)(int row, form_event event, int value);
 	void (*key_map)(key_map_event event, int group, int zone, int value, int amount) = nullptr;
 	void (*envelope)(envelope_event event, int index, int value) = nullptr;
+	void (*track)(track_event event, int track, int value) = nullptr;
 };
 // Of all windows; an empty slot takes nothing of its kind.
 extern std::span<const input_row> input_rows;
@@ -118,6 +119,7 @@ bool velmor_form(int window, int form, int row, form_event event, int value);
 bool velmor_key_map(
 	int window, int control, key_map_event event, int group, int zone, int value, int amount);
 bool velmor_envelope(int window, int control, envelope_event event, int index, int value);
+bool velmor_track(int window, int control, track_event event, int track, int value);
 
 // True while a command runs.
 bool command_running();

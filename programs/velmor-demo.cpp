@@ -146,7 +146,8 @@ static void install(const ui_service *ui, const clock_service *clock)
 		.usb = &virtual_usb,
 		.settings = &posix_settings,
 		.clock = clock,
-		.files = &posix_files };
+		.files = &posix_files,
+		.sound = &sndfile_sound };
 }
 
 // Time that jumps to the next thing the samplers do.

@@ -513,7 +513,7 @@ static void import_required_sample(const std::string &folder, const std::string 
 		return;
 	}
 	log_line("Importing Sample [%s]\r\n", path.c_str());
-	import_wave(path.c_str(), 0, 0, 0, 0, 0, 0);
+	import_sound(path.c_str(), 0, 0, 0, 0, 0, 0);
 }
 
 void import_required_samples(int window, const char *filename, const _program *program)

@@ -437,7 +437,8 @@ test_host::test_host() : before(host), sampler{}, outer(the_test_host)
 		.usb = &no_usb,
 		.settings = &test_settings,
 		.clock = &test_clock,
-		.files = &files };
+		.files = &files,
+		.sound = &sndfile_sound };
 	forget_everything();
 	current_config_path = config;
 	start_time = test_clock.time_of_day();

@@ -305,8 +305,10 @@ TEST_F(midi_player, a_tick_inside_a_send_is_left_out_and_nothing_is_lost)
 // Whatever the user does inside a send, nothing is touched that is gone, and nothing runs on.
 TEST_F(midi_player, anything_may_be_pressed_inside_a_send)
 {
-	constexpr auto stop = [] { stop_really_all(window_midi_files); };
-	constexpr auto start = [] { play_really_all(window_midi_files, &current_midi_file); };
+	static constexpr auto stop = [] { stop_really_all(window_midi_files); };
+	static constexpr auto start = [] {
+		play_really_all(window_midi_files, &current_midi_file);
+	};
 	constexpr auto change_port = [] {
 		host.ui->select(window_settings, settings_midi_out, 2);
 		velmor_selection(window_settings, settings_midi_out);

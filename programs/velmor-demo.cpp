@@ -255,6 +255,7 @@ static int travel(arguments *a)
 				 the_rack->usb_s5000.multis, replug(the_rack->usb_s5000) },
 			{ the_rack->usb_z8, "Demo Z8", the_rack->usb_z8.programs.size(), {},
 				replug(the_rack->usb_z8) } },
+		.akp_sampler = &the_rack->usb_s5000,
 		.files = a->files,
 		.pictures = a->out,
 		.set_up = set_up,

@@ -202,11 +202,10 @@ void bring_akp_programs(const journey &trip)
 	press(window_programs, programs_import_akp);
 	check(box_began("Also import 3 Samples?"), "three samples each were offered");
 	check(box_began("Sample [Not There] File: "), "one of them is missing, and was named");
-	check(box_began(
-		      "'Journey Kit': 3 keygroups, 12 keyzones, 3 samples; an Akai S5000/6000 "
-		      "is not sent 2 parameters of it.\n'Journey Layers': 1 keygroup, 4 keyzones, "
-		      "3 samples (not on this computer: Not There); an Akai S5000/6000 is not "
-		      "sent 2 parameters of it.\nThe log names"),
+	check(box_began("'Journey Kit': 3 keygroups, 12 keyzones, 3 samples; 2 parameters cannot "
+			"reach an Akai S5000/6000.\n'Journey Layers': 1 keygroup, 4 keyzones, 3 "
+			"samples (not on this computer: Not There); 2 parameters cannot reach an "
+			"Akai S5000/6000.\nThe log names the parameters that cannot go"),
 		"a sentence says of each what was taken");
 	check(names_in(window_programs, programs_local_list) ==
 			std::vector{ kit.name, layers.name },

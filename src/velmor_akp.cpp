@@ -43,7 +43,7 @@ static std::string listed(const std::vector<std::string> &names)
 static void log_gap(const _program &program, const _sampler_type &model, const akp_gap &gap)
 {
 	if (!gap.left_behind.empty())
-		log_line("[I] '%s' holds what an %s is not sent: %s\r\n", program.name,
+		log_line("[I] '%s' holds what cannot reach an %s: %s\r\n", program.name,
 			model.sampler_brand, listed(gap.left_behind).c_str());
 	if (!gap.untold.empty())
 		log_line("[I] '%s' does not tell what an %s is sent as 0: %s\r\n", program.name,
@@ -73,8 +73,8 @@ std::string akp_summary(const _program &program, bool *in_log)
 	const _sampler_type *model = get_sampler(program.sampler_type);
 	const akp_gap gap = model ? gap_of_akp(program, *model) : akp_gap{};
 	if (!gap.left_behind.empty())
-		words += format_text("; an %s is not sent %s of it", model->sampler_brand,
-			counted(static_cast<int>(gap.left_behind.size()), "parameter").c_str());
+		words += "; " + counted(static_cast<int>(gap.left_behind.size()), "parameter") +
+			 " cannot reach an " + model->sampler_brand;
 	*in_log |= !gap.left_behind.empty() || !gap.untold.empty();
 	if (model)
 		log_gap(program, *model, gap);

@@ -396,9 +396,8 @@ static void import_akp()
 	if (!all)
 		return;
 	if (in_log)
-		result.words +=
-			"\nThe log names what is not sent, and what these files do not tell: "
-			"that is sent as 0.";
+		result.words += "\nThe log names the parameters that cannot go, and those that no "
+				"AKP file tells and that are sent as 0.";
 	if (taken < all && result.done())
 		result.how = tried < all ? ending::stopped : ending::local_failed;
 	result.line = format_text("%d of %d AKP files were imported.", taken, all);

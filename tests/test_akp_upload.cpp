@@ -260,9 +260,10 @@ TEST_F(akp_upload, every_byte_that_the_machine_takes_arrives_and_is_read_again)
 	// envelope.
 	EXPECT_EQ(h.boxes[1].text,
 		"'Grand': 3 keygroups, 12 keyzones, 9 samples (not on this computer: AKP 1-0, AKP "
-		"1-1, AKP 1-2, AKP 2-0, AKP 2-1, AKP 2-2, AKP 3-0, AKP 3-1 and 1 more); an Akai "
-		"S5000/6000 is not sent 59 parameters of it.\nThe log names what is not sent, and "
-		"what these files do not tell: that is sent as 0.");
+		"1-1, AKP 1-2, AKP 2-0, AKP 2-1, AKP 2-2, AKP 3-0, AKP 3-1 and 1 more); 59 "
+		"parameters cannot reach an Akai S5000/6000.\nThe log "
+		"names the parameters that cannot go, and those that no AKP file tells and that "
+		"are sent as 0.");
 	EXPECT_TRUE(h.logged("[I] 'Grand' does not tell what an Akai S5000/6000 is sent as 0: "
 			     "fine_tune, s1000_env1_key_scaling, s1000_env1_off_velocity_release, "
 			     "s1000_env1_velocity_attack, s5000_env1_depth, "
@@ -299,7 +300,7 @@ TEST_F(akp_upload, samples_of_other_cases_come_along_and_stop_ends_the_queue)
 	import({ "One.akp", "Two.akp" });
 	ASSERT_EQ(h.boxes.size(), 6u);
 	EXPECT_EQ(h.boxes[0].text, "Also import 3 Samples?");
-	EXPECT_EQ(h.boxes[5].text.substr(0, h.boxes[5].text.find("; an ")),
+	EXPECT_EQ(h.boxes[5].text.substr(0, h.boxes[5].text.find("; 59 ")),
 		"'One': 1 keygroup, 4 keyzones, 3 samples (not on this computer: AKP 2-2)");
 	EXPECT_NE(h.boxes[5].text.find("\n'Two': 1 keygroup, 4 keyzones, 3 samples (not on this "
 				       "computer: AKP 4-0, AKP 4-1)"),

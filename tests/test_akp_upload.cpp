@@ -328,4 +328,24 @@ TEST_F(akp_upload, samples_of_other_cases_come_along_and_stop_ends_the_queue)
 		<< h.texts[{ window_programs, status_outcome }];
 }
 
+TEST_F(akp_upload, stop_ends_an_import_behind_the_sample_that_is_on_its_way)
+{
+	put("One.akp", program_file({ build(2) }));
+	put("Two.akp", program_file({ build(4) }));
+	for (const char *name : { "AKP 2-0.wav", "AKP 2-1.wav", "AKP 2-2.wav", "AKP 4-0.wav" })
+		put(name, wave_bytes(44100, 1, { 1, 2, 3, 4 }));
+	h.on_pump = [&] {
+		if (h.progress.caption == "Importing 3 samples..." && h.progress.value == 2)
+			velmor_command(window_progress, progress_stop);
+	};
+	import({ "One.akp", "Two.akp" });
+	h.on_pump = nullptr;
+	EXPECT_EQ(names_in(h.config + "\\sample"),
+		(std::vector<std::string>{ "AKP 2-0.wav", "AKP 2-1.wav" }));
+	EXPECT_EQ(local_pgms, 1);
+	EXPECT_FALSE(h.progress.visible);
+	EXPECT_EQ(
+		(h.texts[{ window_programs, status_outcome }]), "1 of 2 AKP files were imported.");
+}
+
 } // namespace velmor

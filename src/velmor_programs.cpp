@@ -453,6 +453,7 @@ std::vector<std::string> required_files(const _program &program)
 	return paths;
 }
 
+// "a, b, c and 12 more".
 std::string first_of(const std::vector<std::string> &names)
 {
 	constexpr std::size_t shown = 8;

@@ -4,13 +4,12 @@
 // formats once more: chunk and byte of the file, item and sub-index of the machine, field.
 
 #include "src/parameters.h"
-#include "src/usbqx.h"
 #include "src/velmor_akp.h"
 #include "src/velmor_window.h"
 #include "src/waveqx.h"
 #include "tests/support/fake_model.h"
+#include "tests/support/usb_fixture.h"
 #include "virtual/s5000.h"
-#include "virtual/usb_bus.h"
 
 #include "tests/support/wave_files.h" // behind what declares bytes of its own
 
@@ -23,33 +22,34 @@ using K = _keygroup;
 using Z = _keyzone;
 
 // The chunks of a keygroup, in their order; env stands three times.
-enum : std::size_t {
-	kloc,
-	amp,
-	filter,
-	aux,
-	filt,
-	chunks_of_keygroup
-};
+constexpr std::size_t kloc = 0, amp = 1, filter = 2, aux = 3, filt = 4, chunks_of_keygroup = 5;
 constexpr const char *names[] = { "kloc", "env ", "env ", "env ", "filt" };
 constexpr std::size_t sizes[] = { 16, 18, 18, 18, 10 };
 
+// Beside the items of block requests: places of the envelopes that are set one by one.
+constexpr std::uint8_t in_amp = 0xA0, in_rate = 0xA1, in_level = 0xA2;
+
 struct arrival {
-	std::size_t chunk;
-	int byte;
+	std::size_t chunk, byte;
 	bool has_sign;
 	std::uint8_t item;
-	int sub;
+	std::size_t sub;
 	member<K> field;
 };
 // clang-format off
-const arrival blocks[] = {
+const arrival values[] = {
 	{ kloc,   4, false, 0x04, 1, &K::low_note },                 { kloc,   5, false, 0x05, 1, &K::high_note },
 	{ kloc,   6, true,  0x10, 1, &K::s5000_semitone_tune },      { kloc,   7, true,  0x11, 1, &K::s5000_fine_tune },
 	{ kloc,   8, false, 0x07, 1, &K::fx_override },              { kloc,   9, false, 0x08, 1, &K::fx_sendlevel },
 	{ kloc,  10, true,  0x13, 1, &K::s5000_pitch_mod1_val },     { kloc,  11, true,  0x13, 2, &K::s5000_pitch_mod2_val },
 	{ kloc,  12, true,  0x14, 1, &K::s5000_amp_mod1_val },       { kloc,  13, false, 0x09, 1, &K::crossfade },
 	{ kloc,  14, false, 0x06, 1, &K::mute_group },
+	{ amp,    1, false, in_amp, 1, &K::amp_attack },             { amp,    3, false, in_amp, 2, &K::amp_decay },
+	{ amp,    7, false, in_amp, 3, &K::amp_sustain },            { amp,    4, false, in_amp, 4, &K::amp_release },
+	{ aux,    1, false, in_rate, 1, &K::aux_rate1 },             { aux,    2, false, in_rate, 2, &K::aux_rate2 },
+	{ aux,    3, false, in_rate, 3, &K::aux_rate3 },             { aux,    4, false, in_rate, 4, &K::aux_rate4 },
+	{ aux,    5, false, in_level, 1, &K::aux_rate1_level },      { aux,    6, false, in_level, 2, &K::aux_rate2_level },
+	{ aux,    7, false, in_level, 3, &K::aux_rate3_level },      { aux,    8, false, in_level, 4, &K::aux_rate4_level },
 	{ filter, 1, false, 0x30, 1, &K::filter_attack },            { filter, 3, false, 0x32, 1, &K::filter_decay },
 	{ filter, 7, false, 0x33, 1, &K::filter_sustain },           { filter, 4, false, 0x34, 1, &K::filter_release },
 	{ filt,   1, false, 0x20, 1, &K::s5000_filter_mode },        { filt,   2, false, 0x21, 1, &K::s5000_filter_cutoff },
@@ -57,12 +57,6 @@ const arrival blocks[] = {
 	{ filt,   5, true,  0x24, 1, &K::s5000_filter_mod1_input },  { filt,   6, true,  0x24, 2, &K::s5000_filter_mod2_input },
 	{ filt,   7, true,  0x24, 3, &K::s5000_filter_mod3_input },  { filt,   8, false, 0x25, 1, &K::s5000_filter_attenuation },
 };
-// Attack, decay, sustain, release: the sustain stands behind the release in the file.
-constexpr std::size_t amp_bytes[] = { 1, 3, 7, 4 };
-const member<K> amp_fields[] = { &K::amp_attack, &K::amp_decay, &K::amp_sustain, &K::amp_release };
-const member<K> aux_fields[] = { &K::aux_rate1, &K::aux_rate2, &K::aux_rate3, &K::aux_rate4,
-	&K::aux_rate1_level, &K::aux_rate2_level, &K::aux_rate3_level, &K::aux_rate4_level };
-
 struct zone_arrival {
 	std::size_t byte;
 	bool has_sign;
@@ -98,8 +92,8 @@ built_keygroup build(int seed)
 	for (std::size_t c = 0; c < chunks_of_keygroup; c++)
 		for (std::size_t i = 0; i < sizes[c]; i++)
 			k.chunk[c].push_back(value_at(seed + static_cast<int>(c) * 7, i));
-	for (const arrival &a : blocks) {
-		u8 &value = k.chunk[a.chunk][static_cast<std::size_t>(a.byte)];
+	for (const arrival &a : values) {
+		u8 &value = k.chunk[a.chunk][a.byte];
 		value = a.has_sign && seed % 2 ? negative(value) : value;
 	}
 	for (int z = 0; z < 4; z++) {
@@ -132,19 +126,25 @@ std::array<std::uint8_t, 2> sign_and_size(u8 value, bool has_sign)
 	return { value > 127, value > 127 ? negative(value) : value };
 }
 
+void put(s5000_keygroup *k, const arrival &a, u8 value)
+{
+	if (a.item == in_amp)
+		k->amp[a.sub - 1] = value;
+	else if (a.item == in_rate)
+		k->aux_rate[a.sub - 1] = value;
+	else if (a.item == in_level)
+		k->aux_level[a.sub - 1] = value;
+	else
+		k->at(a.item, static_cast<int>(a.sub)) = sign_and_size(value, a.has_sign);
+}
+
 // What the machine must hold; a value of which a file says nothing is 0, panning is its middle.
 s5000_keygroup expected(const built_keygroup &k)
 {
 	s5000_keygroup out;
 	out.value = {};
-	for (const arrival &a : blocks)
-		out.at(a.item, a.sub) = sign_and_size(
-			k.chunk[a.chunk][static_cast<std::size_t>(a.byte)], a.has_sign);
-	for (std::size_t i = 0; i < 4; i++) {
-		out.amp[i] = k.chunk[amp][amp_bytes[i]];
-		out.aux_rate[i] = k.chunk[aux][1 + i];
-		out.aux_level[i] = k.chunk[aux][5 + i];
-	}
+	for (const arrival &a : values)
+		put(&out, a, k.chunk[a.chunk][a.byte]);
 	for (std::size_t z = 0; z < 4; z++) {
 		s5000_zone &zone = out.zones[z];
 		const bytes &from = k.zone[z];
@@ -166,14 +166,9 @@ i32 number(u8 value, bool has_sign)
 
 void expect_read(const built_keygroup &from, const K &read)
 {
-	for (const arrival &a : blocks)
-		EXPECT_EQ(a.field.get(read),
-			number(from.chunk[a.chunk][static_cast<std::size_t>(a.byte)], a.has_sign))
+	for (const arrival &a : values)
+		EXPECT_EQ(a.field.get(read), number(from.chunk[a.chunk][a.byte], a.has_sign))
 			<< names[a.chunk] << a.byte;
-	for (std::size_t i = 0; i < 4; i++)
-		EXPECT_EQ(amp_fields[i].get(read), from.chunk[amp][amp_bytes[i]]);
-	for (std::size_t i = 0; i < 8; i++)
-		EXPECT_EQ(aux_fields[i].get(read), from.chunk[aux][1 + i]);
 	for (std::size_t z = 0; z < 4; z++)
 		for (const zone_arrival &a : zone_values)
 			EXPECT_EQ(a.field.get(read.keyzone[z]),
@@ -201,7 +196,7 @@ bytes program_file(const std::vector<built_keygroup> &keygroups)
 	return riff(all, "APRG");
 }
 
-class akp_upload : public host_test
+class akp_upload : public usb_test
 {
 protected:
 	s5000 machine;
@@ -218,12 +213,6 @@ protected:
 		host.files->make_folder(folder.c_str());
 		velmor_command(window_main, main_programs);
 		h.boxes.clear();
-	}
-	~akp_upload() override
-	{
-		unplug_all_usb();
-		usbdev.clear();
-		usbdevs = usb_init_done = 0;
 	}
 	void put(const std::string &name, const bytes &content)
 	{
@@ -346,6 +335,17 @@ TEST_F(akp_upload, stop_ends_an_import_behind_the_sample_that_is_on_its_way)
 	EXPECT_FALSE(h.progress.visible);
 	EXPECT_EQ(
 		(h.texts[{ window_programs, status_outcome }]), "1 of 2 AKP files were imported.");
+}
+
+TEST(akp_gap, a_byte_arrives_where_one_of_its_fields_does)
+{
+	const auto p = std::make_unique<_program>();
+	p->keygroups = p->keygroup[0].keyzones = 1;
+	_keyzone &zone = p->keygroup[0].keyzone[0];
+	zone.filter = zone.zone_filter = zone.level = zone.zone_level = 5;
+	const akp_gap gap = gap_of_akp(*p, *get_sampler(model_z4));
+	EXPECT_EQ(gap.left_behind, (std::vector<std::string>{ "filter", "zone_filter" }));
+	EXPECT_EQ(gap.untold, (std::vector<std::string>{ "polyphony", "s1000_reasignement" }));
 }
 
 } // namespace velmor

@@ -3,10 +3,10 @@
 //	velmor-demo                                       the windows, in real time
 //	velmor-demo --journey [WAV ...] [--out FOLDER]    the main job by itself, in seconds
 //
-// An S3000 and an S1000 hang on one MIDI cable and tell each other apart by their
-// exclusive channels, as in a rack; an S5000 is on the USB. Settings, configurations and samples lie in a
-// folder of the demo's own, VELMOR-Demo beside the real VELMOR, so nothing of the
-// user's is ever touched.
+// An S3000, an S1000 and an S900 hang on one MIDI cable and tell each other apart by their
+// exclusive channels, as in a rack; an S5000 and a Z8 are on the USB. Settings, configurations,
+// samples and programs lie in a folder of the demo's own, VELMOR-Demo beside the real VELMOR, so
+// nothing of the user's is ever touched.
 
 #include "platform/backends.h"
 #include "platform/signals.h"

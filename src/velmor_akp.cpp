@@ -78,7 +78,9 @@ std::string akp_summary(const _program &program, bool *in_log)
 	*in_log |= !gap.left_behind.empty() || !gap.untold.empty();
 	if (model)
 		log_gap(program, *model, gap);
-	return words + ".";
+	words += ".";
+	log_line("[I] Imported %s\r\n", words.c_str());
+	return words;
 }
 
 } // namespace velmor

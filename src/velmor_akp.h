@@ -20,7 +20,7 @@ struct akp_gap {
 akp_gap gap_of_akp(const _program &program, const _sampler_type &model);
 
 // What was taken of a file for its program's model, and which samples are missing. The gap is
-// named in the log, and *in_log set.
+// named in the log, behind the sentence, and *in_log set.
 std::string akp_summary(const _program &program, bool *in_log);
 
 } // namespace velmor

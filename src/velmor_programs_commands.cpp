@@ -358,8 +358,10 @@ void upload_selected_local_program()
 
 // ---- AKP files ----------------------------------------------------------------------------------------------------
 
-// False: nothing of it is listed, and a box has said why.
-static bool import_one(const std::string &path, outcome *result, bool *in_log)
+static constexpr int most_summaries = 8; // that a box shows
+
+// Behind those that were taken. False: nothing of it is listed, and a box has said why.
+static bool import_one(const std::string &path, int taken, outcome *result, bool *in_log)
 {
 	const auto program = std::make_unique<_program>();
 	if (!import_akp_file(path.c_str(), program.get())) {
@@ -370,7 +372,9 @@ static bool import_one(const std::string &path, outcome *result, bool *in_log)
 		return false;
 	const outcome saved = save_local_program(*local_pgm.back());
 	import_required_samples(window_programs, path.c_str(), program.get());
-	result->words += (result->words.empty() ? "" : "\n") + akp_summary(*program, in_log);
+	const std::string summary = akp_summary(*program, in_log);
+	if (taken < most_summaries)
+		result->words += (result->words.empty() ? "" : "\n") + summary;
 	if (!saved.done()) {
 		result->how = saved.how;
 		result->words += "\n" + saved.words;
@@ -390,11 +394,14 @@ static void import_akp()
 		if (progress_stopped())
 			break;
 		tried++;
-		taken += import_one(path, &result, &in_log);
+		taken += import_one(path, taken, &result, &in_log);
 	}
 	const int all = static_cast<int>(paths.size());
 	if (!all)
 		return;
+	if (taken > most_summaries)
+		result.words +=
+			format_text("\nAnd %d more, which the log names.", taken - most_summaries);
 	if (in_log)
 		result.words += "\nThe log names the parameters that cannot go, and those that no "
 				"AKP file tells and that are sent as 0.";

@@ -553,14 +553,15 @@ static void import_as(const std::string &path, const std::string &name)
 {
 	const std::string spool = current_config_path + "\\sample\\";
 	const std::string file = path.substr(path.rfind('\\') + 1);
-	const std::string own = spool + file;
-	const std::string wanted = spool + file_name_of(name) + file.substr(file.size() - 4);
+	const std::string base = spool + file.substr(0, file.rfind('.'));
 	file_info info;
-	const bool there = host.files->stat(own.c_str(), &info) == 0;
+	const bool there = host.files->stat(wave_path_of(base).c_str(), &info) == 0;
 	if (!import_wave(path.c_str(), 0, 0, 0, 0, 0, 0)) {
 		log_line("[W] [%s] was not imported: %s\r\n", path.c_str(), import_failure.c_str());
 		return;
 	}
+	const std::string own = wave_path_of(base);
+	const std::string wanted = spool + file_name_of(name) + own.substr(base.size());
 	if (own == wanted || own == path)
 		return;
 	if (const int code = host.files->rename(own.c_str(), wanted.c_str()))

@@ -337,6 +337,23 @@ TEST_F(akp_upload, stop_ends_an_import_behind_the_sample_that_is_on_its_way)
 		(h.texts[{ window_programs, status_outcome }]), "1 of 2 AKP files were imported.");
 }
 
+TEST_F(akp_upload, a_box_of_many_programs_stays_a_box)
+{
+	std::vector<std::string> files;
+	for (const char *name : { "1", "2", "3", "4", "5", "6", "7", "8", "9", "10" }) {
+		files.push_back(std::string(name) + ".akp");
+		put(files.back(), program_file({}));
+	}
+	import(files);
+	ASSERT_EQ(h.boxes.size(), 1u);
+	EXPECT_NE(h.boxes[0].text.find("\n'8': 0 keygroups, 0 keyzones, 0 samples; 54 parameters "
+				       "cannot reach an Akai S5000/6000.\nAnd 2 more, which the "
+				       "log names.\nThe log names"),
+		std::string::npos);
+	EXPECT_TRUE(h.logged("[I] Imported '10': 0 keygroups, 0 keyzones, 0 samples; 54 parameters "
+			     "cannot reach an Akai S5000/6000."));
+}
+
 TEST(akp_gap, a_byte_arrives_where_one_of_its_fields_does)
 {
 	const auto p = std::make_unique<_program>();

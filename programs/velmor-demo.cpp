@@ -3,10 +3,10 @@
 //	velmor-demo                                       the windows, in real time
 //	velmor-demo --journey [WAV ...] [--out FOLDER]    the main job by itself, in seconds
 //
-// An S3000 and an S1000 hang on one MIDI cable and tell each other apart by their
-// exclusive channels, as in a rack; an S5000 is on the USB. Settings, configurations and samples lie in a
-// folder of the demo's own, VELMOR-Demo beside the real VELMOR, so nothing of the
-// user's is ever touched.
+// An S3000, an S1000 and an S900 hang on one MIDI cable and tell each other apart by their
+// exclusive channels, as in a rack; an S5000 and a Z8 are on the USB. Settings, configurations,
+// samples and programs lie in a folder of the demo's own, VELMOR-Demo beside the real VELMOR, so
+// nothing of the user's is ever touched.
 
 #include "platform/backends.h"
 #include "platform/signals.h"
@@ -256,6 +256,7 @@ static int travel(arguments *a)
 				 the_rack->usb_s5000.multis, replug(the_rack->usb_s5000) },
 			{ the_rack->usb_z8, "Demo Z8", the_rack->usb_z8.programs.size(), {},
 				replug(the_rack->usb_z8) } },
+		.akp_sampler = &the_rack->usb_s5000,
 		.files = a->files,
 		.pictures = a->out,
 		.set_up = set_up,

@@ -16,6 +16,7 @@
 #include "src/resource.h"
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace velmor
@@ -200,6 +201,11 @@ bool add_local_pgm(const _program *program);
 // Ask whether the samples that a program names are to be imported from the folder of its
 // AKP file, and import them.
 void import_required_samples(int window, const char *filename, const _program *program);
+
+// True if such files tell that field of a record.
+bool akp_tells(std::string_view field);
+// True if one byte of such a file fills both fields: most fill one of each family.
+bool akp_has_in_one_byte(std::string_view field, std::string_view other);
 
 // Two bytes as a little-endian value.
 u16 get16val(const u8 *input);

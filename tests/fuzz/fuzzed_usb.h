@@ -1,7 +1,8 @@
 // fuzzed_usb.h - a USB device whose answers are the input of a fuzz target
 //
-// The input is cut into answers: a length byte, then so many bytes; 0 is silence, and FF takes
-// 1024. Writes are swallowed. When the bytes run out every read fails.
+// The input is cut into answers: a length byte, then so many bytes; 0 is silence, FF takes 1024,
+// and FE is as much as the host wants of the byte behind it. Writes are swallowed. When the bytes
+// run out every read fails.
 
 #pragma once
 #include "src/akaiusb.h"
@@ -23,6 +24,12 @@ inline int next_answer(u8 *buffer, std::size_t count)
 	answers = answers.subspan(1);
 	if (!size)
 		return usb_timeout;
+	if (size == 0xFE && !answers.empty()) {
+		std::fill_n(buffer, count, answers[0]);
+		answers = answers.subspan(1);
+		last_moved = count;
+		return usb_ok;
+	}
 	size = std::min({ size, answers.size(), count });
 	std::copy_n(answers.begin(), size, buffer);
 	answers = answers.subspan(size);

@@ -43,6 +43,12 @@ const lcd_kind &lcd_kind_of(i32 model)
 	return kinds[0];
 }
 
+u32 lcd_light()
+{
+	return lcd_kind_of(current_sampler ? static_cast<i32>(current_sampler->sampler_type) : 0)
+		.light;
+}
+
 static constexpr u8 reversed(u8 byte)
 {
 	u8 turned = 0;

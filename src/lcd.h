@@ -63,6 +63,8 @@ struct lcd_kind {
 };
 // The row of a model, that of the first for one without a screen.
 const lcd_kind &lcd_kind_of(i32 model);
+// Of the loaded model, for who draws its pixels.
+u32 lcd_light();
 // The bits of a whole picture as a bitmap_view has them. What was not received counts as clear.
 std::vector<u8> lcd_picture(const _sampler_type &model, std::span<const u8> received);
 

@@ -88,11 +88,15 @@ struct disk_answer {
 			static_cast<std::size_t>(std::clamp<int>(length, 0, fs_text_size))) };
 	}
 	u8 operator[](std::size_t offset) const { return bytes()[at + offset]; }
-	// The text there. An end byte closes one that has no zero.
+	// The text there. The end byte of the answer closes one that has no zero; anywhere else
+	// that byte is a letter.
 	std::string text() const
 	{
 		std::string name = bytes().text(at);
-		return name.substr(0, name.find(static_cast<char>(usb_end_byte)));
+		if (at + name.size() >= bytes().size() &&
+			name.ends_with(static_cast<char>(usb_end_byte)))
+			name.pop_back();
+		return name;
 	}
 };
 

@@ -118,17 +118,23 @@ static void scan_again(const bus_places &places)
 	faults.clear();
 }
 
+static bool has_gone(const _usbdev &device, const bus_places &places)
+{
+	return !places.contains({ device.device_path, device.address });
+}
+
 void refresh_samplers()
 {
 	bus_places places;
 	if (usb_in_use() || !places_on_bus(&places))
 		return;
-	if (never_scanned && usb_init_done) {
+	if (never_scanned && usb_init_done)
 		remember_scan(places); // at start-up, a moment ago
-	} else if (never_scanned || places != scanned ||
-		   (!all_listed(places) && !younger(scanned_at, rescan_seconds))) {
+	const bool changed = never_scanned || places != scanned ||
+			     std::any_of(usbdev.begin(), usbdev.end(),
+				     [&places](const _usbdev &d) { return has_gone(d, places); });
+	if (changed || (!all_listed(places) && !younger(scanned_at, rescan_seconds)))
 		scan_again(places);
-	}
 }
 
 // ---- Listings -----------------------------------------------------------------------------------

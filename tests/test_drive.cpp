@@ -1,8 +1,6 @@
-// test_drive.cpp - the disks of USB samplers as a drive: requests, operations, listings kept
+// test_drive.cpp - the disks of USB samplers: paths, names, requests, answers
 
-#include "src/diskqx.h"
-#include "tests/support/usb_fixture.h"
-#include <cstring>
+#include "tests/support/drive_fixture.h"
 #include <set>
 
 using namespace velmor;
@@ -10,172 +8,7 @@ using namespace velmor;
 namespace
 {
 
-const char *const s5000_open = R"(
-	> 03 14
-	> 04 03
-	> 10 0B 00 F0 47 5E 20 00 00 00 01 00 01 F7
-	< F0 47 5E 23 00 00 44 00 01 F7
-)";
-const char *const s5000_volumes = R"(
-	> 10 0A 00 F0 47 5E 23 00 00 10 04 14 F7
-	< F0 47 5E 23 00 00 52 10 04 02 F7
-	> 10 0A 00 F0 47 5E 23 00 00 10 05 15 F7
-	< F0 47 5E 23 00 00 52 10 05 01 02 03 04 05 00 'DISK 1' 00 00 07 01 02 06 01 'CD' 00 F7
-)";
-// Handle 130, the root, and one folder.
-const char *const s5000_drums = R"(
-	> 10 0C 00 F0 47 5E 23 00 00 10 02 01 02 15 F7
-	< F0 47 5E 23 00 00 44 10 02 F7
-	> 10 0B 00 F0 47 5E 23 00 00 10 13 00 23 F7
-	< F0 47 5E 23 00 00 44 10 13 F7
-	> 10 10 00 F0 47 5E 23 00 00 10 13 'drums' 00 4E F7
-	< F0 47 5E 23 00 00 44 10 13 F7
-)";
-const char *const s5000_list = R"(
-	> 10 0A 00 F0 47 5E 23 00 00 10 10 20 F7
-	< F0 47 5E 23 00 00 52 10 10 00 01 F7
-	> 10 0A 00 F0 47 5E 23 00 00 10 20 30 F7
-	< F0 47 5E 23 00 00 52 10 20 00 01 F7
-	> 10 0C 00 F0 47 5E 23 00 00 10 11 00 00 21 F7
-	< F0 47 5E 23 00 00 52 10 11 'Kits' 00 F7
-	> 10 0C 00 F0 47 5E 23 00 00 10 21 00 00 31 F7
-	< F0 47 5E 23 00 00 52 10 21 'Kick.wav' 00 F7
-	> 10 0C 00 F0 47 5E 23 00 00 10 23 00 00 33 F7
-	< F0 47 5E 23 00 00 52 10 23 00 01 02 03 F7
-)";
-const char *const z4_open = "> 03 01\n";
-const char *const z4_volumes = R"(
-	> 10 07 00 F0 47 5F 00 20 04 F7
-	< F0 47 5F 00 52 20 04 00 02 F7
-	> 10 07 00 F0 47 5F 00 20 05 F7
-	< F0 47 5F 00 52 20 05 00 02 01 03 04 05 00 'DISK 1' 00 07 00 01 02 06 01 'CD' 00 F7
-)";
-const char *const z4_drums = R"(
-	> 10 09 00 F0 47 5F 00 20 02 02 01 F7
-	< F0 47 5F 00 44 20 02 F7
-	> 10 08 00 F0 47 5F 00 20 13 00 F7
-	< F0 47 5F 00 44 20 13 F7
-	> 10 0D 00 F0 47 5F 00 20 13 'drums' 00 F7
-	< F0 47 5F 00 44 20 13 F7
-)";
-// The name of a file stands one byte later than that of a folder; its size is asked for and
-// answered as by an S5000.
-const char *const z4_list = R"(
-	> 10 07 00 F0 47 5F 00 20 10 F7
-	< F0 47 5F 00 52 20 10 00 00 01 F7
-	> 10 07 00 F0 47 5F 00 20 20 F7
-	< F0 47 5F 00 52 20 20 00 00 01 F7
-	> 10 09 00 F0 47 5F 00 20 11 00 00 F7
-	< F0 47 5F 00 52 20 11 00 'Kits' 00 F7
-	> 10 09 00 F0 47 5F 00 20 21 00 00 F7
-	< F0 47 5F 00 52 20 21 00 00 'Kick.wav' 00 F7
-	> 10 09 00 F0 47 5F 00 10 23 00 00 F7
-	< F0 47 5F 00 00 00 52 10 23 00 01 02 03 F7
-)";
-
-struct family {
-	u16 product;
-	i32 model;
-	const char *open, *volumes, *drums, *list;
-	std::size_t letter_at;
-};
-const family s5000_rows = { 0x5E, model_s5000, s5000_open, s5000_volumes, s5000_drums, s5000_list,
-	6 };
-const family z4_rows = { 0x5F, model_z4, z4_open, z4_volumes, z4_drums, z4_list, 4 };
 const family families[] = { s5000_rows, z4_rows };
-
-// Requests of a conversation with their answers, one text each.
-std::vector<std::string> exchanges_of(const std::string &text)
-{
-	std::vector<std::string> all;
-	for (std::size_t at = text.find('>'); at != text.npos;) {
-		const std::size_t next = text.find('>', at + 1);
-		all.push_back(text.substr(at, next == text.npos ? next : next - at));
-		at = next;
-	}
-	return all;
-}
-
-class drive_test : public usb_test
-{
-protected:
-	drive_test()
-	{
-		forget_drive();
-		clear_fs_handles();
-		fs_fault = drive_ok;
-		current_fs_caller = {};
-		forget_stop();
-	}
-	~drive_test() override
-	{
-		request_close(false);
-		host_drive = nullptr;
-	}
-	// True if the log holds these words. Some of its texts do not end their line.
-	bool told(const std::string &words)
-	{
-		const std::vector<u8> log = h.content("velmor.log").value_or(std::vector<u8>());
-		const std::string all(log.begin(), log.end());
-		return all.find(words) != all.npos;
-	}
-	// A sampler as a look for samplers left it.
-	_usbdev *sampler(i32 model)
-	{
-		_usbdev *device = listed(model);
-		device->address = "001/002";
-		usb_init_done = 1;
-		return device;
-	}
-	PTFS_FILE_CONTEXT *opened(const char *path)
-	{
-		PTFS_FILE_CONTEXT *context = nullptr;
-		EXPECT_EQ(PtfsInterface.Open(path, 1, &context, nullptr), 0u);
-		return context;
-	}
-	// Names, attributes and sizes of a folder that is opened, listed and closed.
-	std::string listing(const char *path, fs_status expected = 0, u32 length = 100000)
-	{
-		PTFS_FILE_CONTEXT *context = opened(path);
-		std::vector<FSP_FSCTL_DIR_INFO> records;
-		u32 transferred = 0;
-		EXPECT_EQ(PtfsInterface.ReadDirectory(
-				  context, "*.wav", nullptr, &records, length, &transferred),
-			expected);
-		std::string text;
-		u32 bytes = 0;
-		for (const FSP_FSCTL_DIR_INFO &r : records) {
-			text += format_text("%s %u %d %d;", r.FileName.c_str(),
-				r.FileInfo.FileAttributes, static_cast<int>(r.FileInfo.FileSize),
-				static_cast<int>(r.FileInfo.AllocationSize));
-			EXPECT_EQ(r.Size, r.FileName.size() * 2 + 104);
-			EXPECT_EQ(r.FileInfo.ChangeTime, static_cast<u64>(host.clock->time_of_day()));
-			bytes += r.Size;
-		}
-		EXPECT_EQ(transferred, bytes);
-		PtfsInterface.Close(context);
-		return text;
-	}
-	// The same as the host's drive sees it, or what it is told instead.
-	drive_result drive_listing(const std::string &path, bool may_ask = true, double waited = 0,
-		std::function<bool()> given_up = {})
-	{
-		entries.clear();
-		drive_folder folder = nullptr;
-		EXPECT_EQ(sampler_drive.open_folder(path, &folder), drive_ok);
-		const drive_result result = sampler_drive.list_folder(
-			{ may_ask, waited, std::move(given_up) }, folder, path, &entries);
-		sampler_drive.close_folder(folder);
-		return result;
-	}
-	drive_result found(const std::string &folder, const std::string &name, bool may_ask = true)
-	{
-		return sampler_drive.find({ may_ask, 0, {} }, folder, name, &entry);
-	}
-	std::vector<drive_entry> entries;
-	drive_entry entry;
-};
-constexpr char drums_path[] = "\\Studio\\disk 1\\\\DRUMS";
 
 // ---- Paths and names -------------------------------------------------------------------------
 
@@ -197,8 +30,10 @@ TEST_F(drive_test, a_path_has_three_parts)
 		EXPECT_STREQ(p.volume, row.volume) << row.path;
 		EXPECT_STREQ(p.file, row.file) << row.path;
 	}
-	for (const char *line : { "SAMPLER:   [Studio]", "VOLUME:    [DISK 1]", "FILE-PATH: [A\\\\B\\C]" })
-		EXPECT_TRUE(told(format_text(": [here.cpp:7] ___ANALYZING --> %s\n", line))) << line;
+	for (const char *line :
+		{ "SAMPLER:   [Studio]", "VOLUME:    [DISK 1]", "FILE-PATH: [A\\\\B\\C]" })
+		EXPECT_TRUE(told(format_text(": [here.cpp:7] ___ANALYZING --> %s\n", line)))
+			<< line;
 	drive_path p;
 	const std::string endless = "\\" + std::string(3000, 'x');
 	_get_path_parts("here.cpp", 7, endless.c_str(), p.sampler, p.volume, p.file);
@@ -238,7 +73,8 @@ TEST_F(drive_test, a_folder_is_listed_byte_for_byte)
 		_usbdev *device = sampler(f.model);
 		for (const char *steps : { f.open, f.volumes, f.drums, f.list })
 			wire.play(steps);
-		EXPECT_EQ(listing(drums_path), ". 16 0 0;.. 16 0 0;Kits 16 0 0;Kick.wav 128 16643 4;");
+		EXPECT_EQ(listing(drums_path),
+			". 16 0 0;.. 16 0 0;Kits 16 0 0;Kick.wav 128 16643 4;");
 		EXPECT_EQ(wire.steps_left(), 0);
 		wire.play(f.open);
 		wire.play(f.volumes);
@@ -249,7 +85,8 @@ TEST_F(drive_test, a_folder_is_listed_byte_for_byte)
 		sampler_volumes volumes;
 		EXPECT_EQ(get_sampler_volumes(device, &volumes), 2);
 		const _sampler_volume &v = volumes[0];
-		EXPECT_EQ(std::vector<int>({ v.handle, v.type, v.format, v.physical_id, v.writeable }),
+		EXPECT_EQ(std::vector<int>(
+				  { v.handle, v.type, v.format, v.physical_id, v.writeable }),
 			(std::vector<int>{ 130, 3, 4, 5, 0 }));
 		EXPECT_EQ(volumes[1].handle, 7);
 		EXPECT_EQ(find_sampler_volume(2, volumes, "cd"), &volumes[1]);
@@ -262,8 +99,8 @@ TEST_F(drive_test, a_folder_is_listed_byte_for_byte)
 	for (const char *line : { ": --- SAMPLER has 2 Volumes\n", ": Found: 2 Sampler-Files\n",
 		     "] REQUESTING SAMPLER-PATH: [DRUMS] FOR VOLUME: [DISK 1] "
 		     "(VOLUME-AKAI-HANDLE: 130)\n",
-		     "] Changing path to: [drums]\n", ": +++++ [fsmidi.cpp: ",
-		     "] Found 1 Directories\n", "] Found 1 Files\n" })
+		     "] Changing path to: [drums]\n",
+		     ": +++++ [fsmidi.cpp: ", "] Found 1 Directories\n", "] Found 1 Files\n" })
 		EXPECT_TRUE(told(line)) << line;
 }
 
@@ -275,20 +112,28 @@ TEST_F(drive_test, an_index_over_127_takes_both_bytes)
 		_usbdev *device = sampler(f.model);
 		wire.play(f.open);
 		ASSERT_TRUE(open_midi_usb(device));
-		const auto ask = [&](int item, const std::string &more, int sum, const std::string &says) {
+		const auto ask = [&](int item, const std::string &more, int sum,
+					 const std::string &says) {
 			const int size = 2 + static_cast<int>(hex(more).size());
 			const std::string sent =
-				s5000 ? format_text("> 10 %02X 00 F0 47 5E 23 00 00 10 %02X %s %02X F7\n",
-						size + 8, item, more.c_str(), (0x10 + item + sum) & 0x7F)
-				      : format_text("> 10 %02X 00 F0 47 5F 00 20 %02X %s F7\n", size + 5,
-						item, more.c_str());
-			wire.play((sent + (s5000 ? "< F0 47 5E 23 00 00 52 10 00 "
-						 : "< F0 47 5F 00 52 20 00 00 ") + says + " F7").c_str());
+				s5000 ? format_text("> 10 %02X 00 F0 47 5E 23 00 00 10 %02X %s "
+						    "%02X F7\n",
+						size + 8, item, more.c_str(),
+						(0x10 + item + sum) & 0x7F)
+				      : format_text("> 10 %02X 00 F0 47 5F 00 20 %02X %s F7\n",
+						size + 5, item, more.c_str());
+			wire.play((sent +
+				   (s5000 ? "< F0 47 5E 23 00 00 52 10 00 "
+					  : "< F0 47 5F 00 52 20 00 00 ") +
+				   says + " F7")
+					  .c_str());
 		};
 		ask(0x10, "", 0, "01 03"); // 131, the high group first
 		ask(0x20, "", 0, "00 00");
 		for (int i = 0; i < 131; i++)
-			ask(0x11, format_text(s5000 ? "%02X %02X" : "%2$02X %1$02X", i >> 7, i & 0x7F),
+			ask(0x11,
+				format_text(
+					s5000 ? "%02X %02X" : "%2$02X %1$02X", i >> 7, i & 0x7F),
 				(i >> 7) + (i & 0x7F), format_text("'F%d' 00", i));
 		sampler_files all;
 		ASSERT_EQ(_get_current_dirlist("here.cpp", 7, device, &all), 131);
@@ -316,8 +161,11 @@ TEST_F(drive_test, a_fault_at_any_exchange_ends_the_listing)
 				{ sent + "! silence", drive_timed_out, true },
 				{ sent + "! stall", drive_failed, true },
 				{ "! unplug", drive_no_device, true },
-				{ sent + "< F0*12 F7", path ? drive_not_found : drive_failed, by_letter },
-				{ sent + format_text("< %02X*6", f.letter_at == 6 ? 0x52 : path ? 0x44 : 0x52),
+				{ sent + "< F0*12 F7", path ? drive_not_found : drive_failed,
+					by_letter },
+				{ sent + format_text("< %02X*6", f.letter_at == 6 ? 0x52
+								 : path           ? 0x44
+										  : 0x52),
 					path ? drive_not_found : drive_failed, by_letter },
 			};
 			for (const auto &row : rows) {
@@ -363,10 +211,14 @@ TEST_F(drive_test, volumes_that_are_not_there_are_none)
 		wire.play(s5000_open);
 		ASSERT_TRUE(open_midi_usb(device));
 		wire.play(format_text("> 10 0A 00 F0 47 5E 23 00 00 10 04 14 F7\n"
-				      "< F0 47 5E 23 00 00 52 10 04 %s F7", row.count).c_str());
+				      "< F0 47 5E 23 00 00 52 10 04 %s F7",
+			row.count)
+				  .c_str());
 		if (row.records)
 			wire.play(format_text("> 10 0A 00 F0 47 5E 23 00 00 10 05 15 F7\n"
-					      "< F0 47 5E 23 00 00 52 10 05 %s", row.records).c_str());
+					      "< F0 47 5E 23 00 00 52 10 05 %s",
+				row.records)
+					  .c_str());
 		sampler_volumes volumes;
 		EXPECT_EQ(get_sampler_volumes(device, &volumes), row.volumes);
 		EXPECT_EQ(volumes != nullptr, row.volumes > 0);
@@ -409,15 +261,16 @@ TEST_F(drive_test, what_a_path_leads_to)
 		{ "\\Studio\\DISK 1\\Drums", s5000_open + (s5000_volumes + in_drums), 0, 16, 0, 0,
 			nullptr },
 		{ "\\Studio\\disk 1\\Drums\\KICK.wav",
-			s5000_open + (s5000_volumes + in_drums) + refused + in_drums + s5000_list, 0, 0,
-			16643, 4, "The-PATH: [Drums]...The-FILE: [KICK.wav]\n" },
-		{ "\\Studio\\DISK 1\\Drums\\Snare", s5000_open + (s5000_volumes + in_drums) +
-			change("snare", 0x3C, "45") + in_drums + s5000_list, 1, 0, 0, 0,
-			"GET_FILE_INFO: Bad file name 'Snare'\n" },
+			s5000_open + (s5000_volumes + in_drums) + refused + in_drums + s5000_list,
+			0, 0, 16643, 4, "The-PATH: [Drums]...The-FILE: [KICK.wav]\n" },
+		{ "\\Studio\\DISK 1\\Drums\\Snare",
+			s5000_open + (s5000_volumes + in_drums) + change("snare", 0x3C, "45") +
+				in_drums + s5000_list,
+			1, 0, 0, 0, "GET_FILE_INFO: Bad file name 'Snare'\n" },
 		// A file at the volume's root passes for a folder.
 		{ "\\Studio\\DISK 1\\Kick.wav",
-			s5000_open + (s5000_volumes + to_root) + refused + to_root + refused, 1, 16, 0, 0,
-			nullptr },
+			s5000_open + (s5000_volumes + to_root) + refused + to_root + refused, 1, 16,
+			0, 0, nullptr },
 	};
 	for (const auto &row : rows) {
 		SCOPED_TRACE(row.path);

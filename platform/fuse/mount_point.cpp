@@ -16,6 +16,7 @@
 #include <sstream>
 #include <sys/mount.h>
 #include <sys/stat.h>
+#include <sys/statvfs.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -132,9 +133,10 @@ std::string why_not_usable(const char *mount_point, const char *type)
 {
 	const std::string name = absolute_name(mount_point);
 	const std::string present = mounted_type(name);
-	struct stat info;
+	// The sizes are asked of the process; what else is known of a folder may be remembered.
+	struct statvfs sizes;
 	if (present == std::string("fuse.") + type) {
-		if (stat(name.c_str(), &info) == 0)
+		if (statvfs(name.c_str(), &sizes) == 0)
 			return "The drive is mounted at " + name + " already.";
 		if (errno != ENOTCONN)
 			return name + " cannot be used: " + std::strerror(errno) + ".";

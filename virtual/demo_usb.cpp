@@ -2,6 +2,7 @@
 
 #include "virtual/demo_usb.h"
 #include "virtual/demo_content.h"
+#include "virtual/demo_disks.h"
 #include <cstdio>
 
 namespace velmor
@@ -130,7 +131,7 @@ void fill_demo(s5000 &machine)
 			machine.programs.back().keygroups.push_back(s5000_keygroup_of(k));
 	}
 	machine.multis = { "Ballad", "Drums+Bass" };
-	machine.disks = { { 1, 1, 2, 0, 1, "HARD DISK" }, { 258, 2, 2, 5, 0, "STRINGS CD" } };
+	fill_demo_disks_s5000(&machine.disks);
 }
 
 static z4_keygroup z4_keygroup_of(const keygroup_plan &plan)
@@ -158,7 +159,7 @@ void fill_demo(z4 &machine)
 			keygroups.push_back(z4_keygroup_of(k));
 		machine.add_program(plan.name, std::move(keygroups));
 	}
-	machine.disks = { { 1, 1, 2, 0, 1, "HARD DISK" } };
+	fill_demo_disks_z8(&machine.disks);
 }
 
 void fill_for_usb_benchmark(s5000 &machine, std::size_t programs, std::size_t keygroups)

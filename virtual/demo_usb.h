@@ -13,7 +13,7 @@ namespace velmor
 {
 
 // A drum kit, strings in two layers of velocity, a bass, a choir and a split of two of them;
-// two multis and two disks on the S5000. They call themselves "Demo S5000" and "Demo Z8".
+// two multis on the S5000; disks. They call themselves "Demo S5000" and "Demo Z8".
 void fill_demo(s5000 &machine);
 void fill_demo(z4 &machine);
 

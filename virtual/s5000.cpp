@@ -124,7 +124,7 @@ void s5000::heard_frame(bytes_in frame)
 	run(payload);
 }
 
-void s5000::answer_with(char status, bytes_in data)
+void s5000::answer_with(char status, bytes_in data, double longer)
 {
 	usb_bytes bytes = { 0xF0, 0x47, 0x5E, static_cast<std::uint8_t>(channel), 0x00, 0x00,
 		static_cast<std::uint8_t>(status), asked[0], asked[1] };
@@ -132,17 +132,23 @@ void s5000::answer_with(char status, bytes_in data)
 		bytes[5] = 'O';
 	bytes.insert(bytes.end(), data.begin(), data.end());
 	bytes.push_back(0xF7);
-	say_framed(std::move(bytes));
+	say_framed(std::move(bytes), longer);
 }
 
 // Section of the front panel: keys, wheel, keyboard.
 static constexpr std::uint8_t panel_section = 0x20;
+static constexpr std::uint8_t disk_section = 0x10;
 
 void s5000::run(bytes_in payload)
 {
 	if (asked[0] == panel_section) {
 		key_presses.emplace_back(payload.begin(), payload.end());
 		answer_with('D', {});
+		return;
+	}
+	if (asked[0] == disk_section) {
+		const request_outcome told = disk_request(disks, asked[1], payload.subspan(2));
+		answer_with(told.status, told.data, disks.latency);
 		return;
 	}
 	for (const s5000_request &r : s5000_request_rows) {

@@ -54,12 +54,6 @@ struct s5000_program {
 	bool operator==(const s5000_program &) const = default;
 };
 
-struct s5000_disk {
-	std::uint16_t id;
-	std::uint8_t type, format, scsi_id, writable;
-	std::string name;
-};
-
 class s5000 : public usb_sampler
 {
 public:
@@ -69,7 +63,6 @@ public:
 	bool is_s6000 = false;
 	std::vector<s5000_program> programs;
 	std::vector<std::string> multis;
-	std::vector<s5000_disk> disks;
 	int current_program = 0, current_keygroup = 0;
 	bool sums_checked = true;
 	// Byte of the "O" message that holds the O: 6 as in every answer, or 5, then both.
@@ -92,7 +85,7 @@ protected:
 private:
 	friend struct s5000_requests;
 	std::array<std::uint8_t, 2> asked = {}; // section and item of the request at hand
-	void answer_with(char status, std::span<const std::uint8_t> data);
+	void answer_with(char status, std::span<const std::uint8_t> data, double longer = 0);
 	void run(std::span<const std::uint8_t> payload);
 };
 

@@ -245,18 +245,6 @@ struct s5000_requests {
 
 using samples = s5000_requests;
 
-static request_outcome list_disks(s5000 &m, args)
-{
-	usb_bytes data;
-	for (const s5000_disk &d : m.disks) {
-		data.insert(data.end(), { static_cast<std::uint8_t>(d.id >> 7 & 0x7F),
-						static_cast<std::uint8_t>(d.id & 0x7F), d.type,
-						d.format, d.scsi_id, d.writable });
-		add_text(&data, d.name);
-	}
-	return reply(std::move(data));
-}
-
 // clang-format off
 static const s5000_request rows[] = {
 	// section item form             bytes
@@ -342,10 +330,6 @@ static const s5000_request rows[] = {
 	{ 0x0E, 0x41, request_form::bytes,      0, samples::fact<&wave_facts::end, 4> },
 	{ 0x0E, 0x42, request_form::bytes,      0, samples::fact<&wave_facts::note, 1> },
 	{ 0x0E, 0x48, request_form::bytes,      0, samples::fact<&wave_facts::playback, 1> },
-
-	{ 0x10, 0x04, request_form::bytes,      0, [](s5000 &m, args) { return reply_high_first(count_of(m.disks), 1); } },
-	{ 0x10, 0x05, request_form::bytes,      0, list_disks },
-
 
 	{ 0x3A, 0x00, request_form::block,      0, s5000_block_request },
 };

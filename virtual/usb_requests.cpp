@@ -10,13 +10,15 @@ namespace velmor
 bool take_arguments(request_form form, std::size_t count, std::span<const std::uint8_t> bytes,
 	request_arguments *a)
 {
-	if (std::any_of(bytes.begin(), bytes.end(), [](std::uint8_t b) { return b > 0x7F; }))
+	if (form != request_form::any_text &&
+		std::any_of(bytes.begin(), bytes.end(), [](std::uint8_t b) { return b > 0x7F; }))
 		return false;
 	a->bytes.assign(bytes.begin(), bytes.end());
 	switch (form) {
 	case request_form::bytes:
 		return bytes.size() == count;
 	case request_form::text:
+	case request_form::any_text:
 		return take_text(bytes, &a->text);
 	case request_form::loose_text:
 		return take_text(bytes, &a->text) || bytes.size() == a->text.size();

@@ -21,6 +21,7 @@ enum class request_form {
 	bytes,      // `count` of them
 	text,       // a text with its NUL
 	loose_text, // the NUL may be missing
+	any_text,   // a text with its NUL, of bytes of eight bits
 	byte_text,  // a byte, then a text with its NUL
 	block,      // three bytes, then groups of four, of which the last may lack one
 };
@@ -43,7 +44,7 @@ template <class machine> struct machine_request {
 	request_outcome (*run)(machine &m, const request_arguments &arguments);
 };
 
-// False if the arguments do not fit, or hold a byte of eight bits.
+// False if the arguments do not fit, or hold a byte of eight bits that is none of any_text.
 bool take_arguments(request_form form, std::size_t count, std::span<const std::uint8_t> bytes,
 	request_arguments *a);
 

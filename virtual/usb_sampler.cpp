@@ -44,6 +44,7 @@ void usb_sampler::plugged_in()
 	awake = asleep_at_power_on ? awake_state::asleep : awake_state::awake;
 	confirms = confirms_at_power_on;
 	current_sample = 0;
+	disks.forget_place();
 	forget_transfer();
 	outbox.clear();
 }

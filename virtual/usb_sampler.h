@@ -18,6 +18,7 @@
 // Knows nothing of: the system under src/.
 
 #pragma once
+#include "virtual/disks.h"
 #include "virtual/usb_machine.h"
 #include "virtual/wave_image.h"
 #include <string>
@@ -37,6 +38,7 @@ public:
 	std::string name;
 	std::uint8_t version_major = 2, version_minor = 10;
 	std::vector<usb_sample> samples;
+	disk_rack disks;
 	usb_bytes picture;                  // of the display, a bit a pixel
 	std::vector<usb_bytes> key_presses; // payloads of front panel requests, in order
 
@@ -94,9 +96,11 @@ protected:
 	{
 		answer({ .bytes = std::move(bytes), .delay = delay });
 	}
-	void say_framed(usb_bytes bytes)
+	void say_framed(usb_bytes bytes, double longer = 0)
 	{
-		answer({ .bytes = std::move(bytes), .delay = latency, .closed = empty_packets });
+		answer({ .bytes = std::move(bytes),
+			.delay = latency + longer,
+			.closed = empty_packets });
 	}
 	void say_busy();
 	void forget_transfer();

@@ -16,6 +16,7 @@ z4::z4(z4_model which) : model(which)
 	product_name = mpc ? "AKAI MPC4000" : "AKAI Z4/Z8";
 	name = mpc ? "MPC4000" : model == z4_model::z8 ? "Z8" : "Z4";
 	asleep_at_power_on = !mpc;
+	disks.low_first = true;
 	picture.resize(mpc ? 320 * 240 / 8 : 248 * 60 / 8);
 }
 
@@ -115,42 +116,52 @@ void z4::heard_frame(bytes_in frame)
 	run(payload);
 }
 
-static constexpr std::uint8_t version_request[] = { 0x04, 0x00 }, name_request[] = { 0x07, 0x01 },
-			      start_request[] = { 0x1F, 0x20 }, end_request[] = { 0x1F, 0x21 };
+using request = std::array<std::uint8_t, 2>;
+static constexpr request version_request = { 0x04, 0x00 }, name_request = { 0x07, 0x01 },
+			 start_request = { 0x1F, 0x20 }, end_request = { 0x1F, 0x21 },
+			 file_name_request = { 0x20, 0x21 },
+			 file_size_request = { 0x10, disk_size_item };
 
+// The size of a file is told as an S5000 does, with two zeros before the status.
 std::size_t z4::data_offset() const
 {
-	const auto is = [this](const std::uint8_t(&request)[2]) {
-		return asked[0] == request[0] && asked[1] == request[1];
-	};
-	if (is(start_request) || is(end_request))
-		return 9;
-	if (is(version_request) || is(name_request))
-		return told_at;
-	return 8;
+	for (const request &late :
+		{ start_request, end_request, file_name_request, file_size_request })
+		if (asked == late)
+			return 9;
+	return asked == version_request || asked == name_request ? told_at : 8;
 }
 
-void z4::answer_with(char status, bytes_in data)
+void z4::answer_with(char status, bytes_in data, double longer)
 {
 	if (stray_end)
 		say({ 0xF7 }, latency);
-	usb_bytes bytes = { 0xF0, 0x47, 0x5F, static_cast<std::uint8_t>(channel),
-		static_cast<std::uint8_t>(status), asked[0], asked[1] };
+	usb_bytes bytes = { 0xF0, 0x47, 0x5F, static_cast<std::uint8_t>(channel) };
+	if (asked == file_size_request)
+		bytes.resize(6);
+	bytes.insert(bytes.end(), { static_cast<std::uint8_t>(status), asked[0], asked[1] });
 	if (!data.empty())
 		bytes.resize(data_offset());
 	bytes.insert(bytes.end(), data.begin(), data.end());
 	bytes.push_back(0xF7);
-	say_framed(std::move(bytes));
+	say_framed(std::move(bytes), longer);
 }
 
 // Section of the front panel: keys, wheel, keyboard.
 static constexpr std::uint8_t panel_section = 0x2C;
+static constexpr std::uint8_t disk_section = 0x20;
 
 void z4::run(bytes_in payload)
 {
 	if (asked[0] == panel_section) {
 		key_presses.emplace_back(payload.begin(), payload.end());
 		answer_with('D', {});
+		return;
+	}
+	const bool size_asked = asked == file_size_request;
+	if (size_asked || (asked[0] == disk_section && asked[1] != disk_size_item)) {
+		const request_outcome told = disk_request(disks, asked[1], payload.subspan(2));
+		answer_with(told.status, told.data, disks.latency);
 		return;
 	}
 	for (const z4_request &r : z4_request_rows) {

@@ -5,8 +5,9 @@
 //
 // len counts, low byte first, what follows it; there is no sum. status is "D" done, "R"
 // reply with data (from offset 8), "O" heard and working on it, "E" refused, with a reason.
-// Start and end of a sample stand one byte further. So do the version and the name, or not:
-// a setting, since a host has to find them in both places.
+// Start and end of a sample stand one byte further, and so do names of files. So do the version
+// and the name, or not: a setting, since a host has to find them in both places. The size of a
+// file is asked and told as an S5000 does, with two zeros before the status.
 //
 // What is wrong in form is not answered at all. A request of wrong length or with a value
 // the machine does not have is refused and changes nothing.
@@ -46,12 +47,6 @@ struct z4_program {
 	bool operator==(const z4_program &) const = default;
 };
 
-struct z4_disk {
-	std::uint16_t id;
-	std::uint8_t type, format, scsi_id, writable;
-	std::string name;
-};
-
 enum class z4_model : std::uint8_t {
 	z4 = 0,
 	z8 = 1,
@@ -66,7 +61,6 @@ public:
 
 	void add_program(std::string program_name, std::vector<z4_keygroup> keygroups);
 	std::vector<z4_program> programs;
-	std::vector<z4_disk> disks;
 	int current_program = 0, current_keygroup = 0;
 	bool stray_end = false;  // a lone F7 before each answer
 	std::size_t told_at = 9; // offset of version and name, 8 or 9
@@ -94,7 +88,7 @@ private:
 	std::uint32_t next_program_handle = 0x0204081; // a bit in each group of seven
 	std::array<std::uint8_t, 2> asked = {};
 	std::size_t data_offset() const;
-	void answer_with(char status, std::span<const std::uint8_t> data);
+	void answer_with(char status, std::span<const std::uint8_t> data, double longer = 0);
 	void run(std::span<const std::uint8_t> payload);
 };
 

@@ -248,19 +248,6 @@ struct z4_requests {
 
 using rest = z4_requests;
 
-// Each disk: number, low group first, type, format, SCSI id, writable, name.
-static request_outcome list_disks(z4 &m, args)
-{
-	usb_bytes data;
-	for (const z4_disk &d : m.disks) {
-		data.insert(data.end(), { static_cast<std::uint8_t>(d.id & 0x7F),
-						static_cast<std::uint8_t>(d.id >> 7 & 0x7F), d.type,
-						d.format, d.scsi_id, d.writable });
-		add_text(&data, d.name);
-	}
-	return reply(std::move(data));
-}
-
 // clang-format off
 static const z4_request rows[] = {
 	// section item form              bytes
@@ -310,9 +297,6 @@ static const z4_request rows[] = {
 	{ 0x1F, 0x51, request_form::bytes,      0, rest::low_first<&wave_facts::rate, 3> },
 	{ 0x1F, 0x52, request_form::bytes,      0, rest::low_first<&wave_facts::bits, 1> },
 	{ 0x1F, 0x55, request_form::bytes,      0, rest::low_first<&wave_facts::channels, 1> },
-
-	{ 0x20, 0x04, request_form::bytes,      0, [](z4 &m, args) { return reply_low_first(count_of(m.disks), 1); } },
-	{ 0x20, 0x05, request_form::bytes,      0, list_disks },
 };
 // clang-format on
 

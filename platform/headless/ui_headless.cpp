@@ -209,6 +209,10 @@ const ui_service headless_ui = {
 			if (form_row *found = find_row(w, c, row))
 				found->changed = changed;
 		},
+	.set_track_count = [](int, int, int) {},
+	.set_track = [](int, int, int, const track_view *) {},
+	.set_strip = [](int, int, int, const strip_view *) {},
+	.set_play_position = [](int, int, std::int64_t, int) {},
 	.message = message,
 	.ask = ask,
 	// Nobody is there to choose.

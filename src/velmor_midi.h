@@ -12,7 +12,7 @@
 // Main thread only. Knows nothing of: models, toolkits.
 
 #pragma once
-#include "src/velmor.h"
+#include "src/velmor_outcome.h"
 #include <memory>
 #include <string>
 #include <vector>
@@ -96,6 +96,9 @@ struct _midif {
 	int division = 0; // as in the head
 	int parent_window = 0;
 	std::vector<_midi_track> track;
+	// Counted while it is read.
+	int all_events = 0;
+	u64 all_data = 0; // bytes of those events whose length stands in the file
 };
 
 // The loaded file. Changed by open_midi_file and free_midi.
@@ -140,20 +143,22 @@ void play_really_all(int window, _midif *file);
 void timer_playback();
 // Stop, and let go of all notes on the first 15 channels. Harmless when nothing plays.
 void stop_really_all(int window);
+// Stop this file if it plays, and make whatever waits in a send for it give up.
+void stop_midi_file(const _midif *file);
 // True from play_really_all to the song's end.
 bool song_plays();
 // Play one track, event by event, without its times.
 void play_track(int window, _midif *file, int track);
 
-// False: the song was stopped, or its file freed, while the bytes were on their way.
-bool send_midi_event(int window, _midif *file, int track, int event);
+// Play one event. True: the port failed, and *why has the words. The file may be gone afterwards.
+bool send_midi_event(int window, _midif *file, int track, int event, outcome *why);
 void stack_midi_event(_midif *file, int track, int event);
 void remove_midi_event(_midi_track *track, int index);
 // "[0] ORIG.ID: 12, CHANNEL: 1, PITCH: 60 (C3)"
 std::string get_stack_string(const _midi_track *track, int index);
 // Send bytes on the MIDI output, opened if need be, and run the interface until they have left.
-// False: the port failed; *why is a sentence.
-bool play_midi_data(const u8 *data, int length, std::string *why);
+// True: the port failed, and *why has the words.
+bool play_midi_data(const u8 *data, int length, outcome *why);
 // "" where sampler work over MIDI may use the output; otherwise that the player has it, a
 // sentence.
 std::string why_output_is_taken();

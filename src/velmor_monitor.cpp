@@ -10,6 +10,7 @@
 // Knows nothing of: models, toolkits.
 
 #include "src/velmor_monitor.h"
+#include "src/velmor_log.h"
 #include "src/velmor_window.h"
 #include <algorithm>
 #include <cstdio>
@@ -283,6 +284,7 @@ static void tell_next_byte()
 
 static void tell_portion()
 {
+	const log_batch batch;
 	const double end = host.clock->counter() + longest_portion;
 	const unsigned long last = monitor.received + most_in_portion;
 	while (!monitor.waiting.empty() && monitor.received < last && host.clock->counter() < end)

@@ -136,7 +136,8 @@ static void unload_midi_file()
 {
 	if (!have_midi_file)
 		return;
-	stop_really_all(window_midi_files);
+	if (song_plays())
+		stop_really_all(window_midi_files);
 	play_the_file = track_stopped;
 	const double end = host.clock->counter() + 1;
 	for (double rest = 1; rest > 0; rest = end - host.clock->counter())
@@ -155,7 +156,7 @@ static void play_midi_file()
 	show_player();
 }
 
-static void stop_midi_file()
+static void stop_playing()
 {
 	play_the_file = track_stopped;
 	stop_really_all(window_midi_files);
@@ -176,7 +177,9 @@ void pause_or_continue()
 // Nobody looks at a song whose window is gone; it would have no Stop.
 static void hide_player()
 {
-	stop_midi_file();
+	play_the_file = track_stopped;
+	if (song_plays())
+		stop_really_all(window_midi_files);
 	host.ui->show(window_midi_files, 0, false);
 }
 
@@ -219,7 +222,7 @@ static constexpr command_row player_commands[] = {
 	{ window_midi_files, player_load,     choose_midi_file, alone  },
 	{ window_midi_files, player_unload,   unload_midi_file, alone  },
 	{ window_midi_files, player_play,     play_midi_file,   alone  },
-	{ window_midi_files, player_stop,     stop_midi_file,   always },
+	{ window_midi_files, player_stop,     stop_playing,     always },
 	{ window_midi_files, control_cancel,  hide_player,      always },
 };
 static constexpr drop_row player_drops[] = {

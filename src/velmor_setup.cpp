@@ -23,7 +23,8 @@ static void leave()
 	}
 	if (!may_lose_edits(true))
 		return;
-	stop_really_all(window_midi_files);
+	if (song_plays())
+		stop_really_all(window_midi_files);
 	end_monitor();
 	end_test_notes();
 	log_line("[D] Closing Application!\r\n");
@@ -95,6 +96,9 @@ static void choose_midi_out()
 	const int index = host.ui->selection(window_settings, settings_midi_out);
 	if (index < 0)
 		return;
+	// Its notes would sound on where nobody lets go of them.
+	if (song_plays() && selected_midi_out_interface != index - 1)
+		stop_really_all(window_midi_files);
 	const std::string way = way_key();
 	selected_midi_out_interface = index - 1;
 	close_midi_output();

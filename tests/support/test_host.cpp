@@ -5,6 +5,7 @@
 #include "src/usbqx.h"
 #include "src/velmor_edits.h"
 #include "src/velmor_library.h"
+#include "src/velmor_midi.h"
 #include "src/velmor_monitor.h"
 #include "src/velmor_outcome.h"
 #include "src/velmor_window.h"
@@ -374,6 +375,7 @@ static void forget_everything()
 	local_sample.clear();
 	edits_changed = nullptr;
 	forget_edits();
+	forget_midi_player();
 	forget_local_programs();
 	local_samples = 0;
 	usbdev.clear();

@@ -7,6 +7,7 @@
 #include "ui/parts/parts.h"
 #include "ui/parts/style.h"
 #include "ui/parts/window.h"
+#include <QAbstractItemView>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDropEvent>

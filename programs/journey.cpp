@@ -586,15 +586,18 @@ static void let_pass(double seconds)
 	}
 }
 
-static void drop_song(const std::string &path)
+static bool drop_song(const std::string &path)
 {
 	auto *list = dynamic_cast<track_list *>(find_widget(window_midi_files, player_tracks));
 	QMimeData data;
 	data.setUrls({ QUrl::fromLocalFile(QString::fromStdString(path)) });
+	QDragEnterEvent enter(QPoint(50, 50), Qt::CopyAction, &data, Qt::LeftButton, {});
+	QApplication::sendEvent(list->viewport(), &enter);
 	QDropEvent drop(QPointF(50, 50), Qt::CopyAction, &data, Qt::LeftButton, {});
 	QApplication::sendEvent(list->viewport(), &drop);
 	QApplication::processEvents();
 	check(have_midi_file, format_text("%d tracks are loaded", current_midi_file.ntrks));
+	return have_midi_file;
 }
 
 static QCheckBox *mute_of(int track)
@@ -609,7 +612,8 @@ static void play_song()
 	step("Play a MIDI file to the sampler");
 	choose_entry(menu_midi_files);
 	picture(window_midi_files, "player-empty");
-	drop_song(the_trip->song);
+	if (!drop_song(the_trip->song))
+		return;
 	const std::size_t before = the_trip->played().size();
 	press(window_midi_files, player_play);
 	let_pass(4);

@@ -105,6 +105,17 @@ static void choose_midi_out()
 	forget_if_another(way);
 }
 
+// The bridge is the sampler dialog's; from here it is only noted that it was wanted.
+static void note_tcp()
+{
+	log_line("Requesting TCP instead of MIDI\r\n");
+}
+
+static void note_midi()
+{
+	log_line("Requesting MIDI instead of TCP\r\n");
+}
+
 // ---- Sampler dialog -----------------------------------------------------------------------
 
 template <std::size_t size>
@@ -298,6 +309,8 @@ static constexpr caption_row settings_captions[] = {
 static constexpr command_row settings_commands[] = {
 	{ window_settings, control_ok,              keep_settings,             alone  },
 	{ window_settings, control_cancel,          hide_window<window_settings>, always },
+	{ window_settings, sampler_tcp_on,          note_tcp,                  alone  },
+	{ window_settings, sampler_tcp_off,         note_midi,                 alone  },
 };
 static constexpr command_row settings_selections[] = {
 	{ window_settings, settings_midi_in,        choose_midi_in,            alone  },

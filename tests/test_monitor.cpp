@@ -272,6 +272,7 @@ TEST_F(monitor_test, notes_are_chosen_played_and_never_left_hanging)
 	EXPECT_TRUE(h.logged("[D] RECEIVED NOTE_OFF (MIDI-CHANNEL: 5)\n"));
 	velmor_command(window_sampler, sampler_all_notes_off);
 	EXPECT_TRUE(h.logged("[D] RECEIVED ALL NOTE_OFF (MIDI-CHANNEL: 5)\r\n"));
+	ticks(1);
 	EXPECT_EQ(heard, hex("94 3C 41 84 3C 41 B4 7B 00"));
 	heard.clear();
 	velmor_command(window_sampler, sampler_note_on);
@@ -281,6 +282,7 @@ TEST_F(monitor_test, notes_are_chosen_played_and_never_left_hanging)
 	velmor_command(window_sampler, sampler_note_on);
 	velmor_command(window_sampler, control_cancel);
 	velmor_command(window_sampler, control_cancel);
+	ticks(1);
 	EXPECT_EQ(heard, hex("94 3C 41 90 7E 7F 84 3C 40 80 7E 40"));
 	send_note(2, 0x90, 60, 100);
 	EXPECT_TRUE(h.logged("PLAYING NOTE on CHANNEL: 2, [ON](60) 0x64"));

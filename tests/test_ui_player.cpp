@@ -32,6 +32,8 @@ protected:
 		at<QAction>(window_main, menu_midi_files)->trigger();
 		QMimeData data;
 		data.setUrls({ QUrl::fromLocalFile(QString::fromStdString(h.root + "/song.mid")) });
+		QDragEnterEvent enter(QPoint(50, 50), Qt::CopyAction, &data, Qt::LeftButton, {});
+		QApplication::sendEvent(list()->viewport(), &enter);
 		QDropEvent drop(QPointF(50, 50), Qt::CopyAction, &data, Qt::LeftButton, {});
 		QApplication::sendEvent(list()->viewport(), &drop);
 		QApplication::processEvents();

@@ -156,8 +156,10 @@ void midi_wire::line::left(double)
 			return;
 		at = message.size();
 		for (const std::uint8_t b : outgoing.front().content) {
-			if (b >= 0xF8)
+			if (b >= 0xF8) {
+				played.push_back(b);
 				continue;
+			}
 			if (b & 0x80 && b != 0xF7) {
 				broken_off |= !message.empty();
 				message.clear();

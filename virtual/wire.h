@@ -42,7 +42,7 @@ struct midi_machine {
 	// call is an exchange of its own to the faults; one that is lost or refused takes its
 	// bytes out of the message.
 	std::function<machine::bytes(std::size_t, machine::byte_view)> part = {};
-	// What reaches it beside exclusive messages: notes, and what they are played with.
+	// What reaches it beside exclusive messages: notes, what they are played with, real time.
 	std::function<void(machine::byte_view)> played = {};
 };
 

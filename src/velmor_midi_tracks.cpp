@@ -214,6 +214,7 @@ void remove_midi_tracks(_midif *)
 	show_midi_position(-1);
 }
 
+// The notes alone: a frame lists what else its track keeps as if it sounded.
 static std::string sounding_words()
 {
 	std::string words;
@@ -221,9 +222,12 @@ static std::string sounding_words()
 		const _midi_track &track = current_midi_file.track[i];
 		const std::string &name = track.display.the_trackname;
 		for (int s = 0; s < sounding_count(track); s++) {
+			const _midi_stack &entry = track.stack[static_cast<std::size_t>(s)];
+			if (entry.original_event[0] >> 4 != 9)
+				continue;
 			words += words.empty() ? "" : " · ";
 			words += name.empty() ? format_text("%d", static_cast<int>(i)) : name;
-			words += " " + note_name(track.stack[static_cast<std::size_t>(s)]);
+			words += " " + note_name(entry);
 		}
 	}
 	return words;

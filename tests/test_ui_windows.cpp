@@ -304,7 +304,7 @@ TEST_F(sample_windows, the_multi_view_lists_the_multis)
 	press(window_main, main_multis);
 	ASSERT_TRUE(shown(window_multis));
 	EXPECT_EQ(at<entry_list>(window_multis, multis_list)->count(), 2);
-	EXPECT_FALSE(host.ui->exists(window_multis, multis_download));
+	EXPECT_FALSE(at(window_multis, multis_download)->isEnabled());
 	QTest::keyClick(at(window_multis, multis_list), Qt::Key_Escape);
 	EXPECT_FALSE(shown(window_multis));
 }

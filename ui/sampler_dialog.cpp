@@ -1,6 +1,7 @@
 // sampler_dialog.cpp - one sampler that is connected by MIDI
 
 #include "ui/parts/parts.h"
+#include "ui/parts/style.h"
 #include "ui/parts/told.h"
 #include "ui/parts/window.h"
 #include <QBoxLayout>
@@ -74,19 +75,23 @@ static QWidget *make_monitor(top_window *window)
 	port->set_cut();
 	add_row(form, window_sampler, sampler_midi_in_text, port);
 	auto *line = new QHBoxLayout;
-	told_label *state = make_text(window, sampler_monitor_state);
-	state->set_cut();
 	add_to(line, { make_button(window, sampler_monitor_on),
 			     make_button(window, sampler_monitor_off) });
-	line->addWidget(state, 1);
+	line->addStretch();
 	form->addRow(line);
+	// Numbers grow in it, and nothing jumps.
+	told_label *state = make_text(window, sampler_monitor_state);
+	state->setWordWrap(true);
+	state->setAlignment(Qt::AlignLeft | Qt::AlignTop);
+	state->setMinimumSize(state->fontMetrics().averageCharWidth() * 40,
+		state->fontMetrics().lineSpacing() * 2 + 4);
+	form->addRow(state);
 	return box;
 }
 
-void create_sampler_dialog(QWidget *owner)
+static QLayout *make_description(top_window *window)
 {
-	auto *window = new top_window(window_sampler, control_cancel, owner);
-	QBoxLayout *column = window->content;
+	auto *column = new QVBoxLayout;
 	auto *form = new QFormLayout;
 	QLineEdit *name = make_field(window, sampler_name);
 	name->setMaxLength(255);
@@ -100,8 +105,23 @@ void create_sampler_dialog(QWidget *owner)
 	asking->addWidget(make_button(window, sampler_device_info), 0, Qt::AlignTop);
 	asking->addWidget(make_verdict(window, sampler_verdict), 1);
 	column->addLayout(asking);
-	add_to(column, { make_test_notes(window), make_monitor(window) });
 	column->addWidget(make_bridge(window));
+	column->addStretch();
+	return column;
+}
+
+// What describes the sampler, and beside it what tries it out.
+void create_sampler_dialog(QWidget *owner)
+{
+	auto *window = new top_window(window_sampler, control_cancel, owner);
+	auto *sides = new QHBoxLayout;
+	sides->setSpacing(between_panels);
+	sides->addLayout(make_description(window), 1);
+	auto *trials = new QVBoxLayout;
+	add_to(trials, { make_test_notes(window), make_monitor(window) });
+	trials->addStretch();
+	sides->addLayout(trials);
+	window->content->addLayout(sides);
 	add_closing_buttons(window);
 	window->finish();
 }

@@ -61,7 +61,7 @@ void track_frame::make_controls(int window, int control, int track)
 	stack = new QToolButton(this);
 	stack->setText("Sounding:");
 	stack->setAutoRaise(true);
-	place(stack, player_stack + track, { 8, 61, 74, 22 }, "Sounding notes" + which);
+	place(stack, player_stack + track, { 2, 61, 74, 22 }, "Sounding notes" + which);
 	stack->setToolTip("Write the sounding notes of this track to the log");
 	connect(stack, &QToolButton::clicked, this,
 		[=] { velmor_track(window, control, track_event::sounding, track, 0); });
@@ -130,7 +130,7 @@ void track_frame::paintEvent(QPaintEvent *)
 	text({ 8, 6, behind, line_height }, QPalette::PlaceholderText, title);
 	text({ 8, 32, 106, 26 }, QPalette::Text, "Forced Channel:");
 	text({ 200, 32, 54, 26 }, QPalette::Text, "Volume:");
-	text({ 86, 61, width() - 94, 22 }, QPalette::Link, joined(shown.sounding));
+	text({ 80, 61, width() - 88, 22 }, QPalette::Link, joined(shown.sounding));
 	const QString state = QString::fromUtf8((shown.info + " " + shown.state).c_str()).trimmed();
 	const QFont plain = font();
 	QFont bold = plain;

@@ -5,7 +5,7 @@
 
 packages_build="g++ cmake ninja-build pkg-config qt6-base-dev libasound2-dev libusb-1.0-0-dev
 	fonts-dejavu-core fontconfig-config"
-packages_test="libgtest-dev clang-format-14 libumockdev-dev umockdev libsamplerate0-dev libbenchmark-dev sox"
+packages_test="libgtest-dev clang-format-14 libumockdev-dev umockdev libsamplerate0-dev libbenchmark-dev libsmf-dev sox"
 
 # missing PACKAGE...: those that are not installed, on one line.
 missing() {

@@ -60,11 +60,6 @@ const midi_service port_service = [] {
 	return s;
 }();
 
-std::string text_of(const std::vector<u8> &bytes)
-{
-	return hex_text(bytes);
-}
-
 } // namespace
 
 class midi_player : public host_test
@@ -83,7 +78,7 @@ protected:
 	}
 	void TearDown() override
 	{
-		h.on_pump = nullptr;
+		h.on_pump = nullptr; // whose locals are gone
 		close_midi_output();
 	}
 
@@ -118,12 +113,12 @@ protected:
 	}
 	void pass(double seconds)
 	{
-		if (h.timers.empty())
-			return h.time.run_until(h.time.now() + seconds);
-		for (const double end = h.time.now() + seconds; h.time.now() < end - 1e-9;) {
+		const double end = h.time.now() + seconds;
+		while (!h.timers.empty() && h.time.now() < end - 1e-9) {
 			h.time.run_until(std::min(end, std::max(next_tick, h.time.now() + 1e-6)));
 			run_timers();
 		}
+		h.time.run_until(std::max(end, h.time.now()));
 	}
 	void pass_song()
 	{
@@ -137,7 +132,7 @@ protected:
 		for (const slow_port::message &m : out.sent)
 			text += (text.empty() ? "" : ", ") +
 				std::to_string(std::lround((m.time - began) * 1000)) + " " +
-				text_of(m.bytes);
+				hex_text(m.bytes);
 		out.sent.clear();
 		return text;
 	}
@@ -257,10 +252,10 @@ TEST_F(midi_player, songs_of_others_go_out_byte_by_byte_in_their_time)
 			continue;
 		load(bytes);
 		play();
-		pass(60); // what is left of running status can make a song of hours
+		pass(59.995); // what is left of running status can make a song of hours
 		if (song_plays())
 			stop_really_all(window_midi_files);
-		const std::string text = sent(), told = told_of(*song, 60000);
+		const std::string text = sent(), told = told_of(*song, 59990);
 		ASSERT_GE(text.size(), told.size());
 		EXPECT_EQ(text.substr(0, told.size()), told);
 		EXPECT_EQ(std::ranges::count(text.substr(told.size()), ','), 14); // All Notes Off
@@ -275,17 +270,12 @@ TEST_F(midi_player, songs_of_others_go_out_byte_by_byte_in_their_time)
 // 400 notes in two tracks, one every 2 ms of a wire that needs 1 ms for each: ten in a tick.
 static std::vector<u8> dense_song()
 {
-	std::string track;
-	for (int i = 0; i < 200; i++)
-		track += format_text("04 9%%X %02X 40 ", i % 128);
-	std::vector<std::string> tracks;
-	for (const char channel : { '0', '1' }) {
-		std::string events = track;
-		for (std::size_t at; (at = events.find("%X")) != events.npos;)
-			events.replace(at, 2, 1, channel);
-		tracks.push_back(events);
-	}
-	return midi_song(960, tracks);
+	std::vector<u8> tracks[2];
+	for (int note = 0; note < 200; note++)
+		for (u8 t = 0; t < 2; t++)
+			tracks[t] = tracks[t] + std::vector<u8>{ 4, static_cast<u8>(0x90 | t),
+				static_cast<u8>(note % 128), 64 };
+	return midi_head(2, 960) + midi_track(tracks[0]) + midi_track(tracks[1]);
 }
 
 TEST_F(midi_player, a_tick_inside_a_send_is_left_out_and_nothing_is_lost)
@@ -315,37 +305,30 @@ TEST_F(midi_player, a_tick_inside_a_send_is_left_out_and_nothing_is_lost)
 // Whatever the user does inside a send, nothing is touched that is gone, and nothing runs on.
 TEST_F(midi_player, anything_may_be_pressed_inside_a_send)
 {
+	static constexpr auto stop = [] { stop_really_all(window_midi_files); };
+	static constexpr auto start = [] {
+		play_really_all(window_midi_files, &current_midi_file);
+	};
+	constexpr auto change_port = [] {
+		host.ui->select(window_settings, settings_midi_out, 2);
+		velmor_selection(window_settings, settings_midi_out);
+	};
+	// clang-format off
 	static const struct {
 		const char *name;
 		void (*press)();
 		bool plays_on;
-		std::size_t sent; // then, of the song that was played
+		long sent; // then, of the song that was played
 	} presses[] = {
-		{ "Stop", [] { stop_really_all(window_midi_files); }, false, 3 },
+		{ "Stop", stop, false, 3 },
 		{ "unload", [] { free_midi(&current_midi_file); }, false, 3 },
-		{ "another file", [] { open_midi_file(window_midi_files, current_midi_file.name); },
-			false, 3 },
-		{ "another port",
-			[] {
-				host.ui->select(window_settings, settings_midi_out, 2);
-				velmor_selection(window_settings, settings_midi_out);
-			},
-			false, 3 },
-		{ "Stop and Play",
-			[] {
-				stop_really_all(window_midi_files);
-				play_really_all(window_midi_files, &current_midi_file);
-			},
-			true, 403 },
-		{ "Play again", [] { play_really_all(window_midi_files, &current_midi_file); },
-			true, 400 },
-		{ "mute",
-			[] {
-				current_midi_file.track[0].is_mute =
-					current_midi_file.track[1].is_mute = 1;
-			},
-			true, 3 },
+		{ "another file", [] { open_midi_file(window_midi_files, current_midi_file.name); }, false, 3 },
+		{ "another port", change_port, false, 3 },
+		{ "Stop and Play", [] { stop(); start(); }, true, 403 },
+		{ "Play again", start, true, 400 },
+		{ "mute", [] { for (_midi_track &t : current_midi_file.track) t.is_mute = 1; }, true, 3 },
 	};
+	// clang-format on
 	const std::vector<u8> song = dense_song();
 	out.byte_time = 0.002;
 	for (const auto &p : presses) {
@@ -364,10 +347,9 @@ TEST_F(midi_player, anything_may_be_pressed_inside_a_send)
 		pass_song();
 		EXPECT_EQ(std::ranges::count_if(
 				  out.sent, [](const auto &m) { return m.bytes[0] < 0xB0; }),
-			static_cast<long>(p.sent));
+			p.sent);
 		expect_idle();
 	}
-	h.on_pump = nullptr;
 }
 
 TEST_F(midi_player, a_send_held_up_by_a_box_hands_the_song_to_the_next_tick)
@@ -397,17 +379,17 @@ TEST_F(midi_player, a_send_held_up_by_a_box_hands_the_song_to_the_next_tick)
 
 TEST_F(midi_player, a_port_that_vanishes_ends_the_song_in_words)
 {
+	// clang-format off
 	static const struct {
 		const char *name;
 		void (*fail)(slow_port &);
 		const char *words;
 	} failures[] = {
 		{ "a write fails", [](slow_port &p) { p.write_code = 19; }, "No such device" },
-		{ "bytes do not leave", [](slow_port &p) { p.leaving_code = 19; },
-			"No such device" },
-		{ "for ever", [](slow_port &p) { p.stuck = true; },
-			"It does not send. Is the interface still connected?" },
+		{ "bytes do not leave", [](slow_port &p) { p.leaving_code = 19; }, "No such device" },
+		{ "for ever", [](slow_port &p) { p.stuck = true; }, "It does not send. Is the interface still connected?" },
 	};
+	// clang-format on
 	open_window(window_main);
 	const std::pair line(+window_main, +status_outcome);
 	load(dense_song());

@@ -8,6 +8,7 @@
 #include "src/velmor_window.h"
 #include "tests/fuzz/limits.h"
 #include "tests/support/midi_model.h"
+#include <filesystem>
 
 namespace velmor
 {
@@ -138,5 +139,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
 	h->boxes.clear();
 	h->texts.clear();
 	h->forget_log();
+	std::filesystem::remove_all(h->root + "/VELMOR/CONFIG/midi_dumps");
 	return 0;
 }

@@ -20,11 +20,17 @@ static std::set<int> in_view;
 static std::vector<std::vector<strip_note>> notes_of; // each made when it is first needed
 static std::vector<bool> notes_made;
 static std::uint64_t length_of_song;
+static int used_last;
 static std::string shown_sounding, shown_clock;
 
 std::uint64_t song_length()
 {
 	return have_midi_file ? length_of_song : 0;
+}
+
+int chosen_track()
+{
+	return used_last;
 }
 
 // The track, or null: a window may ask for one that is gone.
@@ -194,6 +200,7 @@ static void set_track_count(int count)
 void show_midi_tracks(_midif *file)
 {
 	set_track_count(0);
+	used_last = 0;
 	length_of_song = 0;
 	for (const _midi_track &track : file->track)
 		if (!track.event.empty())
@@ -289,13 +296,15 @@ bool midi_class_proc(track_event event, int number, int value)
 		in_view.insert(number);
 		show_strip(*track, number);
 		display_track(&current_midi_file, number);
-	} else if (event == track_event::mute) {
-		mute(track, number);
-	} else if (event == track_event::channel) {
-		force_channel(track, number, value);
-	} else {
-		log_stack(*track);
+		return true;
 	}
+	used_last = number;
+	if (event == track_event::mute)
+		mute(track, number);
+	else if (event == track_event::channel)
+		force_channel(track, number, value);
+	else
+		log_stack(*track);
 	return true;
 }
 
@@ -307,6 +316,7 @@ void forget_midi_tracks()
 	length_of_song = 0;
 	shown_sounding.clear();
 	shown_clock.clear();
+	used_last = 0;
 }
 
 } // namespace velmor

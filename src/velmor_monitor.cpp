@@ -176,6 +176,7 @@ static struct {
 	unsigned long received, sent;
 	unsigned long lost; // bytes for which there was no room
 	bool output_failed; // which was said
+	bool inside;        // a tick waits in a box
 	double count_due;   // moment of the next look at the counter
 } monitor;
 
@@ -308,10 +309,9 @@ static void finish_monitor()
 // A box runs the interface, and with it this timer.
 static void monitor_tick()
 {
-	static bool inside = false;
-	if (inside || !monitor_runs())
+	if (monitor.inside || !monitor_runs())
 		return;
-	inside = true;
+	monitor.inside = true;
 	fetch();
 	if (!receive_monitor_active)
 		close_monitor_input();
@@ -323,7 +323,7 @@ static void monitor_tick()
 		monitor.count_due = host.clock->counter() + 0.1;
 		show_monitor_state();
 	}
-	inside = false;
+	monitor.inside = false;
 }
 
 void receive_monitor()

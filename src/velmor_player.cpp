@@ -163,15 +163,27 @@ static void stop_playing()
 	show_player();
 }
 
-// The step mode, which no button offers yet.
-void pause_or_continue()
+static void pause_or_continue()
 {
+	if (play_the_file == track_stopped)
+		return;
 	const bool pause = play_the_file == track_plays;
 	play_the_file = pause ? track_paused : track_plays;
 	if (pause)
 		log_line("[D] PAUSING THE FILE...\r\n");
 	else
 		log_line("[D] CONTINUING THE FILE...\r\n");
+}
+
+static void play_chosen_track()
+{
+	if (have_midi_file && chosen_track() < current_midi_file.ntrks && !song_plays())
+		play_track(window_midi_files, &current_midi_file, chosen_track());
+}
+
+static void stop_track()
+{
+	play_the_file = track_stopped;
 }
 
 // Nobody looks at a song whose window is gone; it would have no Stop.
@@ -223,6 +235,9 @@ static constexpr command_row player_commands[] = {
 	{ window_midi_files, player_unload,   unload_midi_file, alone  },
 	{ window_midi_files, player_play,     play_midi_file,   alone  },
 	{ window_midi_files, player_stop,     stop_playing,     always },
+	{ window_midi_files, player_pause,    pause_or_continue, always },
+	{ window_midi_files, player_play_track, play_chosen_track, alone },
+	{ window_midi_files, player_stop_track, stop_track,      always },
 	{ window_midi_files, control_cancel,  hide_player,      always },
 };
 static constexpr drop_row player_drops[] = {

@@ -15,6 +15,15 @@ std::string song_time(std::uint64_t ticks);
 // Ticks to the end of the longest track of the loaded file.
 std::uint64_t song_length();
 
+// The step mode: one track, event by event. No button offers it yet.
+enum player_step_control : int {
+	player_pause = 9112, // or continue
+	player_play_track = 9113,
+	player_stop_track = 9114,
+};
+// The track whose frame was used last.
+int chosen_track();
+
 // What is done in the frame of a track.
 bool midi_class_proc(track_event event, int track, int value);
 void forget_midi_tracks();

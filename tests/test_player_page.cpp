@@ -221,6 +221,22 @@ TEST_F(player_page, the_speed_is_what_bar_and_field_say)
 	}
 }
 
+// Nothing but commands: no button is made for it.
+TEST_F(player_page, the_step_mode_is_ready)
+{
+	load();
+	in_frame(1, track_event::sounding); // uses track 1
+	velmor_command(window_midi_files, 9113);
+	EXPECT_EQ(heard, hex("91 24 7F"));
+	velmor_command(window_midi_files, 9112);
+	EXPECT_EQ(play_the_file, track_paused);
+	velmor_command(window_midi_files, 9112);
+	EXPECT_EQ(play_the_file, track_plays);
+	velmor_command(window_midi_files, 9114);
+	EXPECT_EQ(play_the_file, track_stopped);
+	expect_logged({ "[D] PAUSING THE FILE...", "[D] CONTINUING THE FILE..." });
+}
+
 TEST_F(player_page, unloading_and_closing_end_the_song)
 {
 	load();

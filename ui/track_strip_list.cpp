@@ -80,6 +80,7 @@ void track_frame::show_view(const track_view &view)
 	mute->setChecked(view.muted);
 	shown = view;
 	setAccessibleName(QString::fromUtf8((view.title + " " + view.name).c_str()));
+	setAccessibleDescription(QString::fromUtf8(view.state.c_str()));
 	update();
 }
 
@@ -220,8 +221,11 @@ int track_list::row_width() const
 
 void track_list::set_count(int count)
 {
-	for (const auto &[track, row] : rows)
-		delete row;
+	// One of them may be on the way of the event that led here.
+	for (const auto &[track, row] : rows) {
+		row->hide();
+		row->deleteLater();
+	}
 	rows.clear();
 	tracks = std::max(count, 0);
 	length = 0;

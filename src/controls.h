@@ -80,14 +80,24 @@ enum sampler_control : int {
 	sampler_midi_list = 10003,
 	sampler_control_list = 10004,
 	sampler_exclusive_list = 10005,
+	sampler_note_on = 10100,
+	sampler_note_off = 10101,
 	sampler_device_info = 10102,
+	sampler_monitor_on = 10103,
+	sampler_monitor_off = 10104,
+	sampler_pitch_list = 10110,
+	sampler_velocity_list = 10111,
+	sampler_all_notes_off = 16997,
 	sampler_tcp_group = 39000, // holds the others
 	sampler_tcp_address = 39001,
 	sampler_tcp_port = 39002,
 	sampler_tcp_on = 39003,
 	sampler_tcp_off = 39004,
 	sampler_tcp_status = 39005,
-	sampler_verdict = 60031, // who answered Get Device Info, or that nobody did
+	sampler_verdict = 60031,       // who answered Get Device Info, or that nobody did
+	sampler_monitor_state = 60033, // whether it runs, and how much has come
+	sampler_midi_in_text = 60034,  // the chosen ports, by name
+	sampler_midi_out_text = 60035,
 };
 
 enum progress_control : int {
@@ -236,6 +246,8 @@ enum player_control : int {
 	player_tracks = 9107,      // the frames, and the strips beside them
 	player_file = 9108,        // which file, or why there is none
 	player_sounding = 9109,    // the sounding notes of all tracks
+	player_speed_form = 9111,
+	player_clock = 9110, // how far the song is, in minutes and seconds
 	player_mute = 9300,
 	player_channel = 9350,
 	player_stack = 9400,

@@ -65,6 +65,7 @@ extern const window_rows samples_rows;                           // velmor_sampl
 extern const window_rows programs_rows;                          // velmor_programs_commands.cpp
 extern const window_rows multis_rows;                            // velmor_multis.cpp
 extern const window_rows panel_rows;                             // velmor_panel.cpp
+extern const window_rows player_rows;                            // velmor_player.cpp
 extern const window_rows status_rows;                            // velmor_status.cpp
 
 // ---- The engine (velmor_window.cpp) ------------------------------------------------------------
@@ -171,6 +172,14 @@ void show_midi_setup();
 void show_sampler_setup();
 // Another sampler is loaded: open pages show that nothing was read of it.
 void empty_open_pages();
+
+// ---- The player (velmor_player.cpp) ----------------------------------------------------------------
+
+void midi_files_win_show();
+void take_track(track_event event, int track, int value);
+void change_speed(int row, form_event event, int value);
+// As at the start; for tests.
+void forget_player_page();
 
 // ---- Pages ---------------------------------------------------------------------------------------------
 

@@ -66,13 +66,14 @@ TEST_F(windows, every_command_with_a_control_has_words_and_a_name_for_screen_rea
 	EXPECT_EQ(at(window_samples, 0)->windowTitle(), "VELMOR Manage current Samples");
 }
 
-TEST_F(windows, work_that_is_not_built_has_no_control)
+TEST_F(windows, what_is_in_no_table_has_no_control)
 {
-	EXPECT_FALSE(host.ui->exists(window_main, menu_midi_files));
+	constexpr int no_such_control = 4711;
+	EXPECT_FALSE(host.ui->exists(window_main, no_such_control));
 	// Nobody minds what is done to it.
-	host.ui->show(window_main, menu_midi_files, true);
-	host.ui->set_text(window_main, menu_midi_files, "");
-	EXPECT_EQ(host.ui->selection(window_main, menu_midi_files), -1);
+	host.ui->show(window_main, no_such_control, true);
+	host.ui->set_text(window_main, no_such_control, "");
+	EXPECT_EQ(host.ui->selection(window_main, no_such_control), -1);
 }
 
 TEST_F(windows, the_empty_list_says_how_to_begin)
@@ -304,7 +305,7 @@ TEST_F(sample_windows, the_multi_view_lists_the_multis)
 	press(window_main, main_multis);
 	ASSERT_TRUE(shown(window_multis));
 	EXPECT_EQ(at<entry_list>(window_multis, multis_list)->count(), 2);
-	EXPECT_FALSE(host.ui->exists(window_multis, multis_download));
+	EXPECT_FALSE(at(window_multis, multis_download)->isEnabled());
 	QTest::keyClick(at(window_multis, multis_list), Qt::Key_Escape);
 	EXPECT_FALSE(shown(window_multis));
 }

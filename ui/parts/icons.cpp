@@ -71,6 +71,9 @@ static constexpr picture_row pictures[] = {
 	{ icon::cancel,       "M 3.5 3.5 L 12.5 12.5 M 12.5 3.5 L 3.5 12.5" },
 	{ icon::stop,         "R 3.5 3.5 9 9 0.8" },
 	{ icon::settings,     "M 1.5 4.5 L 8 4.5 M 12 4.5 L 14.5 4.5 O 10 4.5 2 M 1.5 11.5 L 4 11.5 M 8 11.5 L 14.5 11.5 O 6 11.5 2" },
+	{ icon::notes,        "D 4.2 12.3 2 D 11.6 10.9 2 M 6.2 12.3 L 6.2 3.6 L 13.6 2 L 13.6 10.9 M 6.2 6 L 13.6 4.4" },
+	{ icon::play,         "M 4.5 2.5 L 13 8 L 4.5 13.5 Z" },
+	{ icon::ear,          "M 2 8 L 4.5 8 L 6 4 L 8.5 12 L 10.5 6 L 11.5 8 L 14 8" },
 };
 
 struct control_row {
@@ -91,6 +94,18 @@ static constexpr control_row controls[] = {
 	{ window_settings, 0,                     icon::settings },
 	{ window_sampler,  0,                     icon::midi },
 	{ window_sampler,  sampler_device_info,   icon::info },
+	{ window_sampler,  sampler_note_on,       icon::notes },
+	{ window_sampler,  sampler_note_off,      icon::stop },
+	{ window_sampler,  sampler_all_notes_off, icon::cancel },
+	{ window_sampler,  sampler_monitor_on,    icon::ear },
+	{ window_sampler,  sampler_monitor_off,   icon::stop },
+	{ window_main,     menu_midi_files,       icon::notes },
+	{ window_midi_files, 0,                   icon::notes },
+	{ window_midi_files, player_load,         icon::folder_in },
+	{ window_midi_files, player_unload,       icon::cancel },
+	{ window_midi_files, player_play,         icon::play },
+	{ window_midi_files, player_stop,         icon::stop },
+	{ window_multis,   multis_download,       icon::right },
 	{ window_usb,      0,                     icon::usb },
 	{ window_usb,      usb_device_info,       icon::info },
 	{ window_usb,      usb_update,            icon::pencil },

@@ -124,6 +124,12 @@ void show_spool()
 		fill_local(chosen_local());
 }
 
+void show_loaded_samples()
+{
+	if (was_opened(window_samples) && shown_loaded != loaded_names())
+		fill_loaded(chosen_loaded());
+}
+
 void update_sample_page()
 {
 	if (!was_opened(window_samples))

@@ -190,6 +190,7 @@ static constexpr input_row input_table[] = {
 	{ window_programs, programs_adsr_form, nullptr, nullptr, change_adsr_form },
 	{ window_programs, programs_key_map, nullptr, nullptr, nullptr, change_key_map },
 	{ window_programs, programs_amp_envelope,    nullptr, nullptr, nullptr, nullptr, change_envelope<programs_amp_envelope> },
+	{ window_programs, programs_second_envelope, nullptr, nullptr, nullptr, nullptr, change_envelope<programs_second_envelope> },
 	{ window_programs, programs_filter_envelope, nullptr, nullptr, nullptr, nullptr, change_envelope<programs_filter_envelope> },
 	{ window_programs, programs_aux_envelope,    nullptr, nullptr, nullptr, nullptr, change_envelope<programs_aux_envelope> },
 };

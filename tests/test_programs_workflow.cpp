@@ -167,21 +167,100 @@ TEST_F(s3000_programs, an_edit_is_counted_undone_sent_and_then_nothing_is_unsent
 	EXPECT_EQ(text(status_outcome), "Sent 'TARGET' to the sampler.");
 }
 
+// The S2000 and later have a second envelope of four rates and four levels, an S1000 one of four
+// values in the same bytes, and neither a filter envelope nor an auxiliary one.
 TEST_F(s3000_programs, an_envelope_point_is_its_bar)
 {
+	bytes &block = machine.programs[1].keygroups[0];
+	const std::pair<std::size_t, u8> second[] = { { 20, 11 }, { 157, 12 }, { 21, 13 },
+		{ 23, 14 }, { 156, 21 }, { 158, 22 }, { 22, 23 }, { 159, 24 } };
+	for (const auto &[place, value] : second)
+		block[place] = value;
+	const auto curve = [this](int control) -> const envelope_view & {
+		return h.envelopes[{ window_programs, control }];
+	};
 	open();
 	EXPECT_TRUE(velmor_envelope(
 		window_programs, programs_amp_envelope, envelope_event::drag, 2, 33));
-	EXPECT_EQ((h.envelopes[{ window_programs, programs_amp_envelope }].values[2]), 33);
-	EXPECT_EQ((h.envelopes[{ window_programs, programs_amp_envelope }].letters),
-		(lines{ "A", "D", "S", "R" }));
-	EXPECT_EQ((h.envelopes[{ window_programs, programs_aux_envelope }].letters),
-		(lines{ "R1", "R2", "R3", "R4", "L1", "L2", "L3", "L4" }));
+	EXPECT_EQ(curve(programs_amp_envelope).values[2], 33);
+	EXPECT_EQ(curve(programs_amp_envelope).letters, (lines{ "A", "D", "S", "R" }));
 	EXPECT_EQ(shown_program()->keygroup[0].amp_sustain, 33u);
-	EXPECT_EQ((h.forms[{ window_programs, programs_adsr_form }][3].value), 33);
-	EXPECT_TRUE(velmor_form(window_programs, programs_adsr_form, 18, form_event::drag_end, 44));
+	const std::vector<form_row> &rows = h.forms[{ window_programs, programs_adsr_form }];
+	EXPECT_EQ(rows[3].value, 33);
+	EXPECT_EQ(curve(programs_second_envelope).values,
+		(std::vector<int>{ 11, 12, 13, 14, 21, 22, 23, 24 }));
+	EXPECT_EQ(curve(programs_second_envelope).letters,
+		(lines{ "R1", "R2", "R3", "R4", "L1", "L2", "L3", "L4" }));
+	for (const int control : { programs_filter_envelope, programs_aux_envelope })
+		EXPECT_FALSE((h.visible[{ window_programs, control }])) << control;
+	const auto drag_level = [](envelope_event event, int value) {
+		EXPECT_TRUE(velmor_envelope(
+			window_programs, programs_second_envelope, event, 5, value));
+	};
+	drag_level(envelope_event::drag, 60);
+	drag_level(envelope_event::drag, 120);
+	drag_level(envelope_event::drag_end, 120);
+	EXPECT_EQ(rows[11].value, 99);
+	EXPECT_EQ(rows[11].label, "Level 2");
+	EXPECT_EQ(text(status_outcome), "Level 2 of keygroup 1 from 22 to 99; not sent yet");
+	press(programs_undo);
+	EXPECT_EQ(curve(programs_second_envelope).values[5], 22);
+	EXPECT_EQ(
+		text(status_outcome), "Undone: Level 2 of keygroup 1 from 22 to 99; not sent yet");
+	press(programs_redo);
+	// The sixteen values stay, whatever the model has.
+	ASSERT_EQ(rows.size(), 28u);
+	EXPECT_TRUE(velmor_form(window_programs, programs_adsr_form, 27, form_event::drag_end, 44));
 	EXPECT_EQ(shown_program()->keygroup[0].aux_rate4_level, 44u);
-	EXPECT_EQ(text(programs_unsent), "2 changes unsent");
+	EXPECT_EQ(text(programs_unsent), "3 changes unsent");
+	host.ui->set_checked(window_programs, apply_to_keygroups, true);
+	EXPECT_TRUE(velmor_form(window_programs, programs_adsr_form, 6, form_event::drag_end, 70));
+	press(programs_life_update);
+	EXPECT_EQ(block[158], 99);
+	for (const auto &keygroup : machine.programs[1].keygroups)
+		EXPECT_EQ(keygroup[20], 70);
+
+	current_sampler->sampler_type = model_s1000;
+	choose(programs_loaded_list, 1);
+	EXPECT_EQ(curve(programs_second_envelope).values, (std::vector<int>{ 70, 13, 23, 14 }));
+	EXPECT_EQ(rows[8].label, "Sustain");
+	EXPECT_TRUE(velmor_envelope(
+		window_programs, programs_second_envelope, envelope_event::drag, 2, 40));
+	EXPECT_EQ(shown_program()->keygroup[0].s1000_env2_l3, 40);
+}
+
+TEST_F(s3000_programs, a_missing_sample_is_found_in_the_spool_and_sent)
+{
+	machine::put_name(machine.programs[1].keygroups[2], 34, "LONG.NAME AB");
+	open();
+	EXPECT_NE((h.reasons[{ window_programs, programs_find_sample }]), "");
+	choose(programs_keygroup_list, 1);
+	EXPECT_EQ((h.reasons[{ window_programs, programs_find_sample }]), "");
+	spool("LOST AGAIN");
+	spool("LONG_NAME ABLE");
+	press(programs_find_sample);
+	ASSERT_EQ(h.boxes.size(), 1u);
+	EXPECT_EQ(h.boxes[0].text.rfind("The spool holds no file called 'LOST'.", 0), 0u);
+	EXPECT_EQ(text(status_outcome), "'LOST' is not in the spool.");
+	h.boxes.clear();
+	spool("lost");
+	drag(key_map_event::low_note, 1, -1, 30);
+	press(programs_find_sample);
+	ASSERT_EQ(machine.samples.size(), 2u);
+	EXPECT_EQ(machine::get_name(machine.samples[1].header, 3), "LOST");
+	EXPECT_FALSE(map().groups[1].zones[0].missing);
+	EXPECT_EQ(list(programs_zone_sample), (lines{ "no sample", "KICK", "LOST" }));
+	EXPECT_EQ(map().group, 1);
+	EXPECT_EQ(text(programs_unsent), "1 change unsent");
+	EXPECT_EQ(text(status_outcome), "Uploaded 'lost'.");
+	EXPECT_NE((h.reasons[{ window_programs, programs_find_sample }]), "");
+	// A name that the machine cut, with a full stop for what it has no letter for.
+	choose(programs_keygroup_list, 2);
+	press(programs_find_sample);
+	EXPECT_EQ(machine::get_name(machine.samples[2].header, 3), "LONG.NAME AB");
+	EXPECT_FALSE(map().groups[2].zones[0].missing);
+	EXPECT_EQ(functions(0x06), static_cast<int>(machine.programs.size()))
+		<< "programs are not read anew for a sample";
 }
 
 TEST_F(s3000_programs, deleting_and_renaming_are_seen_in_the_list_and_edits_of_others_stay)
@@ -321,6 +400,49 @@ TEST_F(s3000_programs, keygroups_come_in_memory_and_go_on_the_sampler_too)
 	press(programs_delete_keygroup);
 	EXPECT_TRUE(h.logged("[D] Deleting from PROG: 1 Keygroup: 1 !"));
 	EXPECT_TRUE(h.logged("[D] LOGICAL REMOVE OF KEYGROUP: 1 FROM: [TARGET]"));
+	EXPECT_EQ(shown_program()->keygroups, 2);
+	EXPECT_TRUE(h.boxes.empty());
+}
+
+// The machine and the page agree at each step: what goes goes there too, also when it goes once
+// more after it was taken back and sent, and nothing goes that the machine does not let go.
+TEST_F(s3000_programs, a_deletion_that_is_done_again_reaches_the_sampler_again)
+{
+	machine.channel = 0; // the one that a keygroup's deletion goes to
+	current_sampler->sampler_sysex_channel = 0;
+	const auto &held = machine.programs[1].keygroups;
+	open();
+	choose(programs_keygroup_list, 1);
+	press(programs_delete_keygroup);
+	press(programs_undo);
+	EXPECT_EQ(text(programs_unsent), "1 change unsent");
+	press(programs_redo); // the machine has none to delete
+	EXPECT_EQ(functions(0x13), 1);
+	press(programs_undo);
+	EXPECT_EQ(held.size(), 2u);
+	press(programs_life_update);
+	ASSERT_EQ(held.size(), 3u);
+	EXPECT_EQ(machine::get_name(held[1], 34), "LOST");
+	port_wire(port).set_fault({ .kind = wire_fault_kind::refused, .exchange = 1 });
+	h.boxes.clear();
+	press(programs_redo);
+	EXPECT_EQ(h.boxes, (boxes{ { "DELETE failed!!!", "FATAL" } }));
+	EXPECT_EQ(text(status_outcome), "Keygroup 2 was not deleted.");
+	EXPECT_EQ(shown_program()->keygroups, 3);
+	port_wire(port).clear_faults();
+	press(programs_redo);
+	EXPECT_EQ(held.size(), 2u);
+	EXPECT_EQ(shown_program()->keygroups, 2);
+	EXPECT_EQ(text(programs_unsent), "");
+	EXPECT_EQ(text(status_outcome), "Done again: Keygroup 2 deleted");
+	// An addition that was sent is taken back there too.
+	press(programs_add_keygroup);
+	EXPECT_EQ(text(status_outcome), "Keygroup 3 added; not sent yet");
+	press(programs_life_update);
+	EXPECT_EQ(held.size(), 3u);
+	h.boxes.clear();
+	press(programs_undo);
+	EXPECT_EQ(held.size(), 2u);
 	EXPECT_EQ(shown_program()->keygroups, 2);
 	EXPECT_TRUE(h.boxes.empty());
 }

@@ -323,6 +323,15 @@ void mark_missing(QComboBox *box)
 				Qt::ForegroundRole);
 }
 
+// Of a sample that the sampler lacks: in the key map and where the sample is chosen.
+static QMenu *make_sample_menu(top_window *window)
+{
+	auto *menu = new QMenu(window);
+	menu->setToolTipsVisible(true);
+	make_entry(window, menu, programs_find_sample);
+	return menu;
+}
+
 static QBoxLayout *make_tab_line(top_window *window)
 {
 	auto *row = new QHBoxLayout;
@@ -344,7 +353,7 @@ static void name_tab(int tab, const QString &chosen)
 }
 
 // Which keygroup and keyzone the form is of.
-static QBoxLayout *make_choices(top_window *window)
+static QBoxLayout *make_choices(top_window *window, QMenu *menu)
 {
 	auto *row = new QHBoxLayout;
 	for (const int control : { programs_keygroup_list, programs_keyzone_list }) {
@@ -368,6 +377,9 @@ static QBoxLayout *make_choices(top_window *window)
 				QPalette::ButtonText, role_color(colors, text_role::failed));
 		sample->setPalette(colors);
 	});
+	sample->setContextMenuPolicy(Qt::CustomContextMenu);
+	QObject::connect(sample, &QWidget::customContextMenuRequested, sample,
+		[sample, menu](const QPoint &at) { menu->popup(sample->mapToGlobal(at)); });
 	row->addWidget(sample, 1);
 	row->addWidget(make_check(window, apply_to_keygroups));
 	row->addWidget(make_check(window, apply_to_keyzones));
@@ -410,11 +422,12 @@ static QWidget *make_envelopes(top_window *window)
 	row->setSpacing(between_panels);
 	auto *column = new QVBoxLayout;
 	column->setSpacing(4);
-	for (const int control :
-		{ programs_amp_envelope, programs_filter_envelope, programs_aux_envelope }) {
-		const QString name = caption_of(window->id, control);
-		column->addWidget(make_title(name, 1.1, true, all));
+	for (const int control : { programs_amp_envelope, programs_second_envelope,
+		     programs_filter_envelope, programs_aux_envelope }) {
+		told_label *title = make_title(caption_of(window->id, control), 1.1, true, all);
+		column->addWidget(title);
 		auto *curve = new envelope_curve(window->id, control, "No keygroup chosen", all);
+		curve->set_title(title);
 		enroll(window->id, control, curve);
 		column->addWidget(curve);
 	}
@@ -425,7 +438,7 @@ static QWidget *make_envelopes(top_window *window)
 	return all;
 }
 
-static QWidget *make_program(top_window *window)
+static QWidget *make_program(top_window *window, QMenu *menu)
 {
 	auto *all = new QWidget(window);
 	auto *column = new QVBoxLayout(all);
@@ -433,7 +446,7 @@ static QWidget *make_program(top_window *window)
 	column->setSpacing(4);
 	column->addLayout(make_tab_line(window));
 	column->addWidget(make_line(all));
-	column->addLayout(make_choices(window));
+	column->addLayout(make_choices(window, menu));
 	column->addLayout(make_title_line(window));
 	pages = new QStackedWidget(all);
 	for (const int form : { form_of_program, form_of_keygroup, form_of_keyzone })
@@ -486,13 +499,14 @@ static void add_shortcuts(top_window *window)
 }
 
 // Always to be seen, whatever scrolls above it.
-static QBoxLayout *make_below(top_window *window)
+static QBoxLayout *make_below(top_window *window, QMenu *menu)
 {
 	auto *column = new QVBoxLayout;
 	column->setContentsMargins(margin_side, 0, margin_side, margin_above);
 	column->setSpacing(between_controls);
 	auto *map = new key_map(window->id, programs_key_map, "No program chosen", window);
 	enroll(window->id, programs_key_map, map);
+	map->set_menu(menu);
 	column->addWidget(map, 1);
 	column->addLayout(make_foot(window));
 	return column;
@@ -509,10 +523,11 @@ void create_program_manager(QWidget *owner)
 	QWidget *lists = make_lists(window);
 	lists->setFixedWidth(std::max(340, lists->sizeHint().width()));
 	both->addWidget(lists);
-	both->addWidget(make_program(window), 1);
+	QMenu *menu = make_sample_menu(window);
+	both->addWidget(make_program(window, menu), 1);
 	column->addLayout(both, 1);
 	window->content->setStretch(0, 3);
-	window->content->addLayout(make_below(window), 1);
+	window->content->addLayout(make_below(window, menu), 1);
 	window->finish();
 	show_program_tab(0);
 	add_shortcuts(window);

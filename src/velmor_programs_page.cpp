@@ -170,12 +170,13 @@ static std::string changes_words(int count)
 	return count ? format_text("%d change%s unsent", count, count == 1 ? "" : "s") : "";
 }
 
-// The name, and how many keygroups.
+// The name, how many keygroups, and how many changes wait, where some do.
 static std::vector<std::string> entry_of(const std::string &name, const _program &program)
 {
-	const int unsent = unsent_changes(program).all();
-	return { unsent ? name + format_text(" (%d unsent)", unsent) : name,
-		std::to_string(program.keygroups) };
+	std::vector<std::string> entry = { name, std::to_string(program.keygroups) };
+	if (const int unsent = unsent_changes(program).all())
+		entry.push_back(std::to_string(unsent));
+	return entry;
 }
 
 // A list is set only when it changes: it may be shown while a bar is dragged.

@@ -201,6 +201,9 @@ void display_sample_information(const _sample *sample, const char *origin);
 import_options chosen_import_options();
 // Another local sample was chosen: its picture, and what an import of it would give.
 void show_local_selection();
+// What a list shows of a WAV file behind its name: length, rate, channels, bits, loop; nothing of
+// what is none.
+std::vector<std::string> wave_columns(const std::string &path);
 // Say what the import options make of these files. None: of the selected local sample.
 void show_import_preview(std::span<const std::string> paths);
 

@@ -35,6 +35,10 @@ protected:
 	}
 	std::string text(int control) { return h.texts[{ window_programs, control }]; }
 	lines list(int control) { return h.lists[{ window_programs, control }]; }
+	lines row(int control, std::size_t index)
+	{
+		return h.rows[{ window_programs, control }][index];
+	}
 	int chosen(int control) { return h.selections[{ window_programs, control }]; }
 	key_map_view &map() { return h.key_maps[{ window_programs, programs_key_map }]; }
 	bool drag(key_map_event event, int group, int zone, int value)
@@ -145,7 +149,7 @@ TEST_F(s3000_programs, an_edit_is_counted_undone_sent_and_then_nothing_is_unsent
 	EXPECT_TRUE(drag(key_map_event::drag_end, 0, -1, 0));
 	EXPECT_EQ(text(programs_unsent), "1 change unsent");
 	EXPECT_EQ(text(0), "VELMOR Manage Programs - 1 change unsent");
-	EXPECT_EQ(list(programs_loaded_list)[1], "TARGET (1 unsent)");
+	EXPECT_EQ(row(programs_loaded_list, 1), (lines{ "TARGET", "3", "1" }));
 	EXPECT_TRUE(h.logged("[D] New Low-Value: 36"));
 	EXPECT_TRUE(press(programs_undo)); // one movement, one step
 	EXPECT_EQ(map().groups[0].low_note, before);
@@ -162,7 +166,7 @@ TEST_F(s3000_programs, an_edit_is_counted_undone_sent_and_then_nothing_is_unsent
 	EXPECT_EQ(machine.programs[1].keygroups[0][low_note], 36);
 	EXPECT_TRUE(h.logged("[D] LIVE UPDATE PRESSED! NEW KEYGROUPS: 3 (PROG)"));
 	EXPECT_EQ(text(programs_unsent), "");
-	EXPECT_EQ(list(programs_loaded_list)[1], "TARGET");
+	EXPECT_EQ(row(programs_loaded_list, 1), (lines{ "TARGET", "3" }));
 	EXPECT_TRUE(h.boxes.empty());
 	EXPECT_EQ(text(status_outcome), "Sent 'TARGET' to the sampler.");
 }
@@ -270,14 +274,14 @@ TEST_F(s3000_programs, deleting_and_renaming_are_seen_in_the_list_and_edits_of_o
 	choose(programs_loaded_list, 0);
 	EXPECT_TRUE(press(programs_loaded_delete));
 	EXPECT_EQ(names(), "TARGET,LAST,");
-	EXPECT_EQ(list(programs_loaded_list), (lines{ "TARGET (1 unsent)", "LAST" }));
+	EXPECT_EQ(list(programs_loaded_list), (lines{ "TARGET", "LAST" }));
 	EXPECT_TRUE(h.logged("[D] Deleting Program-Info for [FIRST] (INDEX: 0)"));
 	EXPECT_EQ(chosen(programs_loaded_list), 0);
 	type(programs_loaded_new_name, "NEW NAME");
 	EXPECT_TRUE(press(programs_loaded_rename));
 	EXPECT_EQ(names(), "NEW NAME,LAST,");
 	EXPECT_TRUE(h.logged("[D] Renaming Program-Info for [TARGET] (INDEX: 0) --> [NEW NAME]"));
-	EXPECT_EQ(list(programs_loaded_list)[0], "NEW NAME (1 unsent)");
+	EXPECT_EQ(row(programs_loaded_list, 0), (lines{ "NEW NAME", "3", "1" }));
 	EXPECT_EQ(map().groups[0].low_note, 30);
 	EXPECT_EQ(text(programs_loaded_new_name), "");
 	EXPECT_TRUE(press(programs_life_update));
@@ -445,6 +449,18 @@ TEST_F(s3000_programs, a_deletion_that_is_done_again_reaches_the_sampler_again)
 	EXPECT_EQ(held.size(), 2u);
 	EXPECT_EQ(shown_program()->keygroups, 2);
 	EXPECT_TRUE(h.boxes.empty());
+	// A model that cannot delete one keeps it, and the page says so.
+	press(programs_redo);
+	press(programs_life_update);
+	const auto slot = std::exchange(get_sampler(model_s3000)->del_keygroup, nullptr);
+	press(programs_undo);
+	press(programs_life_update);
+	get_sampler(model_s3000)->del_keygroup = slot;
+	EXPECT_EQ(held.size(), 3u);
+	EXPECT_EQ(h.boxes, (boxes{ { "The program on the sampler keeps 1 keygroup that this one "
+				     "does not have.",
+				   "INFO" } }));
+	EXPECT_EQ(text(programs_unsent), "1 change unsent");
 }
 
 TEST_F(s3000_programs, a_local_program_goes_with_the_samples_that_are_here)
@@ -492,7 +508,8 @@ TEST_F(s3000_programs, a_download_brings_the_program_and_its_samples_and_edits_g
 	choose(programs_local_list, 0);
 	EXPECT_FALSE(map().takes_notes);
 	drag(key_map_event::high_note, 1, -1, 99);
-	EXPECT_EQ(list(programs_local_list)[0], "TARGET (1 unsent)");
+	EXPECT_EQ(row(programs_local_list, 0), (lines{ "TARGET", "3", "1" }));
+	EXPECT_EQ(text(status_outcome).substr(text(status_outcome).find(';')), "; not saved yet");
 	press(programs_save_changes);
 	EXPECT_EQ(unsent_changes(), 0);
 	const auto written = h.content(h.config + "\\pgm\\TARGET.program");

@@ -115,10 +115,11 @@ static void show_menu(const side &s, entry_list *list, const QPoint &at)
 	menu.exec(list->viewport()->mapToGlobal(at));
 }
 
-static void add_shortcut(QWidget *where, const QKeySequence &keys, Qt::ShortcutContext context,
-	const std::function<void()> &work)
+static void add_shortcut(QWidget *where, const QList<QKeySequence> &keys,
+	Qt::ShortcutContext context, const std::function<void()> &work)
 {
-	auto *shortcut = new QShortcut(keys, where);
+	auto *shortcut = new QShortcut(where);
+	shortcut->setKeys(keys);
 	shortcut->setContext(context);
 	QObject::connect(shortcut, &QShortcut::activated, where, work);
 }
@@ -126,7 +127,7 @@ static void add_shortcut(QWidget *where, const QKeySequence &keys, Qt::ShortcutC
 static entry_list *make_side_list(top_window *window, const side &s)
 {
 	entry_list *list = make_list(window, s.list);
-	list->set_columns({ "Name", "Keygroups" });
+	list->set_columns({ "Name", "Keygroups", "Unsent" });
 	list->setMinimumHeight(header_height + row_height * 2);
 	if (QPushButton *retry = s.retry ? make_button(window, s.retry) : nullptr)
 		list->set_retry(retry);
@@ -134,8 +135,8 @@ static entry_list *make_side_list(top_window *window, const side &s)
 	QObject::connect(list, &QWidget::customContextMenuRequested, list,
 		[&s, list](const QPoint &at) { show_menu(s, list, at); });
 	QObject::connect(list, &QTreeWidget::itemActivated, list, [&s] { press(s.open); });
-	add_shortcut(list, QKeySequence::Delete, Qt::WidgetShortcut, [&s] { press(s.remove); });
-	add_shortcut(list, Qt::Key_F2, Qt::WidgetShortcut, [&s] { begin_renaming(s); });
+	add_shortcut(list, { Qt::Key_Delete }, Qt::WidgetShortcut, [&s] { press(s.remove); });
+	add_shortcut(list, { Qt::Key_F2 }, Qt::WidgetShortcut, [&s] { begin_renaming(s); });
 	return list;
 }
 
@@ -487,15 +488,16 @@ static void find_in_list()
 
 static void add_shortcuts(top_window *window)
 {
-	static constexpr std::pair<QKeySequence::StandardKey, int> keys[] = {
-		{ QKeySequence::Undo, programs_undo },
-		{ QKeySequence::Redo, programs_redo },
-		{ QKeySequence::Refresh, programs_refresh },
+	// A field that is typed in keeps the first two for itself.
+	static const std::pair<QList<QKeySequence>, int> keys[] = {
+		{ { Qt::CTRL | Qt::Key_Z }, programs_undo },
+		{ { Qt::CTRL | Qt::SHIFT | Qt::Key_Z, Qt::CTRL | Qt::Key_Y }, programs_redo },
+		{ { Qt::Key_F5 }, programs_refresh },
 	};
 	for (const auto &[key, control] : keys)
 		add_shortcut(
 			window, key, Qt::WindowShortcut, [control = control] { press(control); });
-	add_shortcut(window, QKeySequence::Find, Qt::WindowShortcut, find_in_list);
+	add_shortcut(window, { Qt::CTRL | Qt::Key_F }, Qt::WindowShortcut, find_in_list);
 }
 
 // Always to be seen, whatever scrolls above it.

@@ -325,15 +325,22 @@ protected:
 		reload_midi_setup(false);
 		selected_midi_in_interface = selected_midi_out_interface = 0;
 		velmor_command(window_main, main_programs);
-		EXPECT_TRUE(QTest::qWaitForWindowActive(at(window_programs, 0)));
 		loaded = at(window_programs, programs_loaded_list);
 		choose(window_programs, programs_loaded_list, "SECOND");
-		loaded->setFocus();
+		in_the_list();
 	}
 	~program_page() override
 	{
 		close_midi_output();
 		unplug_all_midi();
+	}
+	// The progress of some work was in front.
+	void in_the_list()
+	{
+		at(window_programs, 0)->activateWindow();
+		EXPECT_TRUE(QTest::qWaitForWindowActive(at(window_programs, 0)));
+		loaded->setFocus();
+		EXPECT_EQ(focused(), loaded);
 	}
 	int low_note() const { return current_sampler->status->program[1].keygroup[0].low_note; }
 	static QWidget *focused() { return QApplication::focusWidget(); }
@@ -363,7 +370,7 @@ TEST_F(program_page, keys_do_their_work_and_none_of_it_while_a_name_is_typed)
 	EXPECT_EQ(machine::get_name(machine.programs[1].common, 3), "NEW");
 	EXPECT_EQ(low_note(), 5);
 
-	loaded->setFocus();
+	in_the_list();
 	QTest::keyClick(loaded, Qt::Key_Z, Qt::ControlModifier);
 	EXPECT_EQ(low_note(), before);
 	QTest::keyClick(loaded, Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
@@ -372,6 +379,7 @@ TEST_F(program_page, keys_do_their_work_and_none_of_it_while_a_name_is_typed)
 	machine::put_name(machine.programs[2].common, 3, "OTHER");
 	QTest::keyClick(at(window_programs, programs_tabs), Qt::Key_F5);
 	EXPECT_GE(at<entry_list>(window_programs, programs_loaded_list)->place_of("OTHER"), 0);
+	in_the_list();
 	QTest::keyClick(loaded, Qt::Key_F, Qt::ControlModifier);
 	EXPECT_EQ(focused(), at(window_programs, programs_loaded_search));
 	QTest::keyClick(focused(), Qt::Key_Delete);
@@ -381,10 +389,11 @@ TEST_F(program_page, keys_do_their_work_and_none_of_it_while_a_name_is_typed)
 	EXPECT_EQ(machine.programs.size(), 3u);
 
 	choose(window_programs, programs_loaded_list, "FIRST");
+	in_the_list();
 	QTest::keyClick(loaded, Qt::Key_Delete);
 	EXPECT_EQ(machine.programs.size(), 2u);
 	EXPECT_EQ(machine::get_name(machine.programs[0].common, 3), "NEW");
-	EXPECT_EQ(focused(), loaded);
+	in_the_list();
 	at<QTabBar>(window_programs, programs_tabs)->setCurrentIndex(0);
 	QTest::keyClick(loaded, Qt::Key_Down);
 	QTest::keyClick(loaded, Qt::Key_Return);

@@ -137,6 +137,10 @@ TEST_F(s3000_programs, the_page_shows_what_the_sampler_holds)
 	choose(programs_zone_sample, 1);
 	EXPECT_TRUE(h.logged("[D] New Sample-Name: [KICK]"));
 	EXPECT_FALSE(map().groups[1].zones[0].missing);
+	choose(programs_keyzone_list, 2);
+	EXPECT_EQ(map().zone, 2);
+	choose(programs_loaded_list, 0);
+	EXPECT_EQ(map().group + map().zone, 0) << "another program is shown from its beginning";
 	EXPECT_TRUE(h.boxes.empty());
 }
 
@@ -151,6 +155,9 @@ TEST_F(s3000_programs, an_edit_is_counted_undone_sent_and_then_nothing_is_unsent
 	EXPECT_EQ(text(0), "VELMOR Manage Programs - 1 change unsent");
 	EXPECT_EQ(row(programs_loaded_list, 1), (lines{ "TARGET", "3", "1" }));
 	EXPECT_TRUE(h.logged("[D] New Low-Value: 36"));
+	drag(key_map_event::low_note, 0, -1, 40);
+	press(programs_undo);
+	EXPECT_EQ(map().groups[0].low_note, 36) << "another movement is another step";
 	EXPECT_TRUE(press(programs_undo)); // one movement, one step
 	EXPECT_EQ(map().groups[0].low_note, before);
 	EXPECT_EQ(text(programs_unsent), "");
@@ -159,11 +166,21 @@ TEST_F(s3000_programs, an_edit_is_counted_undone_sent_and_then_nothing_is_unsent
 	EXPECT_TRUE(drag(key_map_event::low_note, 0, -1, 500));
 	EXPECT_EQ(map().groups[0].low_note, map().groups[0].high_note);
 	EXPECT_TRUE(press(programs_undo));
+	EXPECT_TRUE(drag(key_map_event::high_note, 0, -1, 0));
+	EXPECT_EQ(map().groups[0].low_note, map().groups[0].high_note);
+	EXPECT_TRUE(press(programs_undo));
 	EXPECT_EQ(machine.programs[1].keygroups[0][low_note], before);
 
 	choose(programs_tabs, 0);
+	shown_program()->s1000_tunning_offset = -50;
 	EXPECT_TRUE(press(programs_life_update));
 	EXPECT_EQ(machine.programs[1].keygroups[0][low_note], 36);
+	// Sending has changed the record, and the form shows what it holds now.
+	const auto &form = h.forms[{ window_programs, form_of_program }];
+	const auto tune = std::find_if(form.begin(), form.end(),
+		[](const form_row &r) { return r.label == "Tune offset"; });
+	ASSERT_NE(tune, form.end());
+	EXPECT_EQ(tune->text, "-1.50");
 	EXPECT_TRUE(h.logged("[D] LIVE UPDATE PRESSED! NEW KEYGROUPS: 3 (PROG)"));
 	EXPECT_EQ(text(programs_unsent), "");
 	EXPECT_EQ(row(programs_loaded_list, 1), (lines{ "TARGET", "3" }));
@@ -204,9 +221,12 @@ TEST_F(s3000_programs, an_envelope_point_is_its_bar)
 	drag_level(envelope_event::drag, 60);
 	drag_level(envelope_event::drag, 120);
 	drag_level(envelope_event::drag_end, 120);
-	EXPECT_EQ(rows[11].value, 99);
+	drag_level(envelope_event::drag, 50);
+	press(programs_undo);
+	EXPECT_EQ(rows[11].value, 99) << "another movement is another step";
 	EXPECT_EQ(rows[11].label, "Level 2");
-	EXPECT_EQ(text(status_outcome), "Level 2 of keygroup 1 from 22 to 99; not sent yet");
+	EXPECT_EQ(
+		text(status_outcome), "Undone: Level 2 of keygroup 1 from 99 to 50; not sent yet");
 	press(programs_undo);
 	EXPECT_EQ(curve(programs_second_envelope).values[5], 22);
 	EXPECT_EQ(
@@ -236,6 +256,10 @@ TEST_F(s3000_programs, an_envelope_point_is_its_bar)
 TEST_F(s3000_programs, a_missing_sample_is_found_in_the_spool_and_sent)
 {
 	machine::put_name(machine.programs[1].keygroups[2], 34, "LONG.NAME AB");
+	velmor_command(window_main, main_samples);
+	const auto &samples = h.rows[{ window_samples, samples_loaded_list }];
+	EXPECT_EQ(
+		samples, (std::vector<lines>{ { "KICK", "0.00 s", "44100 Hz", "60 (C3)", "no" } }));
 	open();
 	EXPECT_NE((h.reasons[{ window_programs, programs_find_sample }]), "");
 	choose(programs_keygroup_list, 1);
@@ -261,8 +285,13 @@ TEST_F(s3000_programs, a_missing_sample_is_found_in_the_spool_and_sent)
 	// A name that the machine cut, with a full stop for what it has no letter for.
 	choose(programs_keygroup_list, 2);
 	press(programs_find_sample);
+	ASSERT_EQ(machine.samples.size(), 3u);
 	EXPECT_EQ(machine::get_name(machine.samples[2].header, 3), "LONG.NAME AB");
 	EXPECT_FALSE(map().groups[2].zones[0].missing);
+	ASSERT_EQ(samples.size(), 3u) << "the page of samples shows it too";
+	EXPECT_EQ(samples[2][0], "LONG.NAME AB");
+	choose(programs_zone_sample, 2);
+	EXPECT_EQ(map().groups[2].zones[0].name, "LOST");
 	EXPECT_EQ(functions(0x06), static_cast<int>(machine.programs.size()))
 		<< "programs are not read anew for a sample";
 }
@@ -377,7 +406,9 @@ TEST_F(s3000_programs, reading_anew_closing_and_loading_ask_once_where_edits_wou
 	EXPECT_EQ(machine.heard.size(), heard);
 	EXPECT_EQ(map().groups[0].low_note, 30);
 	h.boxes.clear();
+	std::swap(machine.programs[0], machine.programs[1]);
 	press(programs_refresh);
+	EXPECT_EQ(chosen(programs_loaded_list), 0) << "the program is followed by its name";
 	EXPECT_EQ(h.boxes.size(), 1u);
 	EXPECT_GT(machine.heard.size(), heard);
 	EXPECT_NE(map().groups[0].low_note, 30);
@@ -597,6 +628,7 @@ TEST_F(s3000_programs, akp_files_come_with_their_samples_and_a_summary)
 	EXPECT_TRUE(h.content(h.config + "\\pgm\\GRAND.program"));
 	EXPECT_EQ(list(programs_local_list), lines{ "GRAND" });
 	EXPECT_STREQ(shown_program()->name, "GRAND");
+	EXPECT_EQ(map().groups[0].zones[0].high_velocity, 127) << "none is told, so any sounds";
 	// Once more: asked, and then both are there, each with its file.
 	h.chosen_files = { folder + "\\GRAND.AKP" };
 	h.boxes.clear();

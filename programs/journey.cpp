@@ -152,7 +152,7 @@ void choose(int window, int control, const std::string &name)
 		check(false, "\"" + name + "\" is not in the list");
 		return;
 	}
-	list->scrollToItem(list->topLevelItem(found));
+	list->scrollToItem(list->entry(found));
 	click_at(list->viewport(), list->place_on_screen(found).center());
 }
 

@@ -201,10 +201,12 @@ enum programs_control : int {
 	programs_amp_envelope = 17410,
 	programs_filter_envelope = 17411,
 	programs_aux_envelope = 17412,
-	programs_adsr_form = 17413, // the sixteen envelope values
-	programs_tabs = 17420,      // 0 program, 1 keygroup, 2 keyzone, 3 envelopes
-	programs_unsent = 17421,    // "3 changes unsent"
-	programs_title = 17422,     // of what the chosen tab shows
+	programs_adsr_form = 17413,       // the sixteen envelope values, and those of the second
+	programs_second_envelope = 17414, // of the S1000 family
+	programs_tabs = 17420,            // 0 program, 1 keygroup, 2 keyzone, 3 envelopes
+	programs_unsent = 17421,          // "3 changes unsent"
+	programs_title = 17422,           // of what the chosen tab shows
+	programs_find_sample = 17423,     // "Find in the spool and upload", of a missing sample
 	programs_loaded_heading = 60014,
 	programs_local_heading = 60015,
 	programs_retry = 60024,

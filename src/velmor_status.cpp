@@ -71,6 +71,11 @@ void show_outcome(const outcome &result)
 		show_box(result.caption.c_str(), "%s", result.words.c_str());
 }
 
+void say_line(const std::string &line, text_role role)
+{
+	shown_outcome = { line, role };
+}
+
 // ---- Lists of the sampler ------------------------------------------------------------------------
 
 static std::string heading_of(const list_controls &where, const known_list &known, int count)

@@ -239,6 +239,7 @@ static constexpr input_row input_table[] = {
 	{ window_midi_files, player_speed_form, nullptr, nullptr, change_speed },
 	{ window_midi_files, player_tracks, nullptr, nullptr, nullptr, nullptr, nullptr, take_track },
 	{ window_programs, programs_amp_envelope,    nullptr, nullptr, nullptr, nullptr, change_envelope<programs_amp_envelope> },
+	{ window_programs, programs_second_envelope, nullptr, nullptr, nullptr, nullptr, change_envelope<programs_second_envelope> },
 	{ window_programs, programs_filter_envelope, nullptr, nullptr, nullptr, nullptr, change_envelope<programs_filter_envelope> },
 	{ window_programs, programs_aux_envelope,    nullptr, nullptr, nullptr, nullptr, change_envelope<programs_aux_envelope> },
 	{ window_panel,    panel_picture,            panel_key_pressed, panel_mouse_used, nullptr },

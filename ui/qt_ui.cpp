@@ -211,8 +211,10 @@ static void show_control(int window, int control, bool visible)
 static void set_reason(int window, int control, const char *why_not)
 {
 	QObject *object = find_control(window, control);
-	if (auto *entry = qobject_cast<QAction *>(object))
+	if (auto *entry = qobject_cast<QAction *>(object)) {
 		entry->setEnabled(!why_not);
+		entry->setToolTip(QString::fromUtf8(why_not ? why_not : ""));
+	}
 	auto *widget = qobject_cast<QWidget *>(object);
 	if (!widget)
 		return;

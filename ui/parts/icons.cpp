@@ -125,6 +125,7 @@ static constexpr control_row controls[] = {
 	{ window_programs, programs_loaded_delete,   icon::trash },
 	{ window_programs, programs_local_delete,    icon::trash },
 	{ window_programs, programs_upload,          icon::left },
+	{ window_programs, programs_find_sample,     icon::search },
 	{ window_programs, programs_import_akp,      icon::document_in },
 	{ window_programs, programs_program_form,    icon::more },
 	{ window_programs, programs_voice_form,      icon::more },

@@ -187,8 +187,10 @@ void screen::press(screen_key key, int n)
 
 void screen::press_digit(int digit)
 {
-	if (open == window::name || row_now().set || digit > 1) {
+	if (open == window::name || row_now().set) {
 		type(static_cast<char>('0' + digit));
+	} else if (digit > 1) {
+		message = not_here;
 	} else if (digit == 0) {
 		marked = here;
 		has_mark = true;

@@ -168,8 +168,9 @@ void draw_mix(screen &s, screen_canvas &c, screen_box b)
 			c.fill({ bar.x, bar.bottom() - 1, bar.width, 1 });
 			continue;
 		}
-		c.frame(bar);
-		rising_bar(c, inside(bar, 2), s.parts[i].level, 100);
+		if (step > 8)
+			c.frame(bar);
+		rising_bar(c, step > 8 ? inside(bar, 2) : bar, s.parts[i].level, 100);
 	}
 }
 

@@ -162,9 +162,14 @@ static std::string name_sample(screen &s)
 
 static constexpr int most_recorded = 8; // quarters of a second
 
+static int quarters_recorded(const screen &s)
+{
+	return std::clamp(s.recording - 1, 0, most_recorded);
+}
+
 static screen_rows input_rows(screen &s)
 {
-	const int quarters = std::min(s.recording, most_recorded);
+	const int quarters = quarters_recorded(s);
 	return {
 		{ "GAIN", std::to_string(s.input_gain), s.input_gain, 0, 100,
 			[&s](int value) { s.input_gain = value; } },
@@ -198,7 +203,7 @@ static std::string record(screen &s)
 	for (int n = 2; find_name(s.machine.samples, name) >= 0; n++)
 		name = "Recording " + std::to_string(n);
 	s.machine.add_sample(name,
-		make_wave(tone_at_input(std::min(s.recording, most_recorded), s.input_gain), {}));
+		make_wave(tone_at_input(std::max(1, quarters_recorded(s)), s.input_gain), {}));
 	s.recording = 0;
 	return name + " IS MADE";
 }

@@ -135,54 +135,32 @@ std::size_t screen::memory_used() const
 
 // ---- Keys --------------------------------------------------------------------------------
 
+// In the order of screen_key.
+const screen::act screen::acts[] = {
+	[](screen &s, int n) { s.here.mode = static_cast<screen_mode>(n); },
+	[](screen &s, int n) { s.press_soft(n); },
+	[](screen &s, int n) { s.press_digit(n); },
+	[](screen &s, int n) { s.turn_wheel(n); },
+	[](screen &s, int n) { s.move_cursor(n); },
+	[](screen &s, int n) { s.move_page(n); },
+	[](screen &s, int) { s.open = window::facts; },
+	[](screen &, int) {}, // drops what is being typed, as below
+	[](screen &s, int) { s.press_enter(); },
+	[](screen &s, int) { s.play(); },
+	[](screen &s, int) { s.message = not_here; },
+};
+
 void screen::press(screen_key key, int n)
 {
+	using enum screen_key;
+	static_assert(std::size(acts) == static_cast<std::size_t>(not_fitted) + 1);
 	message.clear();
-	if (open == window::facts) {
-		open = window::none;
-		if (key == screen_key::window || key == screen_key::exit)
-			return;
-	}
-	const bool ends_entry =
-		key == screen_key::mode || key == screen_key::page || key == screen_key::cursor;
-	if (ends_entry)
+	const bool closes = open == window::facts && (key == window_key || key == exit);
+	const bool types = key == soft || key == digit || key == step || key == enter;
+	if (open == window::facts || !types)
 		press_exit();
-	switch (key) {
-	case screen_key::mode:
-		here.mode = static_cast<screen_mode>(n);
-		break;
-	case screen_key::soft:
-		press_soft(n);
-		break;
-	case screen_key::digit:
-		press_digit(n);
-		break;
-	case screen_key::step:
-		turn_wheel(n);
-		break;
-	case screen_key::cursor:
-		move_cursor(n);
-		break;
-	case screen_key::page:
-		move_page(n);
-		break;
-	case screen_key::window:
-		press_exit();
-		open = window::facts;
-		break;
-	case screen_key::exit:
-		press_exit();
-		break;
-	case screen_key::enter:
-		press_enter();
-		break;
-	case screen_key::play:
-		play();
-		break;
-	case screen_key::not_fitted:
-		message = not_here;
-		break;
-	}
+	if (!closes)
+		acts[static_cast<std::size_t>(key)](*this, n);
 }
 
 void screen::press_digit(int digit)

@@ -49,7 +49,7 @@ enum class screen_key {
 	step,   // number: of the value, +1 or -1
 	cursor, // number: rows on
 	page,   // number: pages on
-	window,
+	window_key,
 	exit,
 	enter,
 	play,
@@ -104,7 +104,7 @@ struct screen_layout {
 	int row_height;
 	int heading, footer;         // their y, -1: none
 	int soft_keys, first_action; // keys along the screen; the key of the first action,
-				     // 0: behind the last page
+		// 0: behind the last page
 	screen_box (*soft_key)(int i);
 };
 extern const screen_layout s5000_layout, z4_layout, mpc_layout;
@@ -192,6 +192,8 @@ private:
 	void move_cursor(int steps);
 	void move_page(int steps);
 	void change(int steps);
+	using act = void (*)(screen &s, int n);
+	static const act acts[];
 	void press_digit(int digit);
 	void press_soft(int key);
 	void press_enter();

@@ -203,7 +203,7 @@ static constexpr screen_key_code codes[] = {
 	{ 0x63, 0x63, screen_key::step,  +1 },
 	{ 0x64, 0x64, screen_key::cursor, -1 },
 	{ 0x65, 0x65, screen_key::cursor, +1 },
-	{ 0x67, 0x67, screen_key::window, 0 },
+	{ 0x67, 0x67, screen_key::window_key, 0 },
 	{ 0x6A, 0x6A, screen_key::exit,   0 },
 	{ 0x6B, 0x6B, screen_key::enter,  0 }, // and PLAY
 };

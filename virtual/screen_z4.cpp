@@ -177,7 +177,7 @@ static constexpr int mode_number(screen_mode mode)
 // clang-format off
 static constexpr screen_key_code codes[] = {
 	{ 0x01, 0x06, screen_key::soft,       1 },
-	{ 0x07, 0x07, screen_key::window,     0 },
+	{ 0x07, 0x07, screen_key::window_key,     0 },
 	{ 0x08, 0x08, screen_key::not_fitted, 0 }, // Q-Link
 	{ 0x09, 0x09, screen_key::not_fitted, 0 }, // CLIPBOARD
 	{ 0x0A, 0x0A, screen_key::play,       0 },

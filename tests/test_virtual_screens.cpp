@@ -246,6 +246,8 @@ TEST_F(screens, the_keys_of_an_s5000_walk_its_pages_and_change_what_it_holds)
 	EXPECT_EQ(big.programs[0].keygroups.size(), 4u);
 	walk({ { "43 52", "KEYGROUP 5 IS NEW" } });
 	EXPECT_EQ(big.programs[0].keygroups.size(), 5u);
+	// Function keys stand left and right of the screen, 30 pixels apart; their labels beside them.
+	EXPECT_TRUE(stands("KEYSPAN", 9, 44, false) && stands("KG -", 278, 14, false));
 }
 
 TEST_F(screens, characters_write_a_name_that_enter_takes_and_escape_drops)
@@ -280,17 +282,18 @@ TEST_F(screens, the_keys_of_a_z8_do_the_same_on_six_function_keys)
 		{ "17", "!MULTI" },  { "13", "!EFFECTS" }, { "16", "!SAMPLES" }, { "12", "!PROGRAMS" },
 		{ "15", "!RECORD" }, { "11", "!UTILITIES" }, { "14", "!SAVE" }, { "10", "!LOAD" },
 		{ "12 =4 =4", "!Finger Bass" }, { "=2 =2", "!ZONES" }, { "=2", "!PROGRAMS" }, { "=1", "!ZONES" },
-		{ "=4 =4 =4 =3", "!Finger Bass" }, { "=4 -127", "!-12.7 dB" }, { "=3 =3 +1", "!2/4" },
+		{ "=4 =4 =4 =3", "!Finger Bass" }, { "=4 -127", "!-12.7 dB" }, { "-127 -127 -127 -127", "!-60.0 dB" }, { "=3 =3 +1", "!2/4" },
 		{ "08", "!NOT HERE" }, { "09", "!NOT HERE" }, { "0A", "!PLAYS Finger Bass" },
 		{ "07", "5 PROGRAMS, 8 SAMPLES" }, { "07 04", "!NO OTHER KEYGROUP" },
 		{ "06 02", "!PROGRAMS" }, { "15 02", "!RECORDING" }, { "02", "!Recording 1 IS MADE" },
 	});
 	// clang-format on
 	EXPECT_EQ(small.programs[2].keygroups[0].zones[0].level,
-		(std::array<std::uint8_t, 3>{ 1, 0x7F, 0 }));
+		(std::array<std::uint8_t, 3>{ 1, 0x58, 4 }));
 	ASSERT_EQ(small.samples.size(), 9u);
 	wave_facts facts;
 	EXPECT_TRUE(read_wave(small.samples[8].wave, &facts));
+	EXPECT_TRUE(stands("RECORD", 43, 50, false)) << "above the second key";
 	EXPECT_EQ(facts.frames, 11025u); // one picture has passed
 }
 

@@ -152,6 +152,33 @@ static void leave_for_main_thread(waiting_text &&text)
 		host.ui->post(log_waiting);
 }
 
+// ---- Work that repeats itself -----------------------------------------------------------
+
+static log_rounds *this_round = nullptr;
+
+log_round::log_round(log_rounds *rounds) : outer(this_round)
+{
+	this_round = rounds;
+}
+
+log_round::~log_round()
+{
+	this_round->before.swap(this_round->now);
+	this_round->now.clear();
+	this_round = outer;
+}
+
+// Remember it, and tell whether the round before had it.
+static bool said_before(const char *text)
+{
+	if (!this_round || std::strncmp(text, "[D]", 3) == 0)
+		return false;
+	this_round->now.insert(text);
+	return this_round->before.contains(text);
+}
+
+// ---- One text ---------------------------------------------------------------------------
+
 void _add_scroll_string(const char *file, int line, const char *text)
 {
 	if (dropped(text))
@@ -162,6 +189,8 @@ void _add_scroll_string(const char *file, int line, const char *text)
 		return;
 	}
 	log_waiting();
+	if (said_before(text))
+		return;
 	write_text(file, line, elapsed, text);
 }
 

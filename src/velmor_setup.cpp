@@ -2,6 +2,7 @@
 //
 // Knows nothing of: toolkits, models.
 
+#include "src/lcd.h"
 #include "src/usbqx.h"
 #include "src/velmor_window.h"
 #include <cstdlib>
@@ -216,8 +217,16 @@ static void load_selected_sampler()
 	show_outcome(loaded);
 }
 
+// The panel's picture stands still from the start of this work on.
+template <void (*work)()> static void without_panel()
+{
+	stop_panel();
+	work();
+}
+
 void empty_open_pages()
 {
+	empty_panel();
 	empty_sample_page();
 	empty_program_page();
 	empty_multi_page();
@@ -251,15 +260,16 @@ static constexpr caption_row main_captions[] = {
 	{ window_main,     main_samples,            "Manage Samples", "Fetch, send, rename, delete and import samples", nullptr },
 	{ window_main,     main_programs,           "Manage Programs", "See, edit, send, keep, rename and delete programs", nullptr },
 	{ window_main,     main_multis,             "Manage Multis", "See the multis on the sampler", nullptr },
+	{ window_main,     main_lcd,                "View LCD-Display", "See the sampler's screen and press its keys from here", nullptr },
 };
 static constexpr command_row main_commands[] = {
 	// window          control                  what it does               when
-	{ window_main,     menu_exit,               leave,                     always },
-	{ window_main,     menu_settings,           show_midi_setup,           alone  },
-	{ window_main,     menu_midi_samplers,      show_sampler_setup,        alone  },
-	{ window_main,     menu_usb_samplers,       show_usb_sampler_setup,    alone  },
-	{ window_main,     main_load,               load_selected_sampler,     alone  },
-	{ window_main,     main_samples,            show_sample_setup,         alone  },
+	{ window_main,     menu_exit,               without_panel<leave>, always },
+	{ window_main,     menu_settings,           without_panel<show_midi_setup>, alone  },
+	{ window_main,     menu_midi_samplers,      without_panel<show_sampler_setup>, alone  },
+	{ window_main,     menu_usb_samplers,       without_panel<show_usb_sampler_setup>, alone  },
+	{ window_main,     main_load,               without_panel<load_selected_sampler>, alone  },
+	{ window_main,     main_samples,            without_panel<show_sample_setup>, alone  },
 	{ window_main,     main_programs,           show_first_program,        alone  },
 	{ window_main,     main_multis,             show_multi_setup,          alone  },
 };

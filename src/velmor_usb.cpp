@@ -7,6 +7,7 @@
 // Knows nothing of: toolkits, frames.
 
 #include "src/controls.h"
+#include "src/lcd.h"
 #include "src/usbqx.h"
 #include "src/velmor_window.h"
 #include <cstdlib>
@@ -211,6 +212,7 @@ void save_usb_sampler()
 
 void show_usb_sampler_setup()
 {
+	stop_panel();
 	log_line("[D] Starting USB-Sampler Setup\r\n");
 	open_window(window_usb);
 	host.ui->set_text(window_usb, usb_verdict, "");

@@ -64,6 +64,7 @@ extern const window_rows usb_rows;                               // velmor_usb.c
 extern const window_rows samples_rows;                           // velmor_samples_page.cpp
 extern const window_rows programs_rows;                          // velmor_programs_commands.cpp
 extern const window_rows multis_rows;                            // velmor_multis.cpp
+extern const window_rows panel_rows;                             // velmor_panel.cpp
 extern const window_rows status_rows;                            // velmor_status.cpp
 
 // ---- The engine (velmor_window.cpp) ------------------------------------------------------------
@@ -90,6 +91,16 @@ void velmor_hover(int window, int control, std::span<const std::string> paths);
 // included, so that no two pieces of work meet on a line: false, and nothing was done, while a
 // command runs or a device is open.
 bool run_through_gate(const std::function<void()> &work);
+// While one lives, what comes to the closed gate is kept, a few pieces, and runs in its order when
+// the gate opens again; then it counts as done. For work of a moment, that nobody sees go by: a
+// picture of a panel, a key of it. So work that captures does so by value.
+class brief_work
+{
+public:
+	brief_work();
+	~brief_work();
+	brief_work(const brief_work &) = delete;
+};
 // Keys, mouse and forms. A window that takes them has a row, and nobody else hears of them; all
 // are refused while a command runs.
 enum class mouse_action : int {

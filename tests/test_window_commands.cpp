@@ -81,8 +81,7 @@ TEST_F(window_commands, no_control_has_two_rows_of_words)
 TEST_F(window_commands, work_that_is_not_built_has_no_command)
 {
 	EXPECT_FALSE(has_command(window_main, menu_midi_files));
-	EXPECT_FALSE(has_command(window_main, main_lcd));
-	EXPECT_FALSE(velmor_command(window_main, main_lcd));
+	EXPECT_FALSE(velmor_command(window_main, menu_midi_files));
 }
 
 TEST_F(window_commands, settings_without_any_port_say_so)

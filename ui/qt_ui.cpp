@@ -9,6 +9,7 @@
 #include "src/velmor_window.h"
 #include "ui/envelope_view.h"
 #include "ui/key_map.h"
+#include "ui/panel_window.h"
 #include "ui/parts/entry_list.h"
 #include "ui/parts/form_view.h"
 #include "ui/parts/palette.h"
@@ -383,6 +384,13 @@ static std::string choose_folder(const char *title)
 	return name.isEmpty() ? "" : host.files->system_path(name.toUtf8().constData());
 }
 
+static std::string choose_new_file(const char *title, const char *filter, const char *name)
+{
+	const QString path = QFileDialog::getSaveFileName(
+		QApplication::activeWindow(), title, QString::fromUtf8(name), filter);
+	return path.isEmpty() ? "" : host.files->system_path(path.toUtf8().constData());
+}
+
 // ---- Progress -----------------------------------------------------------------------------------
 
 // Its owner's state must not reach the progress window, so it comes last.
@@ -526,10 +534,14 @@ const ui_service qt_ui = {
 	.set_row_text  = set_row_text,
 	.row_text      = row_text,
 	.set_row_changed = set_row_changed,
+	.build_panel   = build_panel,
+	.copy_bitmap   = copy_bitmap,
+	.save_bitmap   = save_bitmap,
 	.message       = message,
 	.ask           = ask,
 	.choose_files  = choose_files,
 	.choose_folder = choose_folder,
+	.choose_new_file = choose_new_file,
 	.progress_show = progress_show,
 	.progress_set  = progress_set,
 	.progress_hide = progress_hide,

@@ -192,6 +192,9 @@ static const ui_service test_ui = {
 	.row_text = [](int w, int c, int row) { return form_row_of(w, c, row).text; },
 	.set_row_changed = [](int w, int c, int row,
 				   bool changed) { form_row_of(w, c, row).changed = changed; },
+	.build_panel = [](int, const panel_view *) {},
+	.copy_bitmap = [](const bitmap_view *, int) {},
+	.save_bitmap = [](const char *, const bitmap_view *, int) { return false; },
 	.message =
 		[](const char *text, const char *caption) {
 			the_test_host->boxes.push_back({ text, caption });
@@ -207,6 +210,7 @@ static const ui_service test_ui = {
 		},
 	.choose_files = [](const char *, const char *) { return the_test_host->chosen_files; },
 	.choose_folder = [](const char *) { return the_test_host->chosen_folder; },
+	.choose_new_file = [](const char *, const char *, const char *) { return std::string(); },
 	.progress_show =
 		[](const char *caption, int range) {
 			the_test_host->progress.visible = true;

@@ -321,6 +321,9 @@ TEST_F(screens, what_no_panel_has_is_refused_and_does_nothing)
 	EXPECT_EQ(status("20 01 45"), "D");
 	all({ { "20 01 45", "E2" }, { "20 02 44", "E3" } });
 	EXPECT_EQ(machine->key_presses.back(), hex("20 01 45"));
+	machine->take(hex("03 14"), true); // the host begins anew, without a key down
+	EXPECT_EQ(status("20 02 45"), "E3");
+	EXPECT_EQ(status("20 01 45"), "D");
 	switch_on(); // its keys are up again, and it shows its first page
 	EXPECT_TRUE(shows("MULTI", true));
 	EXPECT_EQ(status("20 02 45"), "E3");

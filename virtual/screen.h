@@ -143,6 +143,7 @@ public:
 	void turn_wheel(int steps);
 	void type(char character);
 	const screen_canvas &draw();
+	const screen_canvas &shown() const { return canvas; } // as it was last drawn
 	wire_bits bits() const { return layout.bits; }
 
 	// For pages and actions.

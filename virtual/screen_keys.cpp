@@ -24,8 +24,13 @@ front_panel::front_panel(std::unique_ptr<screen> s, const screen_keyboard &k)
 
 void front_panel::power_on()
 {
-	held = {};
+	let_go();
 	display->power_on();
+}
+
+void front_panel::let_go()
+{
+	held = {};
 }
 
 // ---- Requests ----------------------------------------------------------------------------

@@ -12,7 +12,8 @@
 //
 // Each is done, or refused without effect: another item; another length, or a byte of eight
 // bits; a code, a way or a kind that the panel does not have, no steps, no character; a key that
-// goes down twice, or comes up without having gone down. The MPC 4000 knows no such section.
+// goes down twice, or comes up without having gone down. A host that wakes the machine begins
+// anew, with no key down. The MPC 4000 knows no such section.
 //
 // The S5000 has two keys each on the codes 58 and 59: MARK and 0, JUMP and 1. Where a number or
 // a name can be typed they are digits.
@@ -47,6 +48,8 @@ public:
 
 	front_panel(std::unique_ptr<screen> s, const screen_keyboard &k);
 	void power_on();
+	void let_go(); // of all keys
+	const screen_canvas &shown() const { return display->shown(); }
 	// A request from its section on; what is done has no data.
 	request_outcome heard(std::span<const std::uint8_t> payload);
 

@@ -57,6 +57,7 @@ void usb_sampler::plugged_in()
 // It is not busy any more, whatever waits to be read.
 void usb_sampler::forget_transfer()
 {
+	panel->let_go();
 	doing = phase::framed;
 	arriving = {};
 	leaving.clear();
@@ -155,6 +156,11 @@ void usb_sampler::send_display()
 		picture = panel->display->draw().on_wire(panel->display->bits());
 	say(picture, latency);
 	say(usb_bytes(display_extra), latency);
+}
+
+const screen_canvas &usb_sampler::canvas() const
+{
+	return panel->shown();
 }
 
 request_outcome usb_sampler::heard_panel(bytes_in payload)

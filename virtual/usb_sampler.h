@@ -28,6 +28,7 @@ namespace velmor
 {
 
 class front_panel;
+class screen_canvas;
 
 struct usb_sample {
 	std::string name;
@@ -73,6 +74,8 @@ public:
 	~usb_sampler() override;
 	void add_sample(std::string sample_name, usb_bytes wave);
 	void plugged_in() override;
+	// Its pages as they were last drawn, which is when the host asked for them.
+	const screen_canvas &canvas() const;
 
 protected:
 	enum class awake_state {

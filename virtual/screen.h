@@ -102,9 +102,9 @@ struct screen_layout {
 	wire_bits bits;
 	screen_box title, rows, rows_alone, drawing, window;
 	int row_height;
-	int heading, footer;         // their y, -1: none
-	int soft_keys, first_action; // keys along the screen; the key of the first action,
-		// 0: behind the last page
+	int heading, footer; // their y, -1: none
+	int soft_keys;       // along the screen
+	int first_action;    // the key of the first action, 0: behind the last page
 	screen_box (*soft_key)(int i);
 };
 extern const screen_layout s5000_layout, z4_layout, mpc_layout;

@@ -2,48 +2,25 @@
 //
 // The driver talks to a virtual S5000 on a virtual full-speed bus, in virtual time. The
 // least that any program could take is what crosses the bus in its packets, one after the
-// other, and the rest of the machine before each answer:
-//
-//	packet = (bytes + 13) / 77 / 19000 s, at most 64 bytes a packet
-//	least  = packets of every message both ways + the machine's rest before each answer
+// other, and the rest of the machine before each answer (usb_measure.h).
 //
 // Of a transfer, only the blocks count, their acknowledgements and the answers to them.
 //
 // Ends with 1 when a measure misses its mark.
 
+#include "bench/usb_measure.h"
 #include "src/usbqx.h"
-#include "tests/support/test_host.h"
 #include "virtual/demo_usb.h"
-#include "virtual/usb_bus.h"
 #include <chrono>
-#include <cstdio>
 
 namespace velmor
 {
 namespace
 {
 
-constexpr double most_above_least = 1.02;   // of a walk
 constexpr double least_of_speed = 0.90;     // of a transfer
 constexpr double most_of_computer = 0.0002; // seconds an answer
 constexpr std::size_t header = 144, sound = 16 << 20;
-
-bool missed = false;
-
-void report(const char *what, const char *measure, bool good)
-{
-	std::printf("%-44s %s%s\n", what, measure, good ? "" : "   MISSED");
-	missed |= !good;
-}
-
-double on_bus(std::size_t bytes)
-{
-	const auto packet = [](std::size_t n) {
-		return (static_cast<double>(n) + 13) / 77 / 19000;
-	};
-	const std::size_t rest = bytes % 64;
-	return static_cast<double>(bytes / 64) * packet(64) + (rest || !bytes ? packet(rest) : 0);
-}
 
 struct bench {
 	test_host h;
@@ -114,30 +91,6 @@ void measure_transfers()
 	report_transfer("upload of 16 MiB", b.h.time.now() - began,
 		least_of_blocks(blocks * block, block, 8, rest),
 		b.machine.samples.size() == 2 && b.machine.samples[1].wave == file);
-}
-
-// One operation of small requests, against what crossed the bus. Gives the answers.
-template <typename work>
-std::size_t compare(const char *what, test_host &h, usb_sampler &machine, work run)
-{
-	machine.recorded.clear();
-	machine.record = true;
-	const double began = h.time.now();
-	const bool good = run();
-	const double took = h.time.now() - began;
-	machine.record = false;
-	double least = 0;
-	std::size_t answers = 0;
-	for (const usb_crossing &c : machine.recorded) {
-		least += on_bus(c.bytes.size()) + (c.from_host ? 0 : machine.latency);
-		answers += !c.from_host;
-	}
-	char measure[160];
-	std::snprintf(measure, sizeof measure,
-		"%9.3f s   least %9.3f s   ratio %.4f   (%zu answers)", took, least, took / least,
-		answers);
-	report(what, measure, good && answers && took / least <= most_above_least);
-	return answers;
 }
 
 void measure_walk_and_save()

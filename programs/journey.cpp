@@ -6,8 +6,8 @@
 // widgets, and every result is looked up where it must have arrived: in files on
 // the disk and in the memory of the virtual sampler.
 
-#include "programs/journey.h"
 #include "platform/host.h"
+#include "programs/journey_parts.h"
 #include "src/velmor_window.h"
 #include "ui/parts/entry_list.h"
 #include "ui/parts/palette.h"
@@ -17,6 +17,7 @@
 #include <QApplication>
 #include <QDropEvent>
 #include <QElapsedTimer>
+#include <QFileDialog>
 #include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
@@ -42,7 +43,7 @@ static bool stop_wanted; // press Stop when the work is half done
 
 // ---- Telling --------------------------------------------------------------------------------
 
-static void check(bool good, const std::string &what)
+void check(bool good, const std::string &what)
 {
 	std::printf("%s %s\n", good ? "  ok    " : "  FAILED", what.c_str());
 	std::fflush(stdout);
@@ -50,13 +51,13 @@ static void check(bool good, const std::string &what)
 		failures++;
 }
 
-static void step(const char *what)
+void step(const char *what)
 {
 	std::printf("%s\n", what);
 }
 
 // As a screen of 100 or 200 % shows it.
-static void picture(int window, const char *name, int scale = 1)
+void picture(int window, const char *name, int scale)
 {
 	QWidget *widget = find_widget(window, 0);
 	if (!widget)
@@ -93,7 +94,7 @@ static void click_at(QWidget *widget, const QPoint &place)
 	}
 }
 
-static void press(int window, int control)
+void press(int window, int control)
 {
 	auto *button = qobject_cast<QPushButton *>(find_widget(window, control));
 	if (!button || !button->isVisible() || !button->isEnabled()) {
@@ -132,7 +133,7 @@ static entry_list *list_of(int window, int control)
 	return dynamic_cast<entry_list *>(find_widget(window, control));
 }
 
-static std::vector<std::string> names_in(int window, int control)
+std::vector<std::string> names_in(int window, int control)
 {
 	std::vector<std::string> names;
 	const entry_list *list = list_of(window, control);
@@ -141,7 +142,7 @@ static std::vector<std::string> names_in(int window, int control)
 	return names;
 }
 
-static void choose(int window, int control, const std::string &name)
+void choose(int window, int control, const std::string &name)
 {
 	entry_list *list = list_of(window, control);
 	const int found = list ? list->place_of(QString::fromStdString(name)) : -1;
@@ -199,13 +200,61 @@ void journey_glance()
 	}
 }
 
+// The files that the next dialog is to choose, and the box that is to be pictured.
+static std::string folder_wanted, box_wanted, box_picture;
+static std::vector<std::string> files_wanted;
+
+void files_to_choose(const std::string &folder, const std::vector<std::string> &names)
+{
+	folder_wanted = folder;
+	files_wanted = names;
+}
+
+void picture_box(const std::string &words, const std::string &name)
+{
+	box_wanted = words;
+	box_picture = the_trip->pictures + "/" + name + ".png";
+}
+
+void forget_boxes()
+{
+	boxes_seen.clear();
+}
+
+bool box_began(const std::string &words)
+{
+	return std::any_of(boxes_seen.begin(), boxes_seen.end(),
+		[&](const std::string &box) { return box.starts_with(words); });
+}
+
+// Names in quotation marks, as a person types several, and Return.
+static void answer_file_dialog(QFileDialog *dialog)
+{
+	auto *field = dialog->findChild<QLineEdit *>("fileNameEdit");
+	dialog->setDirectory(QString::fromStdString(folder_wanted));
+	std::string typed;
+	for (const std::string &name : files_wanted)
+		typed += (typed.empty() ? "\"" : " \"") + name + "\"";
+	std::printf("  choose %s\n", typed.c_str());
+	field->setText(QString::fromStdString(typed));
+	QKeyEvent enter(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier);
+	QApplication::sendEvent(field, &enter);
+}
+
 // A box opens in the middle of a press; this reads it and presses its OK.
 static void answer_box()
 {
+	if (auto *dialog = qobject_cast<QFileDialog *>(QApplication::activeModalWidget()))
+		answer_file_dialog(dialog);
 	auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
 	if (!box)
 		return;
 	boxes_seen.push_back(box->text().toStdString());
+	if (!box_wanted.empty() && boxes_seen.back().starts_with(box_wanted)) {
+		box_wanted.clear();
+		check(box->grab().save(QString::fromStdString(box_picture)),
+			"picture " + box_picture);
+	}
 	std::printf("  box \"%s\": %s\n", box->windowTitle().toUtf8().constData(),
 		box->text().toUtf8().constData());
 	QPushButton *yes = qobject_cast<QPushButton *>(box->button(QMessageBox::Ok));
@@ -240,12 +289,12 @@ static const stored_sample *on_machine(const std::string &name)
 	return nullptr;
 }
 
-static std::string spool_path(const std::string &name)
+std::string spool_path(const std::string &name)
 {
 	return current_config_path + "\\sample\\" + file_name_of(name) + ".wav";
 }
 
-static std::vector<u8> bytes_of(const std::string &path)
+std::vector<u8> bytes_of(const std::string &path)
 {
 	file_info info;
 	int file;
@@ -367,7 +416,7 @@ static void download_all()
 	}
 }
 
-static std::string base_name(const std::string &file)
+std::string base_name(const std::string &file)
 {
 	const std::string name = file.substr(file.rfind('/') + 1);
 	return name.substr(0, name.rfind('.'));
@@ -700,6 +749,8 @@ int run_journey(const journey &trip)
 		replug(stop);
 		transfer_usb(stop);
 		edit_program_on(stop.name, picture_of_programs(stop.name));
+		if (&stop.sampler == trip.akp_sampler)
+			bring_akp_programs(trip);
 		walk_panel(stop);
 	}
 	picture(window_multis, "multis-usb");

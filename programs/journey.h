@@ -2,6 +2,7 @@
 
 #pragma once
 #include "virtual/s1000.h"
+#include "virtual/s5000.h"
 #include "virtual/usb_sampler.h"
 #include <functional>
 #include <string>
@@ -33,6 +34,7 @@ struct journey {
 	std::string name;              // in the list of samplers
 	std::string next_on_the_cable; // another one, in the list of samplers
 	std::vector<usb_stop> usb;
+	const s5000 *akp_sampler;        // one of these, which AKP programs are brought to
 	std::vector<std::string> files;  // WAV files to send, host paths
 	std::string pictures;            // folder of the screenshots, host path
 	std::function<void()> set_up;    // puts the configurations where the program looks for them

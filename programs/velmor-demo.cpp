@@ -3,10 +3,10 @@
 //	velmor-demo                                       the windows, in real time
 //	velmor-demo --journey [WAV ...] [--out FOLDER]    the main job by itself, in seconds
 //
-// An S3000 and an S1000 hang on one MIDI cable and tell each other apart by their
-// exclusive channels, as in a rack; an S5000 is on the USB. Settings, configurations and samples lie in a
-// folder of the demo's own, VELMOR-Demo beside the real VELMOR, so nothing of the
-// user's is ever touched.
+// An S3000, an S1000 and an S900 hang on one MIDI cable and tell each other apart by their
+// exclusive channels, as in a rack; an S5000 and a Z8 are on the USB. Settings, configurations,
+// samples and programs lie in a folder of the demo's own, VELMOR-Demo beside the real VELMOR, so
+// nothing of the user's is ever touched.
 
 #include "platform/backends.h"
 #include "platform/signals.h"
@@ -146,7 +146,8 @@ static void install(const ui_service *ui, const clock_service *clock)
 		.usb = &virtual_usb,
 		.settings = &posix_settings,
 		.clock = clock,
-		.files = &posix_files };
+		.files = &posix_files,
+		.sound = &sndfile_sound };
 }
 
 // Time that jumps to the next thing the samplers do.
@@ -278,6 +279,7 @@ static int travel(arguments *a)
 				 s5000_walk },
 			{ the_rack->usb_z8, "Demo Z8", the_rack->usb_z8.programs.size(), {},
 				replug(the_rack->usb_z8), z8_walk } },
+		.akp_sampler = &the_rack->usb_s5000,
 		.files = a->files,
 		.pictures = a->out,
 		.set_up = set_up,

@@ -454,7 +454,7 @@ std::vector<std::string> required_files(const _program &program)
 }
 
 // "a, b, c and 12 more".
-static std::string first_of(const std::vector<std::string> &names)
+std::string first_of(const std::vector<std::string> &names)
 {
 	constexpr std::size_t shown = 8;
 	std::string text;

@@ -49,6 +49,8 @@ outcome upload_files(const std::vector<std::string> &paths);
 // Bring a loaded program and the samples that it names to this computer, one verdict for all.
 outcome download_program(const program_entry &which);
 
+// "a, b, c and 12 more".
+std::string first_of(const std::vector<std::string> &names);
 // Names of the samples that a program names, each once.
 std::vector<std::string> samples_of(const _program &program);
 // True if the sampler's list has the sample.

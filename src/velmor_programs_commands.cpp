@@ -4,6 +4,7 @@
 //
 // Knows nothing of: models (but what their rows say), toolkits.
 
+#include "src/velmor_akp.h"
 #include "src/velmor_library.h"
 #include "src/velmor_programs_page.h"
 #include "src/waveqx.h"
@@ -357,33 +358,10 @@ void upload_selected_local_program()
 
 // ---- AKP files ----------------------------------------------------------------------------------------------------
 
-// What a program of a file is made of, and what stays behind.
-static std::string summary_of(const _program &program)
-{
-	int zones = 0;
-	std::string missing;
-	for (int k = 0; k < std::clamp(program.keygroups, 0, max_keygroups); k++)
-		zones += std::clamp(program.keygroup[k].keyzones, 0, max_keyzones);
-	const std::vector<std::string> samples = samples_of(program);
-	for (const std::string &name : samples)
-		if (!in_spool(name))
-			missing += (missing.empty() ? "" : ", ") + name;
-	std::string words = format_text("'%s': %d keygroups, %d keyzones, %zu samples.",
-		program.name, program.keygroups, zones, samples.size());
-	if (!missing.empty())
-		words += " Not on this computer: " + missing + ".";
-	const _sampler_type *model = get_sampler(program.sampler_type);
-	const std::vector<std::string> unknown =
-		model ? not_known(program, *model) : std::vector<std::string>{};
-	for (std::size_t i = 0; i < unknown.size(); i++)
-		words +=
-			(i ? ", " : std::string(" Not sent to an ") + model->sampler_brand + ": ") +
-			unknown[i];
-	return words + (unknown.empty() ? "" : ".");
-}
+static constexpr int most_summaries = 8; // that a box shows
 
-// False: nothing of it is listed, and a box has said why.
-static bool import_one(const std::string &path, outcome *result)
+// Behind those that were taken. False: nothing of it is listed, and a box has said why.
+static bool import_one(const std::string &path, int taken, outcome *result, bool *in_log)
 {
 	const auto program = std::make_unique<_program>();
 	if (!import_akp_file(path.c_str(), program.get())) {
@@ -394,7 +372,9 @@ static bool import_one(const std::string &path, outcome *result)
 		return false;
 	const outcome saved = save_local_program(*local_pgm.back());
 	import_required_samples(window_programs, path.c_str(), program.get());
-	result->words += (result->words.empty() ? "" : "\n") + summary_of(*program);
+	const std::string summary = akp_summary(*program, in_log);
+	if (taken < most_summaries)
+		result->words += (result->words.empty() ? "" : "\n") + summary;
 	if (!saved.done()) {
 		result->how = saved.how;
 		result->words += "\n" + saved.words;
@@ -408,16 +388,23 @@ static void import_akp()
 		host.ui->choose_files("Import AKP-File", "AKP (*.akp *.AKP);;All files (*)");
 	outcome result;
 	int taken = 0, tried = 0;
+	bool in_log = false;
 	forget_stop();
 	for (const std::string &path : paths) {
 		if (progress_stopped())
 			break;
 		tried++;
-		taken += import_one(path, &result);
+		taken += import_one(path, taken, &result, &in_log);
 	}
 	const int all = static_cast<int>(paths.size());
 	if (!all)
 		return;
+	if (taken > most_summaries)
+		result.words +=
+			format_text("\nAnd %d more, which the log names.", taken - most_summaries);
+	if (in_log)
+		result.words += "\nThe log names the parameters that cannot go, and those that no "
+				"AKP file tells and that are sent as 0.";
 	if (taken < all && result.done())
 		result.how = tried < all ? ending::stopped : ending::local_failed;
 	result.line = format_text("%d of %d AKP files were imported.", taken, all);

@@ -462,8 +462,9 @@ static void import_paths(std::span<const std::string> paths)
 
 static void import_samples()
 {
-	const std::vector<std::string> paths =
-		host.ui->choose_files("Import Sample", "Wave files (*.wav *.WAV);;All files (*)");
+	const std::vector<std::string> paths = host.ui->choose_files("Import Sample",
+		"Sound files (*.wav *.WAV *.aif *.aiff *.aifc *.flac *.ogg *.opus *.mp3 *.au *.caf "
+		"*.w64 *.rf64);;All files (*)");
 	if (paths.empty())
 		show_box("ERROR", "No file(s) selected!");
 	else
@@ -490,7 +491,7 @@ static constexpr caption_row samples_captions[] = {
 	{ window_samples,  samples_loaded_new_name, "New name on the sampler", "The name for Rename this Sample", "New name" },
 	{ window_samples,  samples_loaded_info,     "Sample Information", "Ask the sampler about the chosen sample", nullptr },
 	{ window_samples,  samples_refresh,         "Refresh", "Read the sampler and the spool anew", nullptr },
-	{ window_samples,  samples_local_list,      "On this computer", "The samples in the spool; drop WAV files here to import them", "The spool is empty: download samples, or drop WAV files here" },
+	{ window_samples,  samples_local_list,      "On this computer", "The samples in the spool; drop sound files here to import them", "The spool is empty: download samples, or drop sound files here" },
 	{ window_samples,  samples_local_search,    "Search samples on this computer", "Show only names that contain these letters", "Search" },
 	{ window_samples,  samples_upload,          "Upload this Sample", "Send the chosen sample to the sampler", nullptr },
 	{ window_samples,  samples_local_delete,    "Delete this Sample", "Delete the chosen sample from this computer", nullptr },
@@ -506,7 +507,7 @@ static constexpr caption_row samples_captions[] = {
 	{ window_samples,  samples_detail_channels, "Channels:", nullptr, nullptr },
 	{ window_samples,  samples_detail_bits,     "Bits:", nullptr, nullptr },
 	{ window_samples,  samples_detail_playmode, "Play mode:", nullptr, nullptr },
-	{ window_samples,  samples_import,          "Import Sample", "Choose WAV files and convert them into the spool", nullptr },
+	{ window_samples,  samples_import,          "Import Sample", "Choose sound files and convert them into the spool", nullptr },
 	{ window_samples,  samples_export,          "Export Spool", "Copy every sample of the spool to a folder of your choice", nullptr },
 	{ window_samples,  samples_clear,           "Clear Spool", "Delete every sample of the spool from this computer", nullptr },
 	{ window_samples,  samples_bits_keep,       "Keep original", "Leave the bits of a value as they are", nullptr },

@@ -4,6 +4,7 @@
 
 #include "src/lcd.h"
 #include "src/usbqx.h"
+#include "src/velmor_midi.h"
 #include "src/velmor_window.h"
 #include <cstdlib>
 #include <cstring>
@@ -22,6 +23,8 @@ static void leave()
 	}
 	if (!may_lose_edits(true))
 		return;
+	if (song_plays())
+		stop_really_all(window_midi_files);
 	log_line("[D] Closing Application!\r\n");
 	end_program(0);
 }
@@ -91,6 +94,9 @@ static void choose_midi_out()
 	const int index = host.ui->selection(window_settings, settings_midi_out);
 	if (index < 0)
 		return;
+	// Its notes would sound on where nobody lets go of them.
+	if (song_plays() && selected_midi_out_interface != index - 1)
+		stop_really_all(window_midi_files);
 	const std::string way = way_key();
 	selected_midi_out_interface = index - 1;
 	close_midi_output();

@@ -5,6 +5,7 @@
 #include "src/usbqx.h"
 #include "src/velmor_edits.h"
 #include "src/velmor_library.h"
+#include "src/velmor_midi.h"
 #include "src/velmor_outcome.h"
 #include "src/velmor_window.h"
 #include "src/waveqx.h"
@@ -360,6 +361,7 @@ static void forget_everything()
 	local_sample.clear();
 	edits_changed = nullptr;
 	forget_edits();
+	forget_midi_player();
 	forget_local_programs();
 	local_samples = 0;
 	usbdev.clear();
@@ -441,7 +443,8 @@ test_host::test_host() : before(host), sampler{}, outer(the_test_host)
 		.usb = &no_usb,
 		.settings = &test_settings,
 		.clock = &test_clock,
-		.files = &files };
+		.files = &files,
+		.sound = &sndfile_sound };
 	forget_everything();
 	current_config_path = config;
 	start_time = test_clock.time_of_day();

@@ -11,6 +11,14 @@
 namespace velmor
 {
 
+// What is done at a sampler's front panel: a key is pressed, by its place in the model's
+// table, or a text is typed.
+struct panel_step {
+	int key;
+	const char *typed = nullptr;
+	bool pictured = false; // the page that it leads to
+};
+
 // A sampler on the USB that the journey comes by.
 struct usb_stop {
 	usb_sampler &sampler;
@@ -18,6 +26,7 @@ struct usb_stop {
 	std::size_t programs;            // that it holds
 	std::vector<std::string> multis; // that the program lists
 	std::function<void()> replug;    // pulls its cable and puts it in again
+	std::vector<panel_step> panel;
 };
 
 struct journey {
@@ -41,5 +50,8 @@ int run_journey(const journey &trip);
 // To be called whenever the system waits: takes the picture of the progress window, and
 // answers boxes as a user would.
 void journey_glance();
+
+// Where a file of that name goes when the program asks for a place.
+std::string journey_new_file(const char *title, const char *filter, const char *name);
 
 } // namespace velmor

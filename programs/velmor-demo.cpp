@@ -183,6 +183,7 @@ static const clock_service jumping_clock = {
 static ui_service jumping_ui()
 {
 	ui_service ui = qt_ui;
+	ui.choose_new_file = journey_new_file;
 	ui.pump = [](int max_ms) {
 		qt_ui.pump(0);
 		journey_glance();
@@ -190,6 +191,27 @@ static ui_service jumping_ui()
 	};
 	return ui;
 }
+
+// Pages of programs, samples and utilities, and a name that is begun and dropped.
+static const std::vector<panel_step> s5000_walk = {
+	{ 3 },                          // EDIT PROGRAM
+	{ 44 },                         // WHEEL>
+	{ 12, nullptr, true },          // F3, the zones
+	{ 13 },                         // F4, the filter
+	{ 27 },                         // > to the next row
+	{ 5 },                          // UTILITIES
+	{ 0, "G" }, { 0, "o" }, { 35 }, // Exit
+};
+static const std::vector<panel_step> z8_walk = {
+	{ 19 },                        // Program
+	{ 10 },                        // WHEEL>>
+	{ 4, nullptr, true },          // F2, the keyspan
+	{ 15 },                        // DOWN to the next row
+	{ 18 },                        // Sample
+	{ 4 },                         // F2, its waveform
+	{ 21 },                        // Utilities
+	{ 0, "G" }, { 0, "o" }, { 4 }, // F2, CANCEL
+};
 
 // ---- The two ways to run --------------------------------------------------------------------------
 
@@ -340,9 +362,10 @@ static int travel(arguments *a)
 		.name = "Demo S3000",
 		.next_on_the_cable = "Demo S900",
 		.usb = { { the_rack->usb_s5000, "Demo S5000", the_rack->usb_s5000.programs.size(),
-				 the_rack->usb_s5000.multis, replug(the_rack->usb_s5000) },
+				 the_rack->usb_s5000.multis, replug(the_rack->usb_s5000),
+				 s5000_walk },
 			{ the_rack->usb_z8, "Demo Z8", the_rack->usb_z8.programs.size(), {},
-				replug(the_rack->usb_z8) } },
+				replug(the_rack->usb_z8), z8_walk } },
 		.akp_sampler = &the_rack->usb_s5000,
 		.song = a->song,
 		.played = [] { return the_rack->played; },

@@ -397,9 +397,13 @@ TEST_F(program_page, keys_do_their_work_and_none_of_it_while_a_name_is_typed)
 	in_the_list();
 	at<QTabBar>(window_programs, programs_tabs)->setCurrentIndex(0);
 	QTest::keyClick(loaded, Qt::Key_Down);
+	velmor_key_map(window_programs, programs_key_map, key_map_event::choose, 1, 0, 0, 0);
+	EXPECT_EQ(current_keygroup_index, 1);
 	QTest::keyClick(loaded, Qt::Key_Return);
+	EXPECT_EQ(current_keygroup_index, 0) << "the program is shown from its beginning";
 	EXPECT_EQ(host.ui->get_text(window_programs, programs_title),
-		"Program Settings for 'OTHER' [Sampler: '', Make: 'Akai S3000/S3000XL']");
+		"Program Settings for 'OTHER' [Sampler: 'test sampler', Make: 'Akai "
+		"S3000/S3000XL']");
 	EXPECT_TRUE(h.boxes.empty()) << h.boxes[0].text;
 }
 

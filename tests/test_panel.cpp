@@ -118,7 +118,9 @@ std::string framed(const panel_model &p, const std::vector<u8> &payload)
 
 std::string exchange(const panel_model &p, const std::vector<u8> &payload)
 {
-	return "> " + framed(p, payload) + "\n< F0 47 44 F7\n";
+	return "> " + framed(p, payload) +
+	       (p.model == model_s5000 ? "\n< F0 47 5E 23 00 00 44 F7\n"
+				       : "\n< F0 47 5F 00 44 F7\n");
 }
 
 std::vector<double> sent; // when each message left
@@ -227,10 +229,10 @@ TEST_F(panel, every_key_and_wheel_arrives_and_a_key_is_let_go_after_a_tenth_of_a
 			const double held = sent.back() - sent[sent.size() - 2];
 			EXPECT_EQ(held >= 0.1 && held < 0.105, button) << held;
 			for (const char *what : { "ON", "OFF", "WHEEL" })
-				EXPECT_EQ(
-					h.logged(format_text("[D] Received RESPONSE(%s) (4 Bytes) "
-							     "[F0 47 44 F7]",
-						what)),
+				EXPECT_EQ(h.logged(format_text("[D] Received RESPONSE(%s) %s", what,
+						  p->model == model_z4
+							  ? "(6 Bytes) [F0 47 5F 00 44 F7]"
+							  : "(8 Bytes) [F0 47 5E 23 00 00 44 F7]")),
 					button == (*what == 'O'))
 					<< what;
 			expect_logged(

@@ -4,8 +4,8 @@
 # on Ubuntu 24.04. Elsewhere CMake says what it does not find.
 
 packages_build="g++ cmake ninja-build pkg-config qt6-base-dev libasound2-dev libusb-1.0-0-dev
-	libfuse3-dev fuse3 fonts-dejavu-core fontconfig-config"
-packages_test="libgtest-dev clang-format-14 libumockdev-dev umockdev libsamplerate0-dev libbenchmark-dev sox"
+	libsndfile1-dev libfuse3-dev fuse3 fonts-dejavu-core fontconfig-config"
+packages_test="libgtest-dev clang-format-14 libumockdev-dev umockdev libsamplerate0-dev libbenchmark-dev libsmf-dev sox"
 
 # missing PACKAGE...: those that are not installed, on one line.
 missing() {

@@ -16,6 +16,7 @@ extern const settings_service posix_settings;
 extern const net_service posix_net;
 extern const midi_service alsa_midi;
 extern const usb_service libusb_usb;
+extern const sound_service sndfile_sound;
 extern const drive_service fuse_drive;
 // Boxes to standard error, questions answered with OK unless headless_answers says no.
 extern const ui_service headless_ui;

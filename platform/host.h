@@ -9,6 +9,7 @@
 #include "platform/midi.h"
 #include "platform/net.h"
 #include "platform/settings.h"
+#include "platform/sound.h"
 #include "platform/ui.h"
 #include "platform/usb.h"
 
@@ -23,6 +24,7 @@ struct host_services {
 	const settings_service *settings;
 	const clock_service *clock;
 	const files_service *files;
+	const sound_service *sound = nullptr; // of programs that import sounds
 };
 
 // Set once by the main function before the system starts; all services are present.

@@ -6,15 +6,21 @@
 // widgets, and every result is looked up where it must have arrived: in files on
 // the disk and in the memory of the virtual sampler.
 
-#include "programs/journey.h"
 #include "platform/host.h"
+#include "programs/journey_parts.h"
+#include "src/velmor_midi.h"
 #include "src/velmor_window.h"
 #include "ui/parts/entry_list.h"
 #include "ui/parts/palette.h"
 #include "ui/qt_ui.h"
+#include "ui/track_strip_list.h"
+#include "virtual/screen_canvas.h"
 #include <QAction>
 #include <QApplication>
+#include <QCheckBox>
 #include <QDropEvent>
+#include <QElapsedTimer>
+#include <QFileDialog>
 #include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
@@ -24,6 +30,7 @@
 #include <QProgressBar>
 #include <QPushButton>
 #include <QTabBar>
+#include <QThread>
 #include <QTimer>
 #include <QUrl>
 #include <algorithm>
@@ -40,7 +47,7 @@ static bool stop_wanted; // press Stop when the work is half done
 
 // ---- Telling --------------------------------------------------------------------------------
 
-static void check(bool good, const std::string &what)
+void check(bool good, const std::string &what)
 {
 	std::printf("%s %s\n", good ? "  ok    " : "  FAILED", what.c_str());
 	std::fflush(stdout);
@@ -48,13 +55,13 @@ static void check(bool good, const std::string &what)
 		failures++;
 }
 
-static void step(const char *what)
+void step(const char *what)
 {
 	std::printf("%s\n", what);
 }
 
 // As a screen of 100 or 200 % shows it.
-static void picture(int window, const char *name, int scale = 1)
+void picture(int window, const char *name, int scale)
 {
 	QWidget *widget = find_widget(window, 0);
 	if (!widget)
@@ -66,6 +73,10 @@ static void picture(int window, const char *name, int scale = 1)
 		widget->resize(992, 600);
 	if (window == window_programs)
 		widget->resize(1280, 860);
+	if (window == window_midi_files)
+		widget->resize(1100, 720);
+	if (window == window_panel)
+		widget->resize(980, 400);
 	// What was told to the layouts arrives in several rounds.
 	for (int round = 0; round < 4; round++)
 		QApplication::processEvents();
@@ -89,7 +100,7 @@ static void click_at(QWidget *widget, const QPoint &place)
 	}
 }
 
-static void press(int window, int control)
+void press(int window, int control)
 {
 	auto *button = qobject_cast<QPushButton *>(find_widget(window, control));
 	if (!button || !button->isVisible() || !button->isEnabled()) {
@@ -128,7 +139,7 @@ static entry_list *list_of(int window, int control)
 	return dynamic_cast<entry_list *>(find_widget(window, control));
 }
 
-static std::vector<std::string> names_in(int window, int control)
+std::vector<std::string> names_in(int window, int control)
 {
 	std::vector<std::string> names;
 	const entry_list *list = list_of(window, control);
@@ -137,7 +148,7 @@ static std::vector<std::string> names_in(int window, int control)
 	return names;
 }
 
-static void choose(int window, int control, const std::string &name)
+void choose(int window, int control, const std::string &name)
 {
 	entry_list *list = list_of(window, control);
 	const int found = list ? list->place_of(QString::fromStdString(name)) : -1;
@@ -145,7 +156,7 @@ static void choose(int window, int control, const std::string &name)
 		check(false, "\"" + name + "\" is not in the list");
 		return;
 	}
-	list->scrollToItem(list->topLevelItem(found));
+	list->scrollToItem(list->entry(found));
 	click_at(list->viewport(), list->place_on_screen(found).center());
 }
 
@@ -195,13 +206,61 @@ void journey_glance()
 	}
 }
 
+// The files that the next dialog is to choose, and the box that is to be pictured.
+static std::string folder_wanted, box_wanted, box_picture;
+static std::vector<std::string> files_wanted;
+
+void files_to_choose(const std::string &folder, const std::vector<std::string> &names)
+{
+	folder_wanted = folder;
+	files_wanted = names;
+}
+
+void picture_box(const std::string &words, const std::string &name)
+{
+	box_wanted = words;
+	box_picture = the_trip->pictures + "/" + name + ".png";
+}
+
+void forget_boxes()
+{
+	boxes_seen.clear();
+}
+
+bool box_began(const std::string &words)
+{
+	return std::any_of(boxes_seen.begin(), boxes_seen.end(),
+		[&](const std::string &box) { return box.starts_with(words); });
+}
+
+// Names in quotation marks, as a person types several, and Return.
+static void answer_file_dialog(QFileDialog *dialog)
+{
+	auto *field = dialog->findChild<QLineEdit *>("fileNameEdit");
+	dialog->setDirectory(QString::fromStdString(folder_wanted));
+	std::string typed;
+	for (const std::string &name : files_wanted)
+		typed += (typed.empty() ? "\"" : " \"") + name + "\"";
+	std::printf("  choose %s\n", typed.c_str());
+	field->setText(QString::fromStdString(typed));
+	QKeyEvent enter(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier);
+	QApplication::sendEvent(field, &enter);
+}
+
 // A box opens in the middle of a press; this reads it and presses its OK.
 static void answer_box()
 {
+	if (auto *dialog = qobject_cast<QFileDialog *>(QApplication::activeModalWidget()))
+		answer_file_dialog(dialog);
 	auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
 	if (!box)
 		return;
 	boxes_seen.push_back(box->text().toStdString());
+	if (!box_wanted.empty() && boxes_seen.back().starts_with(box_wanted)) {
+		box_wanted.clear();
+		check(box->grab().save(QString::fromStdString(box_picture)),
+			"picture " + box_picture);
+	}
 	std::printf("  box \"%s\": %s\n", box->windowTitle().toUtf8().constData(),
 		box->text().toUtf8().constData());
 	QPushButton *yes = qobject_cast<QPushButton *>(box->button(QMessageBox::Ok));
@@ -236,12 +295,12 @@ static const stored_sample *on_machine(const std::string &name)
 	return nullptr;
 }
 
-static std::string spool_path(const std::string &name)
+std::string spool_path(const std::string &name)
 {
 	return current_config_path + "\\sample\\" + file_name_of(name) + ".wav";
 }
 
-static std::vector<u8> bytes_of(const std::string &path)
+std::vector<u8> bytes_of(const std::string &path)
 {
 	file_info info;
 	int file;
@@ -363,7 +422,7 @@ static void download_all()
 	}
 }
 
-static std::string base_name(const std::string &file)
+std::string base_name(const std::string &file)
 {
 	const std::string name = file.substr(file.rfind('/') + 1);
 	return name.substr(0, name.rfind('.'));
@@ -569,6 +628,90 @@ static void edit_program_on(const std::string &name, const std::string &pictured
 	check(high_note_of(0) == before - 1, "the sampler holds it as it was sent");
 }
 
+// ---- Music ----------------------------------------------------------------------------------
+
+// Timers run on the real clock, so it goes on a little too.
+static void let_pass(double seconds)
+{
+	for (const double end = host.clock->counter() + seconds; host.clock->counter() < end;) {
+		host.ui->pump(10);
+		QThread::msleep(1);
+	}
+}
+
+static bool drop_song(const std::string &path)
+{
+	auto *list = dynamic_cast<track_list *>(find_widget(window_midi_files, player_tracks));
+	QMimeData data;
+	data.setUrls({ QUrl::fromLocalFile(QString::fromStdString(path)) });
+	QDragEnterEvent enter(QPoint(50, 50), Qt::CopyAction, &data, Qt::LeftButton, {});
+	QApplication::sendEvent(list->viewport(), &enter);
+	QDropEvent drop(QPointF(50, 50), Qt::CopyAction, &data, Qt::LeftButton, {});
+	QApplication::sendEvent(list->viewport(), &drop);
+	QApplication::processEvents();
+	check(have_midi_file, format_text("%d tracks are loaded", current_midi_file.ntrks));
+	return have_midi_file;
+}
+
+static QCheckBox *mute_of(int track)
+{
+	auto *list = dynamic_cast<track_list *>(find_widget(window_midi_files, player_tracks));
+	track_row *row = list->row_of(track);
+	return row ? row->frame->findChild<QCheckBox *>() : nullptr;
+}
+
+static void play_song()
+{
+	step("Play a MIDI file to the sampler");
+	choose_entry(menu_midi_files);
+	picture(window_midi_files, "player-empty");
+	if (!drop_song(the_trip->song))
+		return;
+	const std::size_t before = the_trip->played().size();
+	press(window_midi_files, player_play);
+	let_pass(4);
+	check(the_trip->played().size() > before + 30, "its notes reach the sampler's cable");
+	const int muted = current_midi_file.ntrks > 1 ? 1 : 0;
+	if (QCheckBox *mute = mute_of(muted))
+		click_at(mute, QPoint(8, mute->height() / 2));
+	check(current_midi_file.track[static_cast<std::size_t>(muted)].is_mute,
+		"one track is mute");
+	let_pass(4.2);
+	picture(window_midi_files, "player");
+	use_palette(true);
+	picture(window_midi_files, "player-dark");
+	use_palette(false);
+	picture(window_midi_files, "player-200", 2);
+	press(window_midi_files, player_stop);
+	const machine::bytes played = the_trip->played();
+	check(played.size() > 3 && played[played.size() - 3] == 0xBE,
+		"Stop ends the notes of its channels");
+	press(window_midi_files, player_unload);
+	velmor_command(window_midi_files, control_cancel);
+}
+
+static void play_by_hand()
+{
+	step("Play a test note, then a keyboard through the monitor");
+	choose_entry(menu_midi_samplers);
+	press(window_sampler, sampler_note_on);
+	check(the_trip->played().back() == 65, "the note is on");
+	press(window_sampler, sampler_monitor_on);
+	for (u8 note : { 60, 64, 67 }) {
+		the_trip->press_keys({ 0x90, note, 100 });
+		let_pass(0.3);
+		the_trip->press_keys({ 0x80, note, 0 });
+		let_pass(0.2);
+	}
+	check(the_trip->played().size() > 6 && the_trip->played().end()[-2] == 67,
+		"the keyboard reaches the sampler");
+	picture(window_sampler, "sampler-monitor");
+	picture(window_main, "main-monitor");
+	press(window_sampler, sampler_monitor_off);
+	press(window_sampler, control_cancel);
+	check(the_trip->played().end()[-3] == 0x80, "closing the dialog ends the test note");
+}
+
 // "Demo S900" has its picture as "programs-S900".
 static std::string picture_of_programs(const std::string &name)
 {
@@ -596,6 +739,73 @@ static void picture_programs()
 	picture(window_programs, "programs-200", 2);
 }
 
+// ---- The front panel ----------------------------------------------------------------------------
+
+std::string journey_new_file(const char *, const char *, const char *name)
+{
+	return host.files->system_path((the_trip->pictures + "/" + name).c_str());
+}
+
+// The window asks for a picture four times a second; until the next one has come.
+static void wait_for_screen(const usb_stop &stop)
+{
+	QElapsedTimer waited;
+	waited.start();
+	for (const int before = stop.sampler.writes;
+		stop.sampler.writes == before && waited.elapsed() < 10000;)
+		QApplication::processEvents(QEventLoop::WaitForMoreEvents);
+}
+
+// Whether a picture shows, at any scale, what the sampler drew when it was last asked.
+static bool shows_canvas(const QImage &image, const screen_canvas &canvas)
+{
+	const int scale = image.width() / canvas.width;
+	if (scale < 1 || image.size() != scale * QSize(canvas.width, canvas.height))
+		return false;
+	for (int y = 0; y < image.height(); y++)
+		for (int x = 0; x < image.width(); x++)
+			if ((qGray(image.pixel(x, y)) < 128) != canvas.dark(x / scale, y / scale))
+				return false;
+	return true;
+}
+
+static QImage seen_screen()
+{
+	return find_widget(window_panel, panel_picture)->grab().toImage();
+}
+
+static void save_screen(const usb_stop &stop)
+{
+	press(window_panel, panel_save);
+	const QString file = QString::fromStdString(the_trip->pictures + "/" + stop.name + ".png");
+	check(shows_canvas(QImage(file), stop.sampler.canvas()),
+		file.toStdString() + " is what the sampler drew");
+	picture(window_panel, ("panel-" + stop.name.substr(stop.name.rfind(' ') + 1)).c_str());
+}
+
+static void walk_panel(const usb_stop &stop)
+{
+	step(("Open the front panel of the " + stop.name + ", and walk its pages").c_str());
+	press(window_main, main_lcd);
+	check(shows_canvas(seen_screen(), stop.sampler.canvas()), "it shows the sampler's screen");
+	for (const panel_step &s : stop.panel) {
+		const QImage before = seen_screen();
+		if (s.typed)
+			type_into(window_panel, panel_picture, s.typed);
+		else
+			press(window_panel, panel_first_key + s.key);
+		wait_for_screen(stop);
+		const QImage after = seen_screen();
+		check(after != before && shows_canvas(after, stop.sampler.canvas()),
+			s.typed ? std::string("the screen shows \"") + s.typed + "\" typed"
+				: "the screen follows");
+		if (s.pictured)
+			save_screen(stop);
+	}
+	check(stop.sampler.name == stop.name, "the name that was begun is dropped");
+	find_widget(window_panel, 0)->close();
+}
+
 int run_journey(const journey &trip)
 {
 	the_trip = &trip;
@@ -621,6 +831,8 @@ int run_journey(const journey &trip)
 	look_closer();
 	edit_program_on(trip.name, "programs");
 	picture_programs();
+	play_song();
+	play_by_hand();
 	visit_next_on_the_cable();
 	look_at_usb();
 	for (const usb_stop &stop : trip.usb) {
@@ -629,6 +841,9 @@ int run_journey(const journey &trip)
 		replug(stop);
 		transfer_usb(stop);
 		edit_program_on(stop.name, picture_of_programs(stop.name));
+		if (&stop.sampler == trip.akp_sampler)
+			bring_akp_programs(trip);
+		walk_panel(stop);
 	}
 	picture(window_multis, "multis-usb");
 	std::printf("WAV files: %s\nScreenshots: %s\n",

@@ -32,7 +32,8 @@ static void install_services()
 		.usb = &libusb_usb,
 		.settings = &posix_settings,
 		.clock = &posix_clock,
-		.files = &posix_files };
+		.files = &posix_files,
+		.sound = &sndfile_sound };
 }
 
 // A menu starts a program anywhere, and the log lies where the program works.

@@ -72,6 +72,10 @@ void akai_s5000_downloadsample(u8 exclusive_channel, u8 sysex_channel, const cha
 void akai_s5000_renamesample(
 	u8 exclusive_channel, u8 sysex_channel, const char *oldname, const char *newname);
 const char *akai_s5000_getplaymode(i32 playmode);
+// Both lengths are room in the buffers, then bytes that came, 0 of a sampler that is busy
+// (akaiusb_panel.cpp).
+void akai_s5000_getpanel(
+	u8 *panel_data, u32 *_panel_data_length, u8 *ctrl_data, u32 *_ctrl_data_length);
 // Entry program of source, or of the loaded tree where source is null. A save changes the record:
 // level, filter, tunings and velocity start of its zones keep their magnitude. A failed one
 // leaves the bar showing; a failed deletion or renaming leaves the device open, for the next

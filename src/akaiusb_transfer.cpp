@@ -11,6 +11,7 @@
 
 #include "src/akaiusb.h"
 #include "src/controls.h"
+#include "src/waveqx.h"
 #include <algorithm>
 #include <cstdarg>
 #include <cstring>
@@ -66,8 +67,7 @@ static std::string base_name_of(const std::string &path)
 	return path.substr(path[at] == '\\' ? at + 1 : at);
 }
 
-upload_file::upload_file(const char *path)
-	: name(std::string(path) + ".wav"), basename(base_name_of(path))
+upload_file::upload_file(const char *path) : name(wave_path_of(path)), basename(base_name_of(path))
 {
 }
 

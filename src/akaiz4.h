@@ -40,6 +40,12 @@ void akai_z4_downloadsample(u8 exclusive_channel, u8 sysex_channel, const char *
 void akai_z4_renamesample(
 	u8 exclusive_channel, u8 sysex_channel, const char *oldname, const char *newname);
 const char *akai_z4_getplaymode(i32 playmode);
+// Both lengths are room in the buffers, then bytes that came, 0 of a sampler that is busy
+// (akaiusb_panel.cpp). The control data of an MPC 4000 does not come with them, only its length.
+void akai_z4_getpanel(
+	u8 *panel_data, u32 *_panel_data_length, u8 *ctrl_data, u32 *_ctrl_data_length);
+void akai_mpc_getpanel(
+	u8 *panel_data, u32 *_panel_data_length, u8 *ctrl_data, u32 *_ctrl_data_length);
 // Entry program of source, or of the loaded tree where source is null. A program that the sampler
 // does not hold is not created.
 void akai_z4_saveprogram(i32 program, _program *source);

@@ -87,8 +87,9 @@ bool _sysex_midi_usb(_usbdev *usb, const u8 *command, int size, u8 *response, in
 	int *_received, const char *file, int line);
 // Raw bytes, for sample data. Nothing but their deadline breaks them off: a sampler that got
 // half a block cannot be spoken to.
-bool write_midi_usb(_usbdev *usb, const u8 *data, int len);
-bool read_midi_usb(_usbdev *usb, u8 *data, int maxlen, int *_received);
+bool write_midi_usb(_usbdev *usb, const u8 *data, int len, int deadline_ms = raw_deadline_ms);
+bool read_midi_usb(
+	_usbdev *usb, u8 *data, int maxlen, int *_received, int deadline_ms = raw_deadline_ms);
 
 const char *get_usb_pipedirection(const usb_pipe &pipe);
 const char *get_usb_pipetype(const usb_pipe &pipe);
@@ -110,6 +111,7 @@ struct bulk_exchange {
 	int runs = 0;
 	std::size_t wanted = 0; // bytes to read, 0 for none
 	int deadline_ms = raw_deadline_ms;
+	int owed_ms = framed_deadline_ms; // how long an answer that did not come may still be late
 };
 enum exchange_outcome : int {
 	exchange_done,
@@ -130,6 +132,8 @@ void usb_settled(_usbdev *usb);
 // Tell the sampler to drop what it has under way: its wake-up, and the IN pipe read empty
 // before and behind it. False when it does not become quiet.
 bool usb_break_off(_usbdev *usb);
+// Read what the sampler still says to a request that it cut short, until it is quiet.
+void usb_drop_answers(_usbdev *usb);
 // Forget what devices have left unread; for tests, whose next device is another one.
 void forget_unread_usb();
 

@@ -380,6 +380,8 @@ outcome get_device_info(u8 control_channel, i32 brand_id, u8 sysex_channel, char
 		return { .how = ending::refused,
 			.words = "This brand cannot be asked who it is. Choose the model of the "
 				 "sampler." };
+	if (const std::string taken = why_way_is_taken(*row); !taken.empty())
+		return { .how = ending::refused, .words = taken };
 	log_line("%s\r\n", std::string(49, '*').c_str());
 	const outcome verdict = query(*row, control_channel, sysex_channel);
 	// The sampler that is loaded keeps the device it was loaded from.

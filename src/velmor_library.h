@@ -21,8 +21,10 @@
 #pragma once
 #include "src/velmor_outcome.h"
 #include <memory>
+#include <set>
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace velmor
@@ -68,6 +70,10 @@ outcome rename_local_program(int index, const std::string &new_name);
 
 // ---- Between models ---------------------------------------------------------------------------
 
+// What a model's programs are written with, by the names of the fields; none where that has no
+// tables.
+using parameter_names = std::set<std::string_view>;
+parameter_names parameters_of(const _sampler_type &model);
 // What a program holds that a model of another family does not know: names of parameters. Empty
 // where both are of one family.
 std::vector<std::string> not_carried(const _program &program, const _sampler_type &to);

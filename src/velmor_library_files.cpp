@@ -282,19 +282,16 @@ bool same_family(const _sampler_type &one, const _sampler_type &other)
 	return one.saveprogram && one.saveprogram == other.saveprogram;
 }
 
-using field_names = std::set<std::string_view>;
-
 template <typename record>
-static void add_names(field_names *names, const parameters<record> &table)
+static void add_names(parameter_names *names, const parameters<record> &table)
 {
 	for (const auto &row : table)
 		names->insert(row.field.name);
 }
 
-// Parameters by the way in which a program is written; none where that has no tables.
-static field_names names_of_family(const _sampler_type &model)
+parameter_names parameters_of(const _sampler_type &model)
 {
-	field_names names;
+	parameter_names names;
 	if (model.saveprogram == akai_s1000_prog_save) {
 		add_names(&names, akai_s1000_program_parameters);
 		add_names(&names, akai_s1000_keygroup_parameters);
@@ -328,7 +325,7 @@ std::vector<std::string> not_carried(const _program &program, const _sampler_typ
 
 std::vector<std::string> not_known(const _program &program, const _sampler_type &to)
 {
-	const field_names known = names_of_family(to);
+	const parameter_names known = parameters_of(to);
 	std::vector<std::string> lost;
 	if (known.empty())
 		return lost;

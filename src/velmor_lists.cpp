@@ -8,6 +8,7 @@
 // Knows nothing of: windows, models.
 
 #include "src/velmor_edits.h"
+#include "src/velmor_midi.h"
 #include "src/velmor_work.h"
 #include <algorithm>
 
@@ -39,6 +40,12 @@ u8 exclusive_channel()
 	return static_cast<u8>(current_sampler->sampler_sysex_channel);
 }
 
+std::string why_way_is_taken(const _sampler_type &model)
+{
+	const bool over_midi = !(model.sampler_flags & flag_usb) && !use_tcp;
+	return over_midi ? why_output_is_taken() : "";
+}
+
 const _sampler_type *loaded_model(outcome *why)
 {
 	const _sampler_type *model =
@@ -46,7 +53,11 @@ const _sampler_type *loaded_model(outcome *why)
 				: nullptr;
 	if (!model)
 		*why = { .how = ending::refused, .words = "Invalid sampler type" };
-	return model;
+	const std::string taken = model ? why_way_is_taken(*model) : "";
+	if (taken.empty())
+		return model;
+	*why = { .how = ending::refused, .words = taken };
+	return nullptr;
 }
 
 std::vector<std::string> loaded_names()
@@ -96,6 +107,8 @@ static outcome read_list(const list_reading &reading)
 	list->way = way_key();
 	dev->status = 0;
 	dev->*reading.count = -1;
+	for (_sample &sample : dev->sample)
+		sample.sample_rate = 0; // another sample may come to stand there
 	for (list_operation read : reading.operations)
 		if (read && !close_requested())
 			read(control_channel(), exclusive_channel(), dev);

@@ -7,6 +7,7 @@
 //
 // Knows nothing of: what the texts are about.
 
+#include "src/velmor_log.h"
 #include "src/controls.h"
 #include "src/velmor_outcome.h"
 #include <algorithm>
@@ -47,12 +48,15 @@ private:
 static std::string format_list(const char *format, va_list list)
 {
 	const plain_numbers plain;
+	char most[512]; // holds nearly every text
 	va_list again;
 	va_copy(again, list);
-	const int length = std::vsnprintf(nullptr, 0, format, again);
+	const int length = std::vsnprintf(most, sizeof most, format, again);
 	va_end(again);
 	if (length <= 0)
 		return {};
+	if (static_cast<std::size_t>(length) < sizeof most)
+		return std::string(most, static_cast<std::size_t>(length));
 	std::string text(static_cast<std::size_t>(length), '\0');
 	std::vsnprintf(text.data(), text.size() + 1, format, list);
 	return text;
@@ -72,37 +76,75 @@ static bool dropped(const char *text)
 	return !current_run_mode.diagnostics && std::strncmp(text, "[D]", 3) == 0;
 }
 
+static int kept_file = -1;         // open while texts come in numbers
+static log_batch *batch = nullptr; // the outermost
+
 static void append_to_file(const std::string &line)
 {
-	int file;
-	if (host.files->open("velmor.log", file_append, &file) != 0)
+	int file = kept_file;
+	if (file < 0 && host.files->open("velmor.log", file_append, &file) != 0)
 		return;
 	// A log that cannot be written must not stop what it tells about.
 	(void)host.files->write(file, line.data(), line.size());
-	(void)host.files->close(file);
+	if (batch)
+		kept_file = file;
+	else
+		(void)host.files->close(file);
 }
 
-// What is left of a full screen log: without its oldest lines, as far as it has any.
-static std::string_view newest_lines(std::string_view present)
+// Let go of the oldest lines of a full screen log, as far as it has any.
+static void drop_oldest_lines(std::string *present)
 {
+	std::size_t start = 0;
 	for (int i = 0; i < lines_dropped; i++) {
-		const std::size_t feed = present.find('\n');
-		if (feed == present.npos)
+		const std::size_t feed = present->find('\n', start);
+		if (feed == present->npos)
 			break;
-		present.remove_prefix(feed + 1);
+		start = feed + 1;
 	}
-	return present;
+	present->erase(0, start);
+}
+
+static void append_to_present(std::string *present, const std::string &line, std::size_t length)
+{
+	if (present->size() + length + 1 > screen_log_size)
+		drop_oldest_lines(present);
+	*present += line;
 }
 
 static void append_to_screen(const std::string &stamp, const char *text)
 {
 	if (!host.ui->exists(window_main, 0) || !host.ui->exists(window_main, main_log))
 		return;
-	const std::string present = host.ui->get_text(window_main, main_log);
-	std::string_view kept = present;
-	if (present.size() + std::strlen(text) + 1 > screen_log_size)
-		kept = newest_lines(present);
-	host.ui->set_text(window_main, main_log, (std::string(kept) + stamp + text).c_str());
+	const std::size_t length = std::strlen(text);
+	if (batch) {
+		append_to_present(&batch->screen, stamp + text, length);
+		return;
+	}
+	std::string present = host.ui->get_text(window_main, main_log);
+	append_to_present(&present, stamp + text, length);
+	host.ui->set_text(window_main, main_log, present.c_str());
+}
+
+log_batch::log_batch()
+{
+	if (batch)
+		return;
+	batch = this;
+	if (host.ui->exists(window_main, 0) && host.ui->exists(window_main, main_log))
+		screen = before = host.ui->get_text(window_main, main_log);
+}
+
+log_batch::~log_batch()
+{
+	if (batch != this)
+		return;
+	batch = nullptr;
+	if (kept_file >= 0)
+		(void)host.files->close(kept_file);
+	kept_file = -1;
+	if (screen != before)
+		host.ui->set_text(window_main, main_log, screen.c_str());
 }
 
 static void write_text(const char *file, int line, double elapsed, const char *text)
@@ -152,6 +194,33 @@ static void leave_for_main_thread(waiting_text &&text)
 		host.ui->post(log_waiting);
 }
 
+// ---- Work that repeats itself -----------------------------------------------------------
+
+static log_rounds *this_round = nullptr;
+
+log_round::log_round(log_rounds *rounds) : outer(this_round)
+{
+	this_round = rounds;
+}
+
+log_round::~log_round()
+{
+	this_round->before.swap(this_round->now);
+	this_round->now.clear();
+	this_round = outer;
+}
+
+// Remember it, and tell whether the round before had it.
+static bool said_before(const char *text)
+{
+	if (!this_round || std::strncmp(text, "[D]", 3) == 0)
+		return false;
+	this_round->now.insert(text);
+	return this_round->before.contains(text);
+}
+
+// ---- One text ---------------------------------------------------------------------------
+
 void _add_scroll_string(const char *file, int line, const char *text)
 {
 	if (dropped(text))
@@ -162,6 +231,8 @@ void _add_scroll_string(const char *file, int line, const char *text)
 		return;
 	}
 	log_waiting();
+	if (said_before(text))
+		return;
 	write_text(file, line, elapsed, text);
 }
 

@@ -8,6 +8,7 @@
 
 #pragma once
 #include "src/velmor.h"
+#include <set>
 #include <string>
 #include <vector>
 
@@ -67,6 +68,24 @@ public:
 
 private:
 	unsigned answers, failures;
+};
+
+// ---- Work that repeats itself (velmor_log.cpp) --------------------------------------------
+
+// What one round of it logged, and the round before: a line that both have is logged once.
+struct log_rounds {
+	std::set<std::string> before, now;
+};
+// One round, while it lives. Lines of "[D]" are logged in every round.
+class log_round
+{
+public:
+	explicit log_round(log_rounds *rounds);
+	~log_round();
+	log_round(const log_round &) = delete;
+
+private:
+	log_rounds *outer;
 };
 
 // ---- Boxes kept aside (velmor_log.cpp) ----------------------------------------------------

@@ -33,6 +33,8 @@ struct wave_shape {
 	u64 frames = 0;
 	u64 data_at = 0, data_bytes = 0;
 	u64 loop_start = 0, loop_end = 0; // no loop where both are 0
+	std::string kind = {};            // of a file that is made a plain WAV file first
+	bool exact = true;                // and loses nothing by it
 };
 
 static void read_loop(input_file &wave, const wave_chunk &smpl, wave_shape *shape)
@@ -79,6 +81,28 @@ static std::string read_shape(const std::string &path, input_file &wave, wave_sh
 		return false;
 	};
 	return walk_chunks(wave, head, look) ? "It cannot be read." : "";
+}
+
+// What an import reads of a file: itself, or the plain WAV file that is made of it.
+static std::string read_import_shape(const std::string &path, wave_shape *shape)
+{
+	input_file wave;
+	sound_shape sound;
+	if (!foreign_sound(path.c_str(), &sound)) {
+		const std::string why = why_not_sound(path.c_str());
+		return why.empty() ? read_shape(path, wave, shape) : why;
+	}
+	const unsigned frame = sound.bits / 8 * sound.channels;
+	*shape = { .tag = tag_pcm,
+		.rate = sound.rate,
+		.bits = sound.bits,
+		.channels = sound.channels,
+		.frame_bytes = frame,
+		.frames = sound.frames,
+		.data_bytes = sound.frames * frame,
+		.kind = sound.kind,
+		.exact = sound.exact };
+	return "";
 }
 
 // ---- Waveform -------------------------------------------------------------------------------
@@ -139,6 +163,20 @@ void show_local_selection()
 {
 	show_waveform(path_of_local());
 	show_import_preview({});
+}
+
+// ---- Beside a name ------------------------------------------------------------------------------
+
+std::vector<std::string> wave_columns(const std::string &path)
+{
+	input_file wave;
+	wave_shape shape;
+	if (!read_shape(path, wave, &shape).empty() || !shape.rate)
+		return {};
+	const double seconds = static_cast<double>(shape.frames) / shape.rate;
+	return { format_text("%.2f s", seconds), format_text("%u Hz", shape.rate),
+		format_text("%u", shape.channels), format_text("%u", shape.bits),
+		shape.loop_end > shape.loop_start ? "yes" : "no" };
 }
 
 // ---- Options ----------------------------------------------------------------------------------
@@ -256,6 +294,8 @@ static bool linear(const wave_shape &file)
 // A conversion of this program makes 16 bit mono of it.
 static bool convertible(const wave_shape &file)
 {
+	if (!file.kind.empty())
+		return file.channels <= 2;
 	const unsigned width = file.bits == 24 ? 3 : 2;
 	return linear(file) && (file.bits == 12 || file.bits == 16 || file.bits == 24) &&
 	       (file.channels == 1 || file.channels == 2) &&
@@ -266,7 +306,7 @@ static std::string advice_for(const wave_shape &file)
 {
 	if (!convertible(file))
 		return "Convert it to 16 bit mono with another program first.";
-	const char *depth = file.bits == 16 ? "" : "Convert to 16 bit";
+	const char *depth = file.bits == 16 && file.kind.empty() ? "" : "Convert to 16 bit";
 	if (file.channels == 1)
 		return format_text("Import it with %s.", depth);
 	return format_text("Import it with %s%s1 Channel and Mix Channels, or Create L/R files for "
@@ -294,7 +334,7 @@ static upload_verdict verdict_of(const _sampler_type &model, const wave_shape &f
 		return out;
 	}
 	out.sends = false;
-	out.conversion = { .bits = file.bits == 16 ? 0 : 16,
+	out.conversion = { .bits = file.bits == 16 && file.kind.empty() ? 0 : 16,
 		.rate = 0,
 		.channels = file.channels == 1 ? 0 : 1,
 		.mixing = file.channels == 1 ? 0 : import_mix };
@@ -313,6 +353,9 @@ upload_verdict upload_check(const _sampler_type &model, const std::string &path)
 	// What is no WAV file at all has words of its own in the driver.
 	if (!read_shape(path, wave, &file).empty())
 		return { .sends = true, .helps = false, .conversion = {}, .words = {} };
+	sound_shape sound;
+	if (foreign_sound(path.c_str(), &sound))
+		file.kind = sound.kind;
 	return verdict_of(model, file);
 }
 
@@ -390,15 +433,8 @@ static std::string upload_text(const upload_sum &sum)
 // What import loses, or "".
 static const char *loss_of(const wave_shape &file, unsigned channels)
 {
-	if (file.tag == tag_float)
-		return "\nFloat files come out as noise: convert them to 16 bit elsewhere first.";
-	if (!linear(file))
-		return "\nCompressed files come out as silence or noise: convert them to 16 bit "
-		       "elsewhere first.";
-	if (file.bits == 8)
-		return "\n8 bit files come out silent: convert them to 16 bit elsewhere first.";
-	if (file.bits == 32)
-		return "\n32 bit files come out as noise: convert them to 24 bit elsewhere first.";
+	if (!file.exact)
+		return "\nIt is deeper than 24 bits: the rest is rounded off.";
 	if (file.channels == channels && channels > 1)
 		return "\nOnly its left channel is kept. Choose 1 Channel and Create L/R files for "
 		       "both.";
@@ -433,12 +469,16 @@ static std::string preview_of(
 {
 	input_file wave;
 	wave_shape file;
-	const std::string name = name_of(path), why = read_shape(path, wave, &file);
+	const bool as_it_is = in_spool && !options.bits && !options.rate && !options.channels;
+	const std::string name = name_of(path);
+	const std::string why =
+		as_it_is ? read_shape(path, wave, &file) : read_import_shape(path, &file);
 	if (!why.empty())
 		return name + ": " + why;
-	const std::string text = format_text("%s: %u Hz, %u bit%s, %u channel%s", name.c_str(),
-		file.rate, file.bits, kind_of_words(file), file.channels, plural(file.channels));
-	if (in_spool && !options.bits && !options.rate && !options.channels) {
+	const std::string text = format_text("%s: %s%u Hz, %u bit%s, %u channel%s", name.c_str(),
+		file.kind.empty() ? "" : (file.kind + ", ").c_str(), file.rate, file.bits,
+		kind_of_words(file), file.channels, plural(file.channels));
+	if (as_it_is) {
 		add_upload(sum, file, 1);
 		return text;
 	}

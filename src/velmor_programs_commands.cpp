@@ -4,6 +4,7 @@
 //
 // Knows nothing of: models (but what their rows say), toolkits.
 
+#include "src/velmor_akp.h"
 #include "src/velmor_library.h"
 #include "src/velmor_programs_page.h"
 #include "src/waveqx.h"
@@ -96,6 +97,21 @@ static void choose_zone_sample()
 	(void)edit_fields(*program, words, { &change, 1 });
 	refresh_forms(window_programs);
 	show_zone_sample(*program, current_keygroup_index, current_keyzone_index);
+}
+
+static void find_missing_sample()
+{
+	if (const char *why = why_not_find()) {
+		show_outcome({ .how = ending::refused, .words = why });
+		return;
+	}
+	const _keygroup &keygroup = shown_program()->keygroup[current_keygroup_index];
+	const outcome result = find_and_upload(keygroup.keyzone[current_keyzone_index].samplename);
+	if (!close_requested()) {
+		fill_again();
+		show_loaded_samples();
+	}
+	show_outcome(result);
 }
 
 static void refresh()
@@ -225,29 +241,52 @@ static void delete_chosen_keygroup()
 
 // ---- Undo ---------------------------------------------------------------------------------------------------
 
-static void step_back_or_on(bool (*step)(_program &))
+static void show_step(bool keygroups_changed)
 {
-	_program *program = shown_program();
-	const int before = program ? program->keygroups : 0;
-	if (!program || !step(*program))
-		return;
-	if (program->keygroups != before)
-		show_program_again();
+	if (keygroups_changed)
+		fill_again();
 	else
 		refresh_forms(window_programs);
+	const _program *program = shown_program();
+	if (!program)
+		return;
 	show_zone_sample(*program, current_keygroup_index, current_keyzone_index);
 	host.ui->set_text(window_programs, programs_keygroup_facts,
 		facts_of(*program, current_keygroup_index).c_str());
 }
 
+static void step_back_or_on(bool forward)
+{
+	_program *program = shown_program();
+	const edit_words *next = !program  ? nullptr
+				 : forward ? redo_words(*program)
+					   : undo_words(*program);
+	if (!next)
+		return;
+	const edit_words step = *next;
+	const int before = program->keygroups;
+	outcome result;
+	if (!shown_is_local())
+		result = step_edit(
+			{ without_end_blanks(program->name), current_pgm_index }, forward);
+	else
+		(void)(forward ? redo_edit(*program) : undo_edit(*program));
+	if (!close_requested())
+		show_step(!result.done() || program->keygroups != before);
+	if (result.done())
+		say_edit((forward ? "Done again: " : "Undone: ") + sentence_of(step));
+	else
+		show_outcome(result);
+}
+
 static void undo_shown()
 {
-	step_back_or_on(undo_edit);
+	step_back_or_on(false);
 }
 
 static void redo_shown()
 {
-	step_back_or_on(redo_edit);
+	step_back_or_on(true);
 }
 
 // ---- Forms ----------------------------------------------------------------------------------------------------
@@ -350,40 +389,19 @@ void upload_selected_local_program()
 			result.line += samples.line.empty() ? "" : " " + samples.line;
 		}
 	}
-	if (!close_requested())
+	if (!close_requested()) {
 		fill_again();
+		show_loaded_samples();
+	}
 	show_outcome(result);
 }
 
 // ---- AKP files ----------------------------------------------------------------------------------------------------
 
-// What a program of a file is made of, and what stays behind.
-static std::string summary_of(const _program &program)
-{
-	int zones = 0;
-	std::string missing;
-	for (int k = 0; k < std::clamp(program.keygroups, 0, max_keygroups); k++)
-		zones += std::clamp(program.keygroup[k].keyzones, 0, max_keyzones);
-	const std::vector<std::string> samples = samples_of(program);
-	for (const std::string &name : samples)
-		if (!in_spool(name))
-			missing += (missing.empty() ? "" : ", ") + name;
-	std::string words = format_text("'%s': %d keygroups, %d keyzones, %zu samples.",
-		program.name, program.keygroups, zones, samples.size());
-	if (!missing.empty())
-		words += " Not on this computer: " + missing + ".";
-	const _sampler_type *model = get_sampler(program.sampler_type);
-	const std::vector<std::string> unknown =
-		model ? not_known(program, *model) : std::vector<std::string>{};
-	for (std::size_t i = 0; i < unknown.size(); i++)
-		words +=
-			(i ? ", " : std::string(" Not sent to an ") + model->sampler_brand + ": ") +
-			unknown[i];
-	return words + (unknown.empty() ? "" : ".");
-}
+static constexpr int most_summaries = 8; // that a box shows
 
-// False: nothing of it is listed, and a box has said why.
-static bool import_one(const std::string &path, outcome *result)
+// Behind those that were taken. False: nothing of it is listed, and a box has said why.
+static bool import_one(const std::string &path, int taken, outcome *result, bool *in_log)
 {
 	const auto program = std::make_unique<_program>();
 	if (!import_akp_file(path.c_str(), program.get())) {
@@ -394,7 +412,9 @@ static bool import_one(const std::string &path, outcome *result)
 		return false;
 	const outcome saved = save_local_program(*local_pgm.back());
 	import_required_samples(window_programs, path.c_str(), program.get());
-	result->words += (result->words.empty() ? "" : "\n") + summary_of(*program);
+	const std::string summary = akp_summary(*program, in_log);
+	if (taken < most_summaries)
+		result->words += (result->words.empty() ? "" : "\n") + summary;
 	if (!saved.done()) {
 		result->how = saved.how;
 		result->words += "\n" + saved.words;
@@ -408,16 +428,23 @@ static void import_akp()
 		host.ui->choose_files("Import AKP-File", "AKP (*.akp *.AKP);;All files (*)");
 	outcome result;
 	int taken = 0, tried = 0;
+	bool in_log = false;
 	forget_stop();
 	for (const std::string &path : paths) {
 		if (progress_stopped())
 			break;
 		tried++;
-		taken += import_one(path, &result);
+		taken += import_one(path, taken, &result, &in_log);
 	}
 	const int all = static_cast<int>(paths.size());
 	if (!all)
 		return;
+	if (taken > most_summaries)
+		result.words +=
+			format_text("\nAnd %d more, which the log names.", taken - most_summaries);
+	if (in_log)
+		result.words += "\nThe log names the parameters that cannot go, and those that no "
+				"AKP file tells and that are sent as 0.";
 	if (taken < all && result.done())
 		result.how = tried < all ? ending::stopped : ending::local_failed;
 	result.line = format_text("%d of %d AKP files were imported.", taken, all);
@@ -460,6 +487,7 @@ static constexpr caption_row programs_captions[] = {
 	{ window_programs, programs_keyzone_list,    "Keyzone", "The velocity zones of the keygroup", "No keyzone" },
 	{ window_programs, programs_keygroup_facts,  "Key range", "The keys of the chosen keygroup", nullptr },
 	{ window_programs, programs_zone_sample,     "Sample", "The sample that the keyzone plays", nullptr },
+	{ window_programs, programs_find_sample,     "Find in the spool and upload", "Send the spool's file of that name to the sampler", nullptr },
 	{ window_programs, programs_voice_form,      "Keygroup Specials Management", "Show every parameter of the keygroup", nullptr },
 	{ window_programs, programs_zone_form,       "Keyzone Special Parameters", "Show every parameter of the keyzone", nullptr },
 	{ window_programs, programs_program_form,    "Program-Specials Management", "Show every parameter of the program", nullptr },
@@ -472,6 +500,7 @@ static constexpr caption_row programs_captions[] = {
 	{ window_programs, programs_redo,            "Redo Edit", "Make the edit again that was taken back last", nullptr },
 	{ window_programs, programs_key_map,         "Key map", "Each keygroup over its keys; drag an edge to change its range, press a key to hear it", nullptr },
 	{ window_programs, programs_amp_envelope,    "Amplifier envelope", "Drag a point to change it", nullptr },
+	{ window_programs, programs_second_envelope, "Envelope 2", "Drag a point to change it", nullptr },
 	{ window_programs, programs_filter_envelope, "Filter envelope", "Drag a point to change it", nullptr },
 	{ window_programs, programs_aux_envelope,    "Auxiliary envelope", "Drag a point to change it", nullptr },
 	{ window_programs, programs_adsr_form,       "Envelopes", nullptr, nullptr },
@@ -510,6 +539,7 @@ static constexpr command_row programs_commands[] = {
 	{ window_programs, programs_save_changes,    save_changes,           alone  },
 	{ window_programs, programs_add_keygroup,    add_keygroup,           alone  },
 	{ window_programs, programs_delete_keygroup, delete_chosen_keygroup, alone  },
+	{ window_programs, programs_find_sample,     find_missing_sample,    alone  },
 	{ window_programs, programs_undo,            undo_shown,             alone  },
 	{ window_programs, programs_redo,            redo_shown,             alone  },
 };

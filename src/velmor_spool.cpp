@@ -279,7 +279,7 @@ static bool import_one(
 {
 	show_work(window, samples_work_file, shown_path(path));
 	show_work(window, samples_work_count, format_text("%d/%d", number, count));
-	return import_wave(path.c_str(), window, static_cast<unsigned>(options.bits), options.rate,
+	return import_sound(path.c_str(), window, static_cast<unsigned>(options.bits), options.rate,
 		static_cast<unsigned>(options.channels), static_cast<unsigned>(options.mixing),
 		import_pitch);
 }

@@ -4,6 +4,7 @@
 // creates its windows before, and runs its message loop after.
 
 #include "src/controls.h"
+#include "src/lcd.h"
 #include "src/rmidi.h"
 #include "src/usbqx.h"
 #include "src/velmor.h"
@@ -40,6 +41,8 @@ void start_velmor()
 	load_run_mode();
 	current_sampler = nullptr;
 	conf_sampler.clear();
+	init_sampler_struct();
+	lcd = 0;
 	init_usb_sem();
 	start_windows();
 	reload_midi_setup(false);

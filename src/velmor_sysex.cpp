@@ -14,9 +14,10 @@
 //
 // Knows nothing of: models, the content of messages.
 
+#include "src/velmor_sysex.h"
 #include "src/controls.h"
 #include "src/rmidi.h"
-#include "src/velmor_outcome.h"
+#include "src/velmor_midi.h"
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
@@ -32,7 +33,6 @@ int selected_midi_in_interface = -1, selected_midi_out_interface = -1;
 int selected_midi_in_mon_interface = -1;
 int the_outHandle = -1;
 
-static constexpr double byte_seconds = 10 / 31250.0;
 static constexpr int pump_ms = 100; // longest wait for the interface
 static constexpr u8 start_byte = 0xF0;
 static constexpr u8 end_byte = 0xF7;
@@ -119,9 +119,9 @@ static bool open_output()
 	return code == 0;
 }
 
-// Run the interface until the bytes have left, a tenth of a second at most. The port wakes it;
-// a port that forgets to is asked when the bytes should be out, and every 10 ms from then on.
-static void let_bytes_leave(int handle, long count)
+// The port wakes the interface; a port that forgets to is asked when the bytes should be out,
+// and every 10 ms from then on.
+void let_bytes_leave(int handle, long count)
 {
 	const double end = host.clock->counter() + pump_ms / 1000.0;
 	double rest = end - host.clock->counter();
@@ -357,15 +357,19 @@ static void receive_answer(
 
 // ---- Exchanges ------------------------------------------------------------------------
 
-// Clear the answer. false when an exchange is under way: the new one gets no answer.
+// Clear the answer. false when the line is in use: the new exchange gets no answer.
 static bool begin_exchange(u8 *input, int *_input_len, int msg_count)
 {
 	*_input_len = std::max(*_input_len, 0);
 	if (*_input_len)
 		std::memset(input, 0, static_cast<std::size_t>(*_input_len));
-	if (!exchange_running)
+	const std::string taken = use_tcp ? "" : why_output_is_taken();
+	if (!exchange_running && taken.empty())
 		return true;
-	log_line("[W] MIDI exchange refused: another one is under way\r\n");
+	log_line("[W] MIDI exchange refused: %s\r\n",
+		exchange_running ? "another one is under way" : taken.c_str());
+	if (!taken.empty())
+		line_silent(taken.c_str());
 	if (msg_count > 0)
 		*_input_len = 0;
 	return false;

@@ -2,7 +2,8 @@
 //
 // One command runs at a time. Waits inside it run interface events, so a second
 // press can arrive in the middle of a transfer: it is dropped, unless its row
-// says that it may always run (Stop, Cancel, closing).
+// says that it may always run (Stop, Cancel, closing). Only behind brief work,
+// which a user cannot know of, it is kept and runs next.
 //
 // Closing the main window during a transfer asks the transfer to stop, and
 // closes when its command has come back, so that the sampler is not left in
@@ -11,9 +12,11 @@
 // Knows nothing of: what the commands do.
 
 #include "src/velmor_window.h"
+#include "src/lcd.h"
 #include "src/usbqx.h"
 #include "src/velmor_forms.h"
 #include "src/velmor_programs_page.h"
+#include <deque>
 #include <set>
 
 namespace velmor
@@ -49,7 +52,8 @@ static constexpr command_row progress_commands[] = {
 static const window_rows progress_rows = { progress_captions, progress_commands };
 
 static const window_rows *const all_rows[] = { &main_rows, &settings_rows, &sampler_rows, &usb_rows,
-	&samples_rows, &programs_rows, &multis_rows, &progress_rows, &status_rows };
+	&samples_rows, &programs_rows, &multis_rows, &panel_rows, &player_rows, &progress_rows,
+	&status_rows };
 
 static std::vector<caption_row> all_captions()
 {
@@ -125,18 +129,57 @@ static void close_if_wanted()
 	velmor_command(window_main, menu_exit);
 }
 
-bool run_through_gate(const std::function<void()> &work)
+static int brief_works;
+static constexpr std::size_t most_kept = 16;
+static std::deque<std::function<void()>> kept_work; // in the order in which it came
+
+brief_work::brief_work()
 {
-	if (commands_running || usb_in_use())
+	brief_works++;
+}
+
+brief_work::~brief_work()
+{
+	brief_works--;
+}
+
+static bool keep_work(const std::function<void()> &work)
+{
+	if (!brief_works || kept_work.size() >= most_kept)
 		return false;
+	kept_work.push_back(work);
+	return true;
+}
+
+static void run_one(const std::function<void()> &work)
+{
 	{
 		const running_command guard;
 		work();
 	}
-	if (!close_requested()) {
-		update_status();
-		show_loaded_card();
+	if (close_requested())
+		return;
+	update_status();
+	show_loaded_card();
+}
+
+// Who closes the program wants nothing done any more.
+static void run_kept_work()
+{
+	while (!kept_work.empty() && !close_requested() && !usb_in_use()) {
+		const std::function<void()> work = std::move(kept_work.front());
+		kept_work.pop_front();
+		run_one(work);
 	}
+	kept_work.clear();
+}
+
+bool run_through_gate(const std::function<void()> &work)
+{
+	if (commands_running || usb_in_use())
+		return keep_work(work);
+	run_one(work);
+	run_kept_work();
 	close_if_wanted();
 	return true;
 }
@@ -164,13 +207,18 @@ bool velmor_selection(int window, int control)
 bool velmor_drop(int window, int control, std::span<const std::string> paths)
 {
 	const drop_row *row = find_row(&window_rows::drops, window, control);
-	return row && !paths.empty() && run_through_gate([&] { row->drop(paths); });
+	if (!row || paths.empty())
+		return false;
+	return run_through_gate(
+		[row, kept = std::vector(paths.begin(), paths.end())] { row->drop(kept); });
 }
 
 void velmor_hover(int window, int control, std::span<const std::string> paths)
 {
 	if (const drop_row *row = find_row(&window_rows::drops, window, control))
-		run_through_gate([&] { row->hover(paths); });
+		run_through_gate([row, kept = std::vector(paths.begin(), paths.end())] {
+			row->hover(kept);
+		});
 }
 
 // ---- Keys, mouse and forms --------------------------------------------------------------------
@@ -181,7 +229,6 @@ template <int window, int control> static void change_form(int row, form_event e
 }
 
 // clang-format off
-// Those of the panel stand here when it is built.
 static constexpr input_row input_table[] = {
 	// window          control           keys     mouse    forms
 	{ window_programs, form_of_program,  nullptr, nullptr, change_form<window_programs, form_of_program> },
@@ -189,9 +236,13 @@ static constexpr input_row input_table[] = {
 	{ window_programs, form_of_keyzone,  nullptr, nullptr, change_form<window_programs, form_of_keyzone> },
 	{ window_programs, programs_adsr_form, nullptr, nullptr, change_adsr_form },
 	{ window_programs, programs_key_map, nullptr, nullptr, nullptr, change_key_map },
+	{ window_midi_files, player_speed_form, nullptr, nullptr, change_speed },
+	{ window_midi_files, player_tracks, nullptr, nullptr, nullptr, nullptr, nullptr, take_track },
 	{ window_programs, programs_amp_envelope,    nullptr, nullptr, nullptr, nullptr, change_envelope<programs_amp_envelope> },
+	{ window_programs, programs_second_envelope, nullptr, nullptr, nullptr, nullptr, change_envelope<programs_second_envelope> },
 	{ window_programs, programs_filter_envelope, nullptr, nullptr, nullptr, nullptr, change_envelope<programs_filter_envelope> },
 	{ window_programs, programs_aux_envelope,    nullptr, nullptr, nullptr, nullptr, change_envelope<programs_aux_envelope> },
+	{ window_panel,    panel_picture,            panel_key_pressed, panel_mouse_used, nullptr },
 };
 // clang-format on
 std::span<const input_row> input_rows = input_table;
@@ -201,13 +252,13 @@ static bool take_input(int window, int control, slot input_row::*which, words...
 {
 	for (const input_row &row : input_rows)
 		if (row.window == window && row.control == control && row.*which)
-			return run_through_gate([&] { (row.*which)(said...); });
+			return run_through_gate([take = row.*which, said...] { take(said...); });
 	return false;
 }
 
 bool velmor_key(int window, int control, int key, std::string_view text, bool pressed)
 {
-	return take_input(window, control, &input_row::key, key, text, pressed);
+	return take_input(window, control, &input_row::key, key, std::string(text), pressed);
 }
 
 bool velmor_mouse(int window, int control, int x, int y, mouse_action action, int amount)
@@ -238,6 +289,11 @@ bool velmor_envelope(int window, int control, envelope_event event, int index, i
 
 bool velmor_track(int window, int control, track_event event, int track, int value)
 {
+	// Its frame comes and goes while a file is being loaded, too.
+	if (event == track_event::in_view || event == track_event::out_of_view) {
+		take_track(event, track, value);
+		return true;
+	}
 	return take_input(window, control, &input_row::track, event, track, value);
 }
 
@@ -249,6 +305,7 @@ bool command_running()
 void forget_commands()
 {
 	commands_running = 0;
+	kept_work.clear();
 	request_close(false);
 	forget_stop();
 	opened_windows.clear();
@@ -257,6 +314,8 @@ void forget_commands()
 	forget_undo();
 	forget_status();
 	forget_program_page();
+	forget_panel();
+	forget_player_page();
 }
 
 } // namespace velmor

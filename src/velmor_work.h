@@ -74,6 +74,8 @@ extern sampler_lists the_lists;
 
 // Another sampler: nothing is known of its lists.
 void forget_lists();
+// "" where a sampler of that model may be asked; otherwise who has its way, a sentence.
+std::string why_way_is_taken(const _sampler_type &model);
 // The row of the loaded sampler, or null and the words for it.
 const _sampler_type *loaded_model(outcome *why);
 // Done where the loaded model has that list; otherwise the words for it.

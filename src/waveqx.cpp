@@ -297,32 +297,36 @@ u64 wave_bytes_held(const input_file &file, const wave_chunk &data)
 	return start < file.size ? std::min<u64>(data.size, file.size - start) : 0;
 }
 
+// The head of a file that may be one. False after the log line that says why it is none; a file
+// that cannot be read is told by *code.
+static bool open_wave(const char *filename, input_file *file, wave_head *head, int *code)
+{
+	const char *fault = nullptr, *detail = "";
+	if (file->measure(filename))
+		fault = "Cannot stat";
+	else if (file->size < smallest_file)
+		fault = "Obviously no wave-file", detail = " (too small)";
+	else if (file->open(filename))
+		fault = "Cannot open";
+	else if ((*code = read_wave_head(*file, head)))
+		return true;
+	else if (!head->riff)
+		fault = "No wave-file", detail = " (magic(1) missing)";
+	else if (!head->wave)
+		fault = "No wave-file", detail = " (magic(2) missing)";
+	if (fault)
+		log_line("[F] %s '%s'%s\r\n", fault, filename, detail);
+	return !fault;
+}
+
 bool get_wave_info(const char *filename, u8 *bits, u8 *channels, int *sample_rate, u8 *pitch)
 {
 	*pitch = 255;
 	input_file file;
-	if (file.measure(filename)) {
-		log_line("[F] Cannot stat '%s'\r\n", filename);
-		return false;
-	}
-	if (file.size < smallest_file) {
-		log_line("[F] Obviously no wave-file '%s' (too small)\r\n", filename);
-		return false;
-	}
-	if (file.open(filename)) {
-		log_line("[F] Cannot open '%s'\r\n", filename);
-		return false;
-	}
 	wave_head head;
-	int code = read_wave_head(file, &head);
-	if (!code && !head.riff) {
-		log_line("[F] No wave-file '%s' (magic(1) missing)\r\n", filename);
+	int code = 0;
+	if (!open_wave(filename, &file, &head, &code))
 		return false;
-	}
-	if (!code && !head.wave) {
-		log_line("[F] No wave-file '%s' (magic(2) missing)\r\n", filename);
-		return false;
-	}
 	u64 smpl = 0;
 	auto look = [&](const wave_chunk &chunk, u64 number) {
 		if (number < logged_chunks)

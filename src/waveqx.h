@@ -12,9 +12,11 @@
 // Knows nothing of: transports, how a model is spoken to, toolkits.
 
 #pragma once
+#include "platform/sound.h"
 #include "src/resource.h"
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace velmor
@@ -166,6 +168,20 @@ bool copy_folder(int dialog, const char *source, const char *target);
 // and the array with std::free.
 bool extract_files(const char *buffer, char ***files, int *count);
 
+// ---- Sound files of other kinds (waveqx_sounds.cpp) ------------------------------------------
+
+// A WAV file that import_wave takes as it stands, and that keeps its sound there: PCM of 12, 16
+// or 24 bits, its format ahead of all else.
+bool plain_wave(const char *path);
+// Another sound file, which a library can read: what it is.
+bool foreign_sound(const char *path, sound_shape *shape);
+// Why neither is the case, as a sentence that names what the file is; empty where one is.
+std::string why_not_sound(const char *path);
+// import_wave for sound files of every kind: what it would make silence or noise of becomes a WAV
+// file of 16 or 24 bits first, with the same rate and channels, its loop and root note.
+int import_sound(const char *filename, int dialog, unsigned bits, int rate, unsigned channels,
+	unsigned mixing_mode, unsigned original_pitch);
+
 // ---- AKP programs (waveqx_akp.cpp) --------------------------------------------------------
 
 // Programs without a sampler, in the order in which they were filed. Changed by
@@ -185,6 +201,11 @@ bool add_local_pgm(const _program *program);
 // Ask whether the samples that a program names are to be imported from the folder of its
 // AKP file, and import them.
 void import_required_samples(int window, const char *filename, const _program *program);
+
+// True if such files tell that field of a record.
+bool akp_tells(std::string_view field);
+// True if one byte of such a file fills both fields: most fill one of each family.
+bool akp_has_in_one_byte(std::string_view field, std::string_view other);
 
 // Two bytes as a little-endian value.
 u16 get16val(const u8 *input);

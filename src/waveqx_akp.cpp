@@ -360,6 +360,34 @@ void read_chunks(akp_state &state, bounded_bytes file)
 	}
 }
 
+// ---- What a file tells ---------------------------------------------------------------------
+
+struct told_field {
+	int table, offset;
+	std::string_view name;
+};
+
+template <class... tables> std::vector<told_field> fields_of_tables(const tables &...all)
+{
+	std::vector<told_field> fields;
+	int table = 0;
+	const auto add = [&](const auto &rows) {
+		for (const auto &row : rows)
+			fields.push_back({ table, row.at.offset, row.field.name });
+		table++;
+	};
+	(add(all), ...);
+	return fields;
+}
+
+const std::vector<told_field> &told_fields()
+{
+	static const std::vector<told_field> fields = fields_of_tables(prg_rows, out_rows,
+		lfo1_rows, lfo2_rows, tune_rows, mods_rows, kloc_rows, amp_env_rows,
+		filter_env_rows, aux_env_rows, filt_rows, zone_rows);
+	return fields;
+}
+
 // ---- The file ----------------------------------------------------------------------------
 
 void log_summary(const char *filename, std::size_t size, const akp_state &state)
@@ -416,6 +444,25 @@ bool read_whole(const char *filename, owned_bytes *bytes, std::size_t *size)
 }
 
 } // namespace
+
+bool akp_tells(std::string_view field)
+{
+	return field == "name" || field == "samplename" ||
+	       std::ranges::any_of(
+		       told_fields(), [&](const told_field &told) { return told.name == field; });
+}
+
+bool akp_has_in_one_byte(std::string_view field, std::string_view other)
+{
+	for (const told_field &one : told_fields()) {
+		if (one.name != field)
+			continue;
+		for (const told_field &two : told_fields())
+			if (two.name == other && two.table == one.table && two.offset == one.offset)
+				return true;
+	}
+	return false;
+}
 
 bool import_akp_file(const char *filename, _program *program)
 {
@@ -500,6 +547,29 @@ static std::string sample_file(const std::string &folder, const std::string &nam
 	return path;
 }
 
+// A file of other cases comes under the name that the program calls it by: that is the one that
+// is looked for, and that the sampler is to know. A sample of the file's own name stays.
+static void import_as(const std::string &path, const std::string &name)
+{
+	const std::string spool = current_config_path + "\\sample\\";
+	const std::string file = path.substr(path.rfind('\\') + 1);
+	const std::string base = spool + file.substr(0, file.rfind('.'));
+	file_info info;
+	const bool there = host.files->stat(wave_path_of(base).c_str(), &info) == 0;
+	if (!import_sound(path.c_str(), 0, 0, 0, 0, 0, 0)) {
+		log_line("[W] [%s] was not imported: %s\r\n", path.c_str(), import_failure.c_str());
+		return;
+	}
+	const std::string own = wave_path_of(base);
+	const std::string wanted = spool + file_name_of(name) + own.substr(base.size());
+	if (own == wanted || own == path)
+		return;
+	if (const int code = host.files->rename(own.c_str(), wanted.c_str()))
+		show_box("ERROR", "%s", write_failure(wanted, code).c_str());
+	else if (there)
+		import_sound(path.c_str(), 0, 0, 0, 0, 0, 0);
+}
+
 static void import_required_sample(const std::string &folder, const std::string &name, int number)
 {
 	const std::string path = sample_file(folder, name);
@@ -513,7 +583,7 @@ static void import_required_sample(const std::string &folder, const std::string 
 		return;
 	}
 	log_line("Importing Sample [%s]\r\n", path.c_str());
-	import_wave(path.c_str(), 0, 0, 0, 0, 0, 0);
+	import_as(path, name);
 }
 
 void import_required_samples(int window, const char *filename, const _program *program)

@@ -24,7 +24,7 @@ struct room {
 };
 
 constexpr char toolkits[] =
-	"Q[A-Z].*|Qt.*|alsa/.*|libusb.*|fuse.*|sys/(socket|ioctl|mman|stat).*|"
+	"Q[A-Z].*|Qt.*|alsa/.*|libusb.*|sndfile.*|fuse.*|sys/(socket|ioctl|mman|stat).*|"
 	"netinet/.*|arpa/.*|unistd\\.h|fcntl\\.h|dirent\\.h|poll\\.h|windows\\.h";
 
 constexpr room rooms[] = {
@@ -39,6 +39,7 @@ constexpr room rooms[] = {
 	{ "platform/alsa", "platform/midi\\.h|platform/alsa/.*\\.h", "Q[A-Z].*|libusb.*|fuse.*" },
 	{ "platform/fuse", "platform/drive\\.h|platform/fuse/.*\\.h", "Q[A-Z].*|alsa/.*|libusb.*" },
 	{ "platform/libusb", "platform/usb\\.h|platform/libusb/.*\\.h", "Q[A-Z].*|alsa/.*|fuse.*" },
+	{ "platform/sndfile", "platform/sound\\.h", "Q[A-Z].*|alsa/.*|libusb.*|fuse.*" },
 };
 
 std::vector<fs::path> sources_in(const fs::path &folder)

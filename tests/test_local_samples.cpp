@@ -66,12 +66,11 @@ const upload_row uploads[] = {
 	{ mono_12, 1, false, true, 16, 0, "A file of 12 bit and 1 channel would arrive as noise." },
 	{ { 2, 24, 6, 44100 }, 1, false, true, 16, 1,
 		"6.00 s of silence. Import it with Convert to" },
-	{ { 1, 32, 4, 44100 }, 3, false, false, 16, 0,
-		"A file of 32 bit float and 1 channel would arrive as 4.00 s of silence. Convert "
-		"it "
-		"to 16 bit mono with another program first." },
+	{ { 1, 32, 4, 44100 }, 3, false, true, 16, 0,
+		"A file of 32 bit float and 1 channel would arrive as 4.00 s of silence. Import it "
+		"with Convert to 16 bit." },
 	{ mono_16, 3, false, false, 0, 0, "16 bit float and 1 channel would arrive as noise." },
-	{ { 1, 8, 1, 44100 }, 1, false, false, 16, 0, "1.00 s of silence. Convert it to" },
+	{ { 1, 8, 1, 44100 }, 1, false, true, 16, 0, "1.00 s of silence. Import it with" },
 	{ { 2, 4, 256, 44100 }, 2, false, false, 16, 1, "4 bit compressed and 2 channels" },
 	{ { 4, 16, 8, 44100 }, 1, false, false, 0, 1, "8.00 s of silence. Convert it to" },
 };
@@ -91,7 +90,7 @@ TEST_F(local_samples_page, an_upload_that_would_arrive_as_silence_is_told)
 		// What helps, helps; the USB models take any file as it is.
 		const import_options c = v.conversion;
 		if (v.helps && !v.sends) {
-			ASSERT_EQ(import_wave(path.c_str(), 0, static_cast<u32>(c.bits), c.rate,
+			ASSERT_EQ(import_sound(path.c_str(), 0, static_cast<u32>(c.bits), c.rate,
 					  static_cast<u32>(c.channels), static_cast<u32>(c.mixing),
 					  60),
 				1);

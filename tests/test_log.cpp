@@ -1,6 +1,7 @@
 // test_log.cpp - the running log, boxes, bytes as text, and progress
 
 #include "src/controls.h"
+#include "src/velmor_log.h"
 #include "src/velmor_outcome.h"
 #include "tests/support/test_host.h"
 #include <cerrno>
@@ -54,6 +55,29 @@ TEST_F(running_log, a_text_of_any_length_is_composed)
 	const std::string name(5000, 'x');
 	log_line("[I] %s %d\r\n", name.c_str(), 42);
 	EXPECT_TRUE(h.logged("[I] " + name + " 42"));
+}
+
+TEST_F(running_log, many_texts_at_once_leave_what_they_leave_one_by_one)
+{
+	const auto say = [](bool at_once) {
+		const auto batch = at_once ? std::make_unique<log_batch>() : nullptr;
+		for (int i = 0; i < 400; i++)
+			_add_scroll_string("lcd.cpp", i, "[I] a text of some length\r\n");
+	};
+	say(false);
+	const std::string singly = screen(), written = file();
+	screen().clear();
+	h.forget_log();
+	say(true);
+	EXPECT_EQ(screen(), singly);
+	EXPECT_EQ(file(), written);
+	{
+		const log_batch batch;
+		_add_scroll_string("lcd.cpp", 1, "[I] before a crash\r\n");
+		EXPECT_NE(file(), written); // in the file at once, on the screen later
+		EXPECT_EQ(screen(), singly);
+	}
+	EXPECT_TRUE(screen().ends_with("before a crash\r\n"));
 }
 
 TEST_F(running_log, a_file_that_cannot_be_opened_is_skipped)

@@ -6,6 +6,7 @@
 // switched it off, and whether or not it drops unread answers when it is woken.
 
 #include "src/akaiz4.h"
+#include "src/lcd.h"
 #include "tests/support/usb_fixture.h"
 #include "virtual/s5000.h"
 #include "virtual/wave_image.h"
@@ -462,3 +463,36 @@ TEST_F(usb_conversation, endless_busy_ends)
 }
 
 } // namespace
+
+TEST_F(usb_conversation, a_panel_shows_its_picture_and_takes_keys_after_every_fault)
+{
+	const auto each = [this](usb_sampler &machine, i32 model, u8 dark, const usb_bytes &up) {
+		plug(machine, model);
+		init_sampler_struct();
+		std::fill(machine.picture.begin(), machine.picture.end(), dark);
+		const std::vector<u8> good(machine.picture.size(), 0x81);
+		const _sampler_ctrl &key = row().ctrl[3];
+		std::vector<u8> pixels(good.size()), control(18);
+		strike_everywhere(
+			machine,
+			[&] {
+				u32 length = static_cast<u32>(pixels.size()), control_length = 18;
+				pixels.assign(pixels.size(), 0);
+				machine.key_presses.clear();
+				row().getpanel(
+					pixels.data(), &length, control.data(), &control_length);
+				work_panel_control(key, 1);
+			},
+			[&] {
+				return lcd_picture(row(), pixels) == good &&
+				       machine.key_presses.size() == 2 &&
+				       machine.key_presses[1] == up;
+			},
+			20);
+		unplug_all_usb();
+	};
+	s5000 rack;
+	each(rack, model_s5000, 0x7E, { 0x20, 0x02, 0x43 });
+	z4 eight;
+	each(eight, model_z4, 0x81, { 0x2C, 0x02, 0x01 });
+}

@@ -248,7 +248,7 @@ TEST_F(wave_akp, required_samples)
 	h.boxes.clear();
 	import_required_samples(0, path.c_str(), &p);
 	EXPECT_EQ(names_in(h.config + "\\sample"),
-		(std::vector<std::string>{ "KICK.WAV", "Snare.wav" }));
+		(std::vector<std::string>{ "KICK.WAV", "SNARE.wav" })); // as the program says
 	ASSERT_EQ(h.boxes.size(), 3u);
 	EXPECT_EQ(h.boxes[1].text,
 		"Sample [..\\..\\..\\evil] File: " + folder + "\\.._.._.._evil.wav (not found!)");
@@ -256,6 +256,15 @@ TEST_F(wave_akp, required_samples)
 		(shown_box{ "Sample [LOST] File: " + folder + "\\LOST.wav (not found!)", "INFO" }));
 	EXPECT_TRUE(h.logged("Importing Sample [" + folder + "\\KICK.WAV]"));
 	EXPECT_FALSE(h.progress.visible);
+	// Cases tell two samples apart here, and one file is both.
+	p.keygroups = 1;
+	copy_text(p.keygroup[0].keyzone[1].samplename, "Kick");
+	import_required_samples(0, path.c_str(), &p);
+	EXPECT_EQ(names_in(h.config + "\\sample"),
+		(std::vector<std::string>{ "KICK.WAV", "Kick.WAV", "SNARE.wav" }));
+	h.put_content(folder + "\\KICK.WAV", hex("00"));
+	import_required_samples(0, path.c_str(), &p);
+	EXPECT_TRUE(logged_part(h, "[W] [" + folder + "\\KICK.WAV] was not imported: "));
 	p.keygroups = 0;
 	h.boxes.clear();
 	import_required_samples(0, path.c_str(), &p);

@@ -209,11 +209,19 @@ const ui_service headless_ui = {
 			if (form_row *found = find_row(w, c, row))
 				found->changed = changed;
 		},
+	.build_panel = [](int, const panel_view *) {},
+	.copy_bitmap = [](const bitmap_view *, int) {},
+	.save_bitmap = [](const char *, const bitmap_view *, int) { return false; },
+	.set_track_count = [](int, int, int) {},
+	.set_track = [](int, int, int, const track_view *) {},
+	.set_strip = [](int, int, int, const strip_view *) {},
+	.set_play_position = [](int, int, std::int64_t, int) {},
 	.message = message,
 	.ask = ask,
 	// Nobody is there to choose.
 	.choose_files = [](const char *, const char *) { return std::vector<std::string>(); },
 	.choose_folder = [](const char *) { return std::string(); },
+	.choose_new_file = [](const char *, const char *, const char *) { return std::string(); },
 	.progress_show = [](const char *, int) {},
 	.progress_set = progress_set,
 	.progress_hide =

@@ -5,6 +5,8 @@
 #include "src/usbqx.h"
 #include "src/velmor_edits.h"
 #include "src/velmor_library.h"
+#include "src/velmor_midi.h"
+#include "src/velmor_monitor.h"
 #include "src/velmor_outcome.h"
 #include "src/velmor_window.h"
 #include "src/waveqx.h"
@@ -192,6 +194,25 @@ static const ui_service test_ui = {
 	.row_text = [](int w, int c, int row) { return form_row_of(w, c, row).text; },
 	.set_row_changed = [](int w, int c, int row,
 				   bool changed) { form_row_of(w, c, row).changed = changed; },
+	.build_panel = [](int, const panel_view *) {},
+	.copy_bitmap = [](const bitmap_view *, int) {},
+	.save_bitmap = [](const char *, const bitmap_view *, int) { return false; },
+	.set_track_count =
+		[](int, int, int count) {
+			the_test_host->track_count = count;
+			the_test_host->tracks.clear();
+			the_test_host->strips.clear();
+		},
+	.set_track = [](int, int, int track,
+			     const track_view *view) { the_test_host->tracks[track] = *view; },
+	.set_strip =
+		[](int, int, int track, const strip_view *view) {
+			the_test_host->strips[track].assign(view->notes.begin(), view->notes.end());
+		},
+	.set_play_position =
+		[](int, int, std::int64_t ticks, int speed) {
+			the_test_host->play_position = { ticks, speed };
+		},
 	.message =
 		[](const char *text, const char *caption) {
 			the_test_host->boxes.push_back({ text, caption });
@@ -207,6 +228,7 @@ static const ui_service test_ui = {
 		},
 	.choose_files = [](const char *, const char *) { return the_test_host->chosen_files; },
 	.choose_folder = [](const char *) { return the_test_host->chosen_folder; },
+	.choose_new_file = [](const char *, const char *, const char *) { return std::string(); },
 	.progress_show =
 		[](const char *caption, int range) {
 			the_test_host->progress.visible = true;
@@ -351,11 +373,13 @@ static void forget_everything()
 	conf_sampler.clear();
 	copy_text(current_usb_name, "");
 	forget_commands();
+	forget_monitor();
 	forget_stop();
 	the_line = {};
 	local_sample.clear();
 	edits_changed = nullptr;
 	forget_edits();
+	forget_midi_player();
 	forget_local_programs();
 	local_samples = 0;
 	usbdev.clear();
@@ -437,7 +461,8 @@ test_host::test_host() : before(host), sampler{}, outer(the_test_host)
 		.usb = &no_usb,
 		.settings = &test_settings,
 		.clock = &test_clock,
-		.files = &files };
+		.files = &files,
+		.sound = &sndfile_sound };
 	forget_everything();
 	current_config_path = config;
 	start_time = test_clock.time_of_day();

@@ -21,37 +21,73 @@ pixel_picture::pixel_picture(int window, int control, QWidget *parent)
 	setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
 }
 
+static void enlarge_row(QRgb *to, const std::uint8_t *bits, int width, int times, QRgb light)
+{
+	for (int x = 0; x < width; x++) {
+		const bool dark = bits[x >> 3] & (0x80 >> (x & 7));
+		to = std::fill_n(to, times, dark ? qRgb(0, 0, 0) : light);
+	}
+}
+
+void enlarge(QImage *into, const bitmap_view &view, int times, QRgb light)
+{
+	const QSize size(view.width * times, view.height * times);
+	if (into->size() != size || into->format() != QImage::Format_RGB32)
+		*into = QImage(size, QImage::Format_RGB32);
+	const int row = (view.width + 7) / 8;
+	for (int y = 0; y < view.height; y++) {
+		auto *first = reinterpret_cast<QRgb *>(into->scanLine(y * times));
+		enlarge_row(first, view.bits.data() + y * row, view.width, times, light);
+		for (int again = 1; again < times; again++)
+			std::copy_n(first, size.width(),
+				reinterpret_cast<QRgb *>(into->scanLine(y * times + again)));
+	}
+}
+
 void pixel_picture::show_view(const bitmap_view *view)
 {
-	picture = {};
+	const QSize before = pixels();
 	const std::size_t row = view ? (static_cast<std::size_t>(view->width) + 7) / 8 : 0;
-	if (view && view->width > 0 && view->height > 0 &&
-		view->bits.size() >= row * static_cast<std::size_t>(view->height)) {
-		picture = QImage(view->width, view->height, QImage::Format_Mono);
-		picture.setColorTable({ qRgb(255, 255, 255), qRgb(0, 0, 0) });
-		for (int y = 0; y < view->height; y++)
-			std::copy_n(view->bits.begin() + static_cast<std::ptrdiff_t>(
-								 row * static_cast<std::size_t>(y)),
-				row, picture.scanLine(y));
-	}
-	updateGeometry();
+	const bool whole = view && view->width > 0 && view->height > 0 &&
+			   view->bits.size() >= row * static_cast<std::size_t>(view->height);
+	width_shown = whole ? view->width : 0;
+	height_shown = whole ? view->height : 0;
+	if (whole)
+		bits.assign(view->bits.begin(), view->bits.end());
+	changed = true;
+	if (before != pixels())
+		updateGeometry();
+	update();
+}
+
+void pixel_picture::set_light(QRgb color)
+{
+	light = color;
+	changed = true;
 	update();
 }
 
 QSize pixel_picture::sizeHint() const
 {
-	return picture.isNull() ? QSize(160, 120) : picture.size();
+	return pixels().isEmpty() ? QSize(160, 120) : pixels();
 }
 
-// In the middle, as many times its size as fit, in pixels of the screen.
+// As many as fit, in pixels of the screen.
+int pixel_picture::times() const
+{
+	const double ratio = devicePixelRatioF();
+	const double fits =
+		std::min(width() * ratio / width_shown, height() * ratio / height_shown);
+	return std::max(1, static_cast<int>(std::floor(fits)));
+}
+
+// In the middle.
 QRectF pixel_picture::picture_place() const
 {
-	if (picture.isNull())
+	if (pixels().isEmpty())
 		return {};
 	const double ratio = devicePixelRatioF();
-	const double times = std::max(1.0, std::floor(std::min(width() * ratio / picture.width(),
-						   height() * ratio / picture.height())));
-	const QSizeF size = QSizeF(picture.size()) * times / ratio;
+	const QSizeF size = QSizeF(pixels()) * times() / ratio;
 	const auto on_pixel = [ratio](double at) { return std::floor(at * ratio) / ratio; };
 	return { QPointF(on_pixel(std::max(0.0, (width() - size.width()) / 2)),
 			 on_pixel(std::max(0.0, (height() - size.height()) / 2))),
@@ -60,8 +96,16 @@ QRectF pixel_picture::picture_place() const
 
 void pixel_picture::paintEvent(QPaintEvent *)
 {
+	if (pixels().isEmpty())
+		return;
+	const QSize size = pixels() * times();
+	if (changed || enlarged.size() != size) {
+		enlarge(&enlarged, { bits, width_shown, height_shown }, times(), light);
+		changed = false;
+	}
+	enlarged.setDevicePixelRatio(devicePixelRatioF());
 	QPainter painter(this);
-	painter.drawImage(picture_place(), picture);
+	painter.drawImage(picture_place().topLeft(), enlarged);
 }
 
 // ---- Keys and mouse -----------------------------------------------------------------------------
@@ -90,8 +134,7 @@ bool pixel_picture::send_mouse(const QPointF &place, mouse_action action, int am
 	const QRectF all = picture_place();
 	if (all.isEmpty())
 		return false;
-	const double times = all.width() / picture.width();
-	const QPointF at = (place - all.topLeft()) / times;
+	const QPointF at = (place - all.topLeft()) * width_shown / all.width();
 	return velmor_mouse(window_id, control_id, static_cast<int>(std::floor(at.x())),
 		static_cast<int>(std::floor(at.y())), action, amount);
 }

@@ -1,0 +1,32 @@
+// journey_parts.h - hands and eyes of the journey, for its parts in other files
+//
+// Called by journey_akp.cpp. What each does stands in journey.cpp.
+
+#pragma once
+#include "programs/journey.h"
+
+namespace velmor
+{
+
+void check(bool good, const std::string &what);
+void step(const char *what);
+void picture(int window, const char *name, int scale = 1);
+void press(int window, int control);
+void choose(int window, int control, const std::string &name);
+std::vector<std::string> names_in(int window, int control);
+std::string spool_path(const std::string &name);
+std::vector<std::uint8_t> bytes_of(const std::string &path); // of a file, with backslashes
+std::string base_name(const std::string &file);              // of a host path
+
+// Boxes from here on, and a box that begins with these words.
+void forget_boxes();
+bool box_began(const std::string &words);
+// The next box that begins with these words has its picture taken.
+void picture_box(const std::string &words, const std::string &name);
+// The next file dialog chooses these, of one folder.
+void files_to_choose(const std::string &folder, const std::vector<std::string> &names);
+
+// AKP programs are made in a folder, imported, sent to the machine and read again.
+void bring_akp_programs(const journey &trip);
+
+} // namespace velmor

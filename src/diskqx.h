@@ -25,10 +25,6 @@
 namespace velmor
 {
 
-// The tag of every line of this module in the log.
-inline constexpr char fs_tag[] = "fsmidi.cpp";
-#define fs_log(...) ::velmor::add_log_format(::velmor::fs_tag, __LINE__, __VA_ARGS__)
-
 inline constexpr std::size_t fs_text_size = 1024; // of a path, a part of one, an answer
 inline constexpr int max_disk_entries = 1 << 14;  // folders or files that an index reaches
 

@@ -99,8 +99,8 @@ TEST_F(drive_test, a_folder_is_listed_byte_for_byte)
 	for (const char *line : { ": --- SAMPLER has 2 Volumes\n", ": Found: 2 Sampler-Files\n",
 		     "] REQUESTING SAMPLER-PATH: [DRUMS] FOR VOLUME: [DISK 1] "
 		     "(VOLUME-AKAI-HANDLE: 130)\n",
-		     "] Changing path to: [drums]\n",
-		     ": +++++ [fsmidi.cpp: ", "] Found 1 Directories\n", "] Found 1 Files\n" })
+		     "] Changing path to: [drums]\n", ": +++++ [fsmidi_operations.cpp: ",
+		     "] Found 1 Directories\n", "] Found 1 Files\n" })
 		EXPECT_TRUE(told(line)) << line;
 }
 

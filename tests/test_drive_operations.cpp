@@ -239,6 +239,14 @@ TEST_F(operations_test, a_failure_is_everybodys_for_a_second)
 		drums_path)));
 	pass(1.1);
 	EXPECT_EQ(drive_listing(drums_path, false), drive_later);
+	forget_unread_usb();
+	// A program that holds the sampler for a second is waited for.
+	pass(10);
+	wire.open_result = usb_busy;
+	h.time.after(1.2, [this] { wire.open_result = usb_ok; });
+	wire.play(s5000_open);
+	wire.play(s5000_volumes);
+	EXPECT_EQ(drive_listing("\\Studio"), drive_ok);
 	struct {
 		int open_result;
 		drive_result result;

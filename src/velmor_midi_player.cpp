@@ -17,7 +17,6 @@
 #include "src/controls.h"
 #include "src/velmor_files.h"
 #include "src/velmor_midi.h"
-#include "src/velmor_sysex.h"
 #include "src/velmor_window.h"
 #include <algorithm>
 #include <cmath>
@@ -34,7 +33,8 @@ int play_the_file = track_stopped;
 static constexpr int tick_ms = 10;
 static constexpr u64 frequency = 1000000; // of the counter
 static constexpr double held_up = 0.25;   // seconds: longer than any pump
-static constexpr double patience = 2;     // seconds beyond those that the wire needs
+static constexpr double byte_seconds = 10 / 31250.0;
+static constexpr double patience = 2; // seconds beyond those that the wire needs
 static constexpr u8 status_bit = 0x80, note_bits = 0x90;
 static constexpr int silenced_channels = 15;
 static constexpr int after_pause = 16; // the event with which a paused track goes on
@@ -81,7 +81,9 @@ static bool wait_until_left(int handle, int length, outcome *why)
 		if (waits_since >= end)
 			return port_failed(
 				failed, "It does not send. Is the interface still connected?", why);
-		let_bytes_leave(handle, left);
+		// The port wakes the interface; one that is late is asked when the wire is free.
+		const double milliseconds = static_cast<double>(left) * byte_seconds * 1000;
+		host.ui->pump(static_cast<int>(std::ceil(std::clamp(milliseconds, 1.0, 100.0))));
 	}
 	return false;
 }

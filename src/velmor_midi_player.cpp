@@ -103,15 +103,32 @@ bool play_midi_data(const u8 *data, int length, outcome *why)
 	return wait_until_left(handle, length, why);
 }
 
-// On what is open: notes that no port has are none that could hang.
-static void let_go_of_notes()
+static bool letting_go = false, once_more = false;
+
+// True: the port failed.
+static bool silence_channels()
 {
 	outcome ignored;
 	for (int channel = 0; channel < silenced_channels && the_outHandle >= 0; channel++) {
 		const u8 all_notes_off[] = { static_cast<u8>(0xB0 | channel), 123, 0 };
 		if (play_midi_data(all_notes_off, sizeof all_notes_off, &ignored))
-			return;
+			return true;
 	}
+	return false;
+}
+
+// On what is open: notes that no port has are none that could hang. Stop may be pressed again
+// inside these sends; only a song that began and ended meanwhile has to be silenced once more.
+static void let_go_of_notes(bool of_a_song = false)
+{
+	once_more = once_more || of_a_song;
+	if (letting_go)
+		return;
+	letting_go = true;
+	do
+		once_more = false;
+	while (!silence_channels() && once_more);
+	letting_go = false;
 }
 
 // ---- What sounds ------------------------------------------------------------------------------
@@ -335,6 +352,7 @@ static void settle_tracks(_midif *file)
 
 void stop_really_all(int window)
 {
+	const bool ended = playing;
 	if (playing) {
 		host.ui->stop_timer(timer);
 		playing = false;
@@ -344,7 +362,7 @@ void stop_really_all(int window)
 		timer_mid = nullptr;
 		settle_tracks(file);
 	}
-	let_go_of_notes();
+	let_go_of_notes(ended);
 	// The sends above may have let another song begin.
 	show_buttons(window, playing);
 }
@@ -540,7 +558,7 @@ void play_track(int window, _midif *file, int track)
 
 void forget_midi_player()
 {
-	playing = false;
+	playing = letting_go = once_more = false;
 	timer_mid = nullptr;
 	timer_is_busy = 0;
 	tick_number++;

@@ -99,7 +99,9 @@ void play()
 	}
 	if (have_midi_file && current_midi_file.ntrks && doing == 7)
 		play_track(window_midi_files, &current_midi_file, 0);
-	stop_really_all(window_midi_files);
+	do // Play may be pressed inside it
+		stop_really_all(window_midi_files);
+	while (song_plays());
 	require(h->timers.empty() && !timer_mid);
 }
 

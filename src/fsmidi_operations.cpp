@@ -98,6 +98,8 @@ static fs_status get_volume_info(FSP_FSCTL_VOLUME_INFO *info)
 int get_security_descriptor(const char *name, void *descriptor, std::size_t *size)
 {
 	pseudo_fcount++;
+	if (!descriptor)
+		return 0; // not wanted
 	if (*size < descriptor_size) {
 		fs_log("Descriptor too small! (%d/%d Bytes)\n", static_cast<int>(*size),
 			static_cast<int>(descriptor_size));
@@ -123,7 +125,7 @@ static fs_status get_security_by_name(
 		get_file_attributes(path.c_str(), &tag);
 		*attributes = tag.FileAttributes;
 	}
-	if (!descriptor || get_security_descriptor(path.c_str(), descriptor, size) == 0)
+	if (get_security_descriptor(path.c_str(), descriptor, size) == 0)
 		return status_success;
 	fs_log("Failed to get File-Security for [%s]\n", path.c_str());
 	return status_object_name_invalid;

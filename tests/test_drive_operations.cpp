@@ -158,6 +158,7 @@ TEST_F(operations_test, a_security_look_up_says_folder_and_leaves_no_file)
 	EXPECT_EQ(size, 40u);
 	EXPECT_EQ(pseudo_fcount, before + 1);
 	EXPECT_EQ(PtfsInterface.GetSecurityByName("\\A", nullptr, nullptr, nullptr), 0u);
+	EXPECT_EQ(pseudo_fcount, before + 2);
 	EXPECT_FALSE(std::filesystem::exists("temp"));
 	size = 39;
 	EXPECT_EQ(PtfsInterface.GetSecurityByName("\\A", nullptr, descriptor, &size), 0xC0000033);

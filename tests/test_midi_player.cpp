@@ -489,6 +489,7 @@ TEST_F(midi_player, a_stack_keeps_what_sounds_by_its_broad_test)
 	h.forget_log();
 	for (int i = 0; i < 200; i++)
 		stack_midi_event(&current_midi_file, 0, 0);
+	stack_midi_event(&current_midi_file, 0, 5); // nor does one that lets go of them
 	EXPECT_EQ(track().stacks, 128);
 	EXPECT_TRUE(h.log().empty());
 }

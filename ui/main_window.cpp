@@ -8,6 +8,7 @@
 #include "ui/parts/style.h"
 #include "ui/parts/told.h"
 #include "ui/parts/window.h"
+#include <QApplication>
 #include <QBoxLayout>
 #include <QFontDatabase>
 #include <QGridLayout>
@@ -16,6 +17,7 @@
 #include <QPointer>
 #include <QPushButton>
 #include <QScrollBar>
+#include <QSyntaxHighlighter>
 #include <QTimer>
 #include <QToolButton>
 
@@ -64,6 +66,24 @@ void forget_log_text()
 	log_kept.clear();
 }
 
+// What the monitor received and what it sent, apart from each other and from the rest.
+class traffic_colors : public QSyntaxHighlighter
+{
+public:
+	using QSyntaxHighlighter::QSyntaxHighlighter;
+
+protected:
+	void highlightBlock(const QString &line) override
+	{
+		const QPalette colors = QApplication::palette();
+		if (line.contains("[MONITOR]RCVD"))
+			setFormat(0, static_cast<int>(line.size()), colors.color(QPalette::Link));
+		else if (line.contains("[MONITOR]SENT"))
+			setFormat(0, static_cast<int>(line.size()),
+				role_color(colors, text_role::good));
+	}
+};
+
 static QPlainTextEdit *make_log(top_window *window)
 {
 	auto *log = new QPlainTextEdit(window);
@@ -76,6 +96,7 @@ static QPlainTextEdit *make_log(top_window *window)
 	log->document()->setDocumentMargin(between_controls);
 	enroll(window->id, main_log, log);
 	log_view = log;
+	new traffic_colors(log->document());
 	log_timer = new QTimer(log);
 	log_timer->setSingleShot(true);
 	QObject::connect(log_timer, &QTimer::timeout, log, refresh_log);

@@ -225,7 +225,6 @@ void panel_board::place_words()
 void panel_board::paintEvent(QPaintEvent *)
 {
 	QPainter painter(this);
-	painter.fillRect(rect(), palette().color(QPalette::Midlight));
 	const int width = static_cast<int>(std::ceil(outline_width * unit));
 	if (view.width)
 		painter.fillRect(picture->geometry().adjusted(-width, -width, width, width),
@@ -266,6 +265,7 @@ private:
 	void choose_fitting_scale();
 	QSize size_for(const QSize &board_size) const;
 	void fit(int number);
+	void show_screen();
 
 	told_label *facts;
 	QList<QPushButton *> scales;
@@ -281,6 +281,7 @@ panel_window::panel_window(QWidget *owner) : top_window(window_panel, control_ca
 	area->setFrameShape(QFrame::NoFrame);
 	area->setFocusPolicy(Qt::NoFocus);
 	area->setAlignment(Qt::AlignCenter);
+	area->setBackgroundRole(QPalette::Midlight);
 	board = new panel_board(this, area);
 	area->setWidget(board);
 	content->addWidget(area, 1);
@@ -350,6 +351,16 @@ void panel_window::fit(int number)
 				? area->horizontalScrollBar()->sizeHint().height()
 				: 0;
 	open_at(wanted + QSize(0, bar));
+	show_screen();
+}
+
+// Where not all of the board is in view, the screen is.
+void panel_window::show_screen()
+{
+	const QPoint middle = board->picture->geometry().center();
+	const QSize seen = area->viewport()->size();
+	area->horizontalScrollBar()->setValue(middle.x() - seen.width() / 2);
+	area->verticalScrollBar()->setValue(middle.y() - seen.height() / 2);
 }
 
 void panel_window::build(const panel_view *view)
@@ -375,6 +386,7 @@ void panel_window::showEvent(QShowEvent *event)
 {
 	top_window::showEvent(event);
 	board->picture->setFocus();
+	show_screen();
 }
 
 void create_panel_window(QWidget *owner)

@@ -95,7 +95,7 @@ template <typename work> auto on_timeline(timeline &time, work what)
 inline std::string obey(rack &r, const std::string &command)
 {
 	if (command == "age")
-		age = age + 100;
+		age = age + 2; // what is kept for a second is old, what is kept for ten is not
 	else if (command == "unplug")
 		unplug_usb(r.big);
 	else if (command == "plug")

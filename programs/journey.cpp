@@ -14,12 +14,10 @@
 #include "ui/parts/palette.h"
 #include "ui/qt_ui.h"
 #include "ui/track_strip_list.h"
-#include "virtual/screen_canvas.h"
 #include <QAction>
 #include <QApplication>
 #include <QCheckBox>
 #include <QDropEvent>
-#include <QElapsedTimer>
 #include <QFileDialog>
 #include <QLineEdit>
 #include <QMenu>
@@ -160,7 +158,7 @@ void choose(int window, int control, const std::string &name)
 	click_at(list->viewport(), list->place_on_screen(found).center());
 }
 
-static void type_into(int window, int control, const std::string &text)
+void type_into(int window, int control, const std::string &text)
 {
 	QWidget *field = find_widget(window, control);
 	field->setFocus();
@@ -739,73 +737,6 @@ static void picture_programs()
 	picture(window_programs, "programs-200", 2);
 }
 
-// ---- The front panel ----------------------------------------------------------------------------
-
-std::string journey_new_file(const char *, const char *, const char *name)
-{
-	return host.files->system_path((the_trip->pictures + "/" + name).c_str());
-}
-
-// The window asks for a picture four times a second; until the next one has come.
-static void wait_for_screen(const usb_stop &stop)
-{
-	QElapsedTimer waited;
-	waited.start();
-	for (const int before = stop.sampler.writes;
-		stop.sampler.writes == before && waited.elapsed() < 10000;)
-		QApplication::processEvents(QEventLoop::WaitForMoreEvents);
-}
-
-// Whether a picture shows, at any scale, what the sampler drew when it was last asked.
-static bool shows_canvas(const QImage &image, const screen_canvas &canvas)
-{
-	const int scale = image.width() / canvas.width;
-	if (scale < 1 || image.size() != scale * QSize(canvas.width, canvas.height))
-		return false;
-	for (int y = 0; y < image.height(); y++)
-		for (int x = 0; x < image.width(); x++)
-			if ((qGray(image.pixel(x, y)) < 128) != canvas.dark(x / scale, y / scale))
-				return false;
-	return true;
-}
-
-static QImage seen_screen()
-{
-	return find_widget(window_panel, panel_picture)->grab().toImage();
-}
-
-static void save_screen(const usb_stop &stop)
-{
-	press(window_panel, panel_save);
-	const QString file = QString::fromStdString(the_trip->pictures + "/" + stop.name + ".png");
-	check(shows_canvas(QImage(file), stop.sampler.canvas()),
-		file.toStdString() + " is what the sampler drew");
-	picture(window_panel, ("panel-" + stop.name.substr(stop.name.rfind(' ') + 1)).c_str());
-}
-
-static void walk_panel(const usb_stop &stop)
-{
-	step(("Open the front panel of the " + stop.name + ", and walk its pages").c_str());
-	press(window_main, main_lcd);
-	check(shows_canvas(seen_screen(), stop.sampler.canvas()), "it shows the sampler's screen");
-	for (const panel_step &s : stop.panel) {
-		const QImage before = seen_screen();
-		if (s.typed)
-			type_into(window_panel, panel_picture, s.typed);
-		else
-			press(window_panel, panel_first_key + s.key);
-		wait_for_screen(stop);
-		const QImage after = seen_screen();
-		check(after != before && shows_canvas(after, stop.sampler.canvas()),
-			s.typed ? std::string("the screen shows \"") + s.typed + "\" typed"
-				: "the screen follows");
-		if (s.pictured)
-			save_screen(stop);
-	}
-	check(stop.sampler.name == stop.name, "the name that was begun is dropped");
-	find_widget(window_panel, 0)->close();
-}
-
 int run_journey(const journey &trip)
 {
 	the_trip = &trip;
@@ -843,7 +774,7 @@ int run_journey(const journey &trip)
 		edit_program_on(stop.name, picture_of_programs(stop.name));
 		if (&stop.sampler == trip.akp_sampler)
 			bring_akp_programs(trip);
-		walk_panel(stop);
+		walk_panel(trip, stop);
 	}
 	picture(window_multis, "multis-usb");
 	std::printf("WAV files: %s\nScreenshots: %s\n",

@@ -51,7 +51,4 @@ int run_journey(const journey &trip);
 // answers boxes as a user would.
 void journey_glance();
 
-// Where a file of that name goes when the program asks for a place.
-std::string journey_new_file(const char *title, const char *filter, const char *name);
-
 } // namespace velmor

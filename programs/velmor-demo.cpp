@@ -183,7 +183,6 @@ static const clock_service jumping_clock = {
 static ui_service jumping_ui()
 {
 	ui_service ui = qt_ui;
-	ui.choose_new_file = journey_new_file;
 	ui.pump = [](int max_ms) {
 		qt_ui.pump(0);
 		journey_glance();

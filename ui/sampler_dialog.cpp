@@ -89,7 +89,7 @@ static QWidget *make_monitor(top_window *window)
 	return box;
 }
 
-static QLayout *make_description(top_window *window)
+static QBoxLayout *make_description(top_window *window)
 {
 	auto *column = new QVBoxLayout;
 	auto *form = new QFormLayout;
@@ -105,8 +105,6 @@ static QLayout *make_description(top_window *window)
 	asking->addWidget(make_button(window, sampler_device_info), 0, Qt::AlignTop);
 	asking->addWidget(make_verdict(window, sampler_verdict), 1);
 	column->addLayout(asking);
-	column->addWidget(make_bridge(window));
-	column->addStretch();
 	return column;
 }
 
@@ -116,11 +114,14 @@ void create_sampler_dialog(QWidget *owner)
 	auto *window = new top_window(window_sampler, control_cancel, owner);
 	auto *sides = new QHBoxLayout;
 	sides->setSpacing(between_panels);
-	sides->addLayout(make_description(window), 1);
+	QBoxLayout *description = make_description(window);
+	sides->addLayout(description, 1);
 	auto *trials = new QVBoxLayout;
 	add_to(trials, { make_test_notes(window), make_monitor(window) });
 	trials->addStretch();
 	sides->addLayout(trials);
+	description->addWidget(make_bridge(window));
+	description->addStretch();
 	window->content->addLayout(sides);
 	add_closing_buttons(window);
 	window->finish();

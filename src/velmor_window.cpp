@@ -196,6 +196,9 @@ static bool run_row(const command_row *row)
 
 bool velmor_command(int window, int control)
 {
+	constexpr int first_logged = 18000;
+	if (window == window_main && control >= first_logged)
+		log_line("[%s:%d] RECEIVED EVENT: [%d]\r\n", __FILE_NAME__, __LINE__, control);
 	return run_row(find_row(&window_rows::commands, window, control));
 }
 

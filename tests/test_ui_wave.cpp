@@ -5,6 +5,7 @@
 #include "tests/support/wave_files.h"
 #include "tests/ui_fixture.h"
 #include "ui/waveform.h"
+#include <QToolButton>
 #include <QWheelEvent>
 
 namespace velmor
@@ -45,6 +46,8 @@ struct wave_windows : windows {
 		press(window_main, main_samples);
 		choose(window_samples, samples_local_list, "A");
 		picture = at<waveform_widget>(window_samples, samples_waveform);
+		at(window_samples, 0)->activateWindow();
+		QApplication::processEvents();
 	}
 	QPoint place(double word, bool above)
 	{
@@ -122,7 +125,7 @@ TEST_F(wave_windows, start_and_end_are_dragged_and_cut)
 	EXPECT_TRUE(picture->accessibleName().contains("start at 0.008 s, end at 0.024 s"))
 		<< picture->accessibleName().toStdString();
 	EXPECT_EQ(file(), looped_file(500, 1500));
-	press(window_samples, wave_trim);
+	QTest::mouseClick(at<QToolButton>(window_samples, wave_trim), Qt::LeftButton);
 	EXPECT_EQ(picture->length(), 700u);
 	EXPECT_EQ(picture->word_of(waveform_widget::loop_finish), 700u);
 	EXPECT_EQ(picture->word_of(waveform_widget::mark_start), 0u);

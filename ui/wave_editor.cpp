@@ -9,7 +9,6 @@
 #include "ui/waveform.h"
 #include <QBoxLayout>
 #include <QLineEdit>
-#include <QPushButton>
 #include <QScrollBar>
 #include <QShortcut>
 #include <QSignalBlocker>
@@ -67,18 +66,40 @@ static QLineEdit *make_number(top_window *window, int control, const char *begin
 	return field;
 }
 
+static told_label *make_unit(const char *unit, QWidget *parent)
+{
+	auto *label = new told_label(parent);
+	label->say(unit);
+	label->set_role(text_role::quiet);
+	return label;
+}
+
+// No push buttons: the window has no letters left for them.
+static QToolButton *make_edit(top_window *window, int control)
+{
+	auto *button = new QToolButton(window);
+	button->setText(caption_of(window->id, control));
+	button->setProperty("framed", true);
+	button->setFocusPolicy(Qt::StrongFocus);
+	button->setMinimumSize(button->sizeHint().width() + 2 * between_controls, button_height);
+	enroll(window->id, control, button);
+	QObject::connect(button, &QToolButton::clicked, button,
+		[id = window->id, control] { velmor_command(id, control); });
+	return button;
+}
+
 static QBoxLayout *make_edits(top_window *window)
 {
 	auto *row = new QHBoxLayout;
 	row->setSpacing(between_controls);
-	add_to(row, { make_button(window, wave_trim), make_button(window, wave_loop_here),
-			    make_button(window, wave_no_loop) });
+	for (const int control : { wave_trim, wave_loop_here, wave_no_loop })
+		row->addWidget(make_edit(window, control));
 	row->addStretch();
-	add_to(row, { make_number(window, wave_fade_milliseconds, "20"),
-			    make_button(window, wave_fade) });
+	add_to(row, { make_number(window, wave_fade_milliseconds, "20"), make_unit("ms", window),
+			    make_edit(window, wave_fade) });
 	row->addStretch();
-	add_to(row, { make_number(window, wave_gain_decibels, "-6"), make_button(window, wave_gain),
-			    make_button(window, wave_normalise) });
+	add_to(row, { make_number(window, wave_gain_decibels, "-6"), make_unit("dB", window),
+			    make_edit(window, wave_gain), make_edit(window, wave_normalise) });
 	return row;
 }
 

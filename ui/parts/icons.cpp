@@ -8,7 +8,7 @@
 //   A x y r from by   a part of a circle, in degrees, counterclockwise from the right
 
 #include "ui/parts/icons.h"
-#include "src/velmor_wave_edit.h"
+#include "src/controls.h"
 #include <QApplication>
 #include <QIconEngine>
 #include <QPainter>
@@ -159,8 +159,6 @@ static constexpr control_row controls[] = {
 	{ window_samples,  samples_import,        icon::folder_in },
 	{ window_samples,  samples_export,        icon::folder_out },
 	{ window_samples,  samples_clear,         icon::folder_clear },
-	{ window_samples,  wave_loop_here,        icon::refresh },
-	{ window_samples,  wave_no_loop,          icon::cancel },
 };
 // clang-format on
 

@@ -58,7 +58,7 @@ int main(int argc, char **argv)
 	paint(&picture, &into, "growing");
 	while (QApplication::processEvents(), picture.growing_still())
 		;
-	for (double factor = 1; picture.count_shown() > 16; factor = 0.25) {
+	for (double factor = 1; picture.count_shown() > 16; factor = 0.5) {
 		picture.zoom(factor, picture.length() / 2.0 + 0.3);
 		paint(&picture, &into, "known");
 	}

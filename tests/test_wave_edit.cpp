@@ -230,7 +230,12 @@ TEST_F(wave_edits, a_full_disk_leaves_the_sample_as_it_was)
 		EXPECT_FALSE(can_undo());
 	}
 	EXPECT_EQ(names_in(h.config + "\\deleted\\undo"), std::vector<std::string>{});
-	EXPECT_TRUE(move_wave_loop({ 4, 8 }));
+	// Of many edits the last 30 can be undone, and no more copies are kept.
+	for (u64 i = 0; i < 31; i++)
+		EXPECT_TRUE(move_wave_loop({ 4 + i % 2, 8 }));
+	EXPECT_EQ(names_in(h.config + "\\deleted\\undo").size(), 30u);
+	for (int i = 0; i < 31; i++)
+		press(status_undo);
 	EXPECT_EQ(file(), downloaded(ten, 4, 8, 0, 10));
 }
 

@@ -62,7 +62,7 @@ static QLineEdit *make_number(top_window *window, int control, const char *begin
 {
 	QLineEdit *field = make_field(window, control);
 	field->setText(begins);
-	field->setFixedWidth(field->fontMetrics().averageCharWidth() * 8);
+	field->setFixedWidth(field->fontMetrics().averageCharWidth() * 6);
 	return field;
 }
 
@@ -81,7 +81,7 @@ static QToolButton *make_edit(top_window *window, int control)
 	button->setText(caption_of(window->id, control));
 	button->setProperty("framed", true);
 	button->setFocusPolicy(Qt::StrongFocus);
-	button->setMinimumSize(button->sizeHint().width() + 2 * between_controls, button_height);
+	button->setMinimumSize(button->sizeHint().width() + between_controls, button_height);
 	enroll(window->id, control, button);
 	QObject::connect(button, &QToolButton::clicked, button,
 		[id = window->id, control] { velmor_command(id, control); });
@@ -91,7 +91,7 @@ static QToolButton *make_edit(top_window *window, int control)
 static QBoxLayout *make_edits(top_window *window)
 {
 	auto *row = new QHBoxLayout;
-	row->setSpacing(between_controls);
+	row->setSpacing(between_controls / 2);
 	for (const int control : { wave_trim, wave_loop_here, wave_no_loop })
 		row->addWidget(make_edit(window, control));
 	row->addStretch();

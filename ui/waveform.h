@@ -84,7 +84,7 @@ private:
 	void paint_outside(QPainter *painter) const;
 	void paint_words(QPainter *painter) const;
 	void paint_columns(QPainter *painter) const;
-	void paint_values(QPainter *painter, const QColor &color) const;
+	void paint_values(QPainter *painter) const;
 	void paint_marks(QPainter *painter) const;
 	void paint_ruler(QPainter *painter) const;
 	void paint_numbers(QPainter *painter) const;

@@ -17,7 +17,7 @@ namespace velmor
 {
 
 static constexpr int least_tick = 60, flag = 8;
-static constexpr double dots_from = 5; // pixels a word
+static constexpr double smooth_from = 2, dots_from = 5; // pixels a word
 
 double waveform_widget::height_of(double value) const
 {
@@ -57,41 +57,40 @@ void waveform_widget::paint_columns(QPainter *painter) const
 	painter->drawLines(inside.data(), static_cast<int>(inside.size()));
 }
 
-void waveform_widget::paint_values(QPainter *painter, const QColor &color) const
+// Lines are smooth where they are few.
+void waveform_widget::paint_values(QPainter *painter) const
 {
 	const auto begin = static_cast<std::uint64_t>(std::max(0.0, first - 1));
 	const auto end = std::min<std::uint64_t>(
 		static_cast<std::uint64_t>(first + count) + 2, words.size());
-	std::vector<QPointF> points;
-	for (std::uint64_t i = begin; i < end; i++)
-		points.emplace_back(place_of(static_cast<double>(i)), height_of(words[i]));
-	painter->setRenderHint(QPainter::Antialiasing);
-	painter->setPen(QPen(color, 1.2));
-	painter->setBrush(color);
-	painter->drawPolyline(points.data(), static_cast<int>(points.size()));
-	if (words_a_pixel() * dots_from < 1)
-		for (const QPointF &point : points)
-			painter->drawEllipse(point, 2, 2);
+	const auto point = [this](std::uint64_t i) {
+		return QPointF(place_of(static_cast<double>(i)), height_of(words[i]));
+	};
+	std::vector<QLineF> outside, inside;
+	for (std::uint64_t i = begin; i < end; i++) {
+		const bool in_loop = looped() && i >= loop_start && i < loop_end;
+		(in_loop ? inside : outside)
+			.emplace_back(point(i), point(std::min(i + 1, end - 1)));
+	}
+	const bool dots = words_a_pixel() * dots_from < 1;
+	painter->setRenderHint(QPainter::Antialiasing, words_a_pixel() * smooth_from < 1);
+	for (const bool in_loop : { false, true }) {
+		const std::vector<QLineF> &lines = in_loop ? inside : outside;
+		const QColor color = palette().color(in_loop ? QPalette::Link : QPalette::Dark);
+		painter->setPen(color);
+		painter->drawLines(lines.data(), static_cast<int>(lines.size()));
+		painter->setBrush(color);
+		for (std::size_t i = 0; dots && i < lines.size(); i++)
+			painter->drawEllipse(lines[i].p1(), 2, 2);
+	}
 	painter->setRenderHint(QPainter::Antialiasing, false);
 }
 
 void waveform_widget::paint_words(QPainter *painter) const
 {
-	const QRect wave = wave_place();
 	painter->save();
-	painter->setClipRect(wave);
-	if (words_a_pixel() >= 1) {
-		paint_columns(painter);
-	} else {
-		paint_values(painter, palette().color(QPalette::Dark));
-		if (looped()) {
-			const double from = place_of(static_cast<double>(loop_start));
-			const double to = place_of(static_cast<double>(loop_end));
-			painter->setClipRect(QRectF(from, wave.top(), to - from, wave.height()),
-				Qt::IntersectClip);
-			paint_values(painter, palette().color(QPalette::Link));
-		}
-	}
+	painter->setClipRect(wave_place());
+	words_a_pixel() >= 1 ? paint_columns(painter) : paint_values(painter);
 	painter->restore();
 }
 

@@ -181,12 +181,14 @@ TEST_F(wave_edits, what_is_no_sample_is_refused_and_hostile_lengths_do_no_harm)
 		EXPECT_NE(read_wave_sound(path, &sound), "");
 	}
 	EXPECT_NE(read_wave_sound(path + "x", &sound).find("cannot be read"), std::string::npos);
-	// A billion loops are told, and the samplers' bytes are not there.
-	bytes lying = downloaded(ten, 3, 7, 0, 10);
-	std::copy_n(word(1000000000).begin(), 4, lying.begin() + 86);
-	read(lying);
+	// A billion loops are told, and there is room for one.
+	const auto lying = [](bytes file) {
+		std::copy_n(word(1000000000).begin(), 4, file.begin() + 86);
+		return file;
+	};
+	read(lying(downloaded(ten, 3, 7, 0, 10)));
 	EXPECT_EQ(trim_wave(&sound, { 1, 9 }), "");
-	EXPECT_EQ(sound.file.size(), 160u);
+	EXPECT_EQ(sound.file, lying(downloaded({ ten.begin() + 1, ten.begin() + 9 }, 2, 6, 0, 8)));
 	EXPECT_NE(trim_wave(&sound, { 1, 9 }), "");
 	EXPECT_NE(trim_wave(&sound, { 8, 8 }), "");
 }
@@ -215,6 +217,19 @@ TEST_F(wave_edits, an_edit_is_undone_and_the_earlier_file_kept)
 		EXPECT_EQ(press(wave_gain).find("Type how many decibels"), 0u) << typed;
 	}
 	EXPECT_EQ(file(), before);
+	h.texts[{ window_samples, wave_fade_milliseconds }] = "0.1";
+	const std::pair<int, const char *> said[] = {
+		{ wave_fade, "the last 0.1 ms of its loop lead into its beginning." },
+		{ wave_normalise, "its loudest value is full scale." },
+		{ wave_no_loop, "it does not loop any more." },
+		{ wave_loop_here, "it loops from start to end." },
+	};
+	for (const auto &[control, words] : said)
+		EXPECT_EQ(press(control), std::string("'A': ") + words);
+	EXPECT_EQ(press(wave_loop_here), "The loop stands there already.");
+	EXPECT_EQ(read_wave_sound(path, &sound), "");
+	EXPECT_EQ(sound.loop(), (wave_part{ 0, 10 }));
+	EXPECT_EQ(sound.value(9, 0), 32767);
 }
 
 TEST_F(wave_edits, a_full_disk_leaves_the_sample_as_it_was)

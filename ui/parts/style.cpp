@@ -63,6 +63,12 @@ static QColor button_fill(const QStyleOption *option, bool main)
 	return on && has(option, QStyle::State_MouseOver) ? mixed(plain, accent, 0.08) : plain;
 }
 
+// A tool button that looks like the others.
+static bool is_framed(const QWidget *widget)
+{
+	return widget && widget->property("framed").toBool();
+}
+
 static void draw_button_box(
 	const QStyleOptionButton *option, QPainter *painter, const QWidget *widget)
 {
@@ -298,13 +304,15 @@ void flat_style::drawPrimitive(PrimitiveElement element, const QStyleOption *opt
 	case PE_FrameLineEdit:
 	case PE_FrameGroupBox:
 		return;
-	case PE_PanelButtonTool:
-		if (has(option, State_MouseOver) || has(option, State_HasFocus))
+	case PE_PanelButtonTool: {
+		const bool focus = has(option, State_HasFocus), framed = is_framed(widget);
+		if (framed || focus || has(option, State_MouseOver))
 			draw_box(painter, option->rect, option->palette.color(QPalette::Button),
-				option->palette.color(has(option, State_HasFocus)
-							      ? QPalette::Link
-							      : QPalette::Midlight));
+				option->palette.color(focus    ? QPalette::Link
+						      : framed ? QPalette::Mid
+							       : QPalette::Midlight));
 		return;
+	}
 	case PE_Frame:
 		if (dynamic_cast<const QAbstractScrollArea *>(widget))
 			return draw_list_frame(option, painter, widget);

@@ -341,6 +341,12 @@ TEST_F(sample_windows, both_lists_and_a_download)
 	EXPECT_TRUE(main && shown(window_main)) << "the main window stays";
 	EXPECT_TRUE(at(window_samples, 0)->isEnabled());
 	EXPECT_EQ(names(samples_local_list), QStringList("SNARE"));
+	for (const auto &[list, search] : { std::pair(samples_local_list, samples_local_search),
+		     std::pair(samples_loaded_list, samples_loaded_search) }) {
+		at(window_samples, list)->setFocus();
+		QTest::keyClick(at(window_samples, list), Qt::Key_F, Qt::ControlModifier);
+		EXPECT_EQ(QApplication::focusWidget(), at(window_samples, search));
+	}
 	EXPECT_EQ(at<entry_list>(window_samples, samples_loaded_list)->chosen(), 1);
 }
 

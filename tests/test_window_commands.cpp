@@ -3,6 +3,7 @@
 #include "src/usbqx.h"
 #include "src/velmor_window.h"
 #include "tests/support/fake_model.h"
+#include <cstring>
 #include <set>
 
 using namespace velmor;
@@ -390,18 +391,14 @@ protected:
 	void put(const char *name, int model, const char *usb_name)
 	{
 		std::vector<u8> bytes(536);
-		copy_bytes(&bytes, 0, name);
-		copy_bytes(&bytes, 256, usb_name);
+		std::strcpy(reinterpret_cast<char *>(&bytes[0]), name);
+		std::strcpy(reinterpret_cast<char *>(&bytes[256]), usb_name);
 		bytes[512] = static_cast<u8>(model);
 		bytes[513] = static_cast<u8>(model >> 8);
 		bytes[516] = 3;
 		bytes[520] = 4;
 		bytes[524] = 5;
 		h.put_content(path(name), bytes);
-	}
-	static void copy_bytes(std::vector<u8> *to, std::size_t at, std::string_view text)
-	{
-		std::copy(text.begin(), text.end(), to->begin() + static_cast<long>(at));
 	}
 	std::string path(const std::string &name) { return h.config + "\\" + name + ".sampler"; }
 	void choose(int index) { host.ui->select(window_main, main_sampler_list, index); }

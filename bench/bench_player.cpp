@@ -65,7 +65,7 @@ bytes dense_file(double seconds, int per_second, std::vector<u64> (&due)[tracks]
 				static_cast<u8>(number % 2 ? 0 : 64) };
 			due[t].push_back(time);
 		}
-		file = std::move(file) + midi_track(events);
+		file = std::move(file) + midi_track(events + hex("00 FF 2F 00"));
 	}
 	return file;
 }
@@ -197,6 +197,7 @@ void compare_all_loading()
 int main(int argc, char **argv)
 {
 	using namespace velmor;
+	setvbuf(stdout, nullptr, _IOLBF, 0);
 	setenv("QT_QPA_PLATFORM", "offscreen", 0);
 	QApplication application(argc, argv);
 	static midi_service midi = virtual_midi;

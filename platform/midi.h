@@ -6,14 +6,26 @@
 //
 // Called by the System Exclusive exchange. Results of type int are 0 for
 // success, otherwise a code for which error_text has words. All functions are
-// called on the main thread; only the function given to on_arrival is called
-// from other threads.
+// called on the main thread; only the functions given to on_arrival and pass_on are
+// called from other threads.
 
 #pragma once
 #include <cstddef>
 
 namespace velmor
 {
+
+// What is known of the message that an input is in the middle of.
+struct midi_sorter {
+	unsigned char message[3] = {};
+	unsigned char count = 0;  // bytes of it so far
+	unsigned char status = 0; // for data bytes without one; 0: none is known
+	bool exclusive = false;   // inside a System Exclusive message
+	bool lost = false;        // data bytes come that belong to nothing
+};
+// Takes the next byte of an input. Gives how many bytes of message, 0 to 3, are to be passed on
+// now. Touches nothing but its arguments: it runs on the thread that reads.
+using midi_judge = int (*)(midi_sorter *sorter, unsigned char byte, unsigned char *message);
 
 struct midi_service {
 	// Number of ports now. Ports are named by their place in the list, so a change of
@@ -49,6 +61,11 @@ struct midi_service {
 	std::size_t (*take)(int handle, unsigned char *bytes, std::size_t capacity);
 	// 0, or the code of what went wrong since arm or listen: an overrun, a port that vanished.
 	int (*input_error)(int handle);
+	// Beside listen, until disarm or close_input: give each byte that comes to judge, and what
+	// it says to the output, at once and on the thread that reads. What would fall into a System
+	// Exclusive message that is written in parts waits for its end, unless it is real time.
+	// Output -1 ends it, as does closing the output.
+	int (*pass_on)(int handle, int output, midi_judge judge) = nullptr;
 	void (*disarm)(int handle);
 	void (*close_input)(int handle);
 

@@ -128,12 +128,15 @@ struct strip_note {
 struct strip_view {
 	std::span<const strip_note> notes; // must live until the next set_track_count
 	std::uint64_t length;              // of the whole file
+	std::string name;                  // that the file gives the track, or ""
 };
 enum class track_event {
 	in_view, // its frame is made: it has to be filled
+	out_of_view,
 	mute,
 	channel,  // value is the place in the list
 	sounding, // its list of sounding notes was pressed
+	scroll,   // a step of the bar, from the place track to the place value
 };
 
 // A form is a list of rows, built when it is known what they are. Everything about a row is said
@@ -223,8 +226,10 @@ struct ui_service {
 	void (*set_track_count)(int window, int control, int count) = nullptr;
 	void (*set_track)(int window, int control, int track, const track_view *view) = nullptr;
 	void (*set_strip)(int window, int control, int track, const strip_view *view) = nullptr;
-	// Where the song is, in ticks, in all strips; negative: nowhere.
-	void (*set_play_position)(int window, int control, std::int64_t ticks) = nullptr;
+	// Where the song is, in ticks, in all strips (negative: nowhere), and how fast it goes, for
+	// the times above them.
+	void (*set_play_position)(
+		int window, int control, std::int64_t ticks, int ticks_per_second) = nullptr;
 
 	// Modal boxes. ask has the buttons OK and Cancel and is true for OK.
 	void (*message)(const char *text, const char *caption);

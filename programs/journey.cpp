@@ -8,12 +8,15 @@
 
 #include "platform/host.h"
 #include "programs/journey_parts.h"
+#include "src/velmor_midi.h"
 #include "src/velmor_window.h"
 #include "ui/parts/entry_list.h"
 #include "ui/parts/palette.h"
 #include "ui/qt_ui.h"
+#include "ui/track_strip_list.h"
 #include <QAction>
 #include <QApplication>
+#include <QCheckBox>
 #include <QDropEvent>
 #include <QFileDialog>
 #include <QLineEdit>
@@ -25,6 +28,7 @@
 #include <QProgressBar>
 #include <QPushButton>
 #include <QTabBar>
+#include <QThread>
 #include <QTimer>
 #include <QUrl>
 #include <algorithm>
@@ -67,6 +71,10 @@ void picture(int window, const char *name, int scale)
 		widget->resize(992, 600);
 	if (window == window_programs)
 		widget->resize(1280, 860);
+	if (window == window_midi_files)
+		widget->resize(1100, 720);
+	if (window == window_panel)
+		widget->resize(980, 400);
 	// What was told to the layouts arrives in several rounds.
 	for (int round = 0; round < 4; round++)
 		QApplication::processEvents();
@@ -146,11 +154,11 @@ void choose(int window, int control, const std::string &name)
 		check(false, "\"" + name + "\" is not in the list");
 		return;
 	}
-	list->scrollToItem(list->topLevelItem(found));
+	list->scrollToItem(list->entry(found));
 	click_at(list->viewport(), list->place_on_screen(found).center());
 }
 
-static void type_into(int window, int control, const std::string &text)
+void type_into(int window, int control, const std::string &text)
 {
 	QWidget *field = find_widget(window, control);
 	field->setFocus();
@@ -618,6 +626,90 @@ static void edit_program_on(const std::string &name, const std::string &pictured
 	check(high_note_of(0) == before - 1, "the sampler holds it as it was sent");
 }
 
+// ---- Music ----------------------------------------------------------------------------------
+
+// Timers run on the real clock, so it goes on a little too.
+static void let_pass(double seconds)
+{
+	for (const double end = host.clock->counter() + seconds; host.clock->counter() < end;) {
+		host.ui->pump(10);
+		QThread::msleep(1);
+	}
+}
+
+static bool drop_song(const std::string &path)
+{
+	auto *list = dynamic_cast<track_list *>(find_widget(window_midi_files, player_tracks));
+	QMimeData data;
+	data.setUrls({ QUrl::fromLocalFile(QString::fromStdString(path)) });
+	QDragEnterEvent enter(QPoint(50, 50), Qt::CopyAction, &data, Qt::LeftButton, {});
+	QApplication::sendEvent(list->viewport(), &enter);
+	QDropEvent drop(QPointF(50, 50), Qt::CopyAction, &data, Qt::LeftButton, {});
+	QApplication::sendEvent(list->viewport(), &drop);
+	QApplication::processEvents();
+	check(have_midi_file, format_text("%d tracks are loaded", current_midi_file.ntrks));
+	return have_midi_file;
+}
+
+static QCheckBox *mute_of(int track)
+{
+	auto *list = dynamic_cast<track_list *>(find_widget(window_midi_files, player_tracks));
+	track_row *row = list->row_of(track);
+	return row ? row->frame->findChild<QCheckBox *>() : nullptr;
+}
+
+static void play_song()
+{
+	step("Play a MIDI file to the sampler");
+	choose_entry(menu_midi_files);
+	picture(window_midi_files, "player-empty");
+	if (!drop_song(the_trip->song))
+		return;
+	const std::size_t before = the_trip->played().size();
+	press(window_midi_files, player_play);
+	let_pass(4);
+	check(the_trip->played().size() > before + 30, "its notes reach the sampler's cable");
+	const int muted = current_midi_file.ntrks > 1 ? 1 : 0;
+	if (QCheckBox *mute = mute_of(muted))
+		click_at(mute, QPoint(8, mute->height() / 2));
+	check(current_midi_file.track[static_cast<std::size_t>(muted)].is_mute,
+		"one track is mute");
+	let_pass(4.2);
+	picture(window_midi_files, "player");
+	use_palette(true);
+	picture(window_midi_files, "player-dark");
+	use_palette(false);
+	picture(window_midi_files, "player-200", 2);
+	press(window_midi_files, player_stop);
+	const machine::bytes played = the_trip->played();
+	check(played.size() > 3 && played[played.size() - 3] == 0xBE,
+		"Stop ends the notes of its channels");
+	press(window_midi_files, player_unload);
+	velmor_command(window_midi_files, control_cancel);
+}
+
+static void play_by_hand()
+{
+	step("Play a test note, then a keyboard through the monitor");
+	choose_entry(menu_midi_samplers);
+	press(window_sampler, sampler_note_on);
+	check(the_trip->played().back() == 65, "the note is on");
+	press(window_sampler, sampler_monitor_on);
+	for (u8 note : { 60, 64, 67 }) {
+		the_trip->press_keys({ 0x90, note, 100 });
+		let_pass(0.3);
+		the_trip->press_keys({ 0x80, note, 0 });
+		let_pass(0.2);
+	}
+	check(the_trip->played().size() > 6 && the_trip->played().end()[-2] == 67,
+		"the keyboard reaches the sampler");
+	picture(window_sampler, "sampler-monitor");
+	picture(window_main, "main-monitor");
+	press(window_sampler, sampler_monitor_off);
+	press(window_sampler, control_cancel);
+	check(the_trip->played().end()[-3] == 0x80, "closing the dialog ends the test note");
+}
+
 // "Demo S900" has its picture as "programs-S900".
 static std::string picture_of_programs(const std::string &name)
 {
@@ -670,6 +762,8 @@ int run_journey(const journey &trip)
 	look_closer();
 	edit_program_on(trip.name, "programs");
 	picture_programs();
+	play_song();
+	play_by_hand();
 	visit_next_on_the_cable();
 	look_at_usb();
 	for (const usb_stop &stop : trip.usb) {
@@ -680,6 +774,7 @@ int run_journey(const journey &trip)
 		edit_program_on(stop.name, picture_of_programs(stop.name));
 		if (&stop.sampler == trip.akp_sampler)
 			bring_akp_programs(trip);
+		walk_panel(trip, stop);
 	}
 	picture(window_multis, "multis-usb");
 	std::printf("WAV files: %s\nScreenshots: %s\n",

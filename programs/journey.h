@@ -11,6 +11,14 @@
 namespace velmor
 {
 
+// What is done at a sampler's front panel: a key is pressed, by its place in the model's
+// table, or a text is typed.
+struct panel_step {
+	int key;
+	const char *typed = nullptr;
+	bool pictured = false; // the page that it leads to
+};
+
 // A sampler on the USB that the journey comes by.
 struct usb_stop {
 	usb_sampler &sampler;
@@ -18,6 +26,7 @@ struct usb_stop {
 	std::size_t programs;            // that it holds
 	std::vector<std::string> multis; // that the program lists
 	std::function<void()> replug;    // pulls its cable and puts it in again
+	std::vector<panel_step> panel;
 };
 
 struct journey {
@@ -25,9 +34,12 @@ struct journey {
 	std::string name;              // in the list of samplers
 	std::string next_on_the_cable; // another one, in the list of samplers
 	std::vector<usb_stop> usb;
-	const s5000 *akp_sampler;        // one of these, which AKP programs are brought to
-	std::vector<std::string> files;  // WAV files to send, host paths
-	std::string pictures;            // folder of the screenshots, host path
+	const s5000 *akp_sampler;               // one of these, which AKP programs are brought to
+	std::string song;                       // a Standard MIDI File, host path
+	std::function<machine::bytes()> played; // the notes that reached the cable
+	std::function<void(machine::bytes)> press_keys; // of a keyboard at the monitor's input
+	std::vector<std::string> files;                 // WAV files to send, host paths
+	std::string pictures;                           // folder of the screenshots, host path
 	std::function<void()> set_up;    // puts the configurations where the program looks for them
 	std::function<void(bool)> power; // switches the sampler on and off
 };

@@ -1,6 +1,6 @@
 // journey_parts.h - hands and eyes of the journey, for its parts in other files
 //
-// Called by journey_akp.cpp. What each does stands in journey.cpp.
+// Called by journey_akp.cpp and journey_panel.cpp. What each does stands in journey.cpp.
 
 #pragma once
 #include "programs/journey.h"
@@ -13,6 +13,7 @@ void step(const char *what);
 void picture(int window, const char *name, int scale = 1);
 void press(int window, int control);
 void choose(int window, int control, const std::string &name);
+void type_into(int window, int control, const std::string &text);
 std::vector<std::string> names_in(int window, int control);
 std::string spool_path(const std::string &name);
 std::vector<std::uint8_t> bytes_of(const std::string &path); // of a file, with backslashes
@@ -28,5 +29,7 @@ void files_to_choose(const std::string &folder, const std::vector<std::string> &
 
 // AKP programs are made in a folder, imported, sent to the machine and read again.
 void bring_akp_programs(const journey &trip);
+// The panel of the loaded sampler is opened, its keys are pressed, and its picture is saved.
+void walk_panel(const journey &trip, const usb_stop &stop);
 
 } // namespace velmor

@@ -1,7 +1,8 @@
 // velmor-demo.cpp - the desktop program with virtual samplers plugged in
 //
 //	velmor-demo                                       the windows, in real time
-//	velmor-demo --journey [WAV ...] [--out FOLDER]    the main job by itself, in seconds
+//	velmor-demo --journey [WAV ...] [--song MIDI] [--out FOLDER]
+//	                                                  the main job by itself, in seconds
 //
 // An S3000, an S1000 and an S900 hang on one MIDI cable and tell each other apart by their
 // exclusive channels, as in a rack; an S5000 and a Z8 are on the USB. Settings, configurations,
@@ -20,24 +21,27 @@
 #include "virtual/midi_ports.h"
 #include "virtual/usb_bus.h"
 #include <QApplication>
+#include <array>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <map>
 #include <memory>
 
 using namespace velmor;
 
 static const char help[] =
-	"Usage: velmor-demo [--journey [WAV ...] [--out FOLDER]]\n"
+	"Usage: velmor-demo [--journey [WAV ...] [--song MIDI] [--out FOLDER]]\n"
 	"The whole program with virtual samplers plugged in: an S3000, an S1000 and an S900 on a\n"
 	"MIDI cable, an S5000 and a Z8 on the USB. It keeps to a folder of its own, VELMOR-Demo.\n"
 	"\n"
 	"  --journey [WAV ...]  do the main job without a hand, in seconds, and say what was "
 	"done;\n"
 	"                       needs no display\n"
+	"  --song MIDI          the Standard MIDI File that the journey plays\n"
 	"  --out FOLDER         put the pictures and files of the journey there\n"
 	"  --version            show the version\n"
 	"  --help               show this text\n";
@@ -45,6 +49,7 @@ static const char help[] =
 // ---- What is plugged in -----------------------------------------------------------------------
 
 // The dump of an S900 begins as a message to exclusive channel 1 does, so nobody else is there.
+static constexpr std::size_t most_played = 1 << 20; // bytes; a demo may run for days
 static constexpr u8 s3000_channel = 0, s1000_channel = 2, s900_channel = 3;
 
 struct rack {
@@ -53,6 +58,8 @@ struct rack {
 	s1000_machine s1000{ s1000_model::s1000, s1000_channel };
 	s900_machine s900{ s900_model::s900, s900_channel };
 	bool s3000_on = true;
+	machine::bytes played; // what reached the cable beside exclusive messages
+	int keyboard = 0;      // its port
 	s5000 usb_s5000;
 	z4 usb_z8{ z4_model::z8 };
 };
@@ -74,10 +81,16 @@ static void plug_in(rack *r)
 	fill_s1000(r->s1000);
 	fill_demo(r->s900);
 	// The S900 stands first: it alone hears a dump in parts.
-	plug_midi(r->time,
-		on_one_cable({ r->s900.on_wire(r->time), while_on(r->s3000.on_wire(), &r->s3000_on),
-			r->s1000.on_wire() }),
-		"Demo MIDI cable");
+	midi_machine cable = on_one_cable({ r->s900.on_wire(r->time),
+		while_on(r->s3000.on_wire(), &r->s3000_on), r->s1000.on_wire() });
+	cable.played = [r](machine::byte_view notes) {
+		r->played.insert(r->played.end(), notes.begin(), notes.end());
+		if (r->played.size() > most_played)
+			r->played.clear();
+	};
+	plug_midi(r->time, std::move(cable), "Demo MIDI cable");
+	const auto deaf = [](machine::byte_view) { return machine::bytes(); };
+	r->keyboard = plug_midi(r->time, { deaf, deaf, deaf }, "Demo keyboard");
 	fill_demo(r->usb_s5000);
 	plug_usb(r->time, r->usb_s5000);
 	fill_demo(r->usb_z8);
@@ -120,8 +133,9 @@ static void prepare_folder(const std::string &root)
 	std::filesystem::create_directories(root + "/VELMOR/CONFIG");
 	setenv("LOCALAPPDATA", root.c_str(), 1);
 	setenv("XDG_CONFIG_HOME", (root + "/settings").c_str(), 1);
-	for (const char *key : { "midi_in", "midi_in_mon", "midi_out" })
+	for (const char *key : { "midi_in", "midi_out" })
 		posix_settings.save_key(key, "0");
+	posix_settings.save_key("midi_in_mon", "1");
 	// The log is written where the program runs.
 	std::filesystem::current_path(root);
 }
@@ -177,12 +191,33 @@ static ui_service jumping_ui()
 	return ui;
 }
 
+// Pages of programs, samples and utilities, and a name that is begun and dropped.
+static const std::vector<panel_step> s5000_walk = {
+	{ 3 },                          // EDIT PROGRAM
+	{ 44 },                         // WHEEL>
+	{ 12, nullptr, true },          // F3, the zones
+	{ 13 },                         // F4, the filter
+	{ 27 },                         // > to the next row
+	{ 5 },                          // UTILITIES
+	{ 0, "G" }, { 0, "o" }, { 35 }, // Exit
+};
+static const std::vector<panel_step> z8_walk = {
+	{ 19 },                        // Program
+	{ 10 },                        // WHEEL>>
+	{ 4, nullptr, true },          // F2, the keyspan
+	{ 15 },                        // DOWN to the next row
+	{ 18 },                        // Sample
+	{ 4 },                         // F2, its waveform
+	{ 21 },                        // Utilities
+	{ 0, "G" }, { 0, "o" }, { 4 }, // F2, CANCEL
+};
+
 // ---- The two ways to run --------------------------------------------------------------------------
 
 struct arguments {
 	bool travel = false;
 	std::vector<std::string> files;
-	std::string out;
+	std::string song, out;
 };
 
 static bool read_arguments(int argc, char **argv, arguments *a)
@@ -193,6 +228,8 @@ static bool read_arguments(int argc, char **argv, arguments *a)
 			a->travel = true;
 		else if (word == "--out" && i + 1 < argc)
 			a->out = std::filesystem::absolute(argv[++i]);
+		else if (word == "--song" && i + 1 < argc)
+			a->song = std::filesystem::absolute(argv[++i]);
 		else if (a->travel && !word.starts_with("--"))
 			a->files.push_back(std::filesystem::absolute(word));
 		else
@@ -215,6 +252,75 @@ static std::string make_file(const std::string &folder)
 	return path;
 }
 
+// A waltz for piano, bass and harp, for a journey without a song of the user: a quarter note has
+// 960 ticks, and the program plays about a thousand a second.
+class song_track
+{
+public:
+	song_track(const char *name, u8 channel) : on(static_cast<u8>(0x90 | channel))
+	{
+		const std::string text = name;
+		bytes = { 0, 0xFF, 0x03, static_cast<u8>(text.size()) };
+		bytes.insert(bytes.end(), text.begin(), text.end());
+	}
+	void play(u32 start, u32 length, int pitch)
+	{
+		events.insert({ start + length, { on, static_cast<u8>(pitch), 0 } });
+		events.insert({ start, { on, static_cast<u8>(pitch), 90 } });
+	}
+	machine::bytes chunk()
+	{
+		u32 now = 0;
+		for (const auto &[when, event] : events) {
+			const u32 delta = when - now; // below 2 to the power of 14
+			bytes.push_back(static_cast<u8>(0x80 | delta >> 7));
+			bytes.push_back(static_cast<u8>(delta & 0x7F));
+			bytes.insert(bytes.end(), event.begin(), event.end());
+			now = when;
+		}
+		bytes.insert(bytes.end(), { 0, 0xFF, 0x2F, 0 });
+		const u32 size = static_cast<u32>(bytes.size());
+		machine::bytes all = { 'M', 'T', 'r', 'k', 0, 0, static_cast<u8>(size >> 8),
+			static_cast<u8>(size) };
+		all.insert(all.end(), bytes.begin(), bytes.end());
+		return all;
+	}
+
+private:
+	const u8 on;
+	machine::bytes bytes;
+	std::multimap<u32, std::array<u8, 3>> events;
+};
+
+static std::string make_song(const std::string &folder)
+{
+	static constexpr int roots[] = { 0, 9, 5, 7 },
+			     melody[] = { 16, 12, 14, 19, 17, 12, 11, 14 };
+	song_track piano("Grand Piano", 0), bass("Bass", 1), harp("Harp", 2);
+	constexpr u32 beat = 960;
+	for (u32 bar = 0; bar < 24; bar++) {
+		const int root = roots[bar / 2 % 4];
+		const u32 start = bar * 3 * beat;
+		bass.play(start, 2 * beat, 36 + root);
+		for (u32 n : { 1u, 2u })
+			for (int third : { 0, 4, 7 })
+				piano.play(start + n * beat, beat / 2, 60 + root + third);
+		piano.play(start, 3 * beat / 2, 60 + melody[bar % 8]);
+		for (u32 n = 0; n < 6 && bar % 4 > 1; n++)
+			harp.play(start + n * beat / 2, beat / 3,
+				72 + root + static_cast<int>(n) * 4);
+	}
+	const std::string path = folder + "/Waltz.mid";
+	std::ofstream file(path, std::ios::binary);
+	machine::bytes all = { 'M', 'T', 'h', 'd', 0, 0, 0, 6, 0, 1, 0, 3, 3, 0xC0 };
+	for (song_track *track : { &piano, &bass, &harp })
+		for (const u8 byte : track->chunk())
+			all.push_back(byte);
+	file.write(reinterpret_cast<const char *>(all.data()),
+		static_cast<std::streamsize>(all.size()));
+	return path;
+}
+
 // The offscreen platform says at every window what it cannot do.
 static void leave_out_platform_remarks(QtMsgType, const QMessageLogContext &, const QString &words)
 {
@@ -234,6 +340,8 @@ static int travel(arguments *a)
 	std::filesystem::remove_all(a->out + "/data");
 	if (a->files.empty())
 		a->files = { make_file(a->out) };
+	if (a->song.empty())
+		a->song = make_song(a->out);
 	prepare_folder(a->out + "/data");
 	static const ui_service ui = jumping_ui();
 	install(&ui, &jumping_clock);
@@ -253,10 +361,14 @@ static int travel(arguments *a)
 		.name = "Demo S3000",
 		.next_on_the_cable = "Demo S900",
 		.usb = { { the_rack->usb_s5000, "Demo S5000", the_rack->usb_s5000.programs.size(),
-				 the_rack->usb_s5000.multis, replug(the_rack->usb_s5000) },
+				 the_rack->usb_s5000.multis, replug(the_rack->usb_s5000),
+				 s5000_walk },
 			{ the_rack->usb_z8, "Demo Z8", the_rack->usb_z8.programs.size(), {},
-				replug(the_rack->usb_z8) } },
+				replug(the_rack->usb_z8), z8_walk } },
 		.akp_sampler = &the_rack->usb_s5000,
+		.song = a->song,
+		.played = [] { return the_rack->played; },
+		.press_keys = [](machine::bytes keys) { port_wire(the_rack->keyboard).play(keys); },
 		.files = a->files,
 		.pictures = a->out,
 		.set_up = set_up,

@@ -139,7 +139,8 @@ inline constexpr std::array<u8, 8> request_sample_header = //
 	{ 0xF0, 0x47, 0x00, 0x0A, 0x48, 0x00, 0x00, 0xF7 };
 enum {
 	sample_header_function = 0x0B,
-	sample_header_name = 3
+	sample_header_name = 3,
+	sample_header_size = 50, // with all that is looked at
 };
 
 // ---- Parameters (akais1000_parameters.cpp) ------------------------------------------------

@@ -17,6 +17,7 @@
 // Knows nothing of: sample data, windows.
 
 #include "src/akais1000.h"
+#include "src/akais1000_samples.h"
 #include <algorithm>
 
 namespace velmor
@@ -190,10 +191,13 @@ void akai_s1000_getproglist(u8, u8 sysex_channel, _dev_status *status)
 
 // ---- Samples -------------------------------------------------------------------------------
 
-// The header decides the name; a sample whose header did not come that far keeps the list's.
-static void read_sample_name(const akai_answer &answer, _sample *sample)
+// The header decides the name; a sample whose header did not come that far keeps the list's. What
+// else it tells is shown beside the name.
+static void read_sample_name(const akai_answer &answer, int index, _sample *sample)
 {
 	const std::vector<u8> block = akai_bytes_from_nibbles(answer.view().from(akai_block));
+	if (block.size() >= sample_header_size && akai_is_header_of(answer, index))
+		akai_s1000_sample_from_header({ block }, index, sample);
 	if (block.size() >= sample_header_name + akai_name_size)
 		copy_text(sample->name,
 			akai_trimmed_name(bounded_bytes{ block }.from(sample_header_name)));
@@ -210,7 +214,7 @@ static void read_sample_names(u8 sysex_channel, _dev_status *status)
 		if (akai_interrupted(answer))
 			return;
 		silence.hear(answer);
-		read_sample_name(answer, &status->sample[i]);
+		read_sample_name(answer, i, &status->sample[i]);
 	}
 	if (silence.too_long())
 		log_line("[W] The sampler no longer answers, the names of the list are kept\r\n");

@@ -125,7 +125,7 @@ static void log_header(const _sample &sample, bounded_bytes block, u32 loop_fine
 		shown(sample.sample_rate));
 }
 
-static void sample_from_header(bounded_bytes block, int index, _sample *sample)
+void akai_s1000_sample_from_header(bounded_bytes block, int index, _sample *sample)
 {
 	sample->number = index;
 	sample->device_index = static_cast<u64>(index);
@@ -140,7 +140,6 @@ static void sample_from_header(bounded_bytes block, int index, _sample *sample)
 	sample->start_position = get_akai8_dword(block.from(header_start));
 	sample->end_position = get_akai8_dword(block.from(header_end));
 	sample->loop_end = get_akai8_dword(block.from(header_loop));
-	const u32 fine = get_akai8_word(block.from(header_loop_fine));
 	const u32 coarse = get_akai8_dword(block.from(header_loop_coarse));
 	// A loop that is longer than what lies ahead of its end starts at the beginning.
 	sample->loop_start = sample->loop_end - std::min<u64>(coarse, sample->loop_end);
@@ -148,7 +147,6 @@ static void sample_from_header(bounded_bytes block, int index, _sample *sample)
 	// The header has a rate word too, but it is the flag that counts.
 	sample->sample_rate = get_akai8_word(block.from(header_rate));
 	sample->sample_rate = block[header_rate_flag] ? 44100 : 22050;
-	log_header(*sample, block, fine, coarse);
 }
 
 static void log_s1000_bad_header(const akai_answer &answer)
@@ -180,8 +178,11 @@ static _sample *read_header(u8 sysex_channel, const char *name, bad_header_log l
 		log_bad_header(answer);
 		return nullptr;
 	}
-	sample_from_header(
-		{ akai_bytes_from_nibbles(answer.view().from(akai_block)) }, index, sample);
+	const std::vector<u8> bytes = akai_bytes_from_nibbles(answer.view().from(akai_block));
+	const bounded_bytes block = { bytes };
+	akai_s1000_sample_from_header(block, index, sample);
+	log_header(*sample, block, get_akai8_word(block.from(header_loop_fine)),
+		get_akai8_dword(block.from(header_loop_coarse)));
 	return sample;
 }
 

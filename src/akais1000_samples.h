@@ -46,6 +46,8 @@ int akai_samples_listed();
 int akai_find_sample(const char *name, bool log_compares);
 
 bool akai_is_header_of(const akai_answer &answer, int index);
+// What the block of a header tells, but for the name.
+void akai_s1000_sample_from_header(bounded_bytes block, int index, _sample *sample);
 // The header that came, under another name: 12 bytes of the alphabet over its own. Empty when
 // it is too short to hold one, because half a header must not go back.
 std::vector<u8> akai_renamed_block(const akai_answer &header, const u8 *name);

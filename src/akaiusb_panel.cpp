@@ -8,8 +8,9 @@
 // four bytes, and behind a whole one it is asked 1F 52 in a frame. It says more beside the picture
 // than the others, so that goes to a buffer of its own.
 //
-// A picture has a second to come, since another is asked for soon. What is left of an answer that
-// was cut short is read off the line before the device is closed.
+// A picture has a second to come, since another is asked for soon. One that comes short may be the
+// late answer to something else: then the line is read empty before the device is closed, as it
+// is behind a busy one, so that the next picture is none of the past.
 //
 // Knows nothing of: what the picture shows.
 
@@ -106,13 +107,17 @@ static bool fetch_part(_usbdev *usb, const panel_buffers &to, u8 *bytes, u32 *le
 
 static void fetch_panel(const panel_buffers &to, part_told pixels_told, part_told control_told)
 {
+	const u32 capacity = *to.pixel_length;
 	const open_usbdev usb = open_for_picture();
 	if (!usb || !ask_for_screen(usb.get(), to))
 		return;
 	if (!fetch_part(usb.get(), to, to.pixels, to.pixel_length, "PANEL-DATA", pixels_told))
 		return;
 	last_lcd_answer = lcd_answer::picture;
-	fetch_part(usb.get(), to, to.control, to.control_length, "CTRL-DATA", control_told);
+	const bool whole = *to.pixel_length == capacity;
+	if (fetch_part(usb.get(), to, to.control, to.control_length, "CTRL-DATA", control_told) &&
+		!whole)
+		usb_drop_answers(usb.get());
 }
 
 void akai_s5000_getpanel(

@@ -86,14 +86,24 @@ enum sampler_control : int {
 	sampler_midi_list = 10003,
 	sampler_control_list = 10004,
 	sampler_exclusive_list = 10005,
+	sampler_note_on = 10100,
+	sampler_note_off = 10101,
 	sampler_device_info = 10102,
+	sampler_monitor_on = 10103,
+	sampler_monitor_off = 10104,
+	sampler_pitch_list = 10110,
+	sampler_velocity_list = 10111,
+	sampler_all_notes_off = 16997,
 	sampler_tcp_group = 39000, // holds the others
 	sampler_tcp_address = 39001,
 	sampler_tcp_port = 39002,
 	sampler_tcp_on = 39003,
 	sampler_tcp_off = 39004,
 	sampler_tcp_status = 39005,
-	sampler_verdict = 60031, // who answered Get Device Info, or that nobody did
+	sampler_verdict = 60031,       // who answered Get Device Info, or that nobody did
+	sampler_monitor_state = 60033, // whether it runs, and how much has come
+	sampler_midi_in_text = 60034,  // the chosen ports, by name
+	sampler_midi_out_text = 60035,
 };
 
 enum progress_control : int {
@@ -197,10 +207,12 @@ enum programs_control : int {
 	programs_amp_envelope = 17410,
 	programs_filter_envelope = 17411,
 	programs_aux_envelope = 17412,
-	programs_adsr_form = 17413, // the sixteen envelope values
-	programs_tabs = 17420,      // 0 program, 1 keygroup, 2 keyzone, 3 envelopes
-	programs_unsent = 17421,    // "3 changes unsent"
-	programs_title = 17422,     // of what the chosen tab shows
+	programs_adsr_form = 17413,       // the sixteen envelope values, and those of the second
+	programs_second_envelope = 17414, // of the S1000 family
+	programs_tabs = 17420,            // 0 program, 1 keygroup, 2 keyzone, 3 envelopes
+	programs_unsent = 17421,          // "3 changes unsent"
+	programs_title = 17422,           // of what the chosen tab shows
+	programs_find_sample = 17423,     // "Find in the spool and upload", of a missing sample
 	programs_loaded_heading = 60014,
 	programs_local_heading = 60015,
 	programs_retry = 60024,
@@ -242,6 +254,8 @@ enum player_control : int {
 	player_tracks = 9107,      // the frames, and the strips beside them
 	player_file = 9108,        // which file, or why there is none
 	player_sounding = 9109,    // the sounding notes of all tracks
+	player_speed_form = 9111,
+	player_clock = 9110, // how far the song is, in minutes and seconds
 	player_mute = 9300,
 	player_channel = 9350,
 	player_stack = 9400,

@@ -25,10 +25,6 @@
 namespace velmor
 {
 
-// The tag of every line of this module in the log.
-inline constexpr char fs_tag[] = "fsmidi.cpp";
-#define fs_log(...) ::velmor::add_log_format(::velmor::fs_tag, __LINE__, __VA_ARGS__)
-
 inline constexpr std::size_t fs_text_size = 1024; // of a path, a part of one, an answer
 inline constexpr int max_disk_entries = 1 << 14;  // folders or files that an index reaches
 
@@ -223,7 +219,7 @@ _fs_handle *get_fs_from_handle(u64 handle);
 bool close_handle(u64 handle);
 // Print a system code and its words.
 void display_error(int code);
-// 0, or 3 when the buffer is too small. Access rights are the mount's: what is handed out says
+// 0, or 3 when the buffer is too small; descriptor may be null. Access rights are the mount's: what is handed out says
 // nothing of them.
 int get_security_descriptor(const char *name, void *descriptor, std::size_t *size);
 fs_status _get_volume_info(const char *source, int line, FSP_FSCTL_VOLUME_INFO *info);

@@ -145,7 +145,7 @@ static bool send_request(_usbdev *device, std::span<const u8> request, disk_answ
 		return false;
 	if (_sysex_midi_usb(device, request.data(), static_cast<int>(request.size()),
 		    answer->buffer.data(), static_cast<int>(answer->buffer.size()), &answer->length,
-		    fs_tag, __LINE__))
+		    __FILE_NAME__, __LINE__))
 		return true;
 	note_fault(fault_of_usb());
 	return false;
@@ -181,16 +181,33 @@ static bool ask(_usbdev *device, const disk_request &row, disk_answer *answer, i
 	return false;
 }
 
+// Other programs hold a sampler for moments, and one that waits a little does not fail.
+static bool open_patiently(_usbdev *device)
+{
+	static constexpr int wait_ms = 100, waits = 5, tries = 4;
+	for (int tried = 1;; tried++) {
+		if (open_midi_usb(device))
+			return true;
+		if (usb_last_result != usb_busy || tried == tries)
+			return false;
+		for (int waited = 0; waited < waits && may_go_on(); waited++)
+			host.ui->pump(wait_ms);
+		if (!may_go_on())
+			return false;
+	}
+}
+
 _usbdev *open_sampler(const char *name)
 {
 	_usbdev *device = find_usbdev(name);
 	if (!device)
 		note_fault(drive_not_found);
-	else if (may_go_on() && !open_midi_usb(device))
+	else if (may_go_on()) {
+		if (open_patiently(device))
+			return device;
 		note_fault(fault_of_usb());
-	if (device && device->device_handle != no_usb_handle)
-		return device;
-	fs_log("Sampler not found!");
+	}
+	log_line("Sampler not found!");
 	return nullptr;
 }
 
@@ -221,13 +238,13 @@ int get_sampler_volumes(_usbdev *device, sampler_volumes *volumes)
 	volumes->reset();
 	if (!ask(device, count_volumes, &answer)) {
 		close_midi_usb(device);
-		fs_log("Sampler cannot be midid!");
+		log_line("Sampler cannot be midid!");
 	}
 	const int count = answer[0];
 	if (count == 0)
 		return 0;
 	*volumes = std::make_unique<_sampler_volume[]>(static_cast<std::size_t>(count));
-	fs_log("--- SAMPLER has %d Volumes\n", count);
+	log_line("--- SAMPLER has %d Volumes\n", count);
 	(void)ask(device, list_volumes, &answer);
 	int read = 0;
 	for (std::size_t p = answer.at; p && read < count;) {
@@ -236,7 +253,7 @@ int get_sampler_volumes(_usbdev *device, sampler_volumes *volumes)
 		read += p != 0;
 	}
 	if (read < count)
-		fs_log("[W] The sampler announced %d volumes and listed %d\n", count, read);
+		log_line("[W] The sampler announced %d volumes and listed %d\n", count, read);
 	if (read == 0)
 		volumes->reset();
 	return read;
@@ -269,15 +286,15 @@ static bool change_to(_usbdev *device, std::string_view folder)
 bool _set_sampler_path(const char *source, int line, _usbdev *device, const _sampler_volume *volume,
 	const char *path)
 {
-	fs_log("+++ [%s: %d] REQUESTING SAMPLER-PATH: [%s] FOR VOLUME: [%s] "
-	       "(VOLUME-AKAI-HANDLE: %d)\n",
+	log_line("+++ [%s: %d] REQUESTING SAMPLER-PATH: [%s] FOR VOLUME: [%s] "
+		 "(VOLUME-AKAI-HANDLE: %d)\n",
 		source, line, path, volume->name, volume->handle);
 	disk_answer answer;
 	if (!ask(device, select_volume, &answer, volume->handle) || !change_to(device, ""))
 		return false;
 	for (const std::string &token : path_tokens(path)) {
 		const std::string folder = lower_case(token);
-		fs_log("+++ [%s: %d] Changing path to: [%s]\n", source, line, folder.c_str());
+		log_line("+++ [%s: %d] Changing path to: [%s]\n", source, line, folder.c_str());
 		if (!change_to(device, folder))
 			return false;
 	}
@@ -321,11 +338,11 @@ int _get_current_dirlist(const char *source, int line, _usbdev *device, sampler_
 	const int folders = ask_count(device, count_folders);
 	if (folders < 0)
 		return 0;
-	fs_log("+++++ [%s: %d] Found %d Directories\n", source, line, folders);
+	log_line("+++++ [%s: %d] Found %d Directories\n", source, line, folders);
 	const int file_count = ask_count(device, count_files);
 	if (file_count < 0)
 		return 0;
-	fs_log("+++++ [%s: %d] Found %d Files\n", source, line, file_count);
+	log_line("+++++ [%s: %d] Found %d Files\n", source, line, file_count);
 	*listed = std::make_unique<_sampler_file[]>(static_cast<std::size_t>(folders + file_count));
 	_sampler_file *entry = listed->get();
 	for (int i = 0; i < folders; i++)
@@ -360,7 +377,7 @@ static int find_file(const char *source, int line, _usbdev *device, const _sampl
 		name = folder.substr(cut + 1);
 		folder.resize(cut);
 	}
-	fs_log("The-PATH: [%s]...The-FILE: [%s]\n", folder.c_str(), name.c_str());
+	log_line("The-PATH: [%s]...The-FILE: [%s]\n", folder.c_str(), name.c_str());
 	if (!_set_sampler_path(source, line, device, volume, folder.c_str()))
 		return tell_folder(info, info_failed);
 	sampler_files listed;
@@ -374,7 +391,7 @@ static int find_file(const char *source, int line, _usbdev *device, const _sampl
 		info->AllocationSize = file.size >> 12;
 		return info_found;
 	}
-	fs_log("GET_FILE_INFO: Bad file name '%s'\n", name.c_str());
+	log_line("GET_FILE_INFO: Bad file name '%s'\n", name.c_str());
 	return info_failed;
 }
 
@@ -386,7 +403,7 @@ static int find_path(const char *source, int line, _usbdev *device, const drive_
 	const _sampler_volume *volume = find_sampler_volume(count, volumes, path.volume);
 	int found = info_failed;
 	if (!volume)
-		fs_log("Sampler-Volume not found!");
+		log_line("Sampler-Volume not found!");
 	else if (_set_sampler_path(source, line, device, volume, path.file))
 		found = tell_folder(info, info_found);
 	else
@@ -397,7 +414,7 @@ static int find_path(const char *source, int line, _usbdev *device, const drive_
 
 int _get_file_info(const char *source, int line, const char *path, FSP_FSCTL_FILE_INFO *info)
 {
-	fs_log("[%s:%d] FILE-INFO: [%s]\n", source, line, path);
+	log_line("[%s:%d] FILE-INFO: [%s]\n", source, line, path);
 	*info = {};
 	const u64 now = static_cast<u64>(host.clock->time_of_day());
 	info->CreationTime = info->LastAccessTime = info->LastWriteTime = info->ChangeTime = now;
@@ -415,7 +432,7 @@ int _get_file_info(const char *source, int line, const char *path, FSP_FSCTL_FIL
 void get_file_attributes(const char *name, FILE_ATTRIBUTE_TAG_INFO *info)
 {
 	info->FileAttributes = attribute_folder;
-	fs_log("[%s] ATTRIBUTES: %u\n", name, info->FileAttributes);
+	log_line("[%s] ATTRIBUTES: %u\n", name, info->FileAttributes);
 }
 
 } // namespace velmor

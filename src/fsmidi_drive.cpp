@@ -95,8 +95,8 @@ static void tell_silent(const bus_places &places)
 {
 	for (const auto &place : places)
 		if (!is_listed(place))
-			fs_log("[W] The USB sampler at [%s] is not shown: it does not answer, or "
-			       "another program is using it.\r\n",
+			log_line("[W] The USB sampler at [%s] is not shown: it does not answer, or "
+				 "another program is using it.\r\n",
 				place.first.c_str());
 }
 
@@ -213,7 +213,7 @@ static void tell_fault(const std::string &path, drive_result fault)
 	};
 	for (const auto &row : rows)
 		if (row.fault == fault)
-			fs_log("[W] [%s] %s\r\n", path.c_str(), row.words);
+			log_line("[W] [%s] %s\r\n", path.c_str(), row.words);
 }
 
 static void forget_sampler(const std::string &sampler)

@@ -53,13 +53,13 @@ bool close_handle(u64 handle)
 {
 	_fs_handle *entry = get_fs_from_handle(handle);
 	if (!entry) {
-		fs_log("WARNING: HANDLE %d not found!\n", static_cast<int>(handle));
+		log_line("WARNING: HANDLE %d not found!\n", static_cast<int>(handle));
 		return false;
 	}
 	entry->file_open = 0;
 	copy_text(entry->pathname, "");
 	entry->handle = 0;
-	fs_log("INFO: Closed handle: %d\n", static_cast<int>(handle));
+	log_line("INFO: Closed handle: %d\n", static_cast<int>(handle));
 	return true;
 }
 
@@ -76,11 +76,11 @@ void display_error(int code)
 // The sizes are for show; whatever they overflow to is of no account.
 fs_status _get_volume_info(const char *source, int line, FSP_FSCTL_VOLUME_INFO *info)
 {
-	fs_log("[%s:%d] VOLUME-INFO\n", source, line);
+	log_line("[%s:%d] VOLUME-INFO\n", source, line);
 	*info = {};
 	u64 free_bytes = 0, total_bytes = 0;
 	if (!host_drive || !host_drive->host_disk(&free_bytes, &total_bytes))
-		fs_log("GETFREE FAILED!");
+		log_line("GETFREE FAILED!");
 	info->TotalSize = total_bytes * total_factor;
 	info->FreeSize = total_bytes * free_factor;
 	info->VolumeLabelLength = sizeof volume_label - sizeof(char16_t);
@@ -90,7 +90,7 @@ fs_status _get_volume_info(const char *source, int line, FSP_FSCTL_VOLUME_INFO *
 
 static fs_status get_volume_info(FSP_FSCTL_VOLUME_INFO *info)
 {
-	return _get_volume_info(fs_tag, __LINE__, info);
+	return _get_volume_info(__FILE_NAME__, __LINE__, info);
 }
 
 // ---- Access rights -------------------------------------------------------------------------------------
@@ -98,13 +98,15 @@ static fs_status get_volume_info(FSP_FSCTL_VOLUME_INFO *info)
 int get_security_descriptor(const char *name, void *descriptor, std::size_t *size)
 {
 	pseudo_fcount++;
+	if (!descriptor)
+		return 0; // not wanted
 	if (*size < descriptor_size) {
-		fs_log("Descriptor too small! (%d/%d Bytes)\n", static_cast<int>(*size),
+		log_line("Descriptor too small! (%d/%d Bytes)\n", static_cast<int>(*size),
 			static_cast<int>(descriptor_size));
 		return descriptor_too_small;
 	}
 	std::memset(descriptor, 0, descriptor_size);
-	fs_log("New-Size: %d (Requested: %d) [%s]\n", static_cast<int>(descriptor_size),
+	log_line("New-Size: %d (Requested: %d) [%s]\n", static_cast<int>(descriptor_size),
 		static_cast<int>(*size), name);
 	*size = descriptor_size;
 	return 0;
@@ -114,7 +116,7 @@ int get_security_descriptor(const char *name, void *descriptor, std::size_t *siz
 static fs_status get_security_by_name(
 	const char *name, u32 *attributes, void *descriptor, std::size_t *size)
 {
-	fs_log("SECURITY: [%s]\n", name);
+	log_line("SECURITY: [%s]\n", name);
 	if (std::strlen(name) + 1 >= longest_name)
 		return status_object_name_invalid;
 	const std::string path = std::string("C") + name;
@@ -123,9 +125,9 @@ static fs_status get_security_by_name(
 		get_file_attributes(path.c_str(), &tag);
 		*attributes = tag.FileAttributes;
 	}
-	if (!descriptor || get_security_descriptor(path.c_str(), descriptor, size) == 0)
+	if (get_security_descriptor(path.c_str(), descriptor, size) == 0)
 		return status_success;
-	fs_log("Failed to get File-Security for [%s]\n", path.c_str());
+	log_line("Failed to get File-Security for [%s]\n", path.c_str());
 	return status_object_name_invalid;
 }
 
@@ -155,15 +157,16 @@ static fs_status enter_path(const char *name, const PTFS_FILE_CONTEXT &context, 
 {
 	_fs_handle *entry = free_entry();
 	if (!entry) {
-		fs_log("Too many open files (%d/%d)!\n", max_fs_handles, max_fs_handles);
+		log_line("Too many open files (%d/%d)!\n", max_fs_handles, max_fs_handles);
 		return status_insufficient_resources;
 	}
 	copy_text(entry->pathname, name);
 	entry->pathname_len = static_cast<int>(std::strlen(name));
 	entry->file_open = 1;
 	entry->handle = context.Handle;
-	fs_log("### Requesting OPEN FOR: [%s], FILE-INFO: %d, FILE-NAME-LEN: %d Bytes --> Handle: "
-	       "%d\n",
+	log_line(
+		"### Requesting OPEN FOR: [%s], FILE-INFO: %d, FILE-NAME-LEN: %d Bytes --> Handle: "
+		"%d\n",
 		name, wants_info, entry->pathname_len, static_cast<int>(context.Handle));
 	return status_success;
 }
@@ -179,12 +182,12 @@ static fs_status open(const char *name, u32 options, FSP_FILE_SYSTEM_INTERFACE::
 	context->Handle = myhandles++;
 	if (std::strlen(name) >= fs_text_size)
 		return status_object_name_invalid;
-	fs_log("OPEN: [%s] [%s]\n", name, option_names(options).c_str());
+	log_line("OPEN: [%s] [%s]\n", name, option_names(options).c_str());
 	const fs_status entered = enter_path(name, *context, info != nullptr);
 	if (entered != status_success)
 		return entered;
 	if (info)
-		(void)_get_file_info(fs_tag, __LINE__, name, info);
+		(void)_get_file_info(__FILE_NAME__, __LINE__, name, info);
 	*opened = context.release();
 	return status_success;
 }
@@ -196,7 +199,7 @@ void make_close_semaphore()
 {
 	close_semaphore.reset(new (std::nothrow) int(1));
 	if (!close_semaphore) {
-		fs_log("FATAL: Cannot create 'close_semaphore'\n");
+		log_line("FATAL: Cannot create 'close_semaphore'\n");
 		end_program(0);
 	}
 }
@@ -220,10 +223,10 @@ static fs_status get_file_info(PTFS_FILE_CONTEXT *context, FSP_FSCTL_FILE_INFO *
 {
 	const _fs_handle *entry = get_fs_from_handle(context->Handle);
 	if (!entry) {
-		fs_log("WARNING: Handle %d not found!\n", static_cast<int>(context->Handle));
+		log_line("WARNING: Handle %d not found!\n", static_cast<int>(context->Handle));
 		return status_invalid_device_request;
 	}
-	(void)_get_file_info(fs_tag, __LINE__, entry->pathname, info);
+	(void)_get_file_info(__FILE_NAME__, __LINE__, entry->pathname, info);
 	return status_success;
 }
 
@@ -281,11 +284,11 @@ static void read_directory_buffer(const fs_directory_buffer &from, const char *m
 static fs_status list_folder(fs_directory_buffer *buffer, _usbdev *device,
 	const _sampler_volume &volume, const char *path)
 {
-	if (!_set_sampler_path(fs_tag, __LINE__, device, &volume, path))
+	if (!_set_sampler_path(__FILE_NAME__, __LINE__, device, &volume, path))
 		return status_invalid_device_request;
 	sampler_files listed;
-	const int count = _get_current_dirlist(fs_tag, __LINE__, device, &listed);
-	fs_log("Found: %d Sampler-Files\n", count);
+	const int count = _get_current_dirlist(__FILE_NAME__, __LINE__, device, &listed);
+	log_line("Found: %d Sampler-Files\n", count);
 	for (int i = 0; i < count; i++) {
 		const _sampler_file &file = listed[static_cast<std::size_t>(i)];
 		add_record(buffer, file.name, file.attributes, file.size);
@@ -327,7 +330,7 @@ static fs_status fill_directory_buffer(fs_directory_buffer *buffer, const char *
 	add_record(buffer, ".", attribute_folder);
 	add_record(buffer, "..", attribute_folder);
 	drive_path path;
-	_get_path_parts(fs_tag, __LINE__, pathname, path.sampler, path.volume, path.file);
+	_get_path_parts(__FILE_NAME__, __LINE__, pathname, path.sampler, path.volume, path.file);
 	if (*path.sampler)
 		return list_sampler(buffer, path);
 	for (const _usbdev &device : usbdev)
@@ -342,11 +345,11 @@ static fs_status read_directory(PTFS_FILE_CONTEXT *context, const char *pattern,
 	const _fs_handle *entry = get_fs_from_handle(context->Handle);
 	if (!entry)
 		return status_invalid_device_request;
-	fs_log("READDIR: [%s] PATTERN: [%s] MARKER: [%s]\n", entry->pathname,
+	log_line("READDIR: [%s] PATTERN: [%s] MARKER: [%s]\n", entry->pathname,
 		pattern ? pattern : "", marker ? marker : "");
 	fs_directory_buffer *own = &context->DirBuffer;
 	if (!acquire_directory_buffer(own, !marker)) {
-		fs_log("FSPFILESYSTEMACQUIRE FAILED! [%d]\n",
+		log_line("FSPFILESYSTEMACQUIRE FAILED! [%d]\n",
 			static_cast<int>(status_invalid_device_request));
 		return status_invalid_device_request;
 	}
@@ -362,7 +365,7 @@ static fs_status read_directory(PTFS_FILE_CONTEXT *context, const char *pattern,
 
 static fs_status refuse(const char *what)
 {
-	fs_log("Requesting %s!", what);
+	log_line("Requesting %s!", what);
 	return status_invalid_device_request;
 }
 
@@ -375,7 +378,7 @@ const FSP_FILE_SYSTEM_INTERFACE PtfsInterface = {
 	.Create = [](const char *, u32, context_ref *) { return refuse("CREATE"); },
 	.Open = open,
 	.Overwrite = [](context_ref) { return refuse("Overwrite"); },
-	.Cleanup = [](context_ref) { fs_log("Requesting Cleanup!"); },
+	.Cleanup = [](context_ref) { log_line("Requesting Cleanup!"); },
 	.Close = close,
 	.Read = [](context_ref, void *, u64, u32, u32 *) { return refuse("Read"); },
 	.Write = [](context_ref, const void *, u64, u32, u32 *) { return refuse("Write"); },

@@ -44,13 +44,13 @@ void _get_path_parts(const char *source, int line, const char *path, char (&samp
 	path = skip_joint(path);
 	const char *end = end_of_part(path);
 	copy_text(sampler, { path, end });
-	fs_log("[%s:%d] ___ANALYZING --> SAMPLER:   [%s]\n", source, line, sampler);
+	log_line("[%s:%d] ___ANALYZING --> SAMPLER:   [%s]\n", source, line, sampler);
 	path = skip_joint(end);
 	end = end_of_part(path);
 	copy_text(volume, { path, end });
-	fs_log("[%s:%d] ___ANALYZING --> VOLUME:    [%s]\n", source, line, volume);
+	log_line("[%s:%d] ___ANALYZING --> VOLUME:    [%s]\n", source, line, volume);
 	copy_text(file_path, skip_joint(end));
-	fs_log("[%s:%d] ___ANALYZING --> FILE-PATH: [%s]\n", source, line, file_path);
+	log_line("[%s:%d] ___ANALYZING --> FILE-PATH: [%s]\n", source, line, file_path);
 }
 
 std::vector<std::string> path_tokens(std::string_view path)

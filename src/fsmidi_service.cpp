@@ -74,12 +74,12 @@ static double creation_time()
 {
 	double made = 0;
 	if (!host_drive->host_made(&made)) {
-		fs_log("STAT FAILED!!!");
+		log_line("STAT FAILED!!!");
 		end_program(0);
 	}
 	const std::time_t seconds = static_cast<std::time_t>(made);
 	const char *words = std::ctime(&seconds);
-	fs_log("Creation time for [%s]: %s", "\\", words ? words : "\n");
+	log_line("Creation time for [%s]: %s", "\\", words ? words : "\n");
 	return made;
 }
 
@@ -94,23 +94,23 @@ static fs_status create_filesystem()
 		parameters_of(volume_parameters(made)), sampler_drive, MountPoint.c_str(), &why);
 	if (code == 0)
 		return status_success;
-	fs_log("RESULT FSPFILESYSTEMCREATE: %d\n", code);
+	log_line("RESULT FSPFILESYSTEMCREATE: %d\n", code);
 	display_error(code);
-	fs_log("[F] %s\r\n", why.c_str());
+	log_line("[F] %s\r\n", why.c_str());
 	return status_invalid_device_request;
 }
 
 fs_status SvcStart()
 {
-	fs_log("[D] SVCSTART...\r");
+	log_line("[D] SVCSTART...\r");
 	const fs_status created = create_filesystem();
 	if (created != status_success) {
-		fs_log("cannot create file system");
+		log_line("cannot create file system");
 		end_program(0);
 		return created;
 	}
 	if (!host_drive->start(calls_wait)) {
-		fs_log("cannot start file system");
+		log_line("cannot start file system");
 		host_drive->stop();
 		end_program(0);
 		return status_invalid_device_request;
@@ -120,7 +120,7 @@ fs_status SvcStart()
 
 fs_status SvcStop()
 {
-	fs_log("[D] SVCEND...\r");
+	log_line("[D] SVCEND...\r");
 	return status_success;
 }
 
@@ -141,7 +141,7 @@ static void list_samplers()
 {
 	init_usb(1);
 	for (std::size_t i = 0; i < usbdev.size(); i++)
-		fs_log("[D] FSQX: Sampler(%d) [%s]\r\n", static_cast<int>(i), usbdev[i].usb_name);
+		log_line("[D] FSQX: Sampler(%d) [%s]\r\n", static_cast<int>(i), usbdev[i].usb_name);
 	refresh_samplers();
 }
 
@@ -160,8 +160,8 @@ void start_filesystem()
 	Result = run_service(SvcStart, SvcStop);
 	host_drive->stop();
 	Ptfs.reset();
-	fs_log("[D] FSPSERVICERUN STATUS: %d\r\n", static_cast<int>(Result));
-	fs_log("[D] FSPLOAD COMPLETED: %d\r\n", static_cast<int>(Result));
+	log_line("[D] FSPSERVICERUN STATUS: %d\r\n", static_cast<int>(Result));
+	log_line("[D] FSPLOAD COMPLETED: %d\r\n", static_cast<int>(Result));
 }
 
 } // namespace velmor

@@ -111,11 +111,6 @@ static open_usbdev open_panel(const line_words &words)
 	return nullptr;
 }
 
-static bool send(_usbdev *usb, std::span<const u8> payload, usb_answer *answer)
-{
-	return ask_usb(usb, payload, answer);
-}
-
 static void hold_key()
 {
 	const double until = host.clock->counter() + key_down_ms / 1000.0;
@@ -130,18 +125,40 @@ struct panel_message {
 	const char *told; // its name in the log, or null
 };
 
+// A sampler may say that it has heard before it says what came of it. What was told is the first;
+// the rest is read all the same, or it would pass for the answer to what comes next.
+static constexpr char status_heard = 'O';
+static constexpr std::string_view last_statuses = "DER"; // done, refused, a reply
+static constexpr int rest_deadline_ms = 1000;
+
+// True when the last of it has come.
+static bool read_rest(_usbdev *usb, usb_answer *answer)
+{
+	const auto status = [&] { return static_cast<char>(usb_status(usb, *answer)); };
+	for (int i = 0; status() == status_heard && i < max_continued_packets; i++)
+		if (!read_midi_usb(usb, answer->buffer.data(),
+			    static_cast<int>(answer->buffer.size()), &answer->length,
+			    rest_deadline_ms))
+			return true; // the next opening waits for it
+	return last_statuses.find(status()) != last_statuses.npos;
+}
+
 static bool send_messages(_usbdev *usb, std::span<const panel_message> messages, int capacity)
 {
+	bool whole = true;
 	for (std::size_t i = 0; i < messages.size(); i++) {
 		if (i)
 			hold_key();
 		usb_answer answer(capacity);
-		if (!send(usb, messages[i].payload, &answer))
+		if (!ask_usb(usb, messages[i].payload, &answer))
 			return false;
 		if (messages[i].told)
 			log_line("[D] Received RESPONSE(%s) (%d Bytes) [%s]\r\n", messages[i].told,
 				answer.length, hex_text(answer.bytes().bytes).c_str());
+		whole &= read_rest(usb, &answer);
 	}
+	if (!whole)
+		usb_drop_answers(usb);
 	return true;
 }
 

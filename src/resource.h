@@ -224,7 +224,7 @@ struct _local_sample {
 	char displayname[256]; // file name without extension
 };
 
-struct _sampler_ctrl; // a control of the front panel; no panel is built yet
+struct _sampler_ctrl; // a control of the front panel (lcd.h)
 
 // Bits of sampler_flags.
 enum : u8 {

@@ -111,6 +111,7 @@ struct bulk_exchange {
 	int runs = 0;
 	std::size_t wanted = 0; // bytes to read, 0 for none
 	int deadline_ms = raw_deadline_ms;
+	int owed_ms = framed_deadline_ms; // how long an answer that did not come may still be late
 };
 enum exchange_outcome : int {
 	exchange_done,

@@ -218,7 +218,7 @@ static void exchange_failed(bulk_exchange *e, exchange_outcome outcome)
 		read && (usb_last_result == usb_timeout || usb_last_result == usb_cancelled);
 	const double now = host.clock->counter();
 	double &until = unread_devices[e->usb->device_path];
-	until = std::max(until, owed ? now + framed_deadline_ms / 1000.0 : now);
+	until = std::max(until, owed ? now + e->owed_ms / 1000.0 : now);
 	if (usb_last_result == usb_stalled)
 		host.usb->reset_pipe(e->usb->interface_handle,
 			static_cast<u8>(e->usb->pipe_id | (read ? in_pipe_bit : 0)));
@@ -355,6 +355,8 @@ bool read_midi_usb(_usbdev *usb, u8 *data, int maxlen, int *_received, int deadl
 {
 	bulk_exchange e;
 	e.deadline_ms = deadline_ms;
+	// Less patience now is more later.
+	e.owed_ms = 2 * framed_deadline_ms - std::min(deadline_ms, framed_deadline_ms);
 	std::size_t received = 0;
 	begin_exchange(&e, usb, {}, static_cast<std::size_t>(std::max(maxlen, 0)));
 	const bool done = finish_exchange(&e, data, &received) == exchange_done;

@@ -9,6 +9,7 @@
 #include <map>
 #include <memory>
 #include <tuple>
+#include <utility>
 
 namespace velmor
 {
@@ -317,6 +318,13 @@ int edit_add_keygroup(_program &program, int keyzones)
 	return program.keygroups - 1;
 }
 
+static void sampler_lost(history *h, const _program &program, int keygroup)
+{
+	const int read = keygroup_as_read(program, keygroup);
+	if (read >= 0)
+		drop_keygroup(h->as_read.get(), &h->ids_as_read, read);
+}
+
 bool edit_remove_keygroup(_program &program, int keygroup, bool sampler_told)
 {
 	if (keygroup < 0 || keygroup >= program.keygroups || program.keygroups > max_keygroups)
@@ -325,17 +333,32 @@ bool edit_remove_keygroup(_program &program, int keygroup, bool sampler_told)
 	const int id = h.ids[static_cast<std::size_t>(keygroup)];
 	const keygroup_removed change = { id, keygroup,
 		std::make_shared<_keygroup>(program.keygroup[keygroup]) };
+	if (sampler_told)
+		sampler_lost(&h, program, keygroup);
 	act(&program, &h, change, true);
-	const int read = index_of(h.ids_as_read, id);
-	if (sampler_told && read >= 0)
-		drop_keygroup(h.as_read.get(), &h.ids_as_read, read);
 	new_step(&h, { { format_text("Keygroup %d deleted", keygroup + 1), "", "" }, { change } },
 		{});
 	tell_change(&program);
 	return true;
 }
 
-static bool step_over(_program &program, bool forward)
+int keygroup_that_goes(const _program &program, bool forward)
+{
+	const history *h = find_history(program);
+	if (!h || (forward ? h->undone : h->done).empty())
+		return -1;
+	for (const one_change &change : (forward ? h->undone : h->done).back().changes) {
+		const auto *removed = std::get_if<keygroup_removed>(&change);
+		const auto *added = std::get_if<keygroup_added>(&change);
+		if (removed && forward)
+			return removed->index;
+		if (added && !forward)
+			return index_of(h->ids, added->id);
+	}
+	return -1;
+}
+
+static bool step_over(_program &program, bool forward, bool sampler_told)
 {
 	history *h = find_history(program);
 	if (!h)
@@ -344,6 +367,8 @@ static bool step_over(_program &program, bool forward)
 	auto &to = forward ? h->done : h->undone;
 	if (from.empty())
 		return false;
+	if (sampler_told)
+		sampler_lost(h, program, keygroup_that_goes(program, forward));
 	edit_step step = std::move(from.back());
 	from.pop_back();
 	if (forward)
@@ -358,14 +383,14 @@ static bool step_over(_program &program, bool forward)
 	return true;
 }
 
-bool undo_edit(_program &program)
+bool undo_edit(_program &program, bool sampler_told)
 {
-	return step_over(program, false);
+	return step_over(program, false, sampler_told);
 }
 
-bool redo_edit(_program &program)
+bool redo_edit(_program &program, bool sampler_told)
 {
-	return step_over(program, true);
+	return step_over(program, true, sampler_told);
 }
 
 const edit_words *undo_words(const _program &program)
@@ -474,15 +499,31 @@ int unsent_changes()
 	return all;
 }
 
-void edits_sent(const _program &program)
+// Behind the keygroups that were sent, a sampler that had more still has what stood there.
+static int keep_surplus(history *h, const _program &before)
 {
+	int kept = 0;
+	for (int k = h->as_read->keygroups; k < before.keygroups && k < max_keygroups;
+		k++, kept++) {
+		h->as_read->keygroup[h->as_read->keygroups++] = before.keygroup[k];
+		h->ids_as_read.push_back(h->next_id++);
+	}
+	return kept;
+}
+
+int edits_sent(const _program &program, bool surplus_stays)
+{
+	int kept = 0;
 	if (history *h = find_history(program)) {
-		*h->as_read = program;
+		const std::unique_ptr<_program> before =
+			std::exchange(h->as_read, std::make_unique<_program>(program));
 		h->ids_as_read = h->ids;
 		h->touched.clear();
 		h->movement = {};
+		kept = surplus_stays ? keep_surplus(h, *before) : 0;
 	}
 	tell_change(&program);
+	return kept;
 }
 
 void forget_edits(const _program &program)

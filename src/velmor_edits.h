@@ -68,9 +68,12 @@ int edit_add_keygroup(_program &program, int keyzones);
 // nothing unsent, and taking it back is.
 bool edit_remove_keygroup(_program &program, int keygroup, bool sampler_told);
 
-// False when there is nothing to undo or to do again.
-bool undo_edit(_program &program);
-bool redo_edit(_program &program);
+// False when there is nothing to undo or to do again. sampler_told: the sampler has removed the
+// keygroup that goes already.
+bool undo_edit(_program &program, bool sampler_told = false);
+bool redo_edit(_program &program, bool sampler_told = false);
+// The keygroup that undoing, or, forward, doing again takes out of the program; -1 for none.
+int keygroup_that_goes(const _program &program, bool forward);
 // Of the step that would be undone or done again; null when there is none.
 const edit_words *undo_words(const _program &program);
 const edit_words *redo_words(const _program &program);
@@ -98,8 +101,9 @@ unsent_counts unsent_changes(const _program &program, int keygroup, int keyzone)
 int unsent_changes();
 
 // The sampler has taken the program (or its file was written): nothing is unsent. Undo goes on
-// behind it.
-void edits_sent(const _program &program);
+// behind it. surplus_stays: but for keygroups that only the sampler has, which stay behind those
+// of the program; how many there are.
+int edits_sent(const _program &program, bool surplus_stays = false);
 // The record was read anew, or is no more: of this program, or of all.
 void forget_edits(const _program &program);
 void forget_edits();

@@ -337,11 +337,17 @@ struct row_event {
 
 static bool typing; // a number moves the bar, whose own event stores
 
+// The envelopes are a keygroup's too.
+static bool of_keygroups(const row_event &e)
+{
+	return e.table().control == form_of_keygroup || e.table().control == programs_adsr_form;
+}
+
 static bool to_all(const row_event &e)
 {
 	if (e.row->apply == applying::alone)
 		return false;
-	return e.table().control == form_of_keygroup  ? apply_all_keygroups()
+	return of_keygroups(e)                        ? apply_all_keygroups()
 	       : e.table().control == form_of_keyzone ? apply_all_keyzones()
 						      : false;
 }
@@ -355,7 +361,7 @@ static std::vector<field_change> changes_for(const row_event &e, const field_val
 			{ { e.row->also, place.at.keygroup, place.at.keyzone + 1 }, value });
 	if (!to_all(e))
 		return changes;
-	const bool of_keygroup = e.table().control == form_of_keygroup;
+	const bool of_keygroup = of_keygroups(e);
 	const int count = of_keygroup ? place.program->keygroups : e.table().keyzones;
 	if (of_keygroup && e.row->apply_word)
 		log_line("[D] Applying %s to %d Keygroups!\r\n", e.row->apply_word, count);

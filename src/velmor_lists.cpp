@@ -107,6 +107,8 @@ static outcome read_list(const list_reading &reading)
 	list->way = way_key();
 	dev->status = 0;
 	dev->*reading.count = -1;
+	for (_sample &sample : dev->sample)
+		sample.sample_rate = 0; // another sample may come to stand there
 	for (list_operation read : reading.operations)
 		if (read && !close_requested())
 			read(control_channel(), exclusive_channel(), dev);

@@ -17,7 +17,6 @@
 #include "src/controls.h"
 #include "src/velmor_files.h"
 #include "src/velmor_midi.h"
-#include "src/velmor_sysex.h"
 #include "src/velmor_window.h"
 #include <algorithm>
 #include <cmath>
@@ -34,7 +33,8 @@ int play_the_file = track_stopped;
 static constexpr int tick_ms = 10;
 static constexpr u64 frequency = 1000000; // of the counter
 static constexpr double held_up = 0.25;   // seconds: longer than any pump
-static constexpr double patience = 2;     // seconds beyond those that the wire needs
+static constexpr double byte_seconds = 10 / 31250.0;
+static constexpr double patience = 2; // seconds beyond those that the wire needs
 static constexpr u8 status_bit = 0x80, note_bits = 0x90;
 static constexpr int silenced_channels = 15;
 static constexpr int after_pause = 16; // the event with which a paused track goes on
@@ -81,7 +81,9 @@ static bool wait_until_left(int handle, int length, outcome *why)
 		if (waits_since >= end)
 			return port_failed(
 				failed, "It does not send. Is the interface still connected?", why);
-		let_bytes_leave(handle, left);
+		// The port wakes the interface; one that is late is asked when the wire is free.
+		const double milliseconds = static_cast<double>(left) * byte_seconds * 1000;
+		host.ui->pump(static_cast<int>(std::ceil(std::clamp(milliseconds, 1.0, 100.0))));
 	}
 	return false;
 }
@@ -101,15 +103,32 @@ bool play_midi_data(const u8 *data, int length, outcome *why)
 	return wait_until_left(handle, length, why);
 }
 
-// On what is open: notes that no port has are none that could hang.
-static void let_go_of_notes()
+static bool letting_go = false, once_more = false;
+
+// True: the port failed.
+static bool silence_channels()
 {
 	outcome ignored;
 	for (int channel = 0; channel < silenced_channels && the_outHandle >= 0; channel++) {
 		const u8 all_notes_off[] = { static_cast<u8>(0xB0 | channel), 123, 0 };
 		if (play_midi_data(all_notes_off, sizeof all_notes_off, &ignored))
-			return;
+			return true;
 	}
+	return false;
+}
+
+// On what is open: notes that no port has are none that could hang. Stop may be pressed again
+// inside these sends; only a song that began and ended meanwhile has to be silenced once more.
+static void let_go_of_notes(bool of_a_song = false)
+{
+	once_more = once_more || of_a_song;
+	if (letting_go)
+		return;
+	letting_go = true;
+	do
+		once_more = false;
+	while (!silence_channels() && once_more);
+	letting_go = false;
 }
 
 // ---- What sounds ------------------------------------------------------------------------------
@@ -333,6 +352,7 @@ static void settle_tracks(_midif *file)
 
 void stop_really_all(int window)
 {
+	const bool ended = playing;
 	if (playing) {
 		host.ui->stop_timer(timer);
 		playing = false;
@@ -342,7 +362,7 @@ void stop_really_all(int window)
 		timer_mid = nullptr;
 		settle_tracks(file);
 	}
-	let_go_of_notes();
+	let_go_of_notes(ended);
 	// The sends above may have let another song begin.
 	show_buttons(window, playing);
 }
@@ -538,7 +558,7 @@ void play_track(int window, _midif *file, int track)
 
 void forget_midi_player()
 {
-	playing = false;
+	playing = letting_go = once_more = false;
 	timer_mid = nullptr;
 	timer_is_busy = 0;
 	tick_number++;

@@ -59,6 +59,8 @@ static void log_multis(const std::vector<std::string> &names)
 void show_multi_setup()
 {
 	open_window(window_multis);
+	host.ui->set_reason(window_multis, multis_download,
+		"Multis stay in the sampler: there is nothing here that could keep one");
 	const outcome offered = current_sampler
 					? offers_list(&_sampler_type::getmultilist)
 					: outcome{ .how = ending::refused,
@@ -81,6 +83,9 @@ void show_multi_setup()
 	show_outcome(read);
 }
 
+// The button is there and never works.
+static void download_nothing() {}
+
 // ---- Rows ------------------------------------------------------------------------------------
 
 // clang-format off
@@ -90,11 +95,13 @@ static constexpr caption_row multis_captions[] = {
 	{ window_multis, multis_list,    "Multis", "The multis in the sampler's memory", "The sampler holds no multis" },
 	{ window_multis, multis_heading, "State of the list", "How many multis, and when they were read", nullptr },
 	{ window_multis, multis_retry,   "Try again", "Ask the sampler once more", nullptr },
+	{ window_multis, multis_download, "Download this Multi", nullptr, nullptr },
 	{ window_multis, multis_refresh, "&Refresh", "Read the sampler anew", nullptr },
 	{ window_multis, control_cancel, "&Cancel", "Close this window", nullptr },
 };
 static constexpr command_row multis_commands[] = {
 	{ window_multis, multis_refresh, show_multi_setup,           alone  },
+	{ window_multis, multis_download, download_nothing,          alone  },
 	{ window_multis, multis_retry,   show_multi_setup,           alone  },
 	{ window_multis, control_cancel, hide_window<window_multis>, always },
 };

@@ -248,13 +248,21 @@ void lcd_timer_proc()
 		run_through_gate(view_lcd_display);
 }
 
+static bool has_picture()
+{
+	return panel.model && !panel.bits.empty() && panel.answer == lcd_answer::picture;
+}
+
 static void view_panel()
 {
 	timer_active = 0;
 	panel.rounds = {};
 	view_lcd_display();
-	if (panel.open)
-		show_outcome({ .line = "Keys typed on this computer go to the sampler." });
+	if (panel.open && has_picture())
+		show_outcome(
+			{ .line = panel.model->ctrl
+					  ? "Keys typed on this computer go to the sampler."
+					  : "This sampler shows its screen and takes no keys." });
 }
 
 // ---- Messages --------------------------------------------------------------------------------
@@ -402,11 +410,6 @@ template <int scale> static void choose_scale()
 {
 	for (int i = 0; i < 3; i++)
 		host.ui->set_checked(window_panel, scales[i], i + 1 == scale);
-}
-
-static bool has_picture()
-{
-	return panel.model && !panel.bits.empty() && panel.answer == lcd_answer::picture;
 }
 
 static void copy_picture()

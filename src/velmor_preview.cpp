@@ -165,6 +165,20 @@ void show_local_selection()
 	show_import_preview({});
 }
 
+// ---- Beside a name ------------------------------------------------------------------------------
+
+std::vector<std::string> wave_columns(const std::string &path)
+{
+	input_file wave;
+	wave_shape shape;
+	if (!read_shape(path, wave, &shape).empty() || !shape.rate)
+		return {};
+	const double seconds = static_cast<double>(shape.frames) / shape.rate;
+	return { format_text("%.2f s", seconds), format_text("%u Hz", shape.rate),
+		format_text("%u", shape.channels), format_text("%u", shape.bits),
+		shape.loop_end > shape.loop_start ? "yes" : "no" };
+}
+
 // ---- Options ----------------------------------------------------------------------------------
 
 struct import_choice {

@@ -221,6 +221,12 @@ static outcome send_record(const _sampler_type &model, int index, _program *loca
 	return result;
 }
 
+// An S900 takes a program whole; others keep what keygroups they have more.
+static bool sends_the_count(const _sampler_type &model)
+{
+	return model.saveprogram == akai_s900_save_program;
+}
+
 outcome save_program(const program_entry &which)
 {
 	const ready_program r = prepare(which, &_sampler_type::saveprogram);
@@ -228,8 +234,12 @@ outcome save_program(const program_entry &which)
 		return r.why;
 	outcome result = send_record(*r.model, r.index, nullptr, r.program);
 	if (result.done()) {
-		edits_sent(*r.program);
+		const int surplus = edits_sent(*r.program, !sends_the_count(*r.model));
 		result.line = "Sent " + quoted(which.name) + " to the sampler.";
+		if (surplus && result.words.empty() && result.told.empty())
+			result.words = format_text("The program on the sampler keeps %s that this "
+						   "one does not have.",
+				counted(surplus, "keygroup").c_str());
 	} else {
 		result.line = result.how == ending::stopped
 				      ? "Sending " + quoted(which.name) + " was stopped."
@@ -388,6 +398,19 @@ void remove_keygroup(_program *program, int keygroup, bool sampler_told)
 	log_line("[D] New count of Keygroups: %d\r\n", program->keygroups);
 }
 
+// What the sampler does not have yet, it need not remove.
+static outcome tell_deletion(const ready_program &r, int keygroup)
+{
+	const int read = keygroup_as_read(*r.program, keygroup);
+	if (read < 0)
+		return {};
+	box_keeper keeper;
+	const line_watch watch;
+	forget_stop();
+	r.model->del_keygroup(r.index, read);
+	return end_of_operation(&keeper, watch);
+}
+
 outcome delete_keygroup(const program_entry &which, int keygroup)
 {
 	const ready_program r = prepare(which, &_sampler_type::del_keygroup);
@@ -396,62 +419,51 @@ outcome delete_keygroup(const program_entry &which, int keygroup)
 	if (keygroup < 0 || keygroup >= r.program->keygroups)
 		return { .how = ending::refused, .words = "There is no such keygroup." };
 	log_line("[D] Deleting from PROG: %d Keygroup: %d !\r\n", r.index, keygroup);
-	// What the sampler does not have yet, it need not remove.
-	const int read = keygroup_as_read(*r.program, keygroup);
-	outcome result;
-	if (read >= 0) {
-		box_keeper keeper;
-		const line_watch watch;
-		forget_stop();
-		r.model->del_keygroup(r.index, read);
-		result = end_of_operation(&keeper, watch);
-	}
+	outcome result = tell_deletion(r, keygroup);
 	if (result.done())
-		remove_keygroup(r.program, keygroup, read >= 0);
+		remove_keygroup(r.program, keygroup, true);
 	result.line = result.done() ? format_text("Deleted keygroup %d of ", keygroup + 1) +
 					      quoted(which.name) + "."
 				    : format_text("Keygroup %d was not deleted.", keygroup + 1);
 	return one_box(result);
 }
 
-// ---- To the sampler -----------------------------------------------------------------------------------------
-
-std::vector<std::string> samples_of(const _program &program)
+static bool step_over(_program &program, bool forward, bool sampler_told)
 {
-	std::vector<std::string> names;
-	for (int k = 0; k < std::clamp(program.keygroups, 0, max_keygroups); k++)
-		for (int z = 0; z < std::clamp(program.keygroup[k].keyzones, 0, max_keyzones);
-			z++) {
-			const std::string name =
-				without_end_blanks(program.keygroup[k].keyzone[z].samplename);
-			if (!name.empty() &&
-				std::find(names.begin(), names.end(), name) == names.end())
-				names.push_back(name);
-		}
-	return names;
+	return forward ? redo_edit(program, sampler_told) : undo_edit(program, sampler_told);
 }
 
-bool is_loaded_sample(const std::string &name)
+outcome step_edit(const program_entry &which, bool forward)
 {
-	for (const std::string &loaded : loaded_names())
-		if (without_end_blanks(loaded) == without_end_blanks(name))
-			return true;
-	return false;
-}
-
-std::vector<std::string> required_files(const _program &program)
-{
-	std::vector<std::string> paths;
-	for (const std::string &name : samples_of(program)) {
-		const std::string path = wave_path_of(spool_folder() + "\\" + file_name_of(name));
-		file_info info;
-		if (host.files->stat(path.c_str(), &info) == 0 && info.regular) {
-			log_line("Found valid sample: [%s]\r\n", path.c_str());
-			paths.push_back(path);
-		}
+	outcome result;
+	const _sampler_type *model = loaded_model(&result);
+	const int place = place_of(which);
+	if (!model || place < 0)
+		return model ? outcome{ .how = ending::refused,
+			.words = quoted(which.name) + " is not on the sampler any more." }
+			     : result;
+	_program &program = current_sampler->status->program[place];
+	const int goes = keygroup_that_goes(program, forward);
+	if (!model->del_keygroup || keygroup_as_read(program, goes) < 0) {
+		(void)step_over(program, forward, false);
+		return {};
 	}
-	return paths;
+	const ready_program r = prepare(which, &_sampler_type::del_keygroup);
+	// The list may have been read anew, and the edits with it.
+	const bool same = r.why.done() && keygroup_that_goes(*r.program, forward) == goes;
+	result = same ? tell_deletion(r, goes) : r.why;
+	if (same && result.done())
+		(void)step_over(*r.program, forward, true);
+	else if (!same && result.done())
+		result = { .how = ending::refused,
+			.words = "The programs were read anew, and what was edited before is known "
+				 "no more." };
+	else if (result.line.empty())
+		result.line = format_text("Keygroup %d was not deleted.", goes + 1);
+	return one_box(result);
 }
+
+// ---- To the sampler -----------------------------------------------------------------------------------------
 
 // "a, b, c and 12 more".
 std::string first_of(const std::vector<std::string> &names)

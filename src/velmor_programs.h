@@ -35,6 +35,9 @@ outcome delete_program(const program_entry &which);
 outcome rename_program(const program_entry &which, const std::string &new_name);
 // The sampler is told at once, and the keygroups behind it move down.
 outcome delete_keygroup(const program_entry &which, int keygroup);
+// Undo an edit, or, forward, do it again. Where a keygroup goes that the sampler holds, the
+// sampler is told first, as saving would leave it there; while it does not do it, nothing changes.
+outcome step_edit(const program_entry &which, bool forward);
 // Keygroups behind it move down by one, in memory alone.
 void remove_keygroup(_program *program, int keygroup, bool sampler_told = false);
 
@@ -45,6 +48,10 @@ outcome upload_program(const _program &program);
 std::vector<std::string> required_files(const _program &program);
 // Send those files, one verdict for all.
 outcome upload_files(const std::vector<std::string> &paths);
+
+// A sample that a program names and the sampler lacks: send the spool's file of that name, also
+// in other letters, or one that a sampler would call so. The list of samples is read again.
+outcome find_and_upload(const std::string &name);
 
 // Bring a loaded program and the samples that it names to this computer, one verdict for all.
 outcome download_program(const program_entry &which);

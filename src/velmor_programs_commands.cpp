@@ -99,6 +99,21 @@ static void choose_zone_sample()
 	show_zone_sample(*program, current_keygroup_index, current_keyzone_index);
 }
 
+static void find_missing_sample()
+{
+	if (const char *why = why_not_find()) {
+		show_outcome({ .how = ending::refused, .words = why });
+		return;
+	}
+	const _keygroup &keygroup = shown_program()->keygroup[current_keygroup_index];
+	const outcome result = find_and_upload(keygroup.keyzone[current_keyzone_index].samplename);
+	if (!close_requested()) {
+		fill_again();
+		show_loaded_samples();
+	}
+	show_outcome(result);
+}
+
 static void refresh()
 {
 	show_pgm_setup(std::max(chosen_on_sampler().index, 0));
@@ -226,29 +241,52 @@ static void delete_chosen_keygroup()
 
 // ---- Undo ---------------------------------------------------------------------------------------------------
 
-static void step_back_or_on(bool (*step)(_program &))
+static void show_step(bool keygroups_changed)
 {
-	_program *program = shown_program();
-	const int before = program ? program->keygroups : 0;
-	if (!program || !step(*program))
-		return;
-	if (program->keygroups != before)
-		show_program_again();
+	if (keygroups_changed)
+		fill_again();
 	else
 		refresh_forms(window_programs);
+	const _program *program = shown_program();
+	if (!program)
+		return;
 	show_zone_sample(*program, current_keygroup_index, current_keyzone_index);
 	host.ui->set_text(window_programs, programs_keygroup_facts,
 		facts_of(*program, current_keygroup_index).c_str());
 }
 
+static void step_back_or_on(bool forward)
+{
+	_program *program = shown_program();
+	const edit_words *next = !program  ? nullptr
+				 : forward ? redo_words(*program)
+					   : undo_words(*program);
+	if (!next)
+		return;
+	const edit_words step = *next;
+	const int before = program->keygroups;
+	outcome result;
+	if (!shown_is_local())
+		result = step_edit(
+			{ without_end_blanks(program->name), current_pgm_index }, forward);
+	else
+		(void)(forward ? redo_edit(*program) : undo_edit(*program));
+	if (!close_requested())
+		show_step(!result.done() || program->keygroups != before);
+	if (result.done())
+		say_edit((forward ? "Done again: " : "Undone: ") + sentence_of(step));
+	else
+		show_outcome(result);
+}
+
 static void undo_shown()
 {
-	step_back_or_on(undo_edit);
+	step_back_or_on(false);
 }
 
 static void redo_shown()
 {
-	step_back_or_on(redo_edit);
+	step_back_or_on(true);
 }
 
 // ---- Forms ----------------------------------------------------------------------------------------------------
@@ -351,8 +389,10 @@ void upload_selected_local_program()
 			result.line += samples.line.empty() ? "" : " " + samples.line;
 		}
 	}
-	if (!close_requested())
+	if (!close_requested()) {
 		fill_again();
+		show_loaded_samples();
+	}
 	show_outcome(result);
 }
 
@@ -447,6 +487,7 @@ static constexpr caption_row programs_captions[] = {
 	{ window_programs, programs_keyzone_list,    "Keyzone", "The velocity zones of the keygroup", "No keyzone" },
 	{ window_programs, programs_keygroup_facts,  "Key range", "The keys of the chosen keygroup", nullptr },
 	{ window_programs, programs_zone_sample,     "Sample", "The sample that the keyzone plays", nullptr },
+	{ window_programs, programs_find_sample,     "Find in the spool and upload", "Send the spool's file of that name to the sampler", nullptr },
 	{ window_programs, programs_voice_form,      "Keygroup Specials Management", "Show every parameter of the keygroup", nullptr },
 	{ window_programs, programs_zone_form,       "Keyzone Special Parameters", "Show every parameter of the keyzone", nullptr },
 	{ window_programs, programs_program_form,    "Program-Specials Management", "Show every parameter of the program", nullptr },
@@ -459,6 +500,7 @@ static constexpr caption_row programs_captions[] = {
 	{ window_programs, programs_redo,            "Redo Edit", "Make the edit again that was taken back last", nullptr },
 	{ window_programs, programs_key_map,         "Key map", "Each keygroup over its keys; drag an edge to change its range, press a key to hear it", nullptr },
 	{ window_programs, programs_amp_envelope,    "Amplifier envelope", "Drag a point to change it", nullptr },
+	{ window_programs, programs_second_envelope, "Envelope 2", "Drag a point to change it", nullptr },
 	{ window_programs, programs_filter_envelope, "Filter envelope", "Drag a point to change it", nullptr },
 	{ window_programs, programs_aux_envelope,    "Auxiliary envelope", "Drag a point to change it", nullptr },
 	{ window_programs, programs_adsr_form,       "Envelopes", nullptr, nullptr },
@@ -497,6 +539,7 @@ static constexpr command_row programs_commands[] = {
 	{ window_programs, programs_save_changes,    save_changes,           alone  },
 	{ window_programs, programs_add_keygroup,    add_keygroup,           alone  },
 	{ window_programs, programs_delete_keygroup, delete_chosen_keygroup, alone  },
+	{ window_programs, programs_find_sample,     find_missing_sample,    alone  },
 	{ window_programs, programs_undo,            undo_shown,             alone  },
 	{ window_programs, programs_redo,            redo_shown,             alone  },
 };

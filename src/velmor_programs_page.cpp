@@ -81,6 +81,20 @@ bool sample_missing(const std::string &name)
 	return local_side ? !in_spool(name) : !samples_there.contains(name);
 }
 
+const char *why_not_find()
+{
+	const _program *program = shown_program();
+	const field_place at = { field_of<&_keyzone::samplename>, current_keygroup_index,
+		current_keyzone_index };
+	if (!program || !place_exists(*program, at))
+		return "No keyzone is chosen.";
+	const std::string name = without_end_blanks(text_at(*program, at));
+	if (name.empty() || !sample_missing(name))
+		return "The sample of the chosen keyzone is there, or it names none.";
+	return local_side ? "Samples of a program of this computer are sent with the program."
+			  : nullptr;
+}
+
 static program_entry chosen_of(int list, const std::vector<std::string> &names)
 {
 	const int index = host.ui->selection(window_programs, list);
@@ -127,17 +141,42 @@ void show_title()
 		window_programs, programs_title, program ? title_of(*program).c_str() : "");
 }
 
+// ---- What was edited --------------------------------------------------------------------------------
+
+static std::string or_none(const std::string &value)
+{
+	return value.empty() ? "none" : value;
+}
+
+std::string sentence_of(const edit_words &edit)
+{
+	const bool values = !edit.from.empty() || !edit.to.empty();
+	return edit.what +
+	       (values ? " from " + or_none(edit.from) + " to " + or_none(edit.to) : "");
+}
+
+void say_edit(const std::string &sentence)
+{
+	const _program *program = shown_program();
+	const bool unsent = program && unsent_changes(*program).all();
+	say_line(sentence + (!unsent             ? ""
+				    : local_side ? "; not saved yet"
+						 : "; not sent yet"),
+		text_role::plain);
+}
+
 static std::string changes_words(int count)
 {
 	return count ? format_text("%d change%s unsent", count, count == 1 ? "" : "s") : "";
 }
 
-// The name, and how many keygroups.
+// The name, how many keygroups, and how many changes wait, where some do.
 static std::vector<std::string> entry_of(const std::string &name, const _program &program)
 {
-	const int unsent = unsent_changes(program).all();
-	return { unsent ? name + format_text(" (%d unsent)", unsent) : name,
-		std::to_string(program.keygroups) };
+	std::vector<std::string> entry = { name, std::to_string(program.keygroups) };
+	if (const int unsent = unsent_changes(program).all())
+		entry.push_back(std::to_string(unsent));
+	return entry;
 }
 
 // A list is set only when it changes: it may be shown while a bar is dragged.
@@ -190,6 +229,16 @@ static void program_changed(const _program *program)
 	show_entries();
 	show_key_map();
 	show_envelopes();
+}
+
+// An edit that came back to where it began is none.
+static void edited(const _program *program)
+{
+	program_changed(program);
+	if (!was_opened(window_programs) || !program || program != shown_program())
+		return;
+	const edit_words *last = undo_words(*program);
+	say_edit(last ? sentence_of(*last) : "Nothing is edited");
 }
 
 // ---- Showing a program, a keygroup, a zone --------------------------------------------------------
@@ -463,7 +512,7 @@ void show_pgm_setup(int selection)
 		open_window(window_programs);
 		return;
 	}
-	edits_changed = program_changed;
+	edits_changed = edited;
 	program_entry loaded = chosen_on_sampler();
 	if (loaded.index != selection)
 		loaded = { "", selection };

@@ -37,15 +37,23 @@ void fill_lists(const program_entry &loaded, const program_entry &local);
 void show_title();
 void show_zone_sample(const _program &program, int keygroup, int keyzone);
 std::string facts_of(const _program &program, int keygroup);
+// Why the sample of the chosen zone cannot be looked for in the spool; null: it can.
+const char *why_not_find();
+// "Cutoff of keygroup 7 from 20 to 38", and the same at the foot, with what is left to do.
+std::string sentence_of(const edit_words &edit);
+void say_edit(const std::string &sentence);
 
 // ---- Pictures and notes (velmor_programs_views.cpp) ------------------------------------------------
 
 void show_key_map();
+void stop_test_note();
+void change_key_map(key_map_event event, int group, int zone, int value, int amount);
+
+// ---- Envelopes (velmor_programs_envelopes.cpp) -------------------------------------------------------
+
 void show_envelopes();
 void open_adsr_form();
-void stop_test_note();
 void change_adsr_form(int row, form_event event, int value);
-void change_key_map(key_map_event event, int group, int zone, int value, int amount);
 void drag_envelope(int control, envelope_event event, int index, int value);
 template <int control> void change_envelope(envelope_event event, int index, int value)
 {

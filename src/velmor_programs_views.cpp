@@ -1,6 +1,6 @@
-// velmor_programs_views.cpp - the key map, the envelopes and the test notes of the program manager
+// velmor_programs_views.cpp - the key map and the test notes of the program manager
 //
-// Other views of the fields that the forms show: what is dragged here is edited as a form's bar
+// Another view of the fields that the forms show: what is dragged here is edited as a form's bar
 // edits it, and is one step however long it is dragged.
 //
 // Knows nothing of: toolkits, models.
@@ -85,6 +85,7 @@ void show_key_map()
 	if (!was_opened(window_programs))
 		return;
 	const _program *program = shown_program();
+	host.ui->set_reason(window_programs, programs_find_sample, why_not_find());
 	if (!program) {
 		host.ui->set_key_map(window_programs, programs_key_map, nullptr);
 		return;
@@ -151,140 +152,6 @@ void change_key_map(key_map_event event, int group, int zone, int value, int amo
 	for (const map_edge &edge : edges)
 		if (edge.event == event)
 			drag_edge(edge, group, zone, value);
-}
-
-// ---- Envelopes ------------------------------------------------------------------------------------
-
-static const form_unit plain_unit = { "" };
-
-static form_table_row bar(const char *label, named_field<_keygroup> field)
-{
-	return { .kind = row_kind::slider,
-		.label = label,
-		.field = field,
-		.bar = { 0, 100 },
-		.edit = { 0, 100 },
-		.unit = &plain_unit,
-		.log_word = field.name };
-}
-
-static form_table_row heading(const char *words)
-{
-	return { .kind = row_kind::heading, .label = words };
-}
-
-static const form_table_row adsr_rows[] = {
-	heading("Amplifier"),
-	bar("Attack", field_of<&_keygroup::amp_attack>),
-	bar("Decay", field_of<&_keygroup::amp_decay>),
-	bar("Sustain", field_of<&_keygroup::amp_sustain>),
-	bar("Release", field_of<&_keygroup::amp_release>),
-	heading("Filter"),
-	bar("Attack", field_of<&_keygroup::filter_attack>),
-	bar("Decay", field_of<&_keygroup::filter_decay>),
-	bar("Sustain", field_of<&_keygroup::filter_sustain>),
-	bar("Release", field_of<&_keygroup::filter_release>),
-	heading("Auxiliary"),
-	bar("Rate 1", field_of<&_keygroup::aux_rate1>),
-	bar("Rate 2", field_of<&_keygroup::aux_rate2>),
-	bar("Rate 3", field_of<&_keygroup::aux_rate3>),
-	bar("Rate 4", field_of<&_keygroup::aux_rate4>),
-	bar("Level 1", field_of<&_keygroup::aux_rate1_level>),
-	bar("Level 2", field_of<&_keygroup::aux_rate2_level>),
-	bar("Level 3", field_of<&_keygroup::aux_rate3_level>),
-	bar("Level 4", field_of<&_keygroup::aux_rate4_level>),
-};
-
-static bool adsr_busy;
-static void adsr_callback(int window, i32 pgm, i32 kg, i32 kz, unsigned message,
-	std::uintptr_t first, std::intptr_t second);
-static const form_table adsr_table = { .control = programs_adsr_form,
-	.rows = adsr_rows,
-	.shown_for = nullptr,
-	.callback = adsr_callback,
-	.busy = &adsr_busy,
-	.first_id = 17500 };
-
-static void adsr_callback(int window, i32 pgm, i32 kg, i32 kz, unsigned message,
-	std::uintptr_t first, std::intptr_t second)
-{
-	if (!adsr_busy)
-		take_form_event(adsr_table, window, pgm, kg, kz, message, first, second);
-}
-
-void open_adsr_form()
-{
-	open_form(adsr_table, window_programs, current_pgm_index, current_keygroup_index,
-		current_keyzone_index);
-}
-
-void change_adsr_form(int row, form_event event, int value)
-{
-	adsr_callback(window_programs, current_pgm_index, current_keygroup_index,
-		current_keyzone_index, static_cast<unsigned>(event),
-		static_cast<std::uintptr_t>(row), value);
-}
-
-// A curve: consecutive rows of the table.
-struct envelope_row {
-	int control;
-	envelope_shape shape;
-	std::size_t first, count;
-};
-static constexpr envelope_row envelopes[] = {
-	{ programs_amp_envelope, envelope_shape::adsr, 1, 4 },
-	{ programs_filter_envelope, envelope_shape::adsr, 6, 4 },
-	{ programs_aux_envelope, envelope_shape::rates_and_levels, 11, 8 },
-};
-
-static field_place envelope_place(const envelope_row &row, std::size_t index)
-{
-	return { adsr_rows[row.first + index].field, current_keygroup_index, -1 };
-}
-
-static void show_envelope(const envelope_row &row, const _program &program)
-{
-	envelope_view view = { row.shape, {}, {}, 0, 100, {} };
-	for (std::size_t i = 0; i < row.count; i++) {
-		const field_place at = envelope_place(row, i);
-		const auto read = value_as_read(program, at);
-		view.values.push_back(number_at(program, at));
-		view.as_read.push_back(read ? std::get<i32>(*read) : view.values.back());
-		const std::string label = adsr_rows[row.first + i].label;
-		view.letters.push_back(
-			row.shape == envelope_shape::adsr
-				? label.substr(0, 1)
-				: label.substr(0, 1) + label.substr(label.size() - 1));
-	}
-	host.ui->set_envelope(window_programs, row.control, &view);
-}
-
-void show_envelopes()
-{
-	const _program *program = shown_program();
-	for (const envelope_row &row : envelopes)
-		if (program && place_exists(*program, envelope_place(row, 0)))
-			show_envelope(row, *program);
-		else
-			host.ui->set_envelope(window_programs, row.control, nullptr);
-}
-
-// The same event that the bar of that value would send.
-void drag_envelope(int control, envelope_event event, int index, int value)
-{
-	_program *program = shown_program();
-	for (const envelope_row &row : envelopes) {
-		if (row.control != control || !program || index < 0 ||
-			static_cast<std::size_t>(index) >= row.count)
-			continue;
-		if (event == envelope_event::drag_end) {
-			end_gesture(*program);
-			continue;
-		}
-		const int place = static_cast<int>(row.first) + index;
-		change_adsr_form(place, form_event::drag, value);
-		refresh_forms(window_programs);
-	}
 }
 
 } // namespace velmor

@@ -12,6 +12,7 @@
 #include "src/waveqx.h"
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 namespace velmor
 {
@@ -36,6 +37,8 @@ static constexpr int needs_the_list[] = { samples_download, samples_download_all
 
 // The names as the list shows them.
 static std::vector<std::string> shown_loaded;
+
+using list_rows = std::vector<std::vector<std::string>>;
 
 // An entry of a list, by its name and place; -1 for none.
 struct chosen_entry {
@@ -78,9 +81,10 @@ static bool no_local(const chosen_entry &entry)
 
 // Fill a list, and choose what was chosen before: the name where it was, the name elsewhere, or
 // what stands in its place now.
-static void refill(int control, const std::vector<std::string> &names, const chosen_entry &before)
+static void refill(int control, const list_rows &rows, const std::vector<std::string> &names,
+	const chosen_entry &before)
 {
-	host.ui->set_list(window_samples, control, names);
+	host.ui->set_rows(window_samples, control, rows);
 	const int count = static_cast<int>(names.size());
 	if (!count)
 		return;
@@ -98,20 +102,85 @@ static void clear_details()
 		host.ui->set_text(window_samples, field, "");
 }
 
+// Name, length, rate, pitch and loop, where the sampler's list told more than the name.
+static std::vector<std::string> loaded_row(const _sample &sample)
+{
+	std::vector<std::string> row = { sample.name };
+	if (!sample.sample_rate)
+		return row;
+	const double words = static_cast<double>(sample.end_position) -
+			     static_cast<double>(sample.start_position);
+	row.push_back(format_text(
+		"%.2f s", std::max(0.0, words / static_cast<double>(sample.sample_rate))));
+	row.push_back(format_text("%llu Hz", static_cast<unsigned long long>(sample.sample_rate)));
+	row.push_back(display_midi_note(sample.original_pitch));
+	row.push_back(sample.loop_end > sample.loop_start ? "yes" : "no");
+	return row;
+}
+
 static void fill_loaded(const chosen_entry &before)
 {
 	shown_loaded = loaded_names();
-	refill(samples_loaded_list, shown_loaded, before);
+	list_rows rows;
+	for (std::size_t i = 0; i < shown_loaded.size(); i++)
+		rows.push_back(loaded_row(current_sampler->status->sample[i]));
+	refill(samples_loaded_list, rows, shown_loaded, before);
 	clear_details();
+}
+
+// ---- What the files of the spool tell ---------------------------------------------------------
+
+// Heads are read after the names are shown, a few at a time, as a disk may be slow.
+static list_rows local_rows;
+static std::size_t local_heads_read;
+static int head_timer;
+
+static void stop_reading_heads()
+{
+	if (head_timer)
+		host.ui->stop_timer(std::exchange(head_timer, 0));
+}
+
+// False when there is more to read.
+static bool read_heads()
+{
+	constexpr double longest = 0.008; // seconds
+	const double began = host.clock->counter();
+	while (local_heads_read < std::min(local_rows.size(), local_sample.size()) &&
+		host.clock->counter() - began < longest) {
+		const std::size_t i = local_heads_read++;
+		const std::vector<std::string> told =
+			wave_columns(wave_path_of(local_sample[i].pathname));
+		local_rows[i].insert(local_rows[i].end(), told.begin(), told.end());
+	}
+	return local_heads_read >= local_rows.size();
+}
+
+static void read_more_heads()
+{
+	if (!read_heads())
+		return;
+	stop_reading_heads();
+	const int chosen = host.ui->selection(window_samples, samples_local_list);
+	host.ui->set_rows(window_samples, samples_local_list, local_rows);
+	if (chosen >= 0)
+		host.ui->select(window_samples, samples_local_list, chosen);
 }
 
 static void fill_local(const chosen_entry &before)
 {
 	load_local_samples(nullptr);
 	std::vector<std::string> names;
-	for (const _local_sample &local : local_sample)
+	local_rows.clear();
+	for (const _local_sample &local : local_sample) {
 		names.emplace_back(local.displayname);
-	refill(samples_local_list, names, before);
+		local_rows.push_back({ local.displayname });
+	}
+	stop_reading_heads();
+	local_heads_read = 0;
+	if (!read_heads())
+		head_timer = host.ui->start_timer(1, read_more_heads);
+	refill(samples_local_list, local_rows, names, before);
 	host.ui->set_text(window_samples, samples_local_heading,
 		format_text("%d sample%s", local_samples, local_samples == 1 ? "" : "s").c_str());
 	clear_details();
@@ -122,6 +191,12 @@ void show_spool()
 {
 	if (was_opened(window_samples))
 		fill_local(chosen_local());
+}
+
+void show_loaded_samples()
+{
+	if (was_opened(window_samples) && shown_loaded != loaded_names())
+		fill_loaded(chosen_loaded());
 }
 
 void update_sample_page()

@@ -5,6 +5,7 @@
 #include "src/lcd.h"
 #include "src/usbqx.h"
 #include "src/velmor_midi.h"
+#include "src/velmor_monitor.h"
 #include "src/velmor_window.h"
 #include <cstdlib>
 #include <cstring>
@@ -25,6 +26,8 @@ static void leave()
 		return;
 	if (song_plays())
 		stop_really_all(window_midi_files);
+	end_monitor();
+	end_test_notes();
 	log_line("[D] Closing Application!\r\n");
 	end_program(0);
 }
@@ -103,6 +106,17 @@ static void choose_midi_out()
 	forget_if_another(way);
 }
 
+// The bridge is the sampler dialog's; from here it is only noted that it was wanted.
+static void note_tcp()
+{
+	log_line("Requesting TCP instead of MIDI\r\n");
+}
+
+static void note_midi()
+{
+	log_line("Requesting MIDI instead of TCP\r\n");
+}
+
 // ---- Sampler dialog -----------------------------------------------------------------------
 
 template <std::size_t size>
@@ -129,6 +143,7 @@ static void fill_sampler_lists()
 	host.ui->set_list(window_sampler, sampler_midi_list, up_to_null(midi_channel));
 	host.ui->set_list(window_sampler, sampler_control_list, up_to_null(midi_channel));
 	host.ui->set_list(window_sampler, sampler_exclusive_list, up_to_null(sysex_chan));
+	fill_note_lists();
 }
 
 static void show_verdict(const std::string &words, text_role role)
@@ -152,7 +167,16 @@ void show_sampler_setup()
 	host.ui->set_text(
 		window_sampler, control_ok, current_sampler ? "Save changes" : "Create new");
 	show_verdict("", text_role::quiet);
+	show_chosen_ports();
 	open_window(window_sampler);
+}
+
+// Nobody is left who could end what it began.
+static void hide_sampler_dialog()
+{
+	end_test_notes();
+	monitor_off();
+	host.ui->show(window_sampler, 0, false);
 }
 
 static void keep_sampler()
@@ -162,7 +186,7 @@ static void keep_sampler()
 	if (!entry_is_edited())
 		empty_open_pages();
 	forget_edited_entry();
-	host.ui->show(window_sampler, 0, false);
+	hide_sampler_dialog();
 }
 
 static void ask_device_info()
@@ -259,6 +283,7 @@ void set_up_windows()
 static constexpr caption_row main_captions[] = {
 	// window          control                  caption, tooltip, empty
 	{ window_main,     0,                       "VELMOR Sysex-Tools", nullptr, nullptr },
+	{ window_main,     menu_midi_files,         "Manage MIDI-Files", "Play a Standard MIDI File to the sampler", nullptr },
 	{ window_main,     menu_exit,               "E&xit", "Close the program", nullptr },
 	{ window_main,     menu_settings,           "Basic settings", "Choose the MIDI ports and the folder for your samples", nullptr },
 	{ window_main,     menu_midi_samplers,      "Manage MIDI &Samplers", "Tell the program about a sampler that is connected by MIDI", nullptr },
@@ -273,6 +298,7 @@ static constexpr caption_row main_captions[] = {
 };
 static constexpr command_row main_commands[] = {
 	// window          control                  what it does               when
+	{ window_main,     menu_midi_files,         midi_files_win_show,       alone  },
 	{ window_main,     menu_exit,               without_panel<leave>, always },
 	{ window_main,     menu_settings,           without_panel<show_midi_setup>, alone  },
 	{ window_main,     menu_midi_samplers,      without_panel<show_sampler_setup>, alone  },
@@ -296,6 +322,8 @@ static constexpr caption_row settings_captions[] = {
 static constexpr command_row settings_commands[] = {
 	{ window_settings, control_ok,              keep_settings,             alone  },
 	{ window_settings, control_cancel,          hide_window<window_settings>, always },
+	{ window_settings, sampler_tcp_on,          note_tcp,                  alone  },
+	{ window_settings, sampler_tcp_off,         note_midi,                 alone  },
 };
 static constexpr command_row settings_selections[] = {
 	{ window_settings, settings_midi_in,        choose_midi_in,            alone  },
@@ -319,11 +347,26 @@ static constexpr caption_row sampler_captions[] = {
 	{ window_sampler,  sampler_tcp_off,         "Use MIDI instead of TCP", "Send the messages to the MIDI port again", nullptr },
 	{ window_sampler,  sampler_tcp_status,      "Status:", "Which way the messages go now", "USING MIDI" },
 	{ window_sampler,  sampler_verdict,         "Answer of the sampler", nullptr, nullptr },
+	{ window_sampler,  sampler_pitch_list,      "Note:", "The note that is played; 60 is middle C", nullptr },
+	{ window_sampler,  sampler_velocity_list,   "Velocity:", "How hard it is played", nullptr },
+	{ window_sampler,  sampler_note_on,         "Note on", "Play the note on the MIDI channel above", nullptr },
+	{ window_sampler,  sampler_note_off,        "Note off", "End the note", nullptr },
+	{ window_sampler,  sampler_all_notes_off,   "All Note Off", "End all notes of the MIDI channel above", nullptr },
+	{ window_sampler,  sampler_monitor_on,      "Mon. on", "Pass on what comes in to the sampler, and tell it in the log", nullptr },
+	{ window_sampler,  sampler_monitor_off,     "Mon. off", "End the monitor", nullptr },
+	{ window_sampler,  sampler_monitor_state,   "Monitor:", nullptr, nullptr },
+	{ window_sampler,  sampler_midi_in_text,    "MIDI-In (Monitor):", "Where the monitor listens; Basic settings choose it", nullptr },
+	{ window_sampler,  sampler_midi_out_text,   "MIDI-Out:", "Where notes go; Basic settings choose it", nullptr },
 };
 static constexpr command_row sampler_commands[] = {
 	{ window_sampler,  control_ok,              keep_sampler,              alone  },
-	{ window_sampler,  control_cancel,          hide_window<window_sampler>, always },
+	{ window_sampler,  control_cancel,          hide_sampler_dialog,       always },
 	{ window_sampler,  sampler_device_info,     ask_device_info,           alone  },
+	{ window_sampler,  sampler_note_on,         test_note_on,              alone  },
+	{ window_sampler,  sampler_note_off,        test_note_off,             always },
+	{ window_sampler,  sampler_all_notes_off,   all_test_notes_off,        always },
+	{ window_sampler,  sampler_monitor_on,      monitor_on,                alone  },
+	{ window_sampler,  sampler_monitor_off,     monitor_off,               always },
 	{ window_sampler,  sampler_tcp_on,          turn_tcp_on,               alone  },
 	{ window_sampler,  sampler_tcp_off,         turn_tcp_off,              alone  },
 };

@@ -11,7 +11,8 @@ namespace velmor
 {
 
 static constexpr int windows_with_status[] = { window_main, window_settings, window_sampler,
-	window_usb, window_multis, window_samples, window_programs, window_panel };
+	window_usb, window_multis, window_samples, window_programs, window_panel,
+	window_midi_files };
 
 // The last outcome, as every window shows it.
 struct last_outcome {
@@ -68,6 +69,11 @@ void show_outcome(const outcome &result)
 	// Who is closing the program has what the sampler is left with to read, and no more.
 	if (!result.words.empty() && !close_requested())
 		show_box(result.caption.c_str(), "%s", result.words.c_str());
+}
+
+void say_line(const std::string &line, text_role role)
+{
+	shown_outcome = { line, role };
 }
 
 // ---- Lists of the sampler ------------------------------------------------------------------------

@@ -14,7 +14,6 @@
 //
 // Knows nothing of: models, the content of messages.
 
-#include "src/velmor_sysex.h"
 #include "src/controls.h"
 #include "src/rmidi.h"
 #include "src/velmor_midi.h"
@@ -33,6 +32,7 @@ int selected_midi_in_interface = -1, selected_midi_out_interface = -1;
 int selected_midi_in_mon_interface = -1;
 int the_outHandle = -1;
 
+static constexpr double byte_seconds = 10 / 31250.0;
 static constexpr int pump_ms = 100; // longest wait for the interface
 static constexpr u8 start_byte = 0xF0;
 static constexpr u8 end_byte = 0xF7;
@@ -119,9 +119,9 @@ static bool open_output()
 	return code == 0;
 }
 
-// The port wakes the interface; a port that forgets to is asked when the bytes should be out,
-// and every 10 ms from then on.
-void let_bytes_leave(int handle, long count)
+// Run the interface until the bytes have left, a tenth of a second at most. The port wakes it;
+// a port that forgets to is asked when the bytes should be out, and every 10 ms from then on.
+static void let_bytes_leave(int handle, long count)
 {
 	const double end = host.clock->counter() + pump_ms / 1000.0;
 	double rest = end - host.clock->counter();

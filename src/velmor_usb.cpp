@@ -260,6 +260,12 @@ static void ask_usb_device()
 			text_role::failed);
 }
 
+// A sampler on the USB has no bridge: only said in the log.
+static void note_midi()
+{
+	log_line("Requesting MIDI instead of TCP\r\n");
+}
+
 static void rename_usb_sampler()
 {
 	update_usb_sampler_name();
@@ -288,6 +294,7 @@ static constexpr command_row usb_commands[] = {
 	{ window_usb,      control_cancel,          hide_window<window_usb>,   always },
 	{ window_usb,      usb_device_info,         ask_usb_device,            alone  },
 	{ window_usb,      usb_update,              rename_usb_sampler,        alone  },
+	{ window_usb,      sampler_tcp_off,         note_midi,                 alone  },
 };
 static constexpr command_row usb_selections[] = {
 	{ window_usb,      usb_device_list,         choose_usb_device,         alone  },

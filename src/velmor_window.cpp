@@ -53,7 +53,7 @@ static const window_rows progress_rows = { progress_captions, progress_commands 
 
 static const window_rows *const all_rows[] = { &main_rows, &entry_rows, &settings_rows,
 	&sampler_rows, &usb_rows, &samples_rows, &programs_rows, &multis_rows, &panel_rows,
-	&progress_rows, &status_rows };
+	&player_rows, &progress_rows, &status_rows };
 
 static std::vector<caption_row> all_captions()
 {
@@ -196,6 +196,9 @@ static bool run_row(const command_row *row)
 
 bool velmor_command(int window, int control)
 {
+	constexpr int first_logged = 18000;
+	if (window == window_main && control >= first_logged)
+		log_line("[%s:%d] RECEIVED EVENT: [%d]\r\n", __FILE_NAME__, __LINE__, control);
 	return run_row(find_row(&window_rows::commands, window, control));
 }
 
@@ -236,7 +239,10 @@ static constexpr input_row input_table[] = {
 	{ window_programs, form_of_keyzone,  nullptr, nullptr, change_form<window_programs, form_of_keyzone> },
 	{ window_programs, programs_adsr_form, nullptr, nullptr, change_adsr_form },
 	{ window_programs, programs_key_map, nullptr, nullptr, nullptr, change_key_map },
+	{ window_midi_files, player_speed_form, nullptr, nullptr, change_speed },
+	{ window_midi_files, player_tracks, nullptr, nullptr, nullptr, nullptr, nullptr, take_track },
 	{ window_programs, programs_amp_envelope,    nullptr, nullptr, nullptr, nullptr, change_envelope<programs_amp_envelope> },
+	{ window_programs, programs_second_envelope, nullptr, nullptr, nullptr, nullptr, change_envelope<programs_second_envelope> },
 	{ window_programs, programs_filter_envelope, nullptr, nullptr, nullptr, nullptr, change_envelope<programs_filter_envelope> },
 	{ window_programs, programs_aux_envelope,    nullptr, nullptr, nullptr, nullptr, change_envelope<programs_aux_envelope> },
 	{ window_panel,    panel_picture,            panel_key_pressed, panel_mouse_used, nullptr },
@@ -286,6 +292,11 @@ bool velmor_envelope(int window, int control, envelope_event event, int index, i
 
 bool velmor_track(int window, int control, track_event event, int track, int value)
 {
+	// Its frame comes and goes while a file is being loaded, too.
+	if (event == track_event::in_view || event == track_event::out_of_view) {
+		take_track(event, track, value);
+		return true;
+	}
 	return take_input(window, control, &input_row::track, event, track, value);
 }
 
@@ -307,6 +318,7 @@ void forget_commands()
 	forget_status();
 	forget_program_page();
 	forget_panel();
+	forget_player_page();
 }
 
 } // namespace velmor

@@ -66,6 +66,7 @@ extern const window_rows samples_rows;                           // velmor_sampl
 extern const window_rows programs_rows;                          // velmor_programs_commands.cpp
 extern const window_rows multis_rows;                            // velmor_multis.cpp
 extern const window_rows panel_rows;                             // velmor_panel.cpp
+extern const window_rows player_rows;                            // velmor_player.cpp
 extern const window_rows status_rows;                            // velmor_status.cpp
 
 // ---- The engine (velmor_window.cpp) ------------------------------------------------------------
@@ -153,6 +154,8 @@ template <int window> void hide_window()
 // Show what a workflow has to tell: its boxes, one after the other, and its sentence at the foot
 // of every window.
 void show_outcome(const outcome &result);
+// The same of a sentence alone, at the end of the command that runs.
+void say_line(const std::string &line, text_role role);
 // Say at the foot of every window how the sampler is reached, and offer what can be undone.
 void update_status();
 void forget_status();
@@ -192,6 +195,14 @@ void update_entry_commands();
 // Say which samplers on the USB are plugged in now, once it is known which they are.
 void update_plugged_entries();
 
+// ---- The player (velmor_player.cpp) ----------------------------------------------------------------
+
+void midi_files_win_show();
+void take_track(track_event event, int track, int value);
+void change_speed(int row, form_event event, int value);
+// As at the start; for tests.
+void forget_player_page();
+
 // ---- Pages ---------------------------------------------------------------------------------------------
 
 // Read the multis of the loaded sampler and show them (velmor_multis.cpp).
@@ -220,6 +231,8 @@ void empty_sample_page();
 // Its list may have become stale, or the spool another folder.
 void update_sample_page();
 void show_spool();
+// The sampler's samples were read for another page.
+void show_loaded_samples();
 // Show one sample in the sample manager; origin is "LOCAL" or "LOADED". The drivers call it
 // when a sampler has told about a sample.
 void display_sample_information(const _sample *sample, const char *origin);
@@ -228,6 +241,9 @@ void display_sample_information(const _sample *sample, const char *origin);
 import_options chosen_import_options();
 // Another local sample was chosen: its picture, and what an import of it would give.
 void show_local_selection();
+// What a list shows of a WAV file behind its name: length, rate, channels, bits, loop; nothing of
+// what is none.
+std::vector<std::string> wave_columns(const std::string &path);
 // Say what the import options make of these files. None: of the selected local sample.
 void show_import_preview(std::span<const std::string> paths);
 

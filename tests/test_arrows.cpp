@@ -37,8 +37,7 @@ constexpr room rooms[] = {
 	{ "platform/headless", "platform/ui\\.h|platform/headless/.*\\.h",
 		"Q[A-Z].*|alsa/.*|libusb.*|fuse.*" },
 	{ "platform/alsa", "platform/midi\\.h|platform/alsa/.*\\.h", "Q[A-Z].*|libusb.*|fuse.*" },
-	{ "platform/fuse", "platform/drive\\.h|platform/fuse/.*\\.h",
-		"Q[A-Z].*|alsa/.*|libusb.*" },
+	{ "platform/fuse", "platform/drive\\.h|platform/fuse/.*\\.h", "Q[A-Z].*|alsa/.*|libusb.*" },
 	{ "platform/libusb", "platform/usb\\.h|platform/libusb/.*\\.h", "Q[A-Z].*|alsa/.*|fuse.*" },
 	{ "platform/sndfile", "platform/sound\\.h", "Q[A-Z].*|alsa/.*|libusb.*|fuse.*" },
 };

@@ -99,45 +99,57 @@ TEST_F(drive_test, a_folder_is_listed_byte_for_byte)
 	for (const char *line : { ": --- SAMPLER has 2 Volumes\n", ": Found: 2 Sampler-Files\n",
 		     "] REQUESTING SAMPLER-PATH: [DRUMS] FOR VOLUME: [DISK 1] "
 		     "(VOLUME-AKAI-HANDLE: 130)\n",
-		     "] Changing path to: [drums]\n",
-		     ": +++++ [fsmidi.cpp: ", "] Found 1 Directories\n", "] Found 1 Files\n" })
+		     "] Changing path to: [drums]\n", ": +++++ [fsmidi_operations.cpp: ",
+		     "] Found 1 Directories\n", "] Found 1 Files\n" })
 		EXPECT_TRUE(told(line)) << line;
 }
 
+// A count has its high group first; an index as the family has it, but in the request for a size.
 TEST_F(drive_test, an_index_over_127_takes_both_bytes)
 {
 	for (const family &f : families) {
 		const bool s5000 = f.model == model_s5000;
 		transcript_usb wire(h, f.product);
 		_usbdev *device = sampler(f.model);
+		const auto ask = [&](int item, const std::string &index, const std::string &says) {
+			const std::string command = format_text("%s %02X %s",
+				s5000 || item == 0x23 ? "10" : "20", item, index.c_str());
+			const std::vector<u8> bytes = hex(command);
+			int sum = 0;
+			for (const u8 byte : bytes)
+				sum += byte;
+			const int size = static_cast<int>(bytes.size());
+			wire.play(
+				(s5000 ? format_text("> 10 %02X 00 F0 47 5E 23 00 00 %s %02X F7\n",
+						 size + 8, command.c_str(), sum & 0x7F)
+				       : format_text("> 10 %02X 00 F0 47 5F 00 %s F7\n", size + 5,
+						 command.c_str()))
+					.c_str());
+			const char *const before = s5000          ? "< F0 47 5E 23 00 00 52 00 00"
+						   : item == 0x23 ? "< F0 47 5F 00 00 00 52 00 00"
+						   : item == 0x21 ? "< F0 47 5F 00 52 00 00 00 00"
+								  : "< F0 47 5F 00 52 00 00 00";
+			wire.play((before + (" " + says) + " F7").c_str());
+		};
+		const auto index = [](int i, bool high_first) {
+			return format_text(
+				high_first ? "%02X %02X" : "%2$02X %1$02X", i >> 7, i & 0x7F);
+		};
 		wire.play(f.open);
 		ASSERT_TRUE(open_midi_usb(device));
-		const auto ask = [&](int item, const std::string &more, int sum,
-					 const std::string &says) {
-			const int size = 2 + static_cast<int>(hex(more).size());
-			const std::string sent =
-				s5000 ? format_text("> 10 %02X 00 F0 47 5E 23 00 00 10 %02X %s "
-						    "%02X F7\n",
-						size + 8, item, more.c_str(),
-						(0x10 + item + sum) & 0x7F)
-				      : format_text("> 10 %02X 00 F0 47 5F 00 20 %02X %s F7\n",
-						size + 5, item, more.c_str());
-			wire.play((sent +
-				   (s5000 ? "< F0 47 5E 23 00 00 52 10 00 "
-					  : "< F0 47 5F 00 52 20 00 00 ") +
-				   says + " F7")
-					  .c_str());
-		};
-		ask(0x10, "", 0, "01 03"); // 131, the high group first
-		ask(0x20, "", 0, "00 00");
+		ask(0x10, "", "01 03");
+		ask(0x20, "", "01 04");
 		for (int i = 0; i < 131; i++)
-			ask(0x11,
-				format_text(
-					s5000 ? "%02X %02X" : "%2$02X %1$02X", i >> 7, i & 0x7F),
-				(i >> 7) + (i & 0x7F), format_text("'F%d' 00", i));
+			ask(0x11, index(i, s5000), format_text("'D%d' 00", i));
+		for (int i = 0; i < 132; i++) {
+			ask(0x21, index(i, s5000), format_text("'F%d' 00", i));
+			ask(0x23, index(i, true), "7F 7F 7F " + format_text("%02X", i & 0x7F));
+		}
 		sampler_files all;
-		ASSERT_EQ(_get_current_dirlist("here.cpp", 7, device, &all), 131);
-		EXPECT_STREQ(all[130].name, "F130");
+		ASSERT_EQ(_get_current_dirlist("here.cpp", 7, device, &all), 263);
+		EXPECT_STREQ(all[130].name, "D130");
+		EXPECT_STREQ(all[262].name, "F131");
+		EXPECT_EQ(all[262].size, (1u << 28) - 128 + 3);
 		EXPECT_EQ(wire.steps_left(), 0);
 		close_midi_usb(device);
 	}

@@ -158,6 +158,7 @@ TEST_F(operations_test, a_security_look_up_says_folder_and_leaves_no_file)
 	EXPECT_EQ(size, 40u);
 	EXPECT_EQ(pseudo_fcount, before + 1);
 	EXPECT_EQ(PtfsInterface.GetSecurityByName("\\A", nullptr, nullptr, nullptr), 0u);
+	EXPECT_EQ(pseudo_fcount, before + 2);
 	EXPECT_FALSE(std::filesystem::exists("temp"));
 	size = 39;
 	EXPECT_EQ(PtfsInterface.GetSecurityByName("\\A", nullptr, descriptor, &size), 0xC0000033);
@@ -238,6 +239,14 @@ TEST_F(operations_test, a_failure_is_everybodys_for_a_second)
 		drums_path)));
 	pass(1.1);
 	EXPECT_EQ(drive_listing(drums_path, false), drive_later);
+	forget_unread_usb();
+	// A program that holds the sampler for a second is waited for.
+	pass(10);
+	wire.open_result = usb_busy;
+	h.time.after(1.2, [this] { wire.open_result = usb_ok; });
+	wire.play(s5000_open);
+	wire.play(s5000_volumes);
+	EXPECT_EQ(drive_listing("\\Studio"), drive_ok);
 	struct {
 		int open_result;
 		drive_result result;

@@ -195,6 +195,27 @@ TEST_F(edits, keygroups_are_compared_with_themselves)
 	EXPECT_EQ(unsent(), (unsent_counts{ 0, 1, 0 })) << "the sampler has lost it";
 }
 
+TEST_F(edits, a_keygroup_that_only_the_sampler_has_stays_a_change)
+{
+	edit_remove_keygroup(*program, 1, false);
+	EXPECT_EQ(keygroup_that_goes(*program, false), -1) << "undoing brings it back";
+	EXPECT_EQ(keygroup_that_goes(*program, true), -1);
+	EXPECT_EQ(edits_sent(*program, true), 1);
+	EXPECT_EQ(unsent(), (unsent_counts{ 0, 1, 0 }));
+	EXPECT_EQ(keygroup_as_read(*program, 1), 1);
+	undo_edit(*program);
+	EXPECT_EQ(keygroup_that_goes(*program, true), 1);
+	EXPECT_EQ(keygroup_as_read(*program, 1), -1);
+	EXPECT_EQ(keygroup_as_read(*program, 2), 1);
+	EXPECT_EQ(edits_sent(*program, true), 0) << "all of them were sent";
+	EXPECT_EQ(unsent(), unsent_counts{});
+	EXPECT_TRUE(redo_edit(*program, true));
+	EXPECT_EQ(unsent(), unsent_counts{}) << "the sampler has removed it too";
+	EXPECT_EQ(keygroup_as_read(*program, 1), 1);
+	edit_add_keygroup(*program, 4);
+	EXPECT_EQ(keygroup_that_goes(*program, false), 2);
+}
+
 TEST_F(edits, a_program_read_anew_has_no_history)
 {
 	static int told;

@@ -352,6 +352,25 @@ TEST_F(midi_player, anything_may_be_pressed_inside_a_send)
 	}
 }
 
+TEST_F(midi_player, stop_pressed_again_and_again_stops_once)
+{
+	load(dense_song());
+	play();
+	pass(0.05);
+	out.sent.clear();
+	out.byte_time = 0.001;
+	int depth = 0, deepest = 0;
+	h.on_pump = [&] {
+		deepest = std::max(deepest, ++depth);
+		stop_really_all(window_midi_files);
+		depth--;
+	};
+	stop_really_all(window_midi_files);
+	EXPECT_EQ(deepest, 1);
+	EXPECT_EQ(out.sent.size(), 15u);
+	expect_idle();
+}
+
 TEST_F(midi_player, a_send_held_up_by_a_box_hands_the_song_to_the_next_tick)
 {
 	load(dense_song());
@@ -489,6 +508,7 @@ TEST_F(midi_player, a_stack_keeps_what_sounds_by_its_broad_test)
 	h.forget_log();
 	for (int i = 0; i < 200; i++)
 		stack_midi_event(&current_midi_file, 0, 0);
+	stack_midi_event(&current_midi_file, 0, 5); // nor does one that lets go of them
 	EXPECT_EQ(track().stacks, 128);
 	EXPECT_TRUE(h.log().empty());
 }

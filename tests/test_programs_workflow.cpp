@@ -35,6 +35,10 @@ protected:
 	}
 	std::string text(int control) { return h.texts[{ window_programs, control }]; }
 	lines list(int control) { return h.lists[{ window_programs, control }]; }
+	lines row(int control, std::size_t index)
+	{
+		return h.rows[{ window_programs, control }][index];
+	}
 	int chosen(int control) { return h.selections[{ window_programs, control }]; }
 	key_map_view &map() { return h.key_maps[{ window_programs, programs_key_map }]; }
 	bool drag(key_map_event event, int group, int zone, int value)
@@ -133,6 +137,10 @@ TEST_F(s3000_programs, the_page_shows_what_the_sampler_holds)
 	choose(programs_zone_sample, 1);
 	EXPECT_TRUE(h.logged("[D] New Sample-Name: [KICK]"));
 	EXPECT_FALSE(map().groups[1].zones[0].missing);
+	choose(programs_keyzone_list, 2);
+	EXPECT_EQ(map().zone, 2);
+	choose(programs_loaded_list, 0);
+	EXPECT_EQ(map().group + map().zone, 0) << "another program is shown from its beginning";
 	EXPECT_TRUE(h.boxes.empty());
 }
 
@@ -145,8 +153,11 @@ TEST_F(s3000_programs, an_edit_is_counted_undone_sent_and_then_nothing_is_unsent
 	EXPECT_TRUE(drag(key_map_event::drag_end, 0, -1, 0));
 	EXPECT_EQ(text(programs_unsent), "1 change unsent");
 	EXPECT_EQ(text(0), "VELMOR Manage Programs - 1 change unsent");
-	EXPECT_EQ(list(programs_loaded_list)[1], "TARGET (1 unsent)");
+	EXPECT_EQ(row(programs_loaded_list, 1), (lines{ "TARGET", "3", "1" }));
 	EXPECT_TRUE(h.logged("[D] New Low-Value: 36"));
+	drag(key_map_event::low_note, 0, -1, 40);
+	press(programs_undo);
+	EXPECT_EQ(map().groups[0].low_note, 36) << "another movement is another step";
 	EXPECT_TRUE(press(programs_undo)); // one movement, one step
 	EXPECT_EQ(map().groups[0].low_note, before);
 	EXPECT_EQ(text(programs_unsent), "");
@@ -155,33 +166,134 @@ TEST_F(s3000_programs, an_edit_is_counted_undone_sent_and_then_nothing_is_unsent
 	EXPECT_TRUE(drag(key_map_event::low_note, 0, -1, 500));
 	EXPECT_EQ(map().groups[0].low_note, map().groups[0].high_note);
 	EXPECT_TRUE(press(programs_undo));
+	EXPECT_TRUE(drag(key_map_event::high_note, 0, -1, 0));
+	EXPECT_EQ(map().groups[0].low_note, map().groups[0].high_note);
+	EXPECT_TRUE(press(programs_undo));
 	EXPECT_EQ(machine.programs[1].keygroups[0][low_note], before);
 
 	choose(programs_tabs, 0);
+	shown_program()->s1000_tunning_offset = -50;
 	EXPECT_TRUE(press(programs_life_update));
 	EXPECT_EQ(machine.programs[1].keygroups[0][low_note], 36);
+	// Sending has changed the record, and the form shows what it holds now.
+	const auto &form = h.forms[{ window_programs, form_of_program }];
+	const auto tune = std::find_if(form.begin(), form.end(),
+		[](const form_row &r) { return r.label == "Tune offset"; });
+	ASSERT_NE(tune, form.end());
+	EXPECT_EQ(tune->text, "-1.50");
 	EXPECT_TRUE(h.logged("[D] LIVE UPDATE PRESSED! NEW KEYGROUPS: 3 (PROG)"));
 	EXPECT_EQ(text(programs_unsent), "");
-	EXPECT_EQ(list(programs_loaded_list)[1], "TARGET");
+	EXPECT_EQ(row(programs_loaded_list, 1), (lines{ "TARGET", "3" }));
 	EXPECT_TRUE(h.boxes.empty());
 	EXPECT_EQ(text(status_outcome), "Sent 'TARGET' to the sampler.");
 }
 
+// The S2000 and later have a second envelope of four rates and four levels, an S1000 one of four
+// values in the same bytes, and neither a filter envelope nor an auxiliary one.
 TEST_F(s3000_programs, an_envelope_point_is_its_bar)
 {
+	bytes &block = machine.programs[1].keygroups[0];
+	const std::pair<std::size_t, u8> second[] = { { 20, 11 }, { 157, 12 }, { 21, 13 },
+		{ 23, 14 }, { 156, 21 }, { 158, 22 }, { 22, 23 }, { 159, 24 } };
+	for (const auto &[place, value] : second)
+		block[place] = value;
+	const auto curve = [this](int control) -> const envelope_view & {
+		return h.envelopes[{ window_programs, control }];
+	};
 	open();
 	EXPECT_TRUE(velmor_envelope(
 		window_programs, programs_amp_envelope, envelope_event::drag, 2, 33));
-	EXPECT_EQ((h.envelopes[{ window_programs, programs_amp_envelope }].values[2]), 33);
-	EXPECT_EQ((h.envelopes[{ window_programs, programs_amp_envelope }].letters),
-		(lines{ "A", "D", "S", "R" }));
-	EXPECT_EQ((h.envelopes[{ window_programs, programs_aux_envelope }].letters),
-		(lines{ "R1", "R2", "R3", "R4", "L1", "L2", "L3", "L4" }));
+	EXPECT_EQ(curve(programs_amp_envelope).values[2], 33);
+	EXPECT_EQ(curve(programs_amp_envelope).letters, (lines{ "A", "D", "S", "R" }));
 	EXPECT_EQ(shown_program()->keygroup[0].amp_sustain, 33u);
-	EXPECT_EQ((h.forms[{ window_programs, programs_adsr_form }][3].value), 33);
-	EXPECT_TRUE(velmor_form(window_programs, programs_adsr_form, 18, form_event::drag_end, 44));
+	const std::vector<form_row> &rows = h.forms[{ window_programs, programs_adsr_form }];
+	EXPECT_EQ(rows[3].value, 33);
+	EXPECT_EQ(curve(programs_second_envelope).values,
+		(std::vector<int>{ 11, 12, 13, 14, 21, 22, 23, 24 }));
+	EXPECT_EQ(curve(programs_second_envelope).letters,
+		(lines{ "R1", "R2", "R3", "R4", "L1", "L2", "L3", "L4" }));
+	for (const int control : { programs_filter_envelope, programs_aux_envelope })
+		EXPECT_FALSE((h.visible[{ window_programs, control }])) << control;
+	const auto drag_level = [](envelope_event event, int value) {
+		EXPECT_TRUE(velmor_envelope(
+			window_programs, programs_second_envelope, event, 5, value));
+	};
+	drag_level(envelope_event::drag, 60);
+	drag_level(envelope_event::drag, 120);
+	drag_level(envelope_event::drag_end, 120);
+	drag_level(envelope_event::drag, 50);
+	press(programs_undo);
+	EXPECT_EQ(rows[11].value, 99) << "another movement is another step";
+	EXPECT_EQ(rows[11].label, "Level 2");
+	EXPECT_EQ(
+		text(status_outcome), "Undone: Level 2 of keygroup 1 from 99 to 50; not sent yet");
+	press(programs_undo);
+	EXPECT_EQ(curve(programs_second_envelope).values[5], 22);
+	EXPECT_EQ(
+		text(status_outcome), "Undone: Level 2 of keygroup 1 from 22 to 99; not sent yet");
+	press(programs_redo);
+	// The sixteen values stay, whatever the model has.
+	ASSERT_EQ(rows.size(), 28u);
+	EXPECT_TRUE(velmor_form(window_programs, programs_adsr_form, 27, form_event::drag_end, 44));
 	EXPECT_EQ(shown_program()->keygroup[0].aux_rate4_level, 44u);
-	EXPECT_EQ(text(programs_unsent), "2 changes unsent");
+	EXPECT_EQ(text(programs_unsent), "3 changes unsent");
+	host.ui->set_checked(window_programs, apply_to_keygroups, true);
+	EXPECT_TRUE(velmor_form(window_programs, programs_adsr_form, 6, form_event::drag_end, 70));
+	press(programs_life_update);
+	EXPECT_EQ(block[158], 99);
+	for (const auto &keygroup : machine.programs[1].keygroups)
+		EXPECT_EQ(keygroup[20], 70);
+
+	current_sampler->sampler_type = model_s1000;
+	choose(programs_loaded_list, 1);
+	EXPECT_EQ(curve(programs_second_envelope).values, (std::vector<int>{ 70, 13, 23, 14 }));
+	EXPECT_EQ(rows[8].label, "Sustain");
+	EXPECT_TRUE(velmor_envelope(
+		window_programs, programs_second_envelope, envelope_event::drag, 2, 40));
+	EXPECT_EQ(shown_program()->keygroup[0].s1000_env2_l3, 40);
+}
+
+TEST_F(s3000_programs, a_missing_sample_is_found_in_the_spool_and_sent)
+{
+	machine::put_name(machine.programs[1].keygroups[2], 34, "LONG.NAME AB");
+	velmor_command(window_main, main_samples);
+	const auto &samples = h.rows[{ window_samples, samples_loaded_list }];
+	EXPECT_EQ(
+		samples, (std::vector<lines>{ { "KICK", "0.00 s", "44100 Hz", "60 (C3)", "no" } }));
+	open();
+	EXPECT_NE((h.reasons[{ window_programs, programs_find_sample }]), "");
+	choose(programs_keygroup_list, 1);
+	EXPECT_EQ((h.reasons[{ window_programs, programs_find_sample }]), "");
+	spool("LOST AGAIN");
+	spool("LONG_NAME ABLE");
+	press(programs_find_sample);
+	ASSERT_EQ(h.boxes.size(), 1u);
+	EXPECT_EQ(h.boxes[0].text.rfind("The spool holds no file called 'LOST'.", 0), 0u);
+	EXPECT_EQ(text(status_outcome), "'LOST' is not in the spool.");
+	h.boxes.clear();
+	spool("lost");
+	drag(key_map_event::low_note, 1, -1, 30);
+	press(programs_find_sample);
+	ASSERT_EQ(machine.samples.size(), 2u);
+	EXPECT_EQ(machine::get_name(machine.samples[1].header, 3), "LOST");
+	EXPECT_FALSE(map().groups[1].zones[0].missing);
+	EXPECT_EQ(list(programs_zone_sample), (lines{ "no sample", "KICK", "LOST" }));
+	EXPECT_EQ(map().group, 1);
+	EXPECT_EQ(text(programs_unsent), "1 change unsent");
+	EXPECT_EQ(text(status_outcome), "Uploaded 'lost'.");
+	EXPECT_NE((h.reasons[{ window_programs, programs_find_sample }]), "");
+	// A name that the machine cut, with a full stop for what it has no letter for.
+	choose(programs_keygroup_list, 2);
+	press(programs_find_sample);
+	ASSERT_EQ(machine.samples.size(), 3u);
+	EXPECT_EQ(machine::get_name(machine.samples[2].header, 3), "LONG.NAME AB");
+	EXPECT_FALSE(map().groups[2].zones[0].missing);
+	ASSERT_EQ(samples.size(), 3u) << "the page of samples shows it too";
+	EXPECT_EQ(samples[2][0], "LONG.NAME AB");
+	choose(programs_zone_sample, 2);
+	EXPECT_EQ(map().groups[2].zones[0].name, "LOST");
+	EXPECT_EQ(functions(0x06), static_cast<int>(machine.programs.size()))
+		<< "programs are not read anew for a sample";
 }
 
 TEST_F(s3000_programs, deleting_and_renaming_are_seen_in_the_list_and_edits_of_others_stay)
@@ -191,14 +303,14 @@ TEST_F(s3000_programs, deleting_and_renaming_are_seen_in_the_list_and_edits_of_o
 	choose(programs_loaded_list, 0);
 	EXPECT_TRUE(press(programs_loaded_delete));
 	EXPECT_EQ(names(), "TARGET,LAST,");
-	EXPECT_EQ(list(programs_loaded_list), (lines{ "TARGET (1 unsent)", "LAST" }));
+	EXPECT_EQ(list(programs_loaded_list), (lines{ "TARGET", "LAST" }));
 	EXPECT_TRUE(h.logged("[D] Deleting Program-Info for [FIRST] (INDEX: 0)"));
 	EXPECT_EQ(chosen(programs_loaded_list), 0);
 	type(programs_loaded_new_name, "NEW NAME");
 	EXPECT_TRUE(press(programs_loaded_rename));
 	EXPECT_EQ(names(), "NEW NAME,LAST,");
 	EXPECT_TRUE(h.logged("[D] Renaming Program-Info for [TARGET] (INDEX: 0) --> [NEW NAME]"));
-	EXPECT_EQ(list(programs_loaded_list)[0], "NEW NAME (1 unsent)");
+	EXPECT_EQ(row(programs_loaded_list, 0), (lines{ "NEW NAME", "3", "1" }));
 	EXPECT_EQ(map().groups[0].low_note, 30);
 	EXPECT_EQ(text(programs_loaded_new_name), "");
 	EXPECT_TRUE(press(programs_life_update));
@@ -294,7 +406,9 @@ TEST_F(s3000_programs, reading_anew_closing_and_loading_ask_once_where_edits_wou
 	EXPECT_EQ(machine.heard.size(), heard);
 	EXPECT_EQ(map().groups[0].low_note, 30);
 	h.boxes.clear();
+	std::swap(machine.programs[0], machine.programs[1]);
 	press(programs_refresh);
+	EXPECT_EQ(chosen(programs_loaded_list), 0) << "the program is followed by its name";
 	EXPECT_EQ(h.boxes.size(), 1u);
 	EXPECT_GT(machine.heard.size(), heard);
 	EXPECT_NE(map().groups[0].low_note, 30);
@@ -323,6 +437,61 @@ TEST_F(s3000_programs, keygroups_come_in_memory_and_go_on_the_sampler_too)
 	EXPECT_TRUE(h.logged("[D] LOGICAL REMOVE OF KEYGROUP: 1 FROM: [TARGET]"));
 	EXPECT_EQ(shown_program()->keygroups, 2);
 	EXPECT_TRUE(h.boxes.empty());
+}
+
+// The machine and the page agree at each step: what goes goes there too, also when it goes once
+// more after it was taken back and sent, and nothing goes that the machine does not let go.
+TEST_F(s3000_programs, a_deletion_that_is_done_again_reaches_the_sampler_again)
+{
+	machine.channel = 0; // the one that a keygroup's deletion goes to
+	current_sampler->sampler_sysex_channel = 0;
+	const auto &held = machine.programs[1].keygroups;
+	open();
+	choose(programs_keygroup_list, 1);
+	press(programs_delete_keygroup);
+	press(programs_undo);
+	EXPECT_EQ(text(programs_unsent), "1 change unsent");
+	press(programs_redo); // the machine has none to delete
+	EXPECT_EQ(functions(0x13), 1);
+	press(programs_undo);
+	EXPECT_EQ(held.size(), 2u);
+	press(programs_life_update);
+	ASSERT_EQ(held.size(), 3u);
+	EXPECT_EQ(machine::get_name(held[1], 34), "LOST");
+	port_wire(port).set_fault({ .kind = wire_fault_kind::refused, .exchange = 1 });
+	h.boxes.clear();
+	press(programs_redo);
+	EXPECT_EQ(h.boxes, (boxes{ { "DELETE failed!!!", "FATAL" } }));
+	EXPECT_EQ(text(status_outcome), "Keygroup 2 was not deleted.");
+	EXPECT_EQ(shown_program()->keygroups, 3);
+	port_wire(port).clear_faults();
+	press(programs_redo);
+	EXPECT_EQ(held.size(), 2u);
+	EXPECT_EQ(shown_program()->keygroups, 2);
+	EXPECT_EQ(text(programs_unsent), "");
+	EXPECT_EQ(text(status_outcome), "Done again: Keygroup 2 deleted");
+	// An addition that was sent is taken back there too.
+	press(programs_add_keygroup);
+	EXPECT_EQ(text(status_outcome), "Keygroup 3 added; not sent yet");
+	press(programs_life_update);
+	EXPECT_EQ(held.size(), 3u);
+	h.boxes.clear();
+	press(programs_undo);
+	EXPECT_EQ(held.size(), 2u);
+	EXPECT_EQ(shown_program()->keygroups, 2);
+	EXPECT_TRUE(h.boxes.empty());
+	// A model that cannot delete one keeps it, and the page says so.
+	press(programs_redo);
+	press(programs_life_update);
+	const auto slot = std::exchange(get_sampler(model_s3000)->del_keygroup, nullptr);
+	press(programs_undo);
+	press(programs_life_update);
+	get_sampler(model_s3000)->del_keygroup = slot;
+	EXPECT_EQ(held.size(), 3u);
+	EXPECT_EQ(h.boxes, (boxes{ { "The program on the sampler keeps 1 keygroup that this one "
+				     "does not have.",
+				   "INFO" } }));
+	EXPECT_EQ(text(programs_unsent), "1 change unsent");
 }
 
 TEST_F(s3000_programs, a_local_program_goes_with_the_samples_that_are_here)
@@ -370,7 +539,8 @@ TEST_F(s3000_programs, a_download_brings_the_program_and_its_samples_and_edits_g
 	choose(programs_local_list, 0);
 	EXPECT_FALSE(map().takes_notes);
 	drag(key_map_event::high_note, 1, -1, 99);
-	EXPECT_EQ(list(programs_local_list)[0], "TARGET (1 unsent)");
+	EXPECT_EQ(row(programs_local_list, 0), (lines{ "TARGET", "3", "1" }));
+	EXPECT_EQ(text(status_outcome).substr(text(status_outcome).find(';')), "; not saved yet");
 	press(programs_save_changes);
 	EXPECT_EQ(unsent_changes(), 0);
 	const auto written = h.content(h.config + "\\pgm\\TARGET.program");
@@ -457,6 +627,7 @@ TEST_F(s3000_programs, akp_files_come_with_their_samples_and_a_summary)
 	EXPECT_TRUE(h.content(h.config + "\\pgm\\GRAND.program"));
 	EXPECT_EQ(list(programs_local_list), lines{ "GRAND" });
 	EXPECT_STREQ(shown_program()->name, "GRAND");
+	EXPECT_EQ(map().groups[0].zones[0].high_velocity, 127) << "none is told, so any sounds";
 	// Once more: asked, and then both are there, each with its file.
 	h.chosen_files = { folder + "\\GRAND.AKP" };
 	h.boxes.clear();

@@ -456,6 +456,52 @@ TEST_F(s1000_programs, a_program_that_cannot_be_put_back_is_kept_here)
 	EXPECT_EQ(s.names(), "FIRST,LAST,TARGET,");
 }
 
+// A block that answers for another program or keygroup is neither compared, nor written back, nor
+// kept while its program is taken off.
+TEST_F(s1000_programs, an_answer_of_another_place_ends_the_work)
+{
+	struct wrong_answer {
+		bool renames;
+		u8 function; // of the answer
+		int nth;
+		std::size_t at; // of its byte
+	};
+	for (const wrong_answer &wrong : std::initializer_list<wrong_answer>{ { false, 0x07, 1, 5 },
+		     { false, 0x07, 2, 5 }, { false, 0x07, 3, 5 }, { false, 0x07, 3, 6 },
+		     { false, 0x09, 1, 5 }, { false, 0x09, 2, 7 }, { true, 0x07, 1, 5 },
+		     { true, 0x09, 1, 5 }, { true, 0x09, 2, 7 } }) {
+		SCOPED_TRACE(format_text(
+			"answer %d of %02X at %zu", wrong.nth, wrong.function, wrong.at));
+		heard_sampler s(h, s1000_model::s3000, model_s3000);
+		midi_machine cable = s.machine.on_wire();
+		int seen = 0;
+		cable.answer = [&, whole = cable.answer](machine::byte_view message) {
+			bytes answer = whole(message);
+			if (answer.size() > 9 && answer[3] == wrong.function && ++seen == wrong.nth)
+				answer[wrong.at] ^= 1;
+			return answer;
+		};
+		unplug_all_midi();
+		plug_midi(h.time, cable, "virtual");
+		fill_program(s.record(), "TARGET", 2, 1);
+		const auto before = s.contents();
+		const std::string names = s.names();
+		if (wrong.renames)
+			s.row->renameprogram(0, "NEW");
+		else
+			s.row->saveprogram(0, nullptr);
+		EXPECT_GE(seen, wrong.nth);
+		EXPECT_EQ(program_outcome.how, ending::no_answer);
+		EXPECT_EQ(s.names(), names);
+		const auto after = s.contents(); // FIRST and its keygroup, TARGET and two, ...
+		const std::size_t untouched = wrong.function == 0x09 && !wrong.renames
+						      ? 3 + static_cast<std::size_t>(wrong.nth) - 1
+						      : 2;
+		EXPECT_TRUE(std::equal(before.begin() + static_cast<std::ptrdiff_t>(untouched),
+			before.end(), after.begin() + static_cast<std::ptrdiff_t>(untouched)));
+	}
+}
+
 // ---- Faults and Stop -----------------------------------------------------------------------------
 
 const struct {

@@ -73,7 +73,9 @@ TEST_F(samples, the_view_reads_sampler_and_spool_anew)
 {
 	spool("b.wav");
 	spool("A.WAV");
+	current_sampler->status->sample[0].sample_rate = 44100; // of what stood there before
 	velmor_command(window_main, main_samples);
+	EXPECT_EQ((h.rows[{ window_samples, samples_loaded_list }][0]), lines{ "KICK" });
 	EXPECT_EQ(model.calls, (lines{ "getstatus 1 7", "getsamplelist 1 7" }));
 	EXPECT_TRUE((h.visible[{ window_samples, 0 }]));
 	EXPECT_EQ((h.lists[{ window_samples, samples_loaded_list }]), (lines{ "KICK", "SNARE" }));

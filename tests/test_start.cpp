@@ -28,7 +28,9 @@ TEST_F(start, reads_the_settings_and_fills_the_windows)
 	h.put_content(h.config + "\\rack.sampler", std::vector<u8>(536));
 	h.settings = { { "midi_in", "0" }, { "midi_out", "1" } };
 	h.time.run_until(5);
+	get_sampler(model_z4)->ctrl = nullptr;
 	start_velmor();
+	EXPECT_TRUE(get_sampler(model_z4)->ctrl) << "the panels are built";
 	EXPECT_EQ(start_time, host.clock->time_of_day());
 	// The device lists were known before the settings, which found one output only.
 	EXPECT_EQ(selected_midi_in_interface, 0);

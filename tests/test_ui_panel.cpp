@@ -1,6 +1,7 @@
 // test_ui_panel.cpp - the window with a sampler's screen and keys, driven offscreen
 
 #include "src/lcd.h"
+#include "src/usbqx.h"
 #include "tests/ui_fixture.h"
 #include "ui/parts/palette.h"
 #include "ui/parts/pixel_picture.h"
@@ -24,7 +25,9 @@ class panel_window_test : public windows
 protected:
 	panel_window_test()
 	{
+		testing::internal::CaptureStdout();
 		init_sampler_struct();
+		testing::internal::GetCapturedStdout();
 		ui.choose_new_file = [](const char *, const char *, const char *name) {
 			worked.push_back(name);
 			return chosen_path;

@@ -7,10 +7,13 @@
 #include "ui/parts/form_view.h"
 #include "ui/parts/parts.h"
 #include "ui/parts/window.h"
+#include "virtual/midi_ports.h"
+#include "virtual/s1000.h"
 #include <QAccessible>
 #include <QBoxLayout>
 #include <QComboBox>
 #include <QLabel>
+#include <QMenu>
 #include <QSlider>
 #include <QTabBar>
 #include <QWheelEvent>
@@ -24,6 +27,7 @@ namespace
 constexpr int test_window = 5000, test_map = 5001, test_curve = 5002, test_form = 5003;
 
 using lines = std::vector<std::string>;
+using bytes = machine::bytes;
 lines taken;           // what the system was told, in order
 key_map_view map_view; // as the system holds it
 envelope_view curved;  // likewise
@@ -297,4 +301,134 @@ TEST_F(pictures, rows_of_a_form_step_by_keys_and_wheel_and_are_put_back)
 		if (label->text() == "Cutoff")
 			QTest::mouseDClick(label, Qt::LeftButton);
 	EXPECT_EQ(told(), (lines{ "0 back 0" }));
+}
+
+// The page with an S3000 behind it: three programs, the second of them with a sample that the
+// machine lacks.
+class program_page : public windows
+{
+protected:
+	program_page()
+	{
+		for (const char *name : { "FIRST", "SECOND", "THIRD" })
+			machine.add_program(name, 2);
+		for (std::size_t k = 0; k < 2; k++) {
+			bytes &block = machine.programs[1].keygroups[k];
+			block[3] = static_cast<u8>(30 + 30 * k);
+			block[4] = static_cast<u8>(50 + 30 * k);
+			machine::put_name(block, 34, k ? "LOST" : "KICK");
+		}
+		machine.add_sample("KICK", 44100, std::vector<std::int16_t>(64, 500));
+		h.use_sampler(model_s3000, 5);
+		host.midi = &virtual_midi;
+		plug_midi(h.time, machine, "virtual");
+		reload_midi_setup(false);
+		selected_midi_in_interface = selected_midi_out_interface = 0;
+		velmor_command(window_main, main_programs);
+		loaded = at(window_programs, programs_loaded_list);
+		choose(window_programs, programs_loaded_list, "SECOND");
+		in_the_list();
+	}
+	~program_page() override
+	{
+		close_midi_output();
+		unplug_all_midi();
+	}
+	// The progress of some work was in front, and other windows may still be told so.
+	void in_the_list()
+	{
+		EXPECT_TRUE(QTest::qWaitFor([this] {
+			at(window_programs, 0)->activateWindow();
+			loaded->setFocus();
+			return focused() == loaded;
+		}));
+	}
+	int low_note() const { return current_sampler->status->program[1].keygroup[0].low_note; }
+	static QWidget *focused() { return QApplication::focusWidget(); }
+
+	s1000_machine machine{ s1000_model::s3000, 5 };
+	QWidget *loaded;
+};
+
+TEST_F(program_page, keys_do_their_work_and_none_of_it_while_a_name_is_typed)
+{
+	const int before = low_note();
+	velmor_key_map(window_programs, programs_key_map, key_map_event::low_note, 0, -1, 5, 0);
+	QTest::keyClick(loaded, Qt::Key_F2);
+	auto *name = at<QLineEdit>(window_programs, programs_loaded_new_name);
+	ASSERT_EQ(focused(), name);
+	EXPECT_EQ(name->text(), "SECOND") << "without what the list says beside it";
+	QTest::keyClicks(name, "NEW X");
+	QTest::keyClick(name, Qt::Key_Left);
+	QTest::keyClick(name, Qt::Key_Delete);
+	QTest::keyClick(name, Qt::Key_F2);
+	EXPECT_EQ(name->text(), "NEW ");
+	EXPECT_EQ(machine.programs.size(), 3u);
+	QTest::keyClick(name, Qt::Key_Z, Qt::ControlModifier);
+	EXPECT_EQ(low_note(), 5) << "the typing is taken back, not the edit";
+	name->setText("NEW");
+	QTest::keyClick(name, Qt::Key_Return);
+	EXPECT_EQ(machine::get_name(machine.programs[1].common, 3), "NEW");
+	EXPECT_EQ(low_note(), 5);
+
+	in_the_list();
+	QTest::keyClick(loaded, Qt::Key_Z, Qt::ControlModifier);
+	EXPECT_EQ(low_note(), before);
+	QTest::keyClick(loaded, Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+	EXPECT_EQ(low_note(), 5);
+	QTest::keyClick(loaded, Qt::Key_Z, Qt::ControlModifier);
+	machine::put_name(machine.programs[2].common, 3, "OTHER");
+	QTest::keyClick(at(window_programs, programs_tabs), Qt::Key_F5);
+	EXPECT_GE(at<entry_list>(window_programs, programs_loaded_list)->place_of("OTHER"), 0);
+	in_the_list();
+	QTest::keyClick(loaded, Qt::Key_F, Qt::ControlModifier);
+	EXPECT_EQ(focused(), at(window_programs, programs_loaded_search));
+	QTest::keyClick(focused(), Qt::Key_Delete);
+	at(window_programs, programs_local_list)->setFocus();
+	QTest::keyClick(focused(), Qt::Key_F, Qt::ControlModifier);
+	EXPECT_EQ(focused(), at(window_programs, programs_local_search));
+	EXPECT_EQ(machine.programs.size(), 3u);
+
+	choose(window_programs, programs_loaded_list, "FIRST");
+	in_the_list();
+	QTest::keyClick(loaded, Qt::Key_Delete);
+	EXPECT_EQ(machine.programs.size(), 2u);
+	EXPECT_EQ(machine::get_name(machine.programs[0].common, 3), "NEW");
+	in_the_list();
+	at<QTabBar>(window_programs, programs_tabs)->setCurrentIndex(0);
+	QTest::keyClick(loaded, Qt::Key_Down);
+	velmor_key_map(window_programs, programs_key_map, key_map_event::choose, 1, 0, 0, 0);
+	EXPECT_EQ(current_keygroup_index, 1);
+	QTest::keyClick(loaded, Qt::Key_Return);
+	EXPECT_EQ(current_keygroup_index, 0) << "the program is shown from its beginning";
+	EXPECT_EQ(host.ui->get_text(window_programs, programs_title),
+		"Program Settings for 'OTHER' [Sampler: 'test sampler', Make: 'Akai "
+		"S3000/S3000XL']");
+	EXPECT_TRUE(h.boxes.empty()) << h.boxes[0].text;
+}
+
+TEST_F(program_page, the_menu_of_a_missing_sample_offers_to_find_it)
+{
+	auto *map = static_cast<key_map *>(at(window_programs, programs_key_map));
+	auto *find = at<QAction>(window_programs, programs_find_sample);
+	const auto menu_at = [&](QWidget *widget, const QPoint &place) {
+		QContextMenuEvent event(
+			QContextMenuEvent::Mouse, place, widget->mapToGlobal(place));
+		QApplication::sendEvent(widget, &event);
+		auto *menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
+		if (menu)
+			menu->hide();
+		return menu && menu->actions().contains(find) && find->isEnabled();
+	};
+	const auto band = [&](int group) { return map->zone_band(group, 0).center().toPoint(); };
+	EXPECT_FALSE(menu_at(map, band(0)));
+	EXPECT_TRUE(menu_at(map, band(1)));
+	EXPECT_EQ(current_keygroup_index, 1);
+	at<QTabBar>(window_programs, programs_tabs)->setCurrentIndex(2);
+	auto *sample = at<QComboBox>(window_programs, programs_zone_sample);
+	EXPECT_EQ(sample->currentText(), "LOST (not loaded)");
+	EXPECT_TRUE(menu_at(sample, { 4, 4 }));
+	find->trigger();
+	ASSERT_EQ(h.boxes.size(), 1u);
+	EXPECT_EQ(h.boxes[0].text.rfind("The spool holds no file called 'LOST'.", 0), 0u);
 }

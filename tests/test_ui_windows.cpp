@@ -12,6 +12,7 @@
 #include <QClipboard>
 #include <QComboBox>
 #include <QDropEvent>
+#include <QHeaderView>
 #include <QImage>
 #include <QMessageBox>
 #include <QMimeData>
@@ -77,13 +78,14 @@ TEST_F(windows, every_command_with_a_control_has_words_and_a_name_for_screen_rea
 	EXPECT_EQ(at(window_samples, 0)->windowTitle(), "VELMOR Manage current Samples");
 }
 
-TEST_F(windows, work_that_is_not_built_has_no_control)
+TEST_F(windows, what_is_in_no_table_has_no_control)
 {
-	EXPECT_FALSE(host.ui->exists(window_main, menu_midi_files));
+	constexpr int no_such_control = 4711;
+	EXPECT_FALSE(host.ui->exists(window_main, no_such_control));
 	// Nobody minds what is done to it.
-	host.ui->show(window_main, menu_midi_files, true);
-	host.ui->set_text(window_main, menu_midi_files, "");
-	EXPECT_EQ(host.ui->selection(window_main, menu_midi_files), -1);
+	host.ui->show(window_main, no_such_control, true);
+	host.ui->set_text(window_main, no_such_control, "");
+	EXPECT_EQ(host.ui->selection(window_main, no_such_control), -1);
 }
 
 TEST_F(windows, the_empty_list_says_how_to_begin)
@@ -350,6 +352,59 @@ TEST_F(sample_windows, both_lists_and_a_download)
 	EXPECT_EQ(at<entry_list>(window_samples, samples_loaded_list)->chosen(), 1);
 }
 
+TEST_F(sample_windows, columns_tell_of_files_and_sorting_brings_no_other_sample_to_a_command)
+{
+	const auto put = [&](const char *name, u32 rate, unsigned channels, std::size_t frames,
+				 u32 loop_end) {
+		h.put_content(spooled(name),
+			wave_bytes(rate, channels, std::vector<int>(frames * channels, 9), 0,
+				loop_end));
+	};
+	put("A.wav", 44100, 1, 5000, 0);
+	put("B.wav", 8000, 2, 800, 700);
+	put("C.wav", 22050, 1, 220500, 0);
+	h.put_content(spooled("D.wav"), hex("00"));
+	open();
+	auto *list = at<entry_list>(window_samples, samples_local_list);
+	const auto texts = [&](int index) {
+		QStringList all;
+		for (int column = 0; column < 6; column++)
+			all += list->entry(index)->text(column);
+		return all.join("|").toStdString();
+	};
+	EXPECT_EQ(texts(0), "A|0.11 s|44100 Hz|1|16|no");
+	EXPECT_EQ(texts(1), "B|0.10 s|8000 Hz|2|16|yes");
+	EXPECT_EQ(texts(2), "C|10.00 s|22050 Hz|1|16|no");
+	EXPECT_EQ(texts(3), "D|||||");
+	const auto order = [&] {
+		QString all;
+		for (int i = 0; i < list->topLevelItemCount(); i++)
+			all += list->topLevelItem(i)->text(0);
+		return all.toStdString();
+	};
+	const auto click_title = [&](int column) {
+		QHeaderView *titles = list->header();
+		QTest::mouseClick(titles->viewport(), Qt::LeftButton, {},
+			{ titles->sectionViewportPosition(column) + 8, titles->height() / 2 });
+		return order();
+	};
+	choose(window_samples, samples_local_list, "A");
+	EXPECT_EQ(click_title(2), "DBCA") << "by the number, not by its first letter";
+	EXPECT_EQ(click_title(2), "ACBD");
+	EXPECT_EQ(click_title(1), "DBAC");
+	EXPECT_EQ(host.ui->selection(window_samples, samples_local_list), 0);
+	choose(window_samples, samples_local_list, "B");
+	EXPECT_EQ(host.ui->selection(window_samples, samples_local_list), 1);
+	press(window_samples, samples_local_delete);
+	EXPECT_FALSE(h.content(spooled("B.wav")));
+	EXPECT_EQ(order(), "DAC") << "a list that is filled anew stays sorted";
+	EXPECT_EQ(list->chosen(), list->place_of("C")) << "the neighbour";
+	type(window_samples, samples_local_search, "c");
+	EXPECT_EQ(host.ui->selection(window_samples, samples_local_list), list->place_of("C"));
+	click_title(1);
+	EXPECT_EQ(click_title(1), "ACD") << "as they came";
+}
+
 TEST_F(sample_windows, tab_leads_from_the_list_to_its_buttons)
 {
 	open();
@@ -414,7 +469,7 @@ TEST_F(sample_windows, the_multi_view_lists_the_multis)
 	press(window_main, main_multis);
 	ASSERT_TRUE(shown(window_multis));
 	EXPECT_EQ(at<entry_list>(window_multis, multis_list)->count(), 2);
-	EXPECT_FALSE(host.ui->exists(window_multis, multis_download));
+	EXPECT_FALSE(at(window_multis, multis_download)->isEnabled());
 	QTest::keyClick(at(window_multis, multis_list), Qt::Key_Escape);
 	EXPECT_FALSE(shown(window_multis));
 }

@@ -494,5 +494,6 @@ TEST_F(usb_conversation, a_panel_shows_its_picture_and_takes_keys_after_every_fa
 	s5000 rack;
 	each(rack, model_s5000, 0x7E, { 0x20, 0x02, 0x43 });
 	z4 eight;
+	eight.confirms_at_power_on = true; // so each key is answered twice
 	each(eight, model_z4, 0x81, { 0x2C, 0x02, 0x01 });
 }

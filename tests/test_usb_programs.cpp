@@ -512,6 +512,7 @@ template <class sampler> void usb_programs::strike_everywhere(i32 model, int ope
 			healthy = after, writes = m.writes - written;
 		EXPECT_TRUE(!told_done || after == healthy);
 		EXPECT_TRUE(!stops || program_outcome.how == ending::stopped);
+		EXPECT_FALSE(stops && h.progress.visible);
 		EXPECT_TRUE(after.front() == before.front() && after.back() == before.back());
 		EXPECT_TRUE(after.size() == 3 || (operation == 1 && after.size() == 2));
 		h.on_pump = nullptr;

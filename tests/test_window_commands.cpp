@@ -61,6 +61,14 @@ TEST_F(window_commands, the_words_are_those_of_the_program)
 		{ window_sampler, 0, "VELMOR Manage current Sampler" },
 		{ window_sampler, 39003, "Use TCP instead of MIDI" },
 		{ window_sampler, sampler_exclusive_list, "Sysex-Ch (1-127):" },
+		{ window_main, 9005, "Manage MIDI-Files" }, { window_sampler, 10100, "Note on" },
+		{ window_sampler, 10101, "Note off" }, { window_sampler, 16997, "All Note Off" },
+		{ window_sampler, 10103, "Mon. on" }, { window_sampler, 10104, "Mon. off" },
+		{ window_multis, 23001, "Download this Multi" },
+		{ window_midi_files, player_load, "Load Midi-File" },
+		{ window_midi_files, player_unload, "Unload current Midi-File" },
+		{ window_midi_files, player_play, "Play Midi-File" },
+		{ window_midi_files, player_stop, "Stop Midi-File" },
 		{ window_samples, samples_loaded_delete, "Delete this Sample" },
 		{ window_samples, samples_mix_files, "Create L/R files" },
 		{ window_usb, status_undo, "Undo" }, // of every window
@@ -79,10 +87,11 @@ TEST_F(window_commands, no_control_has_two_rows_of_words)
 			<< row.window << " " << row.control;
 }
 
-TEST_F(window_commands, work_that_is_not_built_has_no_command)
+TEST_F(window_commands, what_is_in_no_table_has_no_command)
 {
-	EXPECT_FALSE(has_command(window_main, menu_midi_files));
-	EXPECT_FALSE(velmor_command(window_main, menu_midi_files));
+	constexpr int no_such_control = 4711;
+	EXPECT_FALSE(has_command(window_main, no_such_control));
+	EXPECT_FALSE(velmor_command(window_main, no_such_control));
 }
 
 TEST_F(window_commands, settings_without_any_port_say_so)
@@ -572,6 +581,7 @@ TEST_F(multi_page, a_silent_sampler_is_told_from_one_without_multis)
 	velmor_command(window_multis, multis_retry);
 	EXPECT_EQ(h.states[list].first, list_state::fresh);
 	EXPECT_EQ(h.lists[list], (std::vector<std::string>{ "ROCK", "JAZZ" }));
+	EXPECT_FALSE((h.enabled[{ window_multis, multis_download }]));
 	EXPECT_TRUE((h.texts[{ window_multis, multis_heading }]).starts_with("2 multis · read "));
 	EXPECT_TRUE(h.logged("Loaded Multi[1]: [JAZZ]"));
 	model.row.getmultilist = nullptr;

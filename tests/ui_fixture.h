@@ -101,7 +101,7 @@ protected:
 		auto *list = at<entry_list>(window, control);
 		const int found = list->place_of(name);
 		ASSERT_GE(found, 0) << name;
-		list->scrollToItem(list->topLevelItem(found));
+		list->scrollToItem(list->entry(found));
 		QTest::mouseClick(list->viewport(), Qt::LeftButton, {},
 			list->place_on_screen(found).center());
 	}

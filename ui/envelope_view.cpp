@@ -48,6 +48,13 @@ void envelope_curve::show_view(const envelope_view *shown)
 	update();
 }
 
+void envelope_curve::setVisible(bool visible)
+{
+	QWidget::setVisible(visible);
+	if (title)
+		title->setVisible(visible);
+}
+
 QString envelope_curve::words_of(int index) const
 {
 	const auto i = static_cast<std::size_t>(index);

@@ -13,6 +13,9 @@ public:
 	envelope_curve(int window, int control, const QString &empty, QWidget *parent);
 	// Takes a copy; null clears the picture.
 	void show_view(const envelope_view *view);
+	// Is shown and hidden with the curve.
+	void set_title(QWidget *above) { title = above; }
+	void setVisible(bool visible) override;
 	QSize sizeHint() const override { return { 300, 112 }; }
 	// Where a point stands on the widget.
 	QPointF point_at(int point) const;
@@ -53,6 +56,7 @@ private:
 	const int window_id, control_id;
 	const QString empty_text;
 	envelope_view view;
+	QWidget *title = nullptr;
 	bool empty = true;
 	int chosen = 0;   // value that keys change
 	int hovered = -1; // point under the mouse

@@ -10,6 +10,7 @@
 #include "src/velmor_window.h"
 #include "ui/parts/style.h"
 #include <QHelpEvent>
+#include <QMenu>
 #include <QMouseEvent>
 #include <QToolTip>
 #include <algorithm>
@@ -481,6 +482,20 @@ void key_map::mousePressEvent(QMouseEvent *event)
 		return p.group == view.group && (p.zone == view.zone || p.zone < 0);
 	});
 	choose(chosen == found.end() || chosen + 1 == found.end() ? found.front() : chosen[1]);
+}
+
+// Of what is chosen already, where that lies under the mouse too.
+void key_map::contextMenuEvent(QContextMenuEvent *event)
+{
+	if (!menu || empty)
+		return QWidget::contextMenuEvent(event);
+	const std::vector<place> found = places_at(event->pos());
+	const bool by_mouse = event->reason() == QContextMenuEvent::Mouse;
+	if (by_mouse && !found.empty() &&
+		std::find(found.begin(), found.end(), place{ view.group, view.zone }) ==
+			found.end())
+		choose(found.front());
+	menu->popup(by_mouse ? event->globalPos() : mapToGlobal(rect().center()));
 }
 
 void key_map::mouseMoveEvent(QMouseEvent *event)

@@ -8,6 +8,8 @@
 #include <QPixmap>
 #include <QWidget>
 
+class QMenu;
+
 namespace velmor
 {
 
@@ -18,6 +20,8 @@ public:
 	// Takes a copy; null clears the picture.
 	void show_view(const key_map_view *view);
 	QSize sizeHint() const override;
+	// Opens at a place of the screen, once what was pointed at is chosen.
+	void set_menu(QMenu *shown) { menu = shown; }
 
 	// Places on the widget.
 	QRectF group_bar(int group) const;
@@ -34,6 +38,7 @@ protected:
 	void mouseReleaseEvent(QMouseEvent *event) override;
 	void keyPressEvent(QKeyEvent *event) override;
 	void keyReleaseEvent(QKeyEvent *event) override;
+	void contextMenuEvent(QContextMenuEvent *event) override;
 	void focusInEvent(QFocusEvent *event) override;
 	void focusOutEvent(QFocusEvent *event) override;
 	void changeEvent(QEvent *event) override;
@@ -96,6 +101,7 @@ private:
 
 	const int window_id, control_id;
 	const QString empty_text;
+	QMenu *menu = nullptr;
 	key_map_view view;
 	bool empty = true, stale = true;
 	std::vector<lane> bar_lanes;

@@ -82,14 +82,14 @@ struct level_row {
 	log_level level;
 	const char *tag, *letter;
 	const char *name; // of its lines
-	text_role role;
+	log_look look;
 };
 
 static constexpr level_row levels[log_levels] = {
-	{ log_told, "[I]", "I", "what was done", text_role::plain },
-	{ log_careful, "[W]", "W", "warnings", text_role::careful },
-	{ log_failed, "[F]", "F", "failures", text_role::failed },
-	{ log_debug, "[D]", "D", "details for finding faults", text_role::plain },
+	{ log_told, "[I]", "I", "what was done", log_look::plain },
+	{ log_careful, "[W]", "W", "warnings", log_look::careful },
+	{ log_failed, "[F]", "F", "failures", log_look::failed },
+	{ log_debug, "[D]", "D", "details for finding faults", log_look::plain },
 };
 
 // Behind "12.3456: " or "12.3456 [file.cpp:12]: ", or the line itself where it has no stamp.
@@ -109,6 +109,15 @@ static log_level level_of(QStringView line, log_level before)
 		if (words.startsWith(QLatin1String(row.tag)))
 			return row.level;
 	return words.size() < line.size() ? log_told : before;
+}
+
+static log_look look_of(const QString &line, log_level level)
+{
+	if (line.contains(QLatin1String("[MONITOR]RCVD")))
+		return log_look::received;
+	if (line.contains(QLatin1String("[MONITOR]SENT")))
+		return log_look::sent;
+	return levels[level].look;
 }
 
 log_view::log_view(QWidget *parent) : QPlainTextEdit(parent), later(new QTimer(this))
@@ -150,7 +159,8 @@ void log_view::add_lines(const QString &text)
 			lines.back().words += words;
 		} else {
 			const log_level before = lines.empty() ? log_told : lines.back().level;
-			lines.push_back({ words, level_of(words, before) });
+			const log_level level = level_of(words, before);
+			lines.push_back({ words, level, look_of(words, level) });
 			counts[lines.back().level]++;
 		}
 		last_is_open = false;
@@ -183,28 +193,39 @@ void log_view::refresh()
 		when_counted();
 }
 
+QTextCharFormat log_view::format_of(log_look look) const
+{
+	static constexpr text_role roles[] = { text_role::plain, text_role::careful,
+		text_role::failed, text_role::plain, text_role::good };
+	QTextCharFormat format;
+	if (look == log_look::plain)
+		return format;
+	const QPalette colors = palette();
+	format.setForeground(look == log_look::received
+				     ? colors.color(QPalette::Link)
+				     : role_color(colors, roles[static_cast<int>(look)]));
+	if (look == log_look::careful || look == log_look::failed)
+		format.setFontWeight(QFont::Bold);
+	return format;
+}
+
 // Lines of one look go in together.
 void log_view::append_shown(std::size_t first)
 {
 	QTextCursor end(document());
 	end.beginEditBlock();
 	for (std::size_t i = first; i < lines.size();) {
-		const text_role role = levels[lines[i].level].role;
+		const log_look look = lines[i].look;
 		QString words;
-		for (; i < lines.size() && levels[lines[i].level].role == role; i++) {
+		for (; i < lines.size() && lines[i].look == look; i++) {
 			if (!shown[lines[i].level])
 				continue;
 			words += anything_shown ? "\n" : "";
 			words += lines[i].words;
 			anything_shown = true;
 		}
-		QTextCharFormat look;
-		if (role != text_role::plain) {
-			look.setForeground(role_color(palette(), role));
-			look.setFontWeight(QFont::Bold);
-		}
 		end.movePosition(QTextCursor::End);
-		end.insertText(words, look);
+		end.insertText(words, format_of(look));
 	}
 	end.endEditBlock();
 }
@@ -288,7 +309,7 @@ void log_view::changeEvent(QEvent *event)
 // ---- The head -----------------------------------------------------------------------------------
 
 // A setting "log" holds "open" or "folded", and the letters of the levels that are shown.
-static std::string look_of(const log_view *log, bool open)
+static std::string setting_of(const log_view *log, bool open)
 {
 	std::string look = open ? "open " : "folded ";
 	for (const level_row &row : levels)
@@ -297,7 +318,7 @@ static std::string look_of(const log_view *log, bool open)
 }
 
 // False if it was left folded.
-static bool restore_look(log_view *log)
+static bool restore_setting(log_view *log)
 {
 	char value[setting_size];
 	if (host.settings->load_key("log", value) != 0)
@@ -448,9 +469,9 @@ static QLayout *make_head(top_window *window, log_view *log, QWidget *part, QWid
 	auto *head = new QHBoxLayout;
 	head->setContentsMargins(8, 0, 8, 0);
 	head->setSpacing(4);
-	QToolButton *fold = make_fold(part, "the log", restore_look(log), box);
+	QToolButton *fold = make_fold(part, "the log", restore_setting(log), box);
 	log->when_looked_at = [log, fold] {
-		(void)host.settings->save_key("log", look_of(log, fold->isChecked()).c_str());
+		(void)host.settings->save_key("log", setting_of(log, fold->isChecked()).c_str());
 	};
 	const auto give_room = [box](bool open) {
 		box->setSizePolicy(

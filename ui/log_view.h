@@ -29,6 +29,15 @@ enum log_level : int {
 	log_levels,
 };
 
+// Lines of one look are painted alike.
+enum class log_look {
+	plain,
+	careful,
+	failed,
+	received, // what the monitor saw come in, and go out
+	sent,
+};
+
 class log_view : public QPlainTextEdit
 {
 public:
@@ -58,10 +67,12 @@ private:
 	struct line {
 		QString words;
 		log_level level;
+		log_look look;
 	};
 	void refresh();
 	void add_lines(const QString &text);
 	void append_shown(std::size_t first);
+	QTextCharFormat format_of(log_look look) const;
 	void fill();
 	void show_last();
 

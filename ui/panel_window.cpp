@@ -40,6 +40,13 @@ static constexpr double letter_height = 0.55, letter_room = 0.9; // parts of a k
 
 // ---- Keys ------------------------------------------------------------------------------------
 
+// A click leaves the focus with the screen, and Enter is typed there.
+static void leave_focus(QPushButton *button)
+{
+	button->setFocusPolicy(Qt::TabFocus);
+	button->setAutoDefault(false);
+}
+
 // The system alone says when it is down.
 class panel_key : public QPushButton
 {
@@ -50,7 +57,7 @@ public:
 	{
 		setText(QString::fromStdString(key.name));
 		setCheckable(true);
-		setFocusPolicy(Qt::TabFocus);
+		leave_focus(this);
 		enroll(window_panel, key.id, this);
 		setAccessibleName(text() + (key.wheel ? ", one step" : " key"));
 		if (key.wheel)
@@ -218,7 +225,6 @@ void panel_board::place_words()
 void panel_board::paintEvent(QPaintEvent *)
 {
 	QPainter painter(this);
-	painter.fillRect(rect(), palette().color(QPalette::Midlight));
 	const int width = static_cast<int>(std::ceil(outline_width * unit));
 	if (view.width)
 		painter.fillRect(picture->geometry().adjusted(-width, -width, width, width),
@@ -256,15 +262,16 @@ protected:
 
 private:
 	void make_head();
-	int scale() const;
 	void choose_fitting_scale();
 	QSize size_for(const QSize &board_size) const;
-	void fit();
+	void fit(int number);
+	void show_screen();
 
 	told_label *facts;
 	QList<QPushButton *> scales;
 	QScrollArea *area;
 	panel_board *board;
+	int scale = 0; // 0 until one was chosen
 };
 
 panel_window::panel_window(QWidget *owner) : top_window(window_panel, control_cancel, owner)
@@ -275,6 +282,7 @@ panel_window::panel_window(QWidget *owner) : top_window(window_panel, control_ca
 	area->setFrameShape(QFrame::NoFrame);
 	area->setFocusPolicy(Qt::NoFocus);
 	area->setAlignment(Qt::AlignCenter);
+	area->setBackgroundRole(QPalette::Midlight);
 	board = new panel_board(this, area);
 	area->setWidget(board);
 	content->addWidget(area, 1);
@@ -295,11 +303,11 @@ void panel_window::make_head()
 	for (const int control : scale_controls) {
 		QPushButton *button = make_button(this, control);
 		button->setCheckable(true);
-		button->setAutoDefault(false);
+		leave_focus(button);
 		tell_apart(button, "size of the screen");
-		connect(button, &QPushButton::toggled, this, [this](bool on) {
+		connect(button, &QPushButton::toggled, this, [this, control](bool on) {
 			if (on)
-				fit();
+				fit(control - panel_scale_1 + 1);
 		});
 		scales += button;
 		head->addWidget(button);
@@ -307,18 +315,10 @@ void panel_window::make_head()
 	head->addSpacing(between_panels);
 	for (const int control : { panel_copy, panel_save }) {
 		QPushButton *button = make_button(this, control);
-		button->setAutoDefault(false);
+		leave_focus(button);
 		head->addWidget(button);
 	}
 	content->addLayout(head);
-}
-
-int panel_window::scale() const
-{
-	for (int i = 0; i < scales.size(); i++)
-		if (scales[i]->isChecked())
-			return i + 1;
-	return 0;
 }
 
 // With the head, the status line and the margins around it.
@@ -342,15 +342,26 @@ void panel_window::choose_fitting_scale()
 	scales[number - 1]->setChecked(true);
 }
 
-void panel_window::fit()
+void panel_window::fit(int number)
 {
-	board->set_scale(scale());
+	scale = number;
+	board->set_scale(number);
 	const QSize wanted = size_for(board->size());
 	const QSize screen = QGuiApplication::primaryScreen()->availableSize();
 	const int bar = wanted.width() > screen.width() - 16
 				? area->horizontalScrollBar()->sizeHint().height()
 				: 0;
 	open_at(wanted + QSize(0, bar));
+	show_screen();
+}
+
+// Where not all of the board is in view, the screen is.
+void panel_window::show_screen()
+{
+	const QPoint middle = board->picture->geometry().center();
+	const QSize seen = area->viewport()->size();
+	area->horizontalScrollBar()->setValue(middle.x() - seen.width() / 2);
+	area->verticalScrollBar()->setValue(middle.y() - seen.height() / 2);
 }
 
 void panel_window::build(const panel_view *view)
@@ -359,8 +370,8 @@ void panel_window::build(const panel_view *view)
 	if (!view)
 		return;
 	facts->say(QString("%1 × %2 pixels").arg(view->picture_width).arg(view->picture_height));
-	if (scale())
-		fit();
+	if (scale)
+		fit(scale);
 	else
 		choose_fitting_scale();
 }
@@ -376,6 +387,7 @@ void panel_window::showEvent(QShowEvent *event)
 {
 	top_window::showEvent(event);
 	board->picture->setFocus();
+	show_screen();
 }
 
 void create_panel_window(QWidget *owner)

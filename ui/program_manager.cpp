@@ -115,10 +115,11 @@ static void show_menu(const side &s, entry_list *list, const QPoint &at)
 	menu.exec(list->viewport()->mapToGlobal(at));
 }
 
-static void add_shortcut(QWidget *where, const QKeySequence &keys, Qt::ShortcutContext context,
-	const std::function<void()> &work)
+static void add_shortcut(QWidget *where, const QList<QKeySequence> &keys,
+	Qt::ShortcutContext context, const std::function<void()> &work)
 {
-	auto *shortcut = new QShortcut(keys, where);
+	auto *shortcut = new QShortcut(where);
+	shortcut->setKeys(keys);
 	shortcut->setContext(context);
 	QObject::connect(shortcut, &QShortcut::activated, where, work);
 }
@@ -126,7 +127,7 @@ static void add_shortcut(QWidget *where, const QKeySequence &keys, Qt::ShortcutC
 static entry_list *make_side_list(top_window *window, const side &s)
 {
 	entry_list *list = make_list(window, s.list);
-	list->set_columns({ "Name", "Keygroups" });
+	list->set_columns({ "Name", "Keygroups", "Unsent" });
 	list->setMinimumHeight(header_height + row_height * 2);
 	if (QPushButton *retry = s.retry ? make_button(window, s.retry) : nullptr)
 		list->set_retry(retry);
@@ -134,8 +135,8 @@ static entry_list *make_side_list(top_window *window, const side &s)
 	QObject::connect(list, &QWidget::customContextMenuRequested, list,
 		[&s, list](const QPoint &at) { show_menu(s, list, at); });
 	QObject::connect(list, &QTreeWidget::itemActivated, list, [&s] { press(s.open); });
-	add_shortcut(list, QKeySequence::Delete, Qt::WidgetShortcut, [&s] { press(s.remove); });
-	add_shortcut(list, Qt::Key_F2, Qt::WidgetShortcut, [&s] { begin_renaming(s); });
+	add_shortcut(list, { Qt::Key_Delete }, Qt::WidgetShortcut, [&s] { press(s.remove); });
+	add_shortcut(list, { Qt::Key_F2 }, Qt::WidgetShortcut, [&s] { begin_renaming(s); });
 	return list;
 }
 
@@ -323,6 +324,15 @@ void mark_missing(QComboBox *box)
 				Qt::ForegroundRole);
 }
 
+// Of a sample that the sampler lacks: in the key map and where the sample is chosen.
+static QMenu *make_sample_menu(top_window *window)
+{
+	auto *menu = new QMenu(window);
+	menu->setToolTipsVisible(true);
+	make_entry(window, menu, programs_find_sample);
+	return menu;
+}
+
 static QBoxLayout *make_tab_line(top_window *window)
 {
 	auto *row = new QHBoxLayout;
@@ -344,7 +354,7 @@ static void name_tab(int tab, const QString &chosen)
 }
 
 // Which keygroup and keyzone the form is of.
-static QBoxLayout *make_choices(top_window *window)
+static QBoxLayout *make_choices(top_window *window, QMenu *menu)
 {
 	auto *row = new QHBoxLayout;
 	for (const int control : { programs_keygroup_list, programs_keyzone_list }) {
@@ -368,6 +378,9 @@ static QBoxLayout *make_choices(top_window *window)
 				QPalette::ButtonText, role_color(colors, text_role::failed));
 		sample->setPalette(colors);
 	});
+	sample->setContextMenuPolicy(Qt::CustomContextMenu);
+	QObject::connect(sample, &QWidget::customContextMenuRequested, sample,
+		[sample, menu](const QPoint &at) { menu->popup(sample->mapToGlobal(at)); });
 	row->addWidget(sample, 1);
 	row->addWidget(make_check(window, apply_to_keygroups));
 	row->addWidget(make_check(window, apply_to_keyzones));
@@ -410,11 +423,12 @@ static QWidget *make_envelopes(top_window *window)
 	row->setSpacing(between_panels);
 	auto *column = new QVBoxLayout;
 	column->setSpacing(4);
-	for (const int control :
-		{ programs_amp_envelope, programs_filter_envelope, programs_aux_envelope }) {
-		const QString name = caption_of(window->id, control);
-		column->addWidget(make_title(name, 1.1, true, all));
+	for (const int control : { programs_amp_envelope, programs_second_envelope,
+		     programs_filter_envelope, programs_aux_envelope }) {
+		told_label *title = make_title(caption_of(window->id, control), 1.1, true, all);
+		column->addWidget(title);
 		auto *curve = new envelope_curve(window->id, control, "No keygroup chosen", all);
+		curve->set_title(title);
 		enroll(window->id, control, curve);
 		column->addWidget(curve);
 	}
@@ -425,7 +439,7 @@ static QWidget *make_envelopes(top_window *window)
 	return all;
 }
 
-static QWidget *make_program(top_window *window)
+static QWidget *make_program(top_window *window, QMenu *menu)
 {
 	auto *all = new QWidget(window);
 	auto *column = new QVBoxLayout(all);
@@ -433,7 +447,7 @@ static QWidget *make_program(top_window *window)
 	column->setSpacing(4);
 	column->addLayout(make_tab_line(window));
 	column->addWidget(make_line(all));
-	column->addLayout(make_choices(window));
+	column->addLayout(make_choices(window, menu));
 	column->addLayout(make_title_line(window));
 	pages = new QStackedWidget(all);
 	for (const int form : { form_of_program, form_of_keygroup, form_of_keyzone })
@@ -474,25 +488,27 @@ static void find_in_list()
 
 static void add_shortcuts(top_window *window)
 {
-	static constexpr std::pair<QKeySequence::StandardKey, int> keys[] = {
-		{ QKeySequence::Undo, programs_undo },
-		{ QKeySequence::Redo, programs_redo },
-		{ QKeySequence::Refresh, programs_refresh },
+	// A field that is typed in keeps the first two for itself.
+	static const std::pair<QList<QKeySequence>, int> keys[] = {
+		{ { Qt::CTRL | Qt::Key_Z }, programs_undo },
+		{ { Qt::CTRL | Qt::SHIFT | Qt::Key_Z, Qt::CTRL | Qt::Key_Y }, programs_redo },
+		{ { Qt::Key_F5 }, programs_refresh },
 	};
 	for (const auto &[key, control] : keys)
 		add_shortcut(
 			window, key, Qt::WindowShortcut, [control = control] { press(control); });
-	add_shortcut(window, QKeySequence::Find, Qt::WindowShortcut, find_in_list);
+	add_shortcut(window, { Qt::CTRL | Qt::Key_F }, Qt::WindowShortcut, find_in_list);
 }
 
 // Always to be seen, whatever scrolls above it.
-static QBoxLayout *make_below(top_window *window)
+static QBoxLayout *make_below(top_window *window, QMenu *menu)
 {
 	auto *column = new QVBoxLayout;
 	column->setContentsMargins(margin_side, 0, margin_side, margin_above);
 	column->setSpacing(between_controls);
 	auto *map = new key_map(window->id, programs_key_map, "No program chosen", window);
 	enroll(window->id, programs_key_map, map);
+	map->set_menu(menu);
 	column->addWidget(map, 1);
 	column->addLayout(make_foot(window));
 	return column;
@@ -509,10 +525,11 @@ void create_program_manager(QWidget *owner)
 	QWidget *lists = make_lists(window);
 	lists->setFixedWidth(std::max(340, lists->sizeHint().width()));
 	both->addWidget(lists);
-	both->addWidget(make_program(window), 1);
+	QMenu *menu = make_sample_menu(window);
+	both->addWidget(make_program(window, menu), 1);
 	column->addLayout(both, 1);
 	window->content->setStretch(0, 3);
-	window->content->addLayout(make_below(window), 1);
+	window->content->addLayout(make_below(window, menu), 1);
 	window->finish();
 	show_program_tab(0);
 	add_shortcuts(window);

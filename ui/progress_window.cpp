@@ -1,5 +1,6 @@
 // progress_window.cpp - how far a long operation is, and the way to stop it
 
+#include "src/velmor.h"
 #include "ui/parts/parts.h"
 #include "ui/parts/style.h"
 #include "ui/parts/told.h"
@@ -13,6 +14,7 @@ namespace velmor
 
 void create_progress_window(QWidget *owner)
 {
+	log_line("[D] ROOT-PARENT_RECT: (%d, %d)\r\n", owner->width(), owner->height());
 	auto *window = new top_window(window_progress, control_cancel, owner);
 	window->has_place = false; // it comes up over what it tells about
 	QBoxLayout *column = window->content;

@@ -19,6 +19,7 @@
 #include "ui/parts/style.h"
 #include "ui/parts/told.h"
 #include "ui/parts/window.h"
+#include "ui/track_strip_list.h"
 #include "ui/waveform.h"
 #include <QAbstractButton>
 #include <QAbstractEventDispatcher>
@@ -213,8 +214,10 @@ static void show_control(int window, int control, bool visible)
 static void set_reason(int window, int control, const char *why_not)
 {
 	QObject *object = find_control(window, control);
-	if (auto *entry = qobject_cast<QAction *>(object))
+	if (auto *entry = qobject_cast<QAction *>(object)) {
 		entry->setEnabled(!why_not);
+		entry->setToolTip(QString::fromUtf8(why_not ? why_not : ""));
+	}
 	auto *widget = qobject_cast<QWidget *>(object);
 	if (!widget)
 		return;
@@ -318,6 +321,38 @@ static void set_row_changed(int window, int form, int row, bool changed)
 {
 	if (form_view *view = find_form(window, form))
 		view->set_changed(row, changed);
+}
+
+// ---- Tracks -------------------------------------------------------------------------------------
+
+static track_list *find_tracks(int window, int control)
+{
+	return not_made_yet(window) ? nullptr
+				    : dynamic_cast<track_list *>(find_control(window, control));
+}
+
+static void set_track_count(int window, int control, int count)
+{
+	if (track_list *list = find_tracks(window, control))
+		list->set_count(count);
+}
+
+static void set_track(int window, int control, int track, const track_view *view)
+{
+	if (track_list *list = find_tracks(window, control))
+		list->set_track(track, *view);
+}
+
+static void set_strip(int window, int control, int track, const strip_view *view)
+{
+	if (track_list *list = find_tracks(window, control))
+		list->set_strip(track, *view);
+}
+
+static void set_play_position(int window, int control, std::int64_t ticks, int ticks_per_second)
+{
+	if (track_list *list = find_tracks(window, control))
+		list->set_position(ticks, ticks_per_second);
 }
 
 // ---- Boxes --------------------------------------------------------------------------------------
@@ -541,6 +576,10 @@ const ui_service qt_ui = {
 	.build_panel   = build_panel,
 	.copy_bitmap   = copy_bitmap,
 	.save_bitmap   = save_bitmap,
+	.set_track_count = set_track_count,
+	.set_track     = set_track,
+	.set_strip     = set_strip,
+	.set_play_position = set_play_position,
 	.message       = message,
 	.ask           = ask,
 	.choose_files  = choose_files,

@@ -1,6 +1,7 @@
 // sampler_dialog.cpp - one sampler that is connected by MIDI
 
 #include "ui/parts/parts.h"
+#include "ui/parts/style.h"
 #include "ui/parts/told.h"
 #include "ui/parts/window.h"
 #include <QBoxLayout>
@@ -33,10 +34,64 @@ static QWidget *make_bridge(top_window *window)
 	return box;
 }
 
-void create_sampler_dialog(QWidget *owner)
+// A group of what is tried out: what stands in it goes by its captions.
+static QFormLayout *make_group(const QString &title, QWidget **box, top_window *window)
 {
-	auto *window = new top_window(window_sampler, control_cancel, owner);
-	QBoxLayout *column = window->content;
+	auto *group = new QGroupBox(title, window);
+	*box = group;
+	return new QFormLayout(group);
+}
+
+static QWidget *make_test_notes(top_window *window)
+{
+	QWidget *box;
+	QFormLayout *form = make_group("Test note", &box, window);
+	auto *choices = new QHBoxLayout;
+	QComboBox *pitch = make_choice(window, sampler_pitch_list);
+	QComboBox *velocity = make_choice(window, sampler_velocity_list);
+	auto *label = new told_label(box);
+	label->say(caption_of(window_sampler, sampler_velocity_list));
+	label->setBuddy(velocity);
+	add_to(choices, { pitch, label, velocity });
+	choices->addStretch();
+	form->addRow(caption_of(window_sampler, sampler_pitch_list), choices);
+	told_label *port = make_text(window, sampler_midi_out_text);
+	port->set_cut();
+	add_row(form, window_sampler, sampler_midi_out_text, port);
+	auto *buttons = new QHBoxLayout;
+	add_to(buttons,
+		{ make_button(window, sampler_note_on), make_button(window, sampler_note_off),
+			make_button(window, sampler_all_notes_off) });
+	buttons->addStretch();
+	form->addRow(buttons);
+	return box;
+}
+
+static QWidget *make_monitor(top_window *window)
+{
+	QWidget *box;
+	QFormLayout *form = make_group("Monitor and thru", &box, window);
+	told_label *port = make_text(window, sampler_midi_in_text);
+	port->set_cut();
+	add_row(form, window_sampler, sampler_midi_in_text, port);
+	auto *line = new QHBoxLayout;
+	add_to(line, { make_button(window, sampler_monitor_on),
+			     make_button(window, sampler_monitor_off) });
+	line->addStretch();
+	form->addRow(line);
+	// Numbers grow in it, and nothing jumps.
+	told_label *state = make_text(window, sampler_monitor_state);
+	state->setWordWrap(true);
+	state->setAlignment(Qt::AlignLeft | Qt::AlignTop);
+	state->setMinimumSize(state->fontMetrics().averageCharWidth() * 40,
+		state->fontMetrics().lineSpacing() * 2 + 4);
+	form->addRow(state);
+	return box;
+}
+
+static QBoxLayout *make_description(top_window *window)
+{
+	auto *column = new QVBoxLayout;
 	auto *form = new QFormLayout;
 	QLineEdit *name = make_field(window, sampler_name);
 	name->setMaxLength(255);
@@ -50,7 +105,24 @@ void create_sampler_dialog(QWidget *owner)
 	asking->addWidget(make_button(window, sampler_device_info), 0, Qt::AlignTop);
 	asking->addWidget(make_verdict(window, sampler_verdict), 1);
 	column->addLayout(asking);
-	column->addWidget(make_bridge(window));
+	return column;
+}
+
+// What describes the sampler, and beside it what tries it out.
+void create_sampler_dialog(QWidget *owner)
+{
+	auto *window = new top_window(window_sampler, control_cancel, owner);
+	auto *sides = new QHBoxLayout;
+	sides->setSpacing(between_panels);
+	QBoxLayout *description = make_description(window);
+	sides->addLayout(description, 1);
+	auto *trials = new QVBoxLayout;
+	add_to(trials, { make_test_notes(window), make_monitor(window) });
+	trials->addStretch();
+	sides->addLayout(trials);
+	description->addWidget(make_bridge(window));
+	description->addStretch();
+	window->content->addLayout(sides);
 	add_closing_buttons(window);
 	window->finish();
 }

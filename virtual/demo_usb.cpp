@@ -124,6 +124,7 @@ static s5000_keygroup s5000_keygroup_of(const keygroup_plan &plan)
 void fill_demo(s5000 &machine)
 {
 	machine.name = "Demo S5000";
+	machine.shows_pages = true;
 	add_sounds(machine, s5000_modes);
 	for (const program_plan &plan : plans) {
 		machine.programs.push_back({ plan.name, {} });
@@ -152,6 +153,7 @@ static z4_keygroup z4_keygroup_of(const keygroup_plan &plan)
 void fill_demo(z4 &machine)
 {
 	machine.name = "Demo Z8";
+	machine.shows_pages = true;
 	add_sounds(machine, z4_modes);
 	for (const program_plan &plan : plans) {
 		std::vector<z4_keygroup> keygroups;

@@ -6,8 +6,10 @@
 #include <atomic>
 #include <cerrno>
 #include <cstring>
+#include <list>
 #include <map>
 #include <memory>
+#include <mutex>
 #include <string>
 
 namespace velmor
@@ -37,6 +39,47 @@ static std::map<int, opened> outputs_open, inputs_open;
 static int next_port = 1, next_handle = 1;
 static std::atomic<void (*)()> wake_function = nullptr;
 
+// Messages that go on from one wire to another, on the thread on which they arrive. Nobody writes
+// exclusive messages in parts meanwhile, so none is held back. The timeline's lock comes before
+// this one.
+struct passed {
+	int input, output; // handles
+	int reader;
+	midi_wire *from, *to;
+	midi_judge judge;
+	midi_sorter sorter = {};
+};
+static std::mutex passed_lock;
+static std::list<passed> all_passed;
+
+static void pass_on_what_came()
+{
+	const std::lock_guard hold(passed_lock);
+	for (passed &p : all_passed) {
+		unsigned char bytes[64], message[3];
+		while (const std::size_t came = p.from->take(p.reader, bytes, sizeof bytes))
+			for (std::size_t i = 0; i < came; i++)
+				if (const int length = p.judge(&p.sorter, bytes[i], message))
+					p.to->send({ message, static_cast<std::size_t>(length) });
+	}
+}
+
+static void end_passing_on(int passed::*which, int handle)
+{
+	std::list<passed> ended;
+	{
+		const std::lock_guard hold(passed_lock);
+		for (auto p = all_passed.begin(); p != all_passed.end();) {
+			const auto next = std::next(p);
+			if ((*p).*which == handle)
+				ended.splice(ended.end(), all_passed, p);
+			p = next;
+		}
+	}
+	for (passed &p : ended)
+		p.from->detach(p.reader);
+}
+
 static void wake_host()
 {
 	if (auto wake = wake_function.load())
@@ -47,7 +90,10 @@ int plug_midi(timeline &time, midi_machine machine, const char *port_name, wire_
 {
 	port plugged = { .name = port_name,
 		.wire = std::make_unique<midi_wire>(time, std::move(machine), settings) };
-	plugged.wire->on_change(wake_host);
+	plugged.wire->on_change([] {
+		pass_on_what_came();
+		wake_host();
+	});
 	ports.emplace(next_port, std::move(plugged));
 	return next_port++;
 }
@@ -71,6 +117,10 @@ void unplug_midi(int number)
 
 void unplug_all_midi()
 {
+	{
+		const std::lock_guard hold(passed_lock);
+		all_passed.clear();
+	}
 	wake_function = nullptr;
 	outputs_open.clear();
 	inputs_open.clear();
@@ -177,6 +227,7 @@ static void fetch(midi_wire *wire, opened *side)
 
 static void disarm_input(int handle)
 {
+	end_passing_on(&passed::input, handle);
 	opened *side;
 	midi_wire *wire = wire_of(inputs_open, handle, &side);
 	if (!wire || !side->reader)
@@ -254,6 +305,22 @@ static int error_of_input(int handle)
 	return side->reader && wire->overruns() != side->overruns ? EPIPE : 0;
 }
 
+static int pass_on_input(int handle, int output, midi_judge judge)
+{
+	opened *in, *out;
+	midi_wire *from = wire_of(inputs_open, handle, &in);
+	midi_wire *to = output < 0 ? nullptr : wire_of(outputs_open, output, &out);
+	if (!from || (output >= 0 && !to))
+		return EBADF;
+	end_passing_on(&passed::input, handle);
+	if (!to)
+		return 0;
+	const int reader = from->attach();
+	const std::lock_guard hold(passed_lock);
+	all_passed.push_back({ handle, output, reader, from, to, judge });
+	return 0;
+}
+
 // ---- The table ---------------------------------------------------------------------
 
 static const char *words_of(int code)
@@ -274,7 +341,11 @@ const midi_service virtual_midi = {
 		},
 	.write = write_run,
 	.leaving = still_leaving,
-	.close_output = [](int handle) { outputs_open.erase(handle); },
+	.close_output =
+		[](int handle) {
+			end_passing_on(&passed::output, handle);
+			outputs_open.erase(handle);
+		},
 	.open_input = [](int index,
 			      int *handle) { return open_listed(inputs_open, index, handle); },
 	.arm = arm_input,
@@ -282,6 +353,7 @@ const midi_service virtual_midi = {
 	.listen = listen_to_input,
 	.take = take_kept,
 	.input_error = error_of_input,
+	.pass_on = pass_on_input,
 	.disarm = disarm_input,
 	.close_input =
 		[](int handle) {

@@ -2,6 +2,7 @@
 
 #include "virtual/s5000.h"
 #include "virtual/s5000_requests.h"
+#include "virtual/screen_keys.h"
 #include <algorithm>
 
 namespace velmor
@@ -42,6 +43,7 @@ s5000::s5000()
 	product_name = "AKAI S5000/S6000";
 	name = "S5000";
 	picture.resize(320 * 240 / 8);
+	panel = make_panel(*this);
 }
 
 s5000::~s5000() = default;
@@ -142,8 +144,8 @@ static constexpr std::uint8_t disk_section = 0x10;
 void s5000::run(bytes_in payload)
 {
 	if (asked[0] == panel_section) {
-		key_presses.emplace_back(payload.begin(), payload.end());
-		answer_with('D', {});
+		const request_outcome told = heard_panel(payload);
+		answer_with(told.status, told.data);
 		return;
 	}
 	if (asked[0] == disk_section) {

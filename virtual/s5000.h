@@ -12,6 +12,8 @@
 // wrong length or with a value the machine does not have is refused and changes nothing.
 // A block request for a keygroup that does not exist is refused as a whole.
 //
+// Section 20 is the front panel's (screen_keys.h), 10 the disks' (disks.h).
+//
 // Wake-up: 03 14, then 04 03. It also breaks off a transfer.
 //
 // The contents are the machine's own bytes: a signed value is its sign (1 minus) and its

@@ -1,6 +1,7 @@
 // usb_sampler.cpp - what the S5000 and Z families share on USB
 
 #include "virtual/usb_sampler.h"
+#include "virtual/screen_keys.h"
 #include <algorithm>
 
 namespace velmor
@@ -33,6 +34,9 @@ bool take_text(bytes_in bytes, std::string *text)
 	return end != bytes.end() && end + 1 == bytes.end();
 }
 
+usb_sampler::usb_sampler() = default;
+usb_sampler::~usb_sampler() = default;
+
 void usb_sampler::add_sample(std::string sample_name, usb_bytes wave)
 {
 	samples.push_back({ std::move(sample_name), std::move(wave), next_handle++ });
@@ -45,6 +49,7 @@ void usb_sampler::plugged_in()
 	confirms = confirms_at_power_on;
 	current_sample = 0;
 	disks.forget_place();
+	panel->power_on();
 	forget_transfer();
 	outbox.clear();
 }
@@ -52,6 +57,7 @@ void usb_sampler::plugged_in()
 // It is not busy any more, whatever waits to be read.
 void usb_sampler::forget_transfer()
 {
+	panel->let_go();
 	doing = phase::framed;
 	arriving = {};
 	leaving.clear();
@@ -146,8 +152,23 @@ void usb_sampler::send_display()
 		say({ 'A', 'k', 'a', 'I' }, latency);
 		return;
 	}
+	if (shows_pages)
+		picture = panel->display->draw().on_wire(panel->display->bits());
 	say(picture, latency);
 	say(usb_bytes(display_extra), latency);
+}
+
+const screen_canvas &usb_sampler::canvas() const
+{
+	return panel->shown();
+}
+
+request_outcome usb_sampler::heard_panel(bytes_in payload)
+{
+	request_outcome outcome = panel->heard(payload);
+	if (outcome.status == 'D')
+		key_presses.emplace_back(payload.begin(), payload.end());
+	return outcome;
 }
 
 std::uint32_t usb_sampler::state_block_size()

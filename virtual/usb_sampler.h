@@ -21,10 +21,14 @@
 #include "virtual/disks.h"
 #include "virtual/usb_machine.h"
 #include "virtual/wave_image.h"
+#include <memory>
 #include <string>
 
 namespace velmor
 {
+
+class front_panel;
+class screen_canvas;
 
 struct usb_sample {
 	std::string name;
@@ -39,8 +43,11 @@ public:
 	std::uint8_t version_major = 2, version_minor = 10;
 	std::vector<usb_sample> samples;
 	disk_rack disks;
-	usb_bytes picture;                  // of the display, a bit a pixel
-	std::vector<usb_bytes> key_presses; // payloads of front panel requests, in order
+	// Of the display, a bit a pixel, as it was last sent. The machine draws its pages into it
+	// when it is asked, or leaves alone what somebody has put there.
+	usb_bytes picture;
+	bool shows_pages = false;
+	std::vector<usb_bytes> key_presses; // payloads of the front panel that it took, in order
 
 	int channel = 0;              // exclusive channel; a frame for another one is not for us
 	double latency = 0.0005;      // seconds from a request to its answer
@@ -63,8 +70,12 @@ public:
 	int interrupted = 0;
 	int refuse_after = -1; // an upload is refused when it has so many blocks
 
+	usb_sampler();
+	~usb_sampler() override;
 	void add_sample(std::string sample_name, usb_bytes wave);
 	void plugged_in() override;
+	// Its pages as they were last drawn, which is when the host asked for them.
+	const screen_canvas &canvas() const;
 
 protected:
 	enum class awake_state {
@@ -75,6 +86,8 @@ protected:
 	awake_state awake = awake_state::asleep;
 	bool confirms = false;
 	int current_sample = 0;
+	std::unique_ptr<front_panel> panel; // made by the family
+	request_outcome heard_panel(std::span<const std::uint8_t> payload);
 
 	// The family's own part.
 	virtual bool heard_wake_up(std::span<const std::uint8_t> message) = 0;

@@ -147,7 +147,7 @@ void midi_wire::line::send(byte_view sent)
 // byte ends it. A run holds one F7 at most, its last byte.
 void midi_wire::line::left(double)
 {
-	bytes whole, fresh;
+	bytes whole, fresh, played;
 	std::size_t at;
 	bool broken_off = false;
 	{
@@ -156,8 +156,10 @@ void midi_wire::line::left(double)
 			return;
 		at = message.size();
 		for (const std::uint8_t b : outgoing.front().content) {
-			if (b >= 0xF8)
+			if (b >= 0xF8) {
+				played.push_back(b);
 				continue;
+			}
 			if (b & 0x80 && b != 0xF7) {
 				broken_off |= !message.empty();
 				message.clear();
@@ -165,6 +167,8 @@ void midi_wire::line::left(double)
 			}
 			if (b == 0xF0 || (!message.empty() && message.size() < longest_message))
 				message.push_back(b);
+			else if (message.empty() && b != 0xF7)
+				played.push_back(b);
 			if (b == 0xF7) {
 				if (!message.empty() && message.back() == 0xF7)
 					whole = std::move(message);
@@ -176,6 +180,8 @@ void midi_wire::line::left(double)
 				message.begin() + static_cast<std::ptrdiff_t>(at), message.end());
 		outgoing.pop_front();
 	}
+	if (!played.empty() && machine.played)
+		machine.played(played);
 	if (broken_off && machine.part)
 		machine.part(0, {});
 	if (!whole.empty())
@@ -369,6 +375,11 @@ void midi_wire::send(byte_view sent)
 	state->send(sent);
 }
 
+void midi_wire::play(bytes run)
+{
+	state->speak(std::move(run), 0, false, false);
+}
+
 std::size_t midi_wire::leaving() const
 {
 	const double now = state->time.now();
@@ -464,14 +475,21 @@ midi_machine on_one_cable(std::vector<midi_machine> machines)
 	return { .answer = in_turn(&midi_machine::answer),
 		.refuse = in_turn(&midi_machine::refuse),
 		.wait = in_turn(&midi_machine::wait),
-		.part = [all](std::size_t at, byte_view fresh) {
-			bytes said;
-			for (const midi_machine &m : *all)
-				if (m.part)
-					for (const std::uint8_t b : m.part(at, fresh))
-						said.push_back(b);
-			return said;
-		} };
+		.part =
+			[all](std::size_t at, byte_view fresh) {
+				bytes said;
+				for (const midi_machine &m : *all)
+					if (m.part)
+						for (const std::uint8_t b : m.part(at, fresh))
+							said.push_back(b);
+				return said;
+			},
+		.played =
+			[all](byte_view notes) {
+				for (const midi_machine &m : *all)
+					if (m.played)
+						m.played(notes);
+			} };
 }
 
 // ---- Faults by name ----------------------------------------------------------------

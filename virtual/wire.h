@@ -42,6 +42,8 @@ struct midi_machine {
 	// call is an exchange of its own to the faults; one that is lost or refused takes its
 	// bytes out of the message.
 	std::function<machine::bytes(std::size_t, machine::byte_view)> part = {};
+	// What reaches it beside exclusive messages: notes, what they are played with, real time.
+	std::function<void(machine::byte_view)> played = {};
 };
 
 // Machines on one cable, in order: what one of them does not answer is for the next.
@@ -92,6 +94,8 @@ public:
 
 	// Put bytes on the wire behind those still leaving. Any run, also parts of a message.
 	void send(machine::byte_view run);
+	// Bytes that the machine sends unasked, as a keyboard does: from any thread.
+	void play(machine::bytes run);
 	// Bytes sent that have not left yet.
 	std::size_t leaving() const;
 

@@ -1,6 +1,7 @@
 // z4.cpp - a virtual Z4, Z8 or MPC 4000 on USB: frames, answers, contents
 
 #include "virtual/z4.h"
+#include "virtual/screen_keys.h"
 #include "virtual/z4_requests.h"
 
 namespace velmor
@@ -18,6 +19,7 @@ z4::z4(z4_model which) : model(which)
 	asleep_at_power_on = !mpc;
 	disks.low_first = true;
 	picture.resize(mpc ? 320 * 240 / 8 : 248 * 60 / 8);
+	panel = make_panel(*this, mpc);
 }
 
 z4::~z4() = default;
@@ -154,8 +156,8 @@ static constexpr std::uint8_t disk_section = 0x20;
 void z4::run(bytes_in payload)
 {
 	if (asked[0] == panel_section) {
-		key_presses.emplace_back(payload.begin(), payload.end());
-		answer_with('D', {});
+		const request_outcome told = heard_panel(payload);
+		answer_with(told.status, told.data);
 		return;
 	}
 	const bool size_asked = asked == file_size_request;

@@ -12,6 +12,8 @@
 // What is wrong in form is not answered at all. A request of wrong length or with a value
 // the machine does not have is refused and changes nothing.
 //
+// Section 2C is the front panel's (screen_keys.h), 20 the disks' (disks.h).
+//
 // Wake-up: 03 01, as often as one likes. It also breaks off a transfer. The MPC 4000 is
 // awake from the start.
 //

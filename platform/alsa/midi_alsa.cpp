@@ -24,7 +24,7 @@ namespace velmor
 static std::atomic<void (*)()> wake = nullptr;
 // As last listed. Main thread only, like the open ports.
 static std::vector<alsa_port> output_list, input_list;
-static std::map<int, std::unique_ptr<output_port>> open_outputs;
+static std::map<int, std::shared_ptr<output_port>> open_outputs;
 // A port can be opened once only, so those who receive from it share it.
 struct open_input {
 	std::string name; // device or address of the port
@@ -60,10 +60,55 @@ void bell::silence()
 	(void)eventfd_read(fd, &count);
 }
 
+static constexpr unsigned char start_of_exclusive = 0xF0, first_real_time = 0xF8;
+
+void outgoing::add(const unsigned char *bytes, std::size_t count)
+{
+	waiting.insert(waiting.end(), bytes, bytes + count);
+	for (std::size_t i = 0; i < count; i++)
+		if (bytes[i] >= 0x80 && bytes[i] < first_real_time)
+			in_exclusive = bytes[i] == start_of_exclusive;
+	if (in_exclusive || held.empty())
+		return;
+	waiting.insert(waiting.end(), held.begin(), held.end());
+	held.clear();
+}
+
+// More than a few hundred notes in one message are no music any more.
+void outgoing::pass_on(const unsigned char *message, std::size_t count)
+{
+	static constexpr std::size_t most_held = 4096;
+	if (!in_exclusive || message[0] >= first_real_time)
+		waiting.insert(waiting.end(), message, message + count);
+	else if (held.size() + count <= most_held)
+		held.insert(held.end(), message, message + count);
+}
+
+void passing_on::take(const unsigned char *bytes, std::size_t count)
+{
+	if (!to)
+		return;
+	bool any = false;
+	{
+		const std::lock_guard hold(to->out.lock);
+		for (std::size_t i = 0; i < count; i++) {
+			unsigned char message[3];
+			const int length = judge(&sorter, bytes[i], message);
+			if (length > 0 && !to->out.failed) {
+				to->out.pass_on(message, static_cast<std::size_t>(length));
+				any = true;
+			}
+		}
+	}
+	if (any)
+		to->changed.ring();
+}
+
 void receiver::take(const unsigned char *bytes, std::size_t count)
 {
 	if (!active())
 		return;
+	thru.take(bytes, count);
 	const std::size_t room = capacity - (listening ? kept.size() : filled);
 	const std::size_t fits = count < room ? count : room;
 	if (listening) {
@@ -154,7 +199,7 @@ static int open_output(int index, int *handle)
 	if (code)
 		return code;
 	*handle = ++last_handle;
-	open_outputs[*handle] = std::move(opened);
+	open_outputs[*handle] = std::shared_ptr<output_port>(std::move(opened));
 	return 0;
 }
 
@@ -168,7 +213,7 @@ static int write_output(int handle, const unsigned char *bytes, std::size_t coun
 		const std::lock_guard hold(port.out.lock);
 		if (port.out.failed)
 			return port.out.failed;
-		port.out.waiting.insert(port.out.waiting.end(), bytes, bytes + count);
+		port.out.add(bytes, count);
 	}
 	port.changed.ring();
 	return 0;
@@ -187,13 +232,28 @@ static long leaving(int handle)
 	return static_cast<long>(port.out.waiting.size()) + on_the_way;
 }
 
+// The last one who holds a port ends its thread, which is not for another port's thread to wait
+// for.
+static void end_passing_on_to(const output_port *port)
+{
+	for (const auto &[handle, in] : open_inputs) {
+		const std::lock_guard hold(in.port->in.lock);
+		if (in.to->thru.to.get() == port)
+			in.to->thru = {};
+	}
+}
+
 // What was written may still be going out. A short while is left for it, then the rest is
 // dropped: a device that takes nothing must not hold up the program.
 static void close_output(int handle)
 {
 	for (int waited = 0; waited < 100 && leaving(handle) > 0; waited++)
 		std::this_thread::sleep_for(std::chrono::milliseconds(1));
-	open_outputs.erase(handle);
+	const auto found = open_outputs.find(handle);
+	if (found == open_outputs.end())
+		return;
+	end_passing_on_to(found->second.get());
+	open_outputs.erase(found);
 }
 
 // ---- Inputs -----------------------------------------------------------------------------
@@ -272,6 +332,19 @@ static int listen(int handle, std::size_t room)
 	fresh.listening = true;
 	fresh.capacity = room;
 	return begin_receiving(handle, std::move(fresh));
+}
+
+static int pass_on(int handle, int output, midi_judge judge)
+{
+	open_input *in = input_of(handle);
+	const auto to = open_outputs.find(output);
+	if (!in || (output >= 0 && to == open_outputs.end()))
+		return EBADF;
+	const std::lock_guard hold(in->port->in.lock);
+	in->to->thru = {};
+	if (output >= 0)
+		in->to->thru = { .to = to->second, .judge = judge };
+	return 0;
 }
 
 static std::size_t received(int handle)
@@ -379,6 +452,7 @@ const midi_service alsa_midi = {
 	.listen = listen,
 	.take = take,
 	.input_error = input_error,
+	.pass_on = pass_on,
 	.disarm = disarm,
 	.close_input = close_input,
 	.on_arrival = [](void (*call)()) { wake = call; },

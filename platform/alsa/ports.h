@@ -5,6 +5,7 @@
 // loop. midi_alsa.cpp lists both and hands out handles.
 
 #pragma once
+#include "platform/midi.h"
 #include <atomic>
 #include <cstddef>
 #include <memory>
@@ -43,6 +44,17 @@ struct bell {
 	void silence();
 };
 
+struct output_port;
+
+// What is passed on of an input, and where to. The thread of the input goes through here.
+struct passing_on {
+	std::shared_ptr<output_port> to; // null: nothing is
+	midi_judge judge = nullptr;
+	midi_sorter sorter = {};
+
+	void take(const unsigned char *bytes, std::size_t count);
+};
+
 // Where the bytes of a port go for one that opened it: into an armed buffer, or into a store of
 // its own.
 struct receiver {
@@ -50,7 +62,8 @@ struct receiver {
 	std::size_t capacity = 0, filled = 0;
 	bool listening = false;
 	std::vector<unsigned char> kept; // of a listener, at most capacity
-	int error = 0;                   // first thing that went wrong since it began
+	passing_on thru;
+	int error = 0; // first thing that went wrong since it began
 
 	bool active() const { return buffer || listening; }
 	void take(const unsigned char *bytes, std::size_t count);
@@ -70,7 +83,13 @@ struct incoming {
 struct outgoing {
 	std::mutex lock;
 	std::vector<unsigned char> waiting;
-	int failed = 0; // nothing is sent any more
+	int failed = 0;                  // nothing is sent any more
+	bool in_exclusive = false;       // the last byte written belongs to a message that goes on
+	std::vector<unsigned char> held; // messages passed on, until it has ended
+
+	// Both with lock held.
+	void add(const unsigned char *bytes, std::size_t count);
+	void pass_on(const unsigned char *message, std::size_t count);
 };
 
 // An open port. The functions are called on the main thread.

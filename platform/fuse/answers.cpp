@@ -187,11 +187,16 @@ bool answer_close_folder(const fuse_call &call, const drive_call &)
 	return true;
 }
 
-// Adds one entry to a piece of a listing; false when there is no room for it.
-static bool add_entry(const fuse_call &call, std::vector<char> *piece, const char *name,
+struct listing_piece {
+	std::vector<char> bytes;
+	std::vector<fuse_ino_t> counted; // nodes whose look-ups it counts
+};
+
+// Adds one entry; false when there is no room for it.
+static bool add_entry(const fuse_call &call, listing_piece *piece, const char *name,
 	const fuse_entry_param &entry, off_t next)
 {
-	const std::size_t left = call.size - piece->size();
+	const std::size_t left = call.size - piece->bytes.size();
 	const auto put = [&](char *room, std::size_t size) {
 		return call.with_attributes ? fuse_add_direntry_plus(
 						      call.request, room, size, name, &entry, next)
@@ -201,14 +206,14 @@ static bool add_entry(const fuse_call &call, std::vector<char> *piece, const cha
 	const std::size_t size = put(nullptr, 0);
 	if (size > left)
 		return false;
-	const std::size_t at = piece->size();
-	piece->resize(at + size);
-	put(piece->data() + at, size);
+	const std::size_t at = piece->bytes.size();
+	piece->bytes.resize(at + size);
+	put(piece->bytes.data() + at, size);
 	return true;
 }
 
 // Place 0 is ".", 1 is "..". The kernel counts no look-ups of them.
-static bool add_place(const fuse_call &call, std::vector<char> *piece, std::size_t place)
+static bool add_place(const fuse_call &call, listing_piece *piece, std::size_t place)
 {
 	static constexpr std::size_t dots = 2;
 	const off_t next = static_cast<off_t>(place + 1);
@@ -224,9 +229,11 @@ static bool add_place(const fuse_call &call, std::vector<char> *piece, std::size
 		return add_entry(call, piece, entry.name.c_str(), named, next);
 	}
 	const fuse_ino_t number = count_lookup(call.folder->path, entry.name, entry);
+	piece->counted.push_back(number);
 	if (add_entry(call, piece, entry.name.c_str(), entry_of(number, entry), next))
 		return true;
 	forget_lookups(number, 1);
+	piece->counted.pop_back();
 	return false;
 }
 
@@ -241,13 +248,15 @@ bool answer_listing(const fuse_call &call, const drive_call &how)
 			return answer_error(
 				call, result == drive_not_found ? drive_failed : result);
 	}
-	std::vector<char> piece;
-	piece.reserve(std::min(call.size, most_listed_bytes));
+	listing_piece piece;
+	piece.bytes.reserve(std::min(call.size, most_listed_bytes));
 	for (std::size_t place = static_cast<std::size_t>(std::max<off_t>(call.offset, 0));
 		place < call.folder->entries.size() + 2 && add_place(call, &piece, place);
 		place++) {
 	}
-	fuse_reply_buf(call.request, piece.data(), piece.size());
+	if (fuse_reply_buf(call.request, piece.bytes.data(), piece.bytes.size()) != 0)
+		for (const fuse_ino_t number : piece.counted)
+			forget_lookups(number, 1); // nobody waited for them any more
 	return true;
 }
 

@@ -73,14 +73,29 @@ static bool answer_call(const fuse_call &call, bool may_ask)
 					 } });
 }
 
+static std::size_t calls_waiting()
+{
+	const std::lock_guard hold(the_drive->lock);
+	return the_drive->calls.size();
+}
+
+// Those that wait now: what comes meanwhile has its own turn, and so has the program's end.
 static void answer_calls(bool may_ask)
 {
 	std::list<fuse_call> left;
-	while (std::optional<fuse_call> call = next_call())
+	for (std::size_t count = calls_waiting(); count > 0; count--) {
+		std::optional<fuse_call> call = next_call();
+		if (!call)
+			break; // answered inside of another one
 		if (!answer_call(*call, may_ask))
 			left.push_back(std::move(*call));
-	const std::lock_guard hold(the_drive->lock);
-	the_drive->calls.splice(the_drive->calls.begin(), left);
+	}
+	{
+		const std::lock_guard hold(the_drive->lock);
+		the_drive->calls.splice(the_drive->calls.begin(), left);
+	}
+	if (may_ask && calls_waiting())
+		wake_main_thread(nullptr, nullptr);
 }
 
 // ---- What the kernel calls, on the reader's thread ---------------------------------------------------

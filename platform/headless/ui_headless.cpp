@@ -212,6 +212,10 @@ const ui_service headless_ui = {
 	.build_panel = [](int, const panel_view *) {},
 	.copy_bitmap = [](const bitmap_view *, int) {},
 	.save_bitmap = [](const char *, const bitmap_view *, int) { return false; },
+	.set_track_count = [](int, int, int) {},
+	.set_track = [](int, int, int, const track_view *) {},
+	.set_strip = [](int, int, int, const strip_view *) {},
+	.set_play_position = [](int, int, std::int64_t, int) {},
 	.message = message,
 	.ask = ask,
 	// Nobody is there to choose.

@@ -48,9 +48,8 @@ static void ask_model()
 		return;
 	const int count = get_sampler_volumes(device, &volumes);
 	require(count >= 0 && count < 256 && (count > 0) == (volumes != nullptr));
-	if (count > 0 && _set_sampler_path(fs_tag, __LINE__, device, &volumes[0], "A\\b"))
-		require(_get_current_dirlist(fs_tag, __LINE__, device, &found) <=
-			2 * max_disk_entries);
+	if (count > 0 && _set_sampler_path("fuzz", 1, device, &volumes[0], "A\\b"))
+		require(_get_current_dirlist("fuzz", 1, device, &found) <= 2 * max_disk_entries);
 	free_sampler_volumes(count, &volumes);
 	close_midi_usb(device);
 }
@@ -66,7 +65,7 @@ static void look_up()
 static void tell_path()
 {
 	FSP_FSCTL_FILE_INFO info;
-	const int result = _get_file_info(fs_tag, __LINE__, "\\Fuzz\\A\\b\\c", &info);
+	const int result = _get_file_info("fuzz", 1, "\\Fuzz\\A\\b\\c", &info);
 	require(result == 0 || result == 1);
 }
 

@@ -17,7 +17,7 @@ namespace
 
 std::unique_ptr<test_host> h;
 std::string path;
-int doing, sends;
+int doing, sends, presses;
 bool slow;
 
 void require(bool holds)
@@ -99,7 +99,9 @@ void play()
 	}
 	if (have_midi_file && current_midi_file.ntrks && doing == 7)
 		play_track(window_midi_files, &current_midi_file, 0);
-	stop_really_all(window_midi_files);
+	do // Play may be pressed inside it
+		stop_really_all(window_midi_files);
+	while (song_plays());
 	require(h->timers.empty() && !timer_mid);
 }
 
@@ -110,7 +112,7 @@ void begin()
 	host.midi = &with_port;
 	path = h->config + "\\song.mid";
 	h->on_pump = [] {
-		if (sends % 7 == 3)
+		if (sends % 7 == 3 && presses++ < 50) // a user tires
 			press();
 	};
 }
@@ -128,7 +130,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
 	renew_limits(*h);
 	current_run_mode.diagnostics = data[0] & 0x80;
 	doing = data[0] & 7;
-	sends = 0;
+	sends = presses = 0;
 	const std::vector<u8> file(data + 1, data + size);
 	h->put_content(path, file);
 	open_midi_file(window_midi_files, path.c_str());

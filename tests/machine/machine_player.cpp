@@ -68,13 +68,15 @@ protected:
 		close_midi_output();
 	}
 
-	// Two tracks of notes, one each every 8 ticks; what goes out in all.
+	// Two tracks of notes, one each every 8 ticks; what goes out in all. No status comes twice in
+	// a row, as the kernel would leave out the second.
 	std::vector<u8> load(int notes)
 	{
 		std::vector<u8> both[2], out;
 		for (int i = 0; i < notes; i++)
 			for (int t = 0; t < 2; t++) {
-				const std::vector<u8> note = { static_cast<u8>(0x90 | t),
+				const std::vector<u8> note = { static_cast<u8>(
+								       (i % 2 ? 0x80 : 0x90) | t),
 					static_cast<u8>(i % 128), 64 };
 				both[t] = both[t] + std::vector<u8>{ 8 } + note;
 				out = out + note;
@@ -99,7 +101,7 @@ std::vector<u8> of_channel(const std::vector<u8> &bytes, int channel)
 {
 	std::vector<u8> out;
 	for (std::size_t i = 0; i + 2 < bytes.size(); i += 3)
-		if (bytes[i] == (0x90 | channel))
+		if ((bytes[i] & 0xEF) == (0x80 | channel))
 			out.insert(out.end(), { bytes[i], bytes[i + 1], bytes[i + 2] });
 	return out;
 }

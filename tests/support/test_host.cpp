@@ -6,6 +6,7 @@
 #include "src/velmor_edits.h"
 #include "src/velmor_library.h"
 #include "src/velmor_midi.h"
+#include "src/velmor_monitor.h"
 #include "src/velmor_outcome.h"
 #include "src/velmor_window.h"
 #include "src/waveqx.h"
@@ -196,6 +197,22 @@ static const ui_service test_ui = {
 	.build_panel = [](int, const panel_view *) {},
 	.copy_bitmap = [](const bitmap_view *, int) {},
 	.save_bitmap = [](const char *, const bitmap_view *, int) { return false; },
+	.set_track_count =
+		[](int, int, int count) {
+			the_test_host->track_count = count;
+			the_test_host->tracks.clear();
+			the_test_host->strips.clear();
+		},
+	.set_track = [](int, int, int track,
+			     const track_view *view) { the_test_host->tracks[track] = *view; },
+	.set_strip =
+		[](int, int, int track, const strip_view *view) {
+			the_test_host->strips[track].assign(view->notes.begin(), view->notes.end());
+		},
+	.set_play_position =
+		[](int, int, std::int64_t ticks, int speed) {
+			the_test_host->play_position = { ticks, speed };
+		},
 	.message =
 		[](const char *text, const char *caption) {
 			the_test_host->boxes.push_back({ text, caption });
@@ -356,6 +373,7 @@ static void forget_everything()
 	conf_sampler.clear();
 	copy_text(current_usb_name, "");
 	forget_commands();
+	forget_monitor();
 	forget_stop();
 	the_line = {};
 	local_sample.clear();

@@ -97,6 +97,10 @@ public:
 	std::map<std::pair<int, int>, envelope_view> envelopes;
 	std::map<std::pair<int, int>, std::vector<form_row>> forms; // as built, then as set
 	std::pair<int, int> focus;
+	int track_count = 0; // of the player; a test brings tracks into view itself
+	std::map<int, track_view> tracks;
+	std::map<int, std::vector<strip_note>> strips;
+	std::pair<std::int64_t, int> play_position = { -1, 0 }; // and the speed
 	// Running timers. Nothing ticks by itself: a test calls tick when it is time.
 	struct running_timer {
 		int milliseconds;

@@ -15,6 +15,7 @@
 #include <QPainter>
 #include <QPushButton>
 #include <QStyledItemDelegate>
+#include <algorithm>
 
 namespace velmor
 {
@@ -104,10 +105,12 @@ void entry_list::set_columns(const QStringList &titles)
 	header()->show();
 	for (int column = 0; column < columnCount(); column++) {
 		header()->setSectionResizeMode(
-			column, column ? QHeaderView::ResizeToContents : QHeaderView::Stretch);
+			column, column ? QHeaderView::Fixed : QHeaderView::Stretch);
 		headerItem()->setTextAlignment(
 			column, (column ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignVCenter);
 	}
+	header()->setSectionsClickable(true);
+	connect(header(), &QHeaderView::sectionClicked, this, &entry_list::sort_by_title);
 	fit_columns(1);
 }
 
@@ -120,11 +123,30 @@ void entry_list::set_two_lines()
 	setItemDelegate(new two_line_entry(this));
 }
 
+// As wide as its longest text. Measuring every text of a long list would take longer than
+// filling it.
+int entry_list::width_for(int column) const
+{
+	const auto longest = std::max_element(entries.begin(), entries.end(),
+		[column](const QTreeWidgetItem *one, const QTreeWidgetItem *other) {
+			return one->text(column).size() < other->text(column).size();
+		});
+	const int title = header()->sectionSizeHint(column);
+	return longest == entries.end()
+		       ? title
+		       : std::max(title, sizeHintForIndex(indexFromItem(*longest, column)).width() +
+						 fontMetrics().averageCharWidth());
+}
+
 // A column without a text in any entry only takes room.
 void entry_list::fit_columns(std::size_t texts)
 {
-	for (int column = 1; column < columnCount() && !two_lines; column++)
-		setColumnHidden(column, static_cast<std::size_t>(column) >= texts);
+	for (int column = 1; column < columnCount() && !two_lines; column++) {
+		const bool empty = static_cast<std::size_t>(column) >= texts;
+		setColumnHidden(column, empty);
+		if (!empty)
+			header()->resizeSection(column, width_for(column));
+	}
 }
 
 void entry_list::take_files()
@@ -134,39 +156,100 @@ void entry_list::take_files()
 	setDragDropMode(QAbstractItemView::DropOnly);
 }
 
+// ---- Sorting ----------------------------------------------------------------------------------
+
+// An entry with its place among those that came. A number stands in front of its unit; behind the
+// name's column what begins with none comes first.
+class placed_entry : public QTreeWidgetItem
+{
+public:
+	placed_entry(const QStringList &texts, int at) : QTreeWidgetItem(texts), place(at) {}
+	// What it is compared by from now on; -1: by its place.
+	void set_key(int column)
+	{
+		is_number = column < 0;
+		number = place;
+		if (column > 0)
+			number = text(column).section(' ', 0, 0).toDouble(&is_number);
+		words = column < 0 ? QString() : text(column).toCaseFolded();
+	}
+	bool operator<(const QTreeWidgetItem &item) const override
+	{
+		const auto &other = static_cast<const placed_entry &>(item);
+		if (is_number != other.is_number)
+			return other.is_number;
+		return is_number ? number < other.number : words < other.words;
+	}
+
+private:
+	const int place;
+	bool is_number = true;
+	double number = 0;
+	QString words;
+};
+
+void entry_list::sort_again()
+{
+	for (QTreeWidgetItem *item : entries)
+		static_cast<placed_entry *>(item)->set_key(sort_column);
+	sortItems(std::max(sort_column, 0), sort_order);
+	header()->setSortIndicatorShown(sort_column >= 0);
+}
+
+void entry_list::sort_by(int column, Qt::SortOrder order)
+{
+	sort_column = column;
+	sort_order = column < 0 ? Qt::AscendingOrder : order;
+	sort_again();
+	if (currentItem())
+		scrollToItem(currentItem());
+}
+
+void entry_list::sort_by_title(int column)
+{
+	const bool same = column == sort_column;
+	if (same && sort_order == Qt::DescendingOrder)
+		sort_by(-1, Qt::AscendingOrder);
+	else
+		sort_by(column, same ? Qt::DescendingOrder : Qt::AscendingOrder);
+}
+
 // ---- Entries ----------------------------------------------------------------------------------
 
-bool entry_list::match(int index) const
+bool entry_list::match(const QTreeWidgetItem *item) const
 {
-	return name_of(index).contains(letters_sought, Qt::CaseInsensitive);
+	return item->text(0).contains(letters_sought, Qt::CaseInsensitive);
 }
 
 void entry_list::fill(const std::vector<QStringList> &rows)
 {
 	const QSignalBlocker quiet(this);
+	entries.clear();
 	clear();
-	QList<QTreeWidgetItem *> items;
 	std::size_t texts = 1;
 	const QIcon picture = two_lines ? QIcon() : make_icon(entry_icon);
 	for (const QStringList &row : rows) {
-		auto *item = new QTreeWidgetItem(row);
+		auto *item = new placed_entry(row, count());
 		texts = std::max(texts, static_cast<std::size_t>(row.size()));
 		item->setIcon(0, picture);
 		for (int column = 1; column < row.size(); column++)
 			item->setTextAlignment(column, Qt::AlignRight | Qt::AlignVCenter);
-		items += item;
+		entries.push_back(item);
 	}
-	addTopLevelItems(items);
+	addTopLevelItems({ entries.begin(), entries.end() });
 	fit_columns(texts);
-	for (int i = 0; !letters_sought.isEmpty() && i < count(); i++)
-		topLevelItem(i)->setHidden(!match(i));
+	if (sort_column >= 0)
+		sort_again();
+	for (QTreeWidgetItem *item : entries)
+		if (!letters_sought.isEmpty())
+			item->setHidden(!match(item));
 	viewport()->update();
 }
 
 void entry_list::choose(int index)
 {
 	const QSignalBlocker quiet(this);
-	setCurrentItem(index >= 0 && index < count() ? topLevelItem(index) : nullptr);
+	setCurrentItem(index >= 0 && index < count() ? entry(index) : nullptr);
 	if (index < 0)
 		clearSelection();
 }
@@ -179,7 +262,10 @@ bool entry_list::has_entries() const
 int entry_list::chosen() const
 {
 	QTreeWidgetItem *current = currentItem();
-	return current && !current->isHidden() && has_entries() ? indexOfTopLevelItem(current) : -1;
+	const auto found = std::find(entries.begin(), entries.end(), current);
+	return found != entries.end() && !current->isHidden() && has_entries()
+		       ? static_cast<int>(found - entries.begin())
+		       : -1;
 }
 
 int entry_list::place_of(const QString &name) const
@@ -193,15 +279,15 @@ int entry_list::place_of(const QString &name) const
 void entry_list::search(const QString &letters)
 {
 	letters_sought = letters;
-	int first = -1;
-	for (int i = 0; i < count(); i++) {
-		const bool found = match(i);
-		topLevelItem(i)->setHidden(!found);
-		if (found && first < 0)
-			first = i;
+	QTreeWidgetItem *first = nullptr;
+	for (int i = 0; i < topLevelItemCount(); i++) {
+		QTreeWidgetItem *item = topLevelItem(i);
+		item->setHidden(!match(item));
+		if (!item->isHidden() && !first)
+			first = item;
 	}
-	if (chosen() < 0 && first >= 0)
-		setCurrentItem(topLevelItem(first));
+	if (chosen() < 0 && first)
+		setCurrentItem(first);
 	viewport()->update();
 }
 

@@ -2,6 +2,10 @@
 //
 // An entry is a row of texts, its name first. A list with titles shows them in columns; one of
 // two lines shows the second text under the name and the third at the right.
+//
+// A click on a title sorts by its column, a second one the other way round, and a third one puts
+// the entries back in the order in which they came. An entry is known by its place in that order,
+// wherever it stands on the screen.
 
 #pragma once
 #include "platform/ui.h"
@@ -39,12 +43,16 @@ public:
 	void set_state(list_state state, const QString &words);
 	list_state state() const { return shown_state; }
 	// How many entries there are, hidden ones too, and the name of one.
-	int count() const { return topLevelItemCount(); }
-	QString name_of(int index) const { return topLevelItem(index)->text(0); }
-	bool hidden(int index) const { return topLevelItem(index)->isHidden(); }
+	int count() const { return static_cast<int>(entries.size()); }
+	QTreeWidgetItem *entry(int index) const { return entries[static_cast<std::size_t>(index)]; }
+	QString name_of(int index) const { return entry(index)->text(0); }
+	bool hidden(int index) const { return entry(index)->isHidden(); }
 	// Where a name stands, -1: nowhere.
 	int place_of(const QString &name) const;
-	QRect place_on_screen(int index) const { return visualItemRect(topLevelItem(index)); }
+	QRect place_on_screen(int index) const { return visualItemRect(entry(index)); }
+	// -1: in the order in which they came.
+	void sort_by(int column, Qt::SortOrder order);
+	int sorted_by() const { return sort_column; }
 
 protected:
 	void paintEvent(QPaintEvent *event) override;
@@ -60,16 +68,22 @@ protected:
 
 private:
 	bool has_entries() const;
-	bool match(int index) const;
+	bool match(const QTreeWidgetItem *item) const;
+	void sort_by_title(int column);
+	void sort_again();
 	QString words_instead() const;
 	void make_silence();
 	void fit_columns(std::size_t texts);
+	int width_for(int column) const;
 
 	const int window_id, control_id;
 	const icon entry_icon;
 	QString letters_sought, empty_text, state_words;
 	list_state shown_state = list_state::fresh;
 	bool two_lines = false, takes_files = false;
+	std::vector<QTreeWidgetItem *> entries; // in the order in which they came
+	int sort_column = -1;
+	Qt::SortOrder sort_order = Qt::AscendingOrder;
 	QWidget *silence = nullptr; // lies over the entries, with words and the button
 	told_label *silent_words = nullptr;
 };

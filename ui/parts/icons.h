@@ -56,6 +56,9 @@ enum class icon {
 	cancel,
 	stop,
 	settings,
+	notes,
+	play,
+	ear,
 };
 
 // The icon of a window (control 0) or of a control, none where it has none.

@@ -195,16 +195,17 @@ TEST_F(log_window, is_kept_at_once_and_painted_soon_with_what_the_text_let_go_of
 TEST_F(log_window, shows_levels_as_they_are_wanted_and_stays_whole)
 {
 	const char *text = "0.1: [I] one\r\n0.2 [a.cpp:7]: [D] dump\r\n00 01\r\n0.3: [W] care\r\n"
-			   "0.4: [F] broke\r\n0.5: plain\r\n0.6: [IN] open";
+			   "0.4: [F] broke\r\n0.5: [MONITOR]RCVD: on\r\n0.6: [IN] open";
 	host.ui->set_text(window_main, main_log, text);
-	EXPECT_EQ(seen("plain"),
-		"0.1: [I] one\n0.3: [W] care\n0.4: [F] broke\n0.5: plain\n0.6: [IN] open");
+	EXPECT_EQ(seen("RCVD"), "0.1: [I] one\n0.3: [W] care\n0.4: [F] broke\n0.5: [MONITOR]RCVD: "
+				"on\n0.6: [IN] open");
 	EXPECT_EQ(host.ui->get_text(window_main, main_log), text);
 	const auto color = [this](const char *line) {
 		return view()->document()->find(line).charFormat().foreground().color();
 	};
 	EXPECT_EQ(color("care"), role_color(view()->palette(), text_role::careful));
 	EXPECT_EQ(color("broke"), role_color(view()->palette(), text_role::failed));
+	EXPECT_EQ(color("RCVD"), view()->palette().color(QPalette::Link));
 	click("details for finding faults, 2 lines");
 	EXPECT_TRUE(view()->toPlainText().contains("[D] dump\n00 01\n0.3")) << "a dump goes on";
 	click("warnings, 1");
@@ -216,7 +217,7 @@ TEST_F(log_window, shows_levels_as_they_are_wanted_and_stays_whole)
 	EXPECT_TRUE(seen("[IN] open end").endsWith("[IN] open end"));
 	EXPECT_EQ(host.ui->get_text(window_main, main_log_whole),
 		"0.1: [I] one\n0.2 [a.cpp:7]: [D] dump\n00 01\n0.3: [W] care\n0.4: [F] broke\n"
-		"0.5: plain\n0.6: [IN] open end\n");
+		"0.5: [MONITOR]RCVD: on\n0.6: [IN] open end\n");
 }
 
 TEST_F(log_window, is_searched_from_its_end_and_copied)

@@ -106,6 +106,11 @@ static std::string place_among_deleted(const std::string &name)
 	return free_place(deleted_folder(), name);
 }
 
+void remember_undo(const undo_step &step)
+{
+	undo_steps.push_back(step);
+}
+
 bool can_undo()
 {
 	return !undo_steps.empty();
@@ -133,6 +138,8 @@ outcome undo_last()
 					 "] again, so nothing was put back." };
 	log_line("[I] Putting back: %s\r\n", step.line.c_str());
 	const int code = move_back(step.moves);
+	if (step.show)
+		step.show();
 	return code ? local_failure(code, "Not everything could be put back.")
 		    : outcome{ .line = step.line };
 }

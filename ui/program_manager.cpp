@@ -189,6 +189,8 @@ static QBoxLayout *make_side(top_window *window, const side &s)
 		column->addLayout(row);
 	} else {
 		// The search field takes what the words leave.
+		find_widget(window_programs, s.heading)
+			->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Preferred);
 		search->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
 		search->setMinimumWidth(search_width);
 		head->addLayout(heading);

@@ -263,9 +263,12 @@ static QRect scroll_handle(const QStyleOptionSlider *option)
 
 static void draw_scroll_bar(const QStyleOptionSlider *option, QPainter *painter)
 {
-	painter->fillRect(option->rect, option->palette.color(QPalette::Base));
-	if (option->maximum <= option->minimum)
+	// With nothing to scroll it is no more than room that is kept.
+	if (option->maximum <= option->minimum) {
+		painter->fillRect(option->rect, option->palette.color(QPalette::Window));
 		return;
+	}
+	painter->fillRect(option->rect, option->palette.color(QPalette::Base));
 	const QRect handle = scroll_handle(option).translated(option->rect.topLeft());
 	const bool held = option->state & (QStyle::State_MouseOver | QStyle::State_Sunken);
 	draw_box(painter, handle.adjusted(3, 3, -3, -3),

@@ -1,4 +1,4 @@
-// akais1000_programs.cpp - programs of the S1000 family: saved, deleted, renamed
+// akais1000_programs.cpp - programs of the S1000 family: saved and deleted
 //
 //   request program list     F0 47 cc 02 48 F7
 //   request program          F0 47 cc 06 48 pp PP F7
@@ -9,13 +9,9 @@
 //   delete keygroup          F0 47 00 13 48 pp PP kk F7              always on channel 0
 //
 // A program is known by its place in the sampler's list, which is asked for each time. Saving
-// compares names without regard to case, deleting and renaming exactly. A program behind the
-// last one is created. What is written goes over the block that the sampler holds, so that
-// bytes that no row names stay.
-//
-// There is no request that renames: the program is read whole, deleted, and written again under
-// its new name. It is deleted only when every part of it has come, and it stays in memory until
-// every part was taken back.
+// compares names without regard to case, deleting exactly. A program behind the last one is
+// created. What is written goes over the block that the sampler holds, so that bytes that no row
+// names stay.
 //
 // Not trusted: an answer that broke off, that is of another place, or that never came ends the
 // operation; nothing is built on it, and nothing is told as done. The answer to a keygroup that
@@ -23,11 +19,9 @@
 //
 // Knows nothing of: windows.
 
-#include "src/akaiprograms.h"
-#include "src/akais1000.h"
+#include "src/akais1000_programs.h"
 #include <algorithm>
 #include <cstring>
-#include <optional>
 
 namespace velmor
 {
@@ -48,16 +42,11 @@ enum {
 	program_function = 0x07,
 	keygroup_function = 0x09
 };
-enum { // of a program's block
-	program_keygroups = 42,
-	program_unknown = 43
-};
 enum {
 	shortest_answer = 7, // with a byte for done or not, and its end
 	empty_list = 8,
 	empty_keygroup = 9,
 };
-using block = std::vector<u8>;
 
 // ---- What came back ----------------------------------------------------------------------
 
@@ -67,13 +56,12 @@ static bool is_whole(const akai_answer &a)
 	       a.bytes.back() == 0xF7;
 }
 
-static bool is_done(const akai_answer &a)
+bool is_done(const akai_answer &a)
 {
 	return is_whole(a) && a[akai_index] == 0;
 }
 
-// The sampler has no such thing, or will not do it.
-static bool is_refusal(const akai_answer &a)
+bool is_refusal(const akai_answer &a)
 {
 	return is_whole(a) && a.size() <= empty_keygroup && a[akai_function] != program_function &&
 	       a[akai_function] != keygroup_function && a[akai_index] != 0;
@@ -85,32 +73,29 @@ static bool is_whole_list(const akai_answer &a)
 	return is_whole(a) && a.size() == empty_list + akai_name_size * a.number();
 }
 
-// The block of that program; nothing when it is not there whole.
-static std::optional<block> program_in(const akai_answer &a, int index)
+std::optional<akai_bytes> program_in(const akai_answer &a, int index)
 {
 	if (!is_whole(a) || a[akai_function] != program_function || a.number() != index)
 		return std::nullopt;
-	block common = akai_bytes_from_nibbles(a.view().from(akai_block));
+	akai_bytes common = akai_bytes_from_nibbles(a.view().from(akai_block));
 	const int length = static_cast<int>(common.size());
 	if (length <= program_unknown || akai_block + 2 * length + 1 != a.size())
 		return std::nullopt;
 	return common;
 }
 
-// The same of a keygroup, whose answer may be empty.
-static std::optional<block> keygroup_in(const akai_answer &a, int index, int k)
+std::optional<akai_bytes> keygroup_in(const akai_answer &a, int index, int k)
 {
 	if (!is_whole(a) || a[akai_function] != keygroup_function || a.number() != index ||
 		a[akai_keygroup] != (k & 0x7F))
 		return std::nullopt;
-	block keygroup = akai_bytes_from_nibbles(a.view().from(akai_keygroup_block));
+	akai_bytes keygroup = akai_bytes_from_nibbles(a.view().from(akai_keygroup_block));
 	if (akai_keygroup_block + 2 * static_cast<int>(keygroup.size()) + 1 != a.size())
 		return std::nullopt;
 	return keygroup;
 }
 
-// A failed port has already said so in a box of its own.
-static void tell_failed(const akai_answer &answer, const char *box, const char *state)
+void tell_failed(const akai_answer &answer, const char *box, const char *state)
 {
 	const bool refused = is_refusal(answer);
 	if (!answer.port_failed)
@@ -122,14 +107,9 @@ static void tell_failed(const akai_answer &answer, const char *box, const char *
 
 // ---- Messages ----------------------------------------------------------------------------
 
-static u8 exclusive_channel()
+akai_bytes with_block(std::span<const u8> head, std::span<const u8> data)
 {
-	return static_cast<u8>(current_sampler->sampler_sysex_channel);
-}
-
-static block with_block(std::span<const u8> head, std::span<const u8> data)
-{
-	block message(head.size() + 2 * data.size() + 1);
+	akai_bytes message(head.size() + 2 * data.size() + 1);
 	std::copy(head.begin(), head.end(), message.begin());
 	int length = 0;
 	create_akai_nibblebuf(
@@ -137,23 +117,22 @@ static block with_block(std::span<const u8> head, std::span<const u8> data)
 	return message;
 }
 
-static akai_answer ask_program(int index)
+akai_answer ask_program(int index)
 {
-	return ask_akai(akai_message(request_program, exclusive_channel(), index));
+	return ask_akai(akai_message(request_program, s1000_channel(), index));
 }
 
-static akai_answer ask_keygroup(int index, int k)
+akai_answer ask_keygroup(int index, int k)
 {
-	auto message = akai_message(request_keygroup, exclusive_channel(), index);
+	auto message = akai_message(request_keygroup, s1000_channel(), index);
 	message[akai_keygroup] = static_cast<u8>(k & 0x7F);
 	return ask_akai(message);
 }
 
-// note ends the line of the log, which creating has longer than updating.
-static akai_answer send_program(int index, const block &common, const std::string &note = "")
+akai_answer send_program(int index, const akai_bytes &common, const std::string &note)
 {
-	const block message =
-		with_block(akai_message(program_head, exclusive_channel(), index), common);
+	const akai_bytes message =
+		with_block(akai_message(program_head, s1000_channel(), index), common);
 	const akai_answer answer = ask_akai(message);
 	log_line("[D] Received %d Bytes of P-Data  [%s] FROM UPDATE-REQUEST! NIBBLE_LEN: %d, "
 		 "REQUEST_LEN: %d%s\r\n",
@@ -162,14 +141,14 @@ static akai_answer send_program(int index, const block &common, const std::strin
 	return answer;
 }
 
-static void log_program(const akai_answer &answer, const block &common)
+void log_program(const akai_answer &answer, const akai_bytes &common)
 {
 	log_line("[D] Received %d Bytes of P-Data [%s] [%s] (TOTAL: %d)\r\n",
 		static_cast<int>(common.size()), log_dump(common).c_str(),
 		log_dump(answer.bytes).c_str(), answer.size());
 }
 
-static std::string name_in(const block &common)
+static std::string name_in(const akai_bytes &common)
 {
 	return akai_trimmed_name(bounded_bytes{ common }.from(program_name));
 }
@@ -180,14 +159,12 @@ struct s1000_save {
 	_program *program;
 	unsigned takers;
 	int keygroups;
-	int index = 0;       // on the sampler
-	bool begun = false;  // something was changed there
-	block keygroup = {}; // as last read, for the next one that does not exist
-	int held = 0;        // keygroups that are there
-	int refused = 0;     // keygroups
+	int index = 0;            // on the sampler
+	bool begun = false;       // something was changed there
+	akai_bytes keygroup = {}; // as last read, for the next one that does not exist
+	int held = 0;             // keygroups that are there
+	int refused = 0;          // keygroups
 };
-
-static constexpr char save_box[] = "Saving/Updating failed!!!";
 
 static void save_failed(const s1000_save &s, const akai_answer &answer)
 {
@@ -228,7 +205,7 @@ struct found_place {
 static std::optional<found_place> find_for_saving(const s1000_save &s)
 {
 	const akai_answer list =
-		ask_akai(akai_message(request_program_list, exclusive_channel()), akai_list_room);
+		ask_akai(akai_message(request_program_list, s1000_channel()), akai_list_room);
 	log_line("[D] Loaded Programs: %d, RESULT: [%s] (%d Bytes)\r\n", list.number(),
 		log_dump(list.bytes).c_str(), list.size());
 	if (!is_whole_list(list)) {
@@ -239,7 +216,7 @@ static std::optional<found_place> find_for_saving(const s1000_save &s)
 		if (save_stopped(s))
 			return std::nullopt;
 		const akai_answer answer = ask_program(i);
-		const std::optional<block> common = program_in(answer, i);
+		const std::optional<akai_bytes> common = program_in(answer, i);
 		const bool gone = is_refusal(answer) &&
 				  !same_but_for_case(akai_list_name(list, i), s.program->name);
 		if (!common && !gone) {
@@ -257,7 +234,7 @@ static std::optional<found_place> find_for_saving(const s1000_save &s)
 
 static bool create_program(s1000_save *s)
 {
-	block common(s2000_program_size);
+	akai_bytes common(s2000_program_size);
 	int length = 0;
 	akai_s1000_init_progblock(common.data(), &length, s->program);
 	common.resize(static_cast<std::size_t>(length));
@@ -274,7 +251,7 @@ static bool save_common(s1000_save *s, bool existed)
 {
 	set_progressbar(5);
 	const akai_answer held = ask_program(s->index);
-	block common = program_in(held, s->index).value_or(block());
+	akai_bytes common = program_in(held, s->index).value_or(akai_bytes());
 	log_program(held, common);
 	const bool moved = existed && !same_but_for_case(name_in(common), s->program->name);
 	if (!is_refusal(held) && (common.empty() || moved)) {
@@ -318,7 +295,7 @@ static held_keygroup read_held(s1000_save *s, int k)
 {
 	const akai_answer answer = ask_keygroup(s->index, k);
 	log_not_found(answer, k);
-	std::optional<block> held = keygroup_in(answer, s->index, k);
+	std::optional<akai_bytes> held = keygroup_in(answer, s->index, k);
 	if (held && held->empty())
 		return held_keygroup::empty;
 	if (held)
@@ -344,7 +321,7 @@ static void fill_keygroup(s1000_save *s, int k)
 // Whatever a whole answer says decides nothing; what was refused is told at the end.
 static bool send_keygroup(s1000_save *s, int k, std::span<const u8> data)
 {
-	auto head = akai_message(keygroup_head, exclusive_channel(), s->index);
+	auto head = akai_message(keygroup_head, s1000_channel(), s->index);
 	head[akai_keygroup] = static_cast<u8>(k);
 	const akai_answer answer = ask_akai(with_block(head, data));
 	log_not_found(answer, k);
@@ -376,7 +353,7 @@ static bool save_keygroup(s1000_save *s, int k)
 		s->refused = refused + 1;
 		return true;
 	}
-	return send_keygroup(s, k, held == held_keygroup::empty ? block() : s->keygroup);
+	return send_keygroup(s, k, held == held_keygroup::empty ? akai_bytes() : s->keygroup);
 }
 
 static bool save_program(s1000_save *s)
@@ -418,7 +395,7 @@ void akai_s1000_prog_save(i32 program, _program *source)
 		.takers = akai_s1000_takers(static_cast<i32>(current_sampler->sampler_type)),
 		.keygroups = sent_count(p->keygroups, max_keygroups, "keygroups") };
 	log_line("[D] Saving Program %d (%s), SYSEX_CHANNEL: %d [%s]\r\n", program, p->name,
-		exclusive_channel(), source ? "LOCAL" : "LOADED");
+		s1000_channel(), source ? "LOCAL" : "LOADED");
 	show_progressbar(
 		0, s.keygroups * 10, format_text("Saving [%s] to sampler...", p->name).c_str());
 	if (!save_program(&s))
@@ -434,23 +411,20 @@ void akai_s1000_prog_save(i32 program, _program *source)
 // ---- Deleting ----------------------------------------------------------------------------
 
 static constexpr char delete_box[] = "DELETE failed!!!";
-static constexpr char unchanged[] = "Nothing was changed on the sampler.";
 
-// The list of the sampler's programs, or nothing when none came, which is told in that box.
-static std::optional<akai_answer> ask_list(const char *box)
+std::optional<akai_answer> ask_program_list(const char *box)
 {
 	akai_answer list =
-		ask_akai(akai_message(request_program_list, exclusive_channel()), akai_list_room);
+		ask_akai(akai_message(request_program_list, s1000_channel()), akai_list_room);
 	log_line("[D] Loaded Programs: %d, RESULT: [%s]\r\n", list.number(),
 		log_dump(list.bytes).c_str());
 	if (is_whole_list(list))
 		return list;
-	tell_failed(list, box, unchanged);
+	tell_failed(list, box, nothing_changed);
 	return std::nullopt;
 }
 
-// The place of exactly that name; -1, and a box, where there is none.
-static int find_exactly(const akai_answer &list, const char *name, const char *box)
+int find_exactly(const akai_answer &list, const char *name, const char *box)
 {
 	for (int i = 0; i < list.number(); i++) {
 		const std::string listed = akai_list_name(list, i);
@@ -463,10 +437,9 @@ static int find_exactly(const akai_answer &list, const char *name, const char *b
 	return -1;
 }
 
-static akai_answer send_deletion(int index)
+akai_answer send_deletion(int index)
 {
-	const akai_answer answer =
-		ask_akai(akai_message(delete_program, exclusive_channel(), index));
+	const akai_answer answer = ask_akai(akai_message(delete_program, s1000_channel(), index));
 	log_line("[D] DELETE REQUEST RETURNED: [%s] (%d Bytes)\r\n", log_dump(answer.bytes).c_str(),
 		answer.size());
 	return answer;
@@ -479,8 +452,8 @@ void akai_s1000_prog_delete(i32 program)
 	if (!p)
 		return;
 	log_line("[D] DELETING Program %d (%s), SYSEX_CHANNEL: %d\r\n", program, p->name,
-		exclusive_channel());
-	const std::optional<akai_answer> list = ask_list(delete_box);
+		s1000_channel());
+	const std::optional<akai_answer> list = ask_program_list(delete_box);
 	const int index =
 		list ? find_exactly(*list, p->name, "Cannot delete program (not found)!") : -1;
 	if (index < 0)
@@ -510,156 +483,6 @@ void akai_s1000_del_keygroup(i32 program, i32 keygroup)
 		log_dump(answer.bytes).c_str(), answer.size());
 	if (!is_done(answer))
 		tell_failed(answer, delete_box, "Read the list again to see what is there.");
-}
-
-// ---- Renaming ------------------------------------------------------------------------------
-
-// A program on its way from one name to another: its block and its keygroups, as messages that
-// write them.
-struct program_move {
-	int index;
-	block common = {};
-	std::vector<block> keygroups = {};
-	std::unique_ptr<_program> copy = {}; // for this computer
-};
-
-static bool rename_failed(const akai_answer &answer, const char *state)
-{
-	tell_failed(answer, save_box, state);
-	return false;
-}
-
-// A keygroup's answer and the message that writes it share their head.
-static bool collect_keygroup(program_move *m, int k)
-{
-	const akai_answer answer = ask_keygroup(m->index, k);
-	const std::optional<block> held = keygroup_in(answer, m->index, k);
-	if (!held || held->size() < 3)
-		return rename_failed(answer, unchanged);
-	block keygroup = *held;
-	keygroup[0] = block_is_keygroup;
-	keygroup[1] = keygroup[2] = 0;
-	const std::span<const u8> head = answer.view().bytes.first(akai_keygroup_block);
-	m->keygroups.push_back(with_block(head, keygroup));
-	akai_s1000_keygroup_from_block({ keygroup }, &m->copy->keygroup[k]);
-	log_line("[D] Stored %d Bytes of Keygroup-Data for Keygroup: %d\r\n", answer.size(), k);
-	return true;
-}
-
-// Everything of the program; false when a part did not come, and nothing is changed then.
-static bool collect(program_move *m)
-{
-	const akai_answer answer = ask_program(m->index);
-	m->common = program_in(answer, m->index).value_or(block());
-	log_program(answer, m->common);
-	const int keygroups = m->common.empty() ? 0 : m->common[program_keygroups];
-	if (m->common.empty() || keygroups > max_keygroups)
-		return rename_failed(answer, unchanged);
-	m->copy = std::make_unique<_program>();
-	akai_s1000_program_from_block({ m->common }, m->copy.get());
-	trim_akai_name(m->copy->name);
-	m->copy->sampler_type = static_cast<i32>(current_sampler->sampler_type);
-	for (int k = 0; k < keygroups && !progress_stopped(); k++)
-		if (!collect_keygroup(m, k))
-			return false;
-	if (progress_stopped())
-		program_ended(ending::stopped,
-			"Renaming was stopped. Nothing was changed on the sampler.");
-	return !progress_stopped();
-}
-
-// The program leaves memory only when it is whole on the sampler again.
-static bool lost(program_move *m, const akai_answer &answer, const char *where)
-{
-	const std::string state =
-		format_text("%s It is kept in this computer as [%s].", where, m->copy->name);
-	rescue_program(std::move(m->copy));
-	return rename_failed(answer, state.c_str());
-}
-
-static bool take_off(program_move *m)
-{
-	const akai_answer answer = send_deletion(m->index);
-	if (is_done(answer))
-		return true;
-	if (is_refusal(answer))
-		return rename_failed(answer, unchanged);
-	return lost(m, answer, "The program may be gone from the sampler.");
-}
-
-static bool put_back(program_move *m, const char *new_name)
-{
-	u8 name[akai_name_size + 1];
-	make_akai_name(new_name, name, akai_name_size);
-	m->common[0] = block_is_program;
-	m->common[1] = m->common[2] = 0;
-	std::copy_n(name, akai_name_size, &m->common[program_name]);
-	m->common[program_unknown] = 0;
-	log_line("[D] NAME [%s] --> AKAIED: [%s]\r\n", new_name,
-		log_dump(std::span(name).first(akai_name_size)).c_str());
-	const akai_answer answer = send_program(m->index, m->common);
-	return is_done(answer) || lost(m, answer, "The program is gone from the sampler.");
-}
-
-// All of them are tried, but for a sampler that has fallen silent.
-static bool restore_keygroups(program_move *m)
-{
-	constexpr int most_silent = 3;
-	int silent = 0, failed = 0;
-	akai_answer bad = {};
-	for (std::size_t k = 0; k < m->keygroups.size() && silent < most_silent; k++) {
-		const akai_answer answer = ask_akai(m->keygroups[k]);
-		silent = answer.size() ? 0 : silent + 1;
-		if (!is_done(answer))
-			bad = answer;
-		failed += !is_done(answer);
-		log_line("[D] Restored %d Bytes of Keygroup-Data for Keygroup: %d [%s]\r\n",
-			static_cast<int>(m->keygroups[k].size()), static_cast<int>(k),
-			log_dump(answer.bytes).c_str());
-	}
-	return !failed ||
-	       lost(m, bad, "The program has its new name, but not all of its keygroups.");
-}
-
-// Without the blanks at its end.
-static std::string without_blanks(std::string name)
-{
-	name.resize(name.find_last_not_of(' ') + 1);
-	return name;
-}
-
-// What stood behind the program may be overwritten by a machine that closes gaps.
-static void keep_follower(const akai_answer &list, int index)
-{
-	const std::string name = index + 1 < list.number() ? akai_list_name(list, index + 1) : "";
-	const _dev_status *status = current_sampler->status;
-	for (int i = 0; i < status->programs && !name.empty(); i++) {
-		const _program &loaded = status->program[i];
-		if (without_blanks(loaded.name) == name)
-			return endanger_program(std::make_unique<_program>(loaded));
-	}
-}
-
-void akai_s1000_prog_rename(i32 program, const char *new_name)
-{
-	begin_program_operation();
-	forget_stop();
-	const _program *p = program_to_write(program, nullptr);
-	if (!p || !new_name)
-		return;
-	log_line("[D] RENAMING Program %d (%s), SYSEX_CHANNEL: %d to [%s]\r\n", program, p->name,
-		exclusive_channel(), new_name);
-	const std::optional<akai_answer> list = ask_list(save_box);
-	program_move m = { .index = list ? find_exactly(*list, p->name, "Cannot delete program!")
-					 : -1 };
-	if (m.index < 0)
-		return;
-	log_line("[D] %s Program [%s] PGM_IDX: %d\r\n", "UPDATING", p->name, m.index);
-	if (!collect(&m))
-		return;
-	keep_follower(*list, m.index);
-	if (take_off(&m) && put_back(&m, new_name))
-		restore_keygroups(&m);
 }
 
 } // namespace velmor

@@ -1,8 +1,8 @@
 // track_strip_list.cpp - the tracks of a song under each other: a frame of words and a strip of notes
 
 #include "ui/track_strip_list.h"
-#include "platform/host.h"
 #include "src/velmor_window.h"
+#include "ui/parts/entry_list.h"
 #include "ui/parts/palette.h"
 #include "ui/parts/parts.h"
 #include "ui/parts/style.h"
@@ -16,7 +16,6 @@
 #include <QScrollBar>
 #include <QSlider>
 #include <QToolButton>
-#include <QUrl>
 #include <algorithm>
 
 namespace velmor
@@ -411,19 +410,9 @@ void track_list::paintEvent(QPaintEvent *)
 
 // ---- Files that are dropped -------------------------------------------------------------------------------
 
-static std::vector<std::string> files_of(const QMimeData *data)
-{
-	std::vector<std::string> paths;
-	for (const QUrl &url : data->urls())
-		if (url.isLocalFile())
-			paths.push_back(
-				host.files->system_path(url.toLocalFile().toUtf8().constData()));
-	return paths;
-}
-
 void track_list::dragEnterEvent(QDragEnterEvent *event)
 {
-	if (files_of(event->mimeData()).empty() || command_running())
+	if (dropped_paths(event->mimeData()).empty() || command_running())
 		return;
 	event->setDropAction(Qt::CopyAction);
 	event->accept();
@@ -438,7 +427,7 @@ void track_list::dragMoveEvent(QDragMoveEvent *event)
 // The program that the files come from is not kept waiting.
 void track_list::dropEvent(QDropEvent *event)
 {
-	const std::vector<std::string> paths = files_of(event->mimeData());
+	const std::vector<std::string> paths = dropped_paths(event->mimeData());
 	event->setDropAction(Qt::CopyAction);
 	event->accept();
 	QMetaObject::invokeMethod(

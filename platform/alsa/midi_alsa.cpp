@@ -74,14 +74,15 @@ void outgoing::add(const unsigned char *bytes, std::size_t count)
 	held.clear();
 }
 
-// More than a few hundred notes in one message are no music any more.
+// More than a few hundred notes in one message are no music any more, nor is a minute of them that
+// an output has not sent.
 void outgoing::pass_on(const unsigned char *message, std::size_t count)
 {
-	static constexpr std::size_t most_held = 4096;
-	if (!in_exclusive || message[0] >= first_real_time)
-		waiting.insert(waiting.end(), message, message + count);
-	else if (held.size() + count <= most_held)
-		held.insert(held.end(), message, message + count);
+	static constexpr std::size_t most_held = 4096, most_behind = 1 << 18;
+	const bool must_wait = in_exclusive && message[0] < first_real_time;
+	std::vector<unsigned char> &queue = must_wait ? held : waiting;
+	if (queue.size() + count <= (must_wait ? most_held : most_behind))
+		queue.insert(queue.end(), message, message + count);
 }
 
 void passing_on::take(const unsigned char *bytes, std::size_t count)

@@ -150,10 +150,12 @@ bool answer_attributes(const fuse_call &call, const drive_call &how)
 	drive_result result = drive_ok;
 	if (call.node != FUSE_ROOT_ID) {
 		const auto found = the_drive->nodes.find(call.node);
-		result = found == the_drive->nodes.end()
+		// A copy: while a sampler is asked, the kernel may let the node go.
+		const drive_node node =
+			found == the_drive->nodes.end() ? drive_node{} : found->second;
+		result = node.name.empty()
 				 ? drive_not_found
-				 : the_drive->operations.find(
-					   how, found->second.parent, found->second.name, &entry);
+				 : the_drive->operations.find(how, node.parent, node.name, &entry);
 	}
 	if (result != drive_ok)
 		return answer_error(call, result);

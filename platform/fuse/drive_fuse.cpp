@@ -128,6 +128,19 @@ static void take_forget(fuse_ino_t node, std::uint64_t count)
 	enqueue(std::move(call));
 }
 
+static void take_one_forget(fuse_req_t request, fuse_ino_t node, std::uint64_t count)
+{
+	take_forget(node, count);
+	fuse_reply_none(request);
+}
+
+static void take_forgets(fuse_req_t request, std::size_t count, fuse_forget_data *all)
+{
+	for (std::size_t i = 0; i < count; i++)
+		take_forget(all[i].ino, all[i].nlookup);
+	fuse_reply_none(request);
+}
+
 static void take_listing(fuse_req_t request, fuse_ino_t node, std::size_t size, off_t offset,
 	fuse_file_info *info, bool with_attributes)
 {
@@ -153,15 +166,8 @@ static fuse_lowlevel_ops kernel_calls()
 		call.name = name;
 		take(std::move(call));
 	};
-	calls.forget = [](fuse_req_t request, fuse_ino_t node, std::uint64_t count) {
-		take_forget(node, count);
-		fuse_reply_none(request);
-	};
-	calls.forget_multi = [](fuse_req_t request, std::size_t count, fuse_forget_data *all) {
-		for (std::size_t i = 0; i < count; i++)
-			take_forget(all[i].ino, all[i].nlookup);
-		fuse_reply_none(request);
-	};
+	calls.forget = take_one_forget;
+	calls.forget_multi = take_forgets;
 	calls.getattr = [](fuse_req_t request, fuse_ino_t node, fuse_file_info *) {
 		take(call_for(request, node, answer_attributes));
 	};
@@ -217,8 +223,10 @@ static void read_calls()
 
 // ---- Mounting ------------------------------------------------------------------------------------
 
-// What libfuse said last, for people; all of it to standard error where that is wanted.
-static std::string last_words;
+// What libfuse said last, for people; all of it to standard error where that is wanted. It speaks on
+// the reader's thread and on the main thread.
+static std::mutex words_lock;
+static std::string last_words; // under the lock
 static bool talkative = false;
 
 static void hear(fuse_log_level, const char *format, va_list list)
@@ -227,6 +235,7 @@ static void hear(fuse_log_level, const char *format, va_list list)
 	std::vsnprintf(words, sizeof words, format, list);
 	if (talkative)
 		std::fputs(words, stderr);
+	const std::lock_guard hold(words_lock);
 	last_words = words;
 	while (last_words.ends_with('\n'))
 		last_words.pop_back();

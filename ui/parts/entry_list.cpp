@@ -411,7 +411,7 @@ void entry_list::focusOutEvent(QFocusEvent *event)
 
 // ---- Files ------------------------------------------------------------------------------------
 
-static std::vector<std::string> paths_of(const QMimeData *data)
+std::vector<std::string> dropped_paths(const QMimeData *data)
 {
 	std::vector<std::string> paths;
 	for (const QUrl &url : data->urls())
@@ -423,7 +423,7 @@ static std::vector<std::string> paths_of(const QMimeData *data)
 
 void entry_list::dragEnterEvent(QDragEnterEvent *event)
 {
-	const std::vector<std::string> paths = paths_of(event->mimeData());
+	const std::vector<std::string> paths = dropped_paths(event->mimeData());
 	if (!takes_files || paths.empty() || command_running())
 		return;
 	event->setDropAction(Qt::CopyAction);
@@ -446,7 +446,7 @@ void entry_list::dragLeaveEvent(QDragLeaveEvent *)
 // kept waiting.
 void entry_list::dropEvent(QDropEvent *event)
 {
-	const std::vector<std::string> paths = paths_of(event->mimeData());
+	const std::vector<std::string> paths = dropped_paths(event->mimeData());
 	event->setDropAction(Qt::CopyAction);
 	event->accept();
 	QMetaObject::invokeMethod(

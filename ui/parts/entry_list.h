@@ -12,6 +12,7 @@
 #include "ui/parts/icons.h"
 #include <QTreeWidget>
 
+class QMimeData;
 class QPushButton;
 
 namespace velmor
@@ -19,6 +20,9 @@ namespace velmor
 
 class top_window;
 class told_label;
+
+// The files of a drop, by the system's paths.
+std::vector<std::string> dropped_paths(const QMimeData *data);
 
 class entry_list : public QTreeWidget
 {

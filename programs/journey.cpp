@@ -82,7 +82,8 @@ void picture(int window, const char *name, int scale)
 	QPixmap drawn(widget->size() * scale);
 	drawn.setDevicePixelRatio(scale);
 	widget->render(&drawn);
-	check(drawn.save(file), "picture " + file.toStdString());
+	constexpr int smallest = 0; // without loss all the same
+	check(drawn.save(file, "PNG", smallest), "picture " + file.toStdString());
 }
 
 // ---- Hands ----------------------------------------------------------------------------------

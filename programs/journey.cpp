@@ -66,7 +66,7 @@ void picture(int window, const char *name, int scale)
 		return;
 	// The screen of the offscreen platform is smaller than a desk's.
 	if (window == window_samples)
-		widget->resize(976, 700);
+		widget->resize(976, 719);
 	if (window == window_main)
 		widget->resize(992, 600);
 	if (window == window_programs)

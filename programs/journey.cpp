@@ -66,7 +66,7 @@ void picture(int window, const char *name, int scale)
 		return;
 	// The screen of the offscreen platform is smaller than a desk's.
 	if (window == window_samples)
-		widget->resize(976, 700);
+		widget->resize(976, 719);
 	if (window == window_main)
 		widget->resize(992, 600);
 	if (window == window_programs)
@@ -82,7 +82,8 @@ void picture(int window, const char *name, int scale)
 	QPixmap drawn(widget->size() * scale);
 	drawn.setDevicePixelRatio(scale);
 	widget->render(&drawn);
-	check(drawn.save(file), "picture " + file.toStdString());
+	constexpr int smallest = 0; // without loss all the same
+	check(drawn.save(file, "PNG", smallest), "picture " + file.toStdString());
 }
 
 // ---- Hands ----------------------------------------------------------------------------------

@@ -82,7 +82,7 @@ static QPushButton *make_side_button(top_window *window, const side &s, int cont
 static QBoxLayout *make_side(top_window *window, const side &s)
 {
 	auto *column = new QVBoxLayout;
-	column->setSpacing(between_controls);
+	column->setSpacing(between_controls - 2);
 	entry_list *list = make_side_list(window, s);
 	QLineEdit *search = make_search(window, s.search, list);
 	auto *finding = new QHBoxLayout;
@@ -271,6 +271,7 @@ void create_sample_manager(QWidget *owner)
 {
 	auto *window = new top_window(window_samples, control_cancel, owner);
 	QBoxLayout *column = scrolled_column(window);
+	column->setSpacing(between_controls);
 	auto *sides = new QHBoxLayout;
 	sides->setSpacing(between_panels);
 	sides->addLayout(make_side(window, loaded_side()), 1);

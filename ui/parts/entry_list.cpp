@@ -301,7 +301,7 @@ void entry_list::make_silence()
 	silence->setBackgroundRole(QPalette::Window);
 	silence->setFocusPolicy(Qt::NoFocus);
 	auto *column = new QVBoxLayout(silence);
-	column->setContentsMargins(margin_side, margin_above, margin_side, margin_above);
+	column->setContentsMargins(margin_side, between_controls, margin_side, between_controls);
 	auto *head = new QHBoxLayout;
 	head->addWidget(new icon_label(icon::unplugged, 28, text_role::careful, silence));
 	told_label *title = make_title("The sampler did not answer", 1.3, true, silence);

@@ -261,11 +261,14 @@ static QRect scroll_handle(const QStyleOptionSlider *option)
 		      : QRect(0, at, option->rect.width(), handle);
 }
 
-static void draw_scroll_bar(const QStyleOptionSlider *option, QPainter *painter)
+static void draw_scroll_bar(
+	const QStyleOptionSlider *option, QPainter *painter, const QWidget *widget)
 {
 	// With nothing to scroll it is no more than room that is kept.
 	if (option->maximum <= option->minimum) {
-		painter->fillRect(option->rect, option->palette.color(QPalette::Window));
+		painter->fillRect(option->rect,
+			option->palette.color(
+				widget ? widget->backgroundRole() : QPalette::Window));
 		return;
 	}
 	painter->fillRect(option->rect, option->palette.color(QPalette::Base));
@@ -378,7 +381,7 @@ void flat_style::drawComplexControl(ComplexControl control, const QStyleOptionCo
 			painter, widget);
 	case CC_ScrollBar:
 		return draw_scroll_bar(
-			qstyleoption_cast<const QStyleOptionSlider *>(option), painter);
+			qstyleoption_cast<const QStyleOptionSlider *>(option), painter, widget);
 	case CC_GroupBox:
 		return draw_group(this, qstyleoption_cast<const QStyleOptionGroupBox *>(option),
 			painter, widget);

@@ -205,8 +205,10 @@ log_round::log_round(log_rounds *rounds) : outer(this_round)
 
 log_round::~log_round()
 {
-	this_round->before.swap(this_round->now);
-	this_round->now.clear();
+	if (this_round) {
+		this_round->before.swap(this_round->now);
+		this_round->now.clear();
+	}
 	this_round = outer;
 }
 

@@ -11,6 +11,7 @@
 
 #include "src/velmor_monitor.h"
 #include "src/velmor_log.h"
+#include "src/velmor_outcome.h"
 #include "src/velmor_window.h"
 #include <algorithm>
 #include <cstdio>
@@ -127,16 +128,16 @@ const char *display_midi_command(const u8 *cmd)
 }
 
 // clang-format off
-static constexpr struct { int msg; const char *name; } told_names[] = {
-	{ MIM_OPEN,      "MIM_OPEN" },
-	{ MIM_CLOSE,     "MIM_CLOSE" },
-	{ MIM_LONGDATA,  "MIM_LONGDATA" },
-	{ MIM_ERROR,     "MIM_ERROR" },
-	{ MIM_LONGERROR, "MIM_LONGERROR" },
-	{ MOM_OPEN,      "MOM_OPEN" },
-	{ MOM_CLOSE,     "MOM_CLOSE" },
-	{ MOM_DONE,      "MOM_DONE" },
-	{ MIM_MOREDATA,  "MIM_MOREDATA" },
+static constexpr struct { int msg; const char *line; } told_lines[] = {
+	{ MIM_OPEN,      "\r\n[MONITOR]MIM_OPEN received!\r\n" },
+	{ MIM_CLOSE,     "\r\n[MONITOR]MIM_CLOSE received!\r\n" },
+	{ MIM_LONGDATA,  "\r\n[MONITOR]MIM_LONGDATA received!\r\n" },
+	{ MIM_ERROR,     "\r\n[MONITOR]MIM_ERROR received!\r\n" },
+	{ MIM_LONGERROR, "\r\n[MONITOR]MIM_LONGERROR received!\r\n" },
+	{ MOM_OPEN,      "\r\n[MONITOR]MOM_OPEN received!\r\n" },
+	{ MOM_CLOSE,     "\r\n[MONITOR]MOM_CLOSE received!\r\n" },
+	{ MOM_DONE,      "\r\n[MONITOR]MOM_DONE received!\r\n" },
+	{ MIM_MOREDATA,  "\r\n[MONITOR]MIM_MOREDATA received!\r\n" },
 };
 // clang-format on
 
@@ -150,9 +151,9 @@ void midiCallback(int, int msg, u32, u32 dwParam1, u32 dwParam2)
 		log_line("[MONITOR]SENT: [%s]\r\n", words.c_str());
 		return;
 	}
-	for (const auto &row : told_names)
+	for (const auto &row : told_lines)
 		if (row.msg == msg) {
-			log_line("\r\n[MONITOR]%s received!\r\n", row.name);
+			log_line("%s", row.line);
 			return;
 		}
 	log_line("[MONITOR]MIDI_CALLBACK MSG: %d dwParam1: %d dwParam2: %d\r\n", msg,
@@ -311,6 +312,7 @@ static void monitor_tick()
 {
 	if (monitor.inside || !monitor_runs())
 		return;
+	const log_round apart(nullptr);
 	monitor.inside = true;
 	fetch();
 	if (!receive_monitor_active)

@@ -76,7 +76,7 @@ private:
 struct log_rounds {
 	std::set<std::string> before, now;
 };
-// One round, while it lives. Lines of "[D]" are logged in every round.
+// One round, while it lives; null for a timer inside another's. "[D]" is logged in every round.
 class log_round
 {
 public:

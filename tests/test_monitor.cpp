@@ -1,6 +1,7 @@
 // test_monitor.cpp - the monitor with its thru, and the test notes, at the buttons of their dialog
 
 #include "src/velmor_monitor.h"
+#include "src/velmor_outcome.h"
 #include "src/velmor_window.h"
 #include "tests/support/test_host.h"
 #include "virtual/midi_ports.h"
@@ -191,6 +192,24 @@ TEST_F(monitor_test, a_flood_is_told_in_portions_whole_and_in_order)
 	}
 	EXPECT_EQ(at, 1500);
 	EXPECT_TRUE(h.logged("RECEIVE MONITOR stopped..."));
+}
+
+TEST_F(monitor_test, is_told_whole_inside_of_work_that_repeats_itself)
+{
+	velmor_command(window_sampler, sampler_monitor_on);
+	h.forget_log();
+	log_rounds rounds;
+	for (int i = 0; i < 3; i++) {
+		const log_round round(&rounds);
+		log_line("the same\r\n");
+		play("FE");
+		ticks(1);
+	}
+	std::string told;
+	for (const std::string &text : h.log())
+		told += text.substr(0, 15) + ".";
+	const std::string message = "[MONITOR]RCVD: .[MONITOR]SENT: .";
+	EXPECT_EQ(told, "the same\r\n." + message + message + message);
 }
 
 TEST_F(monitor_test, a_port_that_is_not_there_or_vanishes_is_said_in_words)

@@ -291,12 +291,13 @@ static const kept_listing *listing(const drive_call &call, drive_folder folder,
 	*fault = call.waited > call_seconds ? drive_timed_out : drive_later;
 	if (!call.may_ask || *fault == drive_timed_out)
 		return nullptr;
-	current_fs_caller = { now() + call_seconds - call.waited, call.given_up };
+	const double deadline = now() + call_seconds - call.waited;
 	if (path == drive_root)
 		refresh_samplers();
 	drive_folder own = folder;
 	if (!own && (*fault = open_folder(path, &own)) != drive_ok)
 		return nullptr;
+	current_fs_caller = { deadline, call.given_up };
 	const kept_listing *asked = ask(static_cast<PTFS_FILE_CONTEXT *>(own), path, fault);
 	if (!folder)
 		close_folder(own);

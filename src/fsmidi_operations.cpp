@@ -363,9 +363,9 @@ static fs_status read_directory(PTFS_FILE_CONTEXT *context, const char *pattern,
 
 // ---- Refused ---------------------------------------------------------------------------------------------
 
-static fs_status refuse(const char *what)
+static fs_status refuse(const char *words)
 {
-	log_line("Requesting %s!", what);
+	log_line("%s", words);
 	return status_invalid_device_request;
 }
 
@@ -375,27 +375,32 @@ const FSP_FILE_SYSTEM_INTERFACE PtfsInterface = {
 	.GetVolumeInfo = get_volume_info,
 	.SetVolumeLabel = nullptr, // a label is the host's own affair; none can be set here
 	.GetSecurityByName = get_security_by_name,
-	.Create = [](const char *, u32, context_ref *) { return refuse("CREATE"); },
+	.Create = [](const char *, u32, context_ref *) { return refuse("Requesting CREATE!"); },
 	.Open = open,
-	.Overwrite = [](context_ref) { return refuse("Overwrite"); },
+	.Overwrite = [](context_ref) { return refuse("Requesting Overwrite!"); },
 	.Cleanup = [](context_ref) { log_line("Requesting Cleanup!"); },
 	.Close = close,
-	.Read = [](context_ref, void *, u64, u32, u32 *) { return refuse("Read"); },
-	.Write = [](context_ref, const void *, u64, u32, u32 *) { return refuse("Write"); },
-	.Flush = [](context_ref) { return refuse("Flush"); },
+	.Read = [](context_ref, void *, u64, u32, u32 *) { return refuse("Requesting Read!"); },
+	.Write = [](context_ref, const void *, u64, u32,
+			 u32 *) { return refuse("Requesting Write!"); },
+	.Flush = [](context_ref) { return refuse("Requesting Flush!"); },
 	.GetFileInfo = get_file_info,
-	.SetBasicInfo = [](context_ref, u32,
-				FSP_FSCTL_FILE_INFO *) { return refuse("SETBASICINFO"); },
+	.SetBasicInfo =
+		[](context_ref, u32, FSP_FSCTL_FILE_INFO *) {
+			return refuse("Requesting SETBASICINFO!");
+		},
 	.SetFileSize = [](context_ref, u64,
-			       FSP_FSCTL_FILE_INFO *) { return refuse("SetFileSize"); },
-	.Rename = [](context_ref, const char *, const char *) { return refuse("Rename"); },
+			       FSP_FSCTL_FILE_INFO *) { return refuse("Requesting SetFileSize!"); },
+	.Rename = [](context_ref, const char *,
+			  const char *) { return refuse("Requesting Rename!"); },
 	// The system keeps no rights for a handle that is a mere number.
 	.GetSecurity = [](context_ref, void *, std::size_t *) -> fs_status {
 		return status_invalid_device_request;
 	},
-	.SetSecurity = [](context_ref, const void *) { return refuse("SetSecurity"); },
+	.SetSecurity = [](context_ref, const void *) { return refuse("Requesting SetSecurity!"); },
 	.ReadDirectory = read_directory,
-	.SetDelete = [](context_ref, const char *, bool) { return refuse("SetDelete"); },
+	.SetDelete = [](context_ref, const char *,
+			     bool) { return refuse("Requesting SetDelete!"); },
 };
 
 } // namespace velmor

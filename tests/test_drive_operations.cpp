@@ -86,6 +86,9 @@ TEST_F(operations_test, a_thousand_and_twenty_four_folders_can_be_open)
 	EXPECT_TRUE(told(format_text(": ### Requesting OPEN FOR: [\\Studio\\CD], FILE-INFO: 0, "
 				     "FILE-NAME-LEN: 10 Bytes --> Handle: %d\n",
 		static_cast<int>(first) + 1026)));
+	const drive_call call = { true, 0, [] { return true; } };
+	EXPECT_EQ(sampler_drive.find(call, "\\Studio", "CD", &entry), drive_too_many);
+	EXPECT_FALSE(current_fs_caller.given_up) << "nobody is asked after a call that has ended";
 	for (PTFS_FILE_CONTEXT *context : all)
 		PtfsInterface.Close(context);
 	EXPECT_EQ(

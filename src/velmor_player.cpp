@@ -20,7 +20,7 @@ std::string song_time(std::uint64_t ticks)
 {
 	const std::uint64_t tenths =
 		ticks * 10 / static_cast<std::uint64_t>(std::max(speed_factor, 1));
-	return format_text("%d:%02d.%d", static_cast<int>(tenths / 600),
+	return format_text("%llu:%02d.%d", static_cast<unsigned long long>(tenths / 600),
 		static_cast<int>(tenths / 10 % 60), static_cast<int>(tenths % 10));
 }
 

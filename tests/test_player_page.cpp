@@ -1,6 +1,7 @@
 // test_player_page.cpp - the player's page: loading, frames, strips, mute, channels, speed, unload
 
 #include "src/velmor_midi.h"
+#include "src/velmor_player.h"
 #include "src/velmor_window.h"
 #include "tests/support/midi_files.h"
 #include "virtual/midi_ports.h"
@@ -209,6 +210,7 @@ TEST_F(player_page, the_speed_is_what_bar_and_field_say)
 	EXPECT_EQ(speed_factor, 500);
 	EXPECT_EQ(bar.text, "500");
 	EXPECT_TRUE(text(player_file).find("0:01.2 at this speed") != std::string::npos);
+	EXPECT_EQ(song_time(500'000'000'000'000'000), "16666666666666:40.0") << "a file may say so";
 	for (const int typed : { 299, 1801, 0 }) {
 		change(form_event::edit, typed);
 		EXPECT_EQ(speed_factor, 500);

@@ -478,6 +478,7 @@ void timer_playback()
 		log_line("TIMER STILL BUSY!\r\n");
 		return;
 	}
+	const log_round apart(nullptr);
 	timer_is_busy = 1;
 	const unsigned tick = ++tick_number;
 	const u64 now = (counter() - start_counter) * static_cast<u64>(speed_factor) / frequency;
@@ -504,9 +505,10 @@ static int wait_while_paused(unsigned stop)
 {
 	if (play_the_file == track_paused)
 		let_go_of_notes();
-	while (stop == stops && play_the_file == track_paused)
+	while (stop == stops && play_the_file == track_paused && !close_requested())
 		host.ui->pump(100);
-	return play_the_file;
+	// Who closes the program in the middle of a track does not wait for its end.
+	return close_requested() ? +track_stopped : play_the_file;
 }
 
 // One event, and what it leaves to see. False: no further one is wanted.

@@ -576,6 +576,16 @@ TEST_F(midi_player, one_track_goes_step_by_step_and_pauses_into_event_16)
 			  }),
 		3u + 15 + 4);
 	EXPECT_EQ(out.sent[18].bytes, hex("90 10 40"));
+	// The program is closed, in the middle of it and in a pause.
+	for (const int state : { track_plays, track_paused }) {
+		const auto close = [&] {
+			play_the_file = state;
+			request_close(true);
+		};
+		EXPECT_LE(step(3, close), 3u + 15 + 15);
+		EXPECT_EQ(track().is_running, 0);
+		request_close(false);
+	}
 	EXPECT_EQ(step(3, [] { free_midi(&current_midi_file); }), 3u);
 }
 

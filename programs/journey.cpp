@@ -776,6 +776,7 @@ int run_journey(const journey &trip)
 			bring_akp_programs(trip);
 		walk_panel(trip, stop);
 	}
+	list_drive(trip);
 	picture(window_multis, "multis-usb");
 	std::printf("WAV files: %s\nScreenshots: %s\n",
 		host.files->host_path((current_config_path + "\\sample").c_str()).c_str(),

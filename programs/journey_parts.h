@@ -1,6 +1,6 @@
 // journey_parts.h - hands and eyes of the journey, for its parts in other files
 //
-// Called by journey_akp.cpp and journey_panel.cpp. What each does stands in journey.cpp.
+// Called by journey_akp.cpp, journey_panel.cpp and journey_drive.cpp. What each does stands in journey.cpp.
 
 #pragma once
 #include "programs/journey.h"
@@ -31,5 +31,7 @@ void files_to_choose(const std::string &folder, const std::vector<std::string> &
 void bring_akp_programs(const journey &trip);
 // The panel of the loaded sampler is opened, its keys are pressed, and its picture is saved.
 void walk_panel(const journey &trip, const usb_stop &stop);
+// The disks of the USB samplers are listed, where this system mounts drives.
+void list_drive(const journey &trip);
 
 } // namespace velmor

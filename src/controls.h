@@ -64,6 +64,12 @@ enum main_control : int {
 	main_card_samples = 60044,
 	main_card_programs = 60045,
 	main_card_multis = 60046,
+	main_log_whole = 60047, // also what the text of the log has let go of
+	main_log_save = 60048,
+	main_entry_edit = 60049, // what can be done with the chosen entry
+	main_entry_remove = 60050,
+	main_entry_folder = 60056,
+	main_read_again = 60057,
 };
 
 enum settings_control : int {

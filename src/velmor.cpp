@@ -22,7 +22,7 @@
 #include "src/usbqx.h"
 #include "src/velmor_edits.h"
 #include "src/velmor_files.h"
-#include "src/velmor_work.h"
+#include "src/velmor_window.h"
 #include <algorithm>
 #include <bit>
 #include <cstdio>
@@ -110,8 +110,7 @@ static bool names_sampler(const std::string &file)
 		       });
 }
 
-// The file of a configuration: of that name, or the same with its extension in other letters.
-static std::string sampler_file(const char *name)
+std::string sampler_file(const char *name)
 {
 	const std::string path = sampler_path(name);
 	file_info info;
@@ -158,6 +157,7 @@ void load_sampler_list()
 		std::printf("SAMPLER[%d]: '%s'\r\n", static_cast<int>(i), conf_sampler[i].c_str());
 	if (!conf_sampler.empty())
 		host.ui->select(window_main, main_sampler_list, 0);
+	update_entry_commands();
 }
 
 // ---- Loading -----------------------------------------------------------------------------------
@@ -309,6 +309,19 @@ static u32 list_index(int control)
 	return index < 0 ? 0 : static_cast<u32>(index) & 0xFFFF;
 }
 
+_sampler described_sampler(const std::string &name, const char *usb_name)
+{
+	_sampler record = {};
+	copy_text(record.sampler_description, name);
+	copy_text(record.sampler_usbname, usb_name);
+	record.sampler_midi = list_index(sampler_midi_list) + 1;
+	record.sampler_type = static_cast<u32>(
+		get_sampler_brand_id(static_cast<i32>(list_index(sampler_brand_list))));
+	record.sampler_sysex = list_index(sampler_control_list) + 1;
+	record.sampler_sysex_channel = list_index(sampler_exclusive_list);
+	return record;
+}
+
 int save_sampler()
 {
 	const std::string name = host.ui->get_text(window_sampler, sampler_name);
@@ -316,15 +329,7 @@ int save_sampler()
 	log_line("SAMPLER-CONFIG: [%s]\r\n", path.c_str());
 	if (!may_store(name, path))
 		return 1;
-	_sampler record = {};
-	copy_text(record.sampler_description, name);
-	copy_text(record.sampler_usbname, current_usb_name);
-	record.sampler_midi = list_index(sampler_midi_list) + 1;
-	record.sampler_type = static_cast<u32>(
-		get_sampler_brand_id(static_cast<i32>(list_index(sampler_brand_list))));
-	record.sampler_sysex = list_index(sampler_control_list) + 1;
-	record.sampler_sysex_channel = list_index(sampler_exclusive_list);
-	return store_sampler(record);
+	return store_sampler(described_sampler(name, current_usb_name));
 }
 
 // ---- Asking who is there -----------------------------------------------------------------------

@@ -2,8 +2,9 @@
 //
 // Knows nothing of: toolkits, models.
 
-#include "src/controls.h"
-#include "src/velmor.h"
+#include "src/usbqx.h"
+#include "src/velmor_window.h"
+#include <algorithm>
 
 namespace velmor
 {
@@ -20,24 +21,70 @@ static std::string way_to(const _sampler &s)
 	return way + format_text(", channel %u", static_cast<unsigned>(s.sampler_sysex_channel));
 }
 
+bool read_configuration(const std::string &name, _sampler *record)
+{
+	int file;
+	if (host.files->open(sampler_file(name.c_str()).c_str(), file_read, &file))
+		return false;
+	std::size_t count = 0;
+	const int code = host.files->read(file, record, sizeof *record, &count);
+	(void)host.files->close(file);
+	record->sampler_description[sizeof record->sampler_description - 1] = '\0';
+	record->sampler_usbname[sizeof record->sampler_usbname - 1] = '\0';
+	return !code && count == sizeof *record;
+}
+
+// ---- What is plugged in ----------------------------------------------------------------------
+
+// Names of the samplers on the USB that are plugged in now, as far as the last scan knows them.
+static std::vector<std::string> plugged_names()
+{
+	std::vector<std::string> names;
+	std::vector<usb_device> devices;
+	if (!host.usb->list(&devices))
+		return names;
+	for (const _usbdev &usb : usbdev)
+		if (std::any_of(devices.begin(), devices.end(), [&](const usb_device &device) {
+			    return device.path == usb.device_path;
+		    }))
+			names.emplace_back(usb.usb_name);
+	return names;
+}
+
+static std::vector<std::string> shown_plugged;
+
+void update_plugged_entries()
+{
+	// Before the first scan nobody knows which sampler a device is.
+	if (!usb_init_done || command_running() || usb_in_use() || plugged_names() == shown_plugged)
+		return;
+	show_sampler_list();
+}
+
+static std::string plug_of(const _sampler &s)
+{
+	if (!s.sampler_usbname[0] || !usb_init_done)
+		return "";
+	const bool plugged = std::find(shown_plugged.begin(), shown_plugged.end(),
+				     s.sampler_usbname) != shown_plugged.end();
+	return plugged ? "USB, plugged in" : "USB, not plugged in";
+}
+
+// ---- The list --------------------------------------------------------------------------------
+
 // What a configuration says, in a second line; nothing if it cannot be read.
 static std::string details_of(const std::string &name)
 {
 	_sampler s = {};
-	int file;
-	const std::string path = current_config_path + "\\" + name + ".sampler";
-	if (host.files->open(path.c_str(), file_read, &file))
-		return "";
-	std::size_t count = 0;
-	const int code = host.files->read(file, &s, sizeof s, &count);
-	(void)host.files->close(file);
-	const std::string brand = code || count < sizeof s ? "" : brand_of(s);
-	return brand.empty() ? "" : brand + " · " + way_to(s);
+	const std::string brand = read_configuration(name, &s) ? brand_of(s) : "";
+	const std::string plug = plug_of(s);
+	return brand.empty() ? "" : brand + " · " + (plug.empty() ? way_to(s) : plug);
 }
 
 void show_sampler_list()
 {
 	const int chosen = host.ui->selection(window_main, main_sampler_list);
+	shown_plugged = usb_init_done ? plugged_names() : std::vector<std::string>();
 	std::vector<std::vector<std::string>> rows;
 	for (const std::string &name : conf_sampler) {
 		const bool loaded = current_sampler && current_sampler->sampler_description == name;
@@ -46,6 +93,7 @@ void show_sampler_list()
 	host.ui->set_rows(window_main, main_sampler_list, rows);
 	if (chosen >= 0 && chosen < static_cast<int>(rows.size()))
 		host.ui->select(window_main, main_sampler_list, chosen);
+	update_entry_commands();
 }
 
 static void show_count(int control, int count, const char *what)

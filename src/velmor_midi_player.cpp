@@ -284,8 +284,8 @@ static void write_dump(const _midif &file)
 
 static void show_buttons(int window, bool plays)
 {
-	host.ui->enable(window, player_play, !plays);
-	host.ui->enable(window, player_stop, plays);
+	host.ui->set_reason(window, player_play, plays ? "The file plays" : nullptr);
+	host.ui->set_reason(window, player_stop, plays ? nullptr : "Nothing plays");
 }
 
 bool song_plays()
@@ -496,6 +496,8 @@ void timer_playback()
 	}
 	log_line("Song Completed!\r\n");
 	stop_really_all(player_window);
+	if (!playing)
+		show_outcome({ .line = "The song has been played to its end." });
 }
 
 // ---- Step by step -----------------------------------------------------------------------------

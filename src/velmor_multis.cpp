@@ -92,7 +92,7 @@ static void download_nothing() {}
 static constexpr caption_row multis_captions[] = {
 	// window        control         caption, tooltip, empty
 	{ window_multis, 0,              "VELMOR Manage Multis", nullptr, nullptr },
-	{ window_multis, multis_list,    "Multis", "The multis in the sampler's memory", "The sampler holds no multis" },
+	{ window_multis, multis_list,    "Multis", "The multis in the sampler's memory", "No multis. Only an S5000 or S6000 tells what multis it holds." },
 	{ window_multis, multis_heading, "State of the list", "How many multis, and when they were read", nullptr },
 	{ window_multis, multis_retry,   "Try again", "Ask the sampler once more", nullptr },
 	{ window_multis, multis_download, "Download this Multi", nullptr, nullptr },

@@ -30,6 +30,11 @@ static std::string last_part(const std::string &path)
 	return at == path.npos ? path : path.substr(at + 1);
 }
 
+static std::string song_name()
+{
+	return last_part(current_midi_file.name);
+}
+
 static std::string where_to()
 {
 	const auto place = static_cast<std::size_t>(std::max(selected_midi_out_interface, 0));
@@ -40,10 +45,9 @@ static std::string where_to()
 static std::string file_words()
 {
 	if (!have_midi_file)
-		return "No file is loaded. Load a Standard MIDI File, or drop one here.";
+		return "No file is loaded";
 	const int count = current_midi_file.ntrks;
-	return last_part(current_midi_file.name) +
-	       format_text(" · %d track%s · ", count, count == 1 ? "" : "s") +
+	return song_name() + format_text(" · %d track%s · ", count, count == 1 ? "" : "s") +
 	       song_time(song_length()) + " at this speed" + where_to();
 }
 
@@ -108,9 +112,15 @@ void change_speed(int row, form_event event, int value)
 
 static void load_midi_file(const std::string &path)
 {
-	if (!open_midi_file(window_midi_files, path.c_str()))
-		show_box("ERROR", "File cannot be opened (invalid midi-file?)");
+	const bool loaded = open_midi_file(window_midi_files, path.c_str());
 	show_player();
+	if (loaded)
+		show_outcome({ .line = "Loaded '" + song_name() + "'." });
+	else
+		show_outcome({ .how = ending::local_failed,
+			.words = "File cannot be opened (invalid midi-file?)",
+			.caption = "ERROR",
+			.line = "'" + last_part(path) + "' was not loaded." });
 }
 
 // Of several, the first.
@@ -136,6 +146,7 @@ static void unload_midi_file()
 {
 	if (!have_midi_file)
 		return;
+	const std::string name = song_name();
 	if (song_plays())
 		stop_really_all(window_midi_files);
 	play_the_file = track_stopped;
@@ -146,6 +157,7 @@ static void unload_midi_file()
 	have_midi_file = 0;
 	host.ui->set_text(window_midi_files, 0, "Midi-Files");
 	show_player();
+	show_outcome({ .line = "Unloaded '" + name + "'." });
 }
 
 static void play_midi_file()
@@ -154,12 +166,22 @@ static void play_midi_file()
 		return;
 	play_really_all(window_midi_files, &current_midi_file);
 	show_player();
+	if (song_plays())
+		show_outcome({ .line = "Playing '" + song_name() + "'." });
+}
+
+static void end_song()
+{
+	const bool played = song_plays();
+	play_the_file = track_stopped;
+	stop_really_all(window_midi_files);
+	if (played && !song_plays())
+		show_outcome({ .line = "Stopped '" + song_name() + "'." });
 }
 
 static void stop_playing()
 {
-	play_the_file = track_stopped;
-	stop_really_all(window_midi_files);
+	end_song();
 	show_player();
 }
 
@@ -191,7 +213,7 @@ static void hide_player()
 {
 	play_the_file = track_stopped;
 	if (song_plays())
-		stop_really_all(window_midi_files);
+		end_song();
 	host.ui->show(window_midi_files, 0, false);
 }
 

@@ -8,6 +8,7 @@
 //
 // Knows nothing of: models (but what their rows say), toolkits.
 
+#include "src/velmor_wave_edit.h"
 #include "src/velmor_window.h"
 #include "src/waveqx.h"
 #include "src/waveqx_chunks.h"
@@ -148,10 +149,12 @@ static void show_waveform(const std::string &path)
 	input_file wave;
 	wave_shape shape;
 	if (path.empty() || !read_shape(path, wave, &shape).empty()) {
+		wave_shown("", 0);
 		host.ui->set_waveform(window_samples, samples_waveform, nullptr);
 		return;
 	}
 	const std::vector<std::int16_t> words = read_words(wave, shape);
+	wave_shown(path, words.size());
 	const waveform_view view = { .words = words,
 		.sample_rate = shape.rate,
 		.loop_start = std::min(shape.loop_start, shape.frames),

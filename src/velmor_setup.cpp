@@ -154,6 +154,7 @@ static void show_verdict(const std::string &words, text_role role)
 
 void show_sampler_setup()
 {
+	forget_edited_entry();
 	fill_sampler_lists();
 	const _sampler none = { .sampler_description = "",
 		.sampler_usbname = "",
@@ -180,9 +181,11 @@ static void hide_sampler_dialog()
 
 static void keep_sampler()
 {
-	if (save_sampler() != 0)
+	if (entry_is_edited() ? save_edited_entry() != 0 : save_sampler() != 0)
 		return;
-	empty_open_pages();
+	if (!entry_is_edited())
+		empty_open_pages();
+	forget_edited_entry();
 	hide_sampler_dialog();
 }
 

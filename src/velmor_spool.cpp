@@ -2,13 +2,14 @@
 //
 //   <configuration folder>\sample    the spool
 //                         \deleted   what was deleted or replaced there, as it was
+//                         \deleted\undo   what was edited, as it was before
 //
 // A sample is a .wav file and, of some, a .info file beside it. Both move together.
 //
 // Knows nothing of: samplers, windows beyond the number that shows an import.
 
 #include "src/controls.h"
-#include "src/velmor_work.h"
+#include "src/velmor_wave_edit.h"
 #include "src/waveqx.h"
 #include "src/waveqx_file.h"
 #include <algorithm>
@@ -85,15 +86,29 @@ static int move_sample(const std::string &from, const std::string &to, moves *do
 						    : move_file(from + ".info", to + ".info", done);
 }
 
-// A place for a sample among the deleted ones, where none of that name lies yet.
-static std::string place_among_deleted(const std::string &name)
+static std::string deleted_folder()
 {
-	const std::string folder = current_config_path + "\\deleted";
+	return current_config_path + "\\deleted";
+}
+
+// A place for a sample in a folder beside the spool, where none of that name lies yet.
+static std::string free_place(const std::string &folder, const std::string &name)
+{
 	(void)host.files->make_folder(folder.c_str()); // shows at the move
 	std::string place = folder + "\\" + name;
 	for (int i = 2; file_exists(place + ".wav") || file_exists(place + ".info"); i++)
 		place = folder + "\\" + name + format_text(" (%d)", i);
 	return place;
+}
+
+static std::string place_among_deleted(const std::string &name)
+{
+	return free_place(deleted_folder(), name);
+}
+
+void remember_undo(const undo_step &step)
+{
+	undo_steps.push_back(step);
 }
 
 bool can_undo()
@@ -123,6 +138,8 @@ outcome undo_last()
 					 "] again, so nothing was put back." };
 	log_line("[I] Putting back: %s\r\n", step.line.c_str());
 	const int code = move_back(step.moves);
+	if (step.show)
+		step.show();
 	return code ? local_failure(code, "Not everything could be put back.")
 		    : outcome{ .line = step.line };
 }
@@ -235,6 +252,73 @@ outcome rename_local(const std::string &old_name, const std::string &typed)
 	undo_steps.push_back(step);
 	return { .words = "Local sample successfully renamed",
 		.line = quoted(old_name) + " on this computer is now " + quoted(new_name) + "." };
+}
+
+// ---- Editing ------------------------------------------------------------------------------------------
+
+static constexpr std::ptrdiff_t most_edits_kept = 30;
+
+// What puts a file back as it was also takes what it became away from there.
+static bool is_edit(const undo_step &step)
+{
+	return step.moves.size() == 2 && step.moves[0].before == step.moves[1].now;
+}
+
+// Files of minutes are large: of many edits the oldest cannot be undone any more.
+static void forget_oldest_edit()
+{
+	if (std::count_if(undo_steps.begin(), undo_steps.end(), is_edit) <= most_edits_kept)
+		return;
+	const auto oldest = std::find_if(undo_steps.begin(), undo_steps.end(), is_edit);
+	host.files->remove(oldest->moves[0].now.c_str());
+	undo_steps.erase(oldest);
+}
+
+static outcome edit_failed(const std::string &words, const std::string &name)
+{
+	return { .how = ending::local_failed,
+		.words = words + " Nothing was changed.",
+		.line = quoted(name) + " stays as it was." };
+}
+
+// A copy beside what was deleted; "" or why there is none.
+static std::string keep_copy(const std::string &path, const std::string &copy)
+{
+	input_file source;
+	fresh_file target;
+	int read_code = source.measure(path.c_str());
+	if (!read_code)
+		read_code = source.open(path.c_str());
+	if (read_code)
+		return read_failure(path, read_code);
+	int code = target.open(copy);
+	if (!code)
+		code = copy_bytes(source, 0, source.size, target, &read_code);
+	if (read_code)
+		return read_failure(path, read_code);
+	if (!code)
+		code = target.finish();
+	return code ? write_failure(copy, code) : "";
+}
+
+outcome replace_local(const std::string &name, std::span<const u8> file, const std::string &undone)
+{
+	const std::string path = wave_path_of(spool_folder() + "\\" + name);
+	(void)host.files->make_folder(deleted_folder().c_str()); // shows at the copy
+	const std::string folder = deleted_folder() + "\\undo";
+	const std::string place = free_place(folder, name), copy = place + ".wav";
+	if (const std::string why = keep_copy(path, copy); !why.empty())
+		return edit_failed(why, name);
+	if (const int code = write_whole_file(path, file.data(), file.size())) {
+		host.files->remove(copy.c_str());
+		return edit_failed(write_failure(path, code), name);
+	}
+	// No other step that can be undone has that copy, so none takes that name.
+	const std::string edited =
+		free_place(folder, place.substr(place.rfind('\\') + 1) + ", edited") + ".wav";
+	undo_steps.push_back({ .line = undone, .moves = { { copy, path }, { path, edited } } });
+	forget_oldest_edit();
+	return {};
 }
 
 // ---- The whole spool ----------------------------------------------------------------------------------

@@ -129,7 +129,7 @@ static constexpr caption_row status_captions[] = {
 	// window, control, caption, tooltip, empty
 	{ 0, status_line,    "Sampler and connection", "How the sampler is reached, and whether it answered last", nullptr },
 	{ 0, status_outcome, "Last outcome", nullptr, nullptr },
-	{ 0, status_undo,    "Undo", "Put back what was deleted or renamed on this computer last", nullptr },
+	{ 0, status_undo,    "Undo", "Put back what was deleted, renamed or edited on this computer last", nullptr },
 };
 static constexpr command_row status_commands[] = {
 	{ 0, status_undo, undo, alone },

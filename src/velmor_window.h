@@ -60,6 +60,7 @@ struct window_rows {
 	std::span<const drop_row> drops = {};
 };
 extern const window_rows main_rows, settings_rows, sampler_rows; // velmor_setup.cpp
+extern const window_rows entry_rows;                             // velmor_entries.cpp
 extern const window_rows usb_rows;                               // velmor_usb.cpp
 extern const window_rows samples_rows;                           // velmor_samples_page.cpp
 extern const window_rows programs_rows;                          // velmor_programs_commands.cpp
@@ -174,6 +175,25 @@ void show_midi_setup();
 void show_sampler_setup();
 // Another sampler is loaded: open pages show that nothing was read of it.
 void empty_open_pages();
+
+// ---- The entries of the list of samplers (velmor_entries.cpp) --------------------------------------
+
+// The file of a configuration: of that name, or the same with its extension in other letters
+// (velmor.cpp).
+std::string sampler_file(const char *name);
+// A configuration as its file has it; false if there is no whole one (velmor_card.cpp).
+bool read_configuration(const std::string &name, _sampler *record);
+// What the sampler dialog describes (velmor.cpp).
+_sampler described_sampler(const std::string &name, const char *usb_name);
+// The sampler dialog stands for an entry of the list, until it is opened for the loaded one.
+bool entry_is_edited();
+void forget_edited_entry();
+// Store it: 0, or 1 when nothing was stored, and the user knows why.
+int save_edited_entry();
+// An entry was chosen, or there are others: say what can be done with it.
+void update_entry_commands();
+// Say which samplers on the USB are plugged in now, once it is known which they are.
+void update_plugged_entries();
 
 // ---- The player (velmor_player.cpp) ----------------------------------------------------------------
 

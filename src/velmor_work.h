@@ -178,7 +178,9 @@ struct undo_step {
 		std::string now, before;
 	};
 	std::vector<move> moves;
+	void (*show)() = nullptr; // what came back, where the spool's pages do not
 };
+void remember_undo(const undo_step &step);
 bool can_undo();
 outcome undo_last();
 void forget_undo();

@@ -84,8 +84,7 @@ TEST_F(player_page, only_what_can_be_done_can_be_pressed)
 {
 	EXPECT_TRUE((h.visible[{ window_midi_files, 0 }]));
 	EXPECT_FALSE(works(player_play) || works(player_stop) || works(player_unload));
-	EXPECT_EQ(text(player_file),
-		"No file is loaded. Load a Standard MIDI File, or drop one here.");
+	EXPECT_EQ(text(player_file), "No file is loaded");
 	velmor_command(window_midi_files, player_load);
 	EXPECT_EQ(h.boxes.back(), (shown_box{ "No file(s) selected!", "ERROR" }));
 	h.put_content(h.root + "/no.mid", hex("4D 54 68 64 00"));
@@ -93,12 +92,15 @@ TEST_F(player_page, only_what_can_be_done_can_be_pressed)
 	EXPECT_TRUE(velmor_drop(window_midi_files, player_tracks, dropped));
 	EXPECT_EQ(h.boxes.back(),
 		(shown_box{ "File cannot be opened (invalid midi-file?)", "ERROR" }));
+	EXPECT_EQ(text(status_outcome), "'no.mid' was not loaded.");
 	load();
+	EXPECT_EQ(text(status_outcome), "Loaded 'waltz.mid'.");
 	EXPECT_TRUE(works(player_play) && works(player_unload));
 	EXPECT_EQ(text(player_file), "waltz.mid · 2 tracks · 0:00.6 at this speed · to 'Synth'");
 	velmor_command(window_midi_files, player_play);
 	EXPECT_TRUE(works(player_stop));
 	EXPECT_FALSE(works(player_play));
+	EXPECT_EQ(text(status_outcome), "Playing 'waltz.mid'.");
 	const std::size_t boxes = h.boxes.size();
 	velmor_command(window_midi_files, player_play); // a second press
 	ticks(0.05);
@@ -108,6 +110,15 @@ TEST_F(player_page, only_what_can_be_done_can_be_pressed)
 	EXPECT_EQ(h.boxes.size(), boxes + 1);
 	EXPECT_EQ(h.track_count, 0);
 	EXPECT_FALSE(works(player_play) || works(player_stop));
+	load();
+	velmor_command(window_midi_files, player_play);
+	velmor_command(window_midi_files, player_stop);
+	EXPECT_EQ(text(status_outcome), "Stopped 'waltz.mid'.");
+	velmor_command(window_midi_files, player_play);
+	ticks(0.7);
+	EXPECT_EQ(text(status_outcome), "The song has been played to its end.");
+	EXPECT_TRUE(works(player_play));
+	EXPECT_EQ((h.reasons[{ window_midi_files, player_stop }]), "Nothing plays");
 }
 
 TEST_F(player_page, a_frame_says_what_its_track_does)

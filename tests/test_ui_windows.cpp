@@ -3,8 +3,13 @@
 #include "src/waveqx.h"
 #include "tests/support/fake_model.h"
 #include "tests/ui_fixture.h"
+#include "ui/parts/palette.h"
+#include "ui/parts/place.h"
 #include "ui/parts/told.h"
+#include "ui/parts/window.h"
 #include <QAction>
+#include <QBoxLayout>
+#include <QClipboard>
 #include <QComboBox>
 #include <QDropEvent>
 #include <QHeaderView>
@@ -14,11 +19,17 @@
 #include <QPlainTextEdit>
 #include <QProgressBar>
 #include <QRadioButton>
+#include <QScreen>
+#include <QScrollBar>
+#include <QSplitter>
+#include <QTextBlock>
 #include <QTimer>
 #include <QToolButton>
 #include <QUrl>
 #include <chrono>
 #include <clocale>
+#include <cstring>
+#include <memory>
 #include <thread>
 
 using namespace velmor;
@@ -131,17 +142,111 @@ TEST_F(windows, settings_are_chosen_with_keys_and_kept_by_enter)
 	EXPECT_EQ(h.settings["midi_in"], "-1");
 }
 
-TEST_F(windows, the_log_is_kept_at_once_and_painted_soon)
+namespace
 {
-	log_line("[I] first\r\n");
+
+class log_window : public windows
+{
+protected:
+	log_window() { host.ui->set_text(window_main, main_log, ""); }
+	QPlainTextEdit *view() { return at<QPlainTextEdit>(window_main, main_log); }
+	QString seen(const char *last)
+	{
+		EXPECT_TRUE(
+			QTest::qWaitFor([&] { return view()->toPlainText().contains(last); }, 2000))
+			<< last;
+		return view()->toPlainText();
+	}
+	template <class kind> kind *named(const char *words)
+	{
+		for (kind *widget : at(window_main, 0)->findChildren<kind *>())
+			if (widget->accessibleName().contains(words))
+				return widget;
+		throw std::runtime_error(words);
+	}
+	void click(const char *name)
+	{
+		QTest::mouseClick(named<QAbstractButton>(name), Qt::LeftButton);
+	}
+};
+
+} // namespace
+
+TEST_F(log_window, is_kept_at_once_and_painted_soon_with_what_the_text_let_go_of)
+{
 	for (int i = 0; i < 2000; i++)
 		log_line("[I] line %d\r\n", i);
-	EXPECT_NE(
-		host.ui->get_text(window_main, main_log).find("line 1999\r\n"), std::string::npos);
-	auto *view = at<QPlainTextEdit>(window_main, main_log);
-	EXPECT_TRUE(
-		QTest::qWaitFor([&] { return view->toPlainText().contains("line 1999"); }, 1000));
-	EXPECT_LE(view->toPlainText().size(), 10100);
+	const std::string text = host.ui->get_text(window_main, main_log);
+	EXPECT_TRUE(text.ends_with("line 1999\r\n"));
+	EXPECT_LE(text.size(), 10100u);
+	EXPECT_EQ(seen("line 1999").count("[I] line "), 2000);
+	EXPECT_EQ(named<QToolButton>("what was done")->text(), "I 2000");
+	EXPECT_TRUE(view()->verticalScrollBar()->value() == view()->verticalScrollBar()->maximum());
+	int refilled = 0;
+	QObject::connect(view()->document(), &QTextDocument::contentsChange, view(),
+		[&](int at, int removed, int) { refilled += removed > 1 || at < 10000; });
+	log_line("[I] one more\r\n");
+	EXPECT_EQ(seen("one more").count('\n'), 2000);
+	EXPECT_EQ(refilled, 0) << "what stands there is not touched";
+	host.ui->set_text(window_main, main_log, "[I] VELMOR started\r\n");
+	EXPECT_EQ(seen("VELMOR started"), "[I] VELMOR started") << "a new log";
+}
+
+TEST_F(log_window, shows_levels_as_they_are_wanted_and_stays_whole)
+{
+	const char *text = "0.1: [I] one\r\n0.2 [a.cpp:7]: [D] dump\r\n00 01\r\n0.3: [W] care\r\n"
+			   "0.4: [F] broke\r\n0.5: [MONITOR]RCVD: on\r\n0.6: [IN] open";
+	host.ui->set_text(window_main, main_log, text);
+	EXPECT_EQ(seen("RCVD"), "0.1: [I] one\n0.3: [W] care\n0.4: [F] broke\n0.5: [MONITOR]RCVD: "
+				"on\n0.6: [IN] open");
+	EXPECT_EQ(host.ui->get_text(window_main, main_log), text);
+	const auto color = [this](const char *line) {
+		return view()->document()->find(line).charFormat().foreground().color();
+	};
+	EXPECT_EQ(color("care"), role_color(view()->palette(), text_role::careful));
+	EXPECT_EQ(color("broke"), role_color(view()->palette(), text_role::failed));
+	EXPECT_EQ(color("RCVD"), view()->palette().color(QPalette::Link));
+	click("details for finding faults, 2 lines");
+	EXPECT_TRUE(view()->toPlainText().contains("[D] dump\n00 01\n0.3")) << "a dump goes on";
+	click("warnings, 1");
+	click("what was done, 3");
+	EXPECT_EQ(view()->toPlainText(), "0.2 [a.cpp:7]: [D] dump\n00 01\n0.4: [F] broke");
+	// A line that had not ended goes on.
+	host.ui->set_text(window_main, main_log, (std::string(text) + " end\r\n").c_str());
+	click("what was done, 3");
+	EXPECT_TRUE(seen("[IN] open end").endsWith("[IN] open end"));
+	EXPECT_EQ(host.ui->get_text(window_main, main_log_whole),
+		"0.1: [I] one\n0.2 [a.cpp:7]: [D] dump\n00 01\n0.3: [W] care\n0.4: [F] broke\n"
+		"0.5: [MONITOR]RCVD: on\n0.6: [IN] open end\n");
+}
+
+TEST_F(log_window, is_searched_from_its_end_and_copied)
+{
+	host.ui->set_text(
+		window_main, main_log, "[I] red 1\n[I] blue\n[D] red 2\n[I] red 3\n[I] last\n");
+	seen("last");
+	const auto line = [this] { return view()->textCursor().block().text(); };
+	QTest::keyClick(at(window_main, main_sampler_list), Qt::Key_F, Qt::ControlModifier);
+	auto *field = qobject_cast<QLineEdit *>(QApplication::focusWidget());
+	ASSERT_TRUE(field);
+	QTest::keyClicks(field, "RED");
+	EXPECT_EQ(line(), "[I] red 3");
+	QTest::keyClick(field, Qt::Key_Return);
+	EXPECT_EQ(line(), "[I] red 1") << "the hidden one is passed over";
+	QTest::keyClick(field, Qt::Key_Return);
+	EXPECT_EQ(line(), "[I] red 3") << "around the end";
+	QTest::keyClick(field, Qt::Key_Return, Qt::ShiftModifier);
+	EXPECT_EQ(line(), "[I] red 1");
+	click("Copy");
+	EXPECT_EQ(QGuiApplication::clipboard()->text(), "red");
+	QTest::keyClicks(field, "x");
+	EXPECT_EQ(named<QLabel>("Outcome of the search")->text(), "none");
+	field->setFocus();
+	QTest::keyClick(field, Qt::Key_Escape);
+	EXPECT_EQ(field->text(), "");
+	EXPECT_TRUE(view()->hasFocus());
+	click("Copy");
+	EXPECT_EQ(QGuiApplication::clipboard()->text(), "[I] red 1\n[I] blue\n[I] red 3\n[I] last");
 }
 
 // The limits are far beyond what a busy machine needs, and a wake that is lost waits them out.
@@ -239,6 +344,12 @@ TEST_F(sample_windows, both_lists_and_a_download)
 	EXPECT_TRUE(main && shown(window_main)) << "the main window stays";
 	EXPECT_TRUE(at(window_samples, 0)->isEnabled());
 	EXPECT_EQ(names(samples_local_list), QStringList("SNARE"));
+	for (const auto &[list, search] : { std::pair(samples_local_list, samples_local_search),
+		     std::pair(samples_loaded_list, samples_loaded_search) }) {
+		at(window_samples, list)->setFocus();
+		QTest::keyClick(at(window_samples, list), Qt::Key_F, Qt::ControlModifier);
+		EXPECT_EQ(QApplication::focusWidget(), at(window_samples, search));
+	}
 	EXPECT_EQ(at<entry_list>(window_samples, samples_loaded_list)->chosen(), 1);
 }
 
@@ -460,4 +571,96 @@ TEST_F(sample_windows, dropped_files_are_imported_with_the_chosen_options)
 	QApplication::processEvents();
 	EXPECT_EQ(h.boxes.back(), (shown_box{ "1/1 files converted!", "INFO" }));
 	EXPECT_EQ(names(samples_local_list), QStringList("bell"));
+}
+
+// ---- Entries and places -----------------------------------------------------------------------------
+
+TEST_F(windows, an_entry_is_loaded_edited_and_removed_by_keys)
+{
+	for (const char *name : { "Attic", "Rack" }) {
+		std::vector<u8> bytes(536);
+		std::copy_n(name, std::strlen(name), bytes.begin());
+		bytes[512] = 1007 & 0xFF;
+		bytes[513] = 1007 >> 8;
+		h.put_content(h.config + "\\" + name + ".sampler", bytes);
+	}
+	auto *list = at<entry_list>(window_main, main_sampler_list);
+	ASSERT_TRUE(QTest::qWaitForWindowActive(at(window_main, 0)));
+	QTest::keyClick(list, Qt::Key_F5);
+	ASSERT_EQ(list->count(), 2);
+	choose(window_main, main_sampler_list, "Rack");
+	QTest::keyClick(list, Qt::Key_Delete);
+	EXPECT_EQ(list->count(), 1);
+	EXPECT_EQ(list->chosen(), 0);
+	EXPECT_EQ(list->place_of("Rack"), -1);
+	QTest::keyClick(list, Qt::Key_Z, Qt::ControlModifier);
+	ASSERT_EQ(list->count(), 2);
+	choose(window_main, main_sampler_list, "Rack");
+	QTest::keyClick(list, Qt::Key_F2);
+	EXPECT_TRUE(shown(window_sampler));
+	EXPECT_EQ(host.ui->get_text(window_sampler, sampler_name), "Rack");
+	press(window_sampler, control_cancel);
+	QTest::keyClick(list, Qt::Key_Return);
+	ASSERT_TRUE(current_sampler);
+	EXPECT_STREQ(current_sampler->sampler_description, "Rack");
+}
+
+TEST_F(windows, stand_where_they_stood_last_and_never_off_the_screens)
+{
+	const auto show = [this] {
+		auto window =
+			std::make_unique<top_window>(5000, control_cancel, at(window_main, 0));
+		auto *sides = new QSplitter(window.get());
+		sides->addWidget(new QWidget(sides));
+		sides->addWidget(new QWidget(sides));
+		window->content->addWidget(sides);
+		window->open_at({ 200, 200 });
+		window->show();
+		QApplication::processEvents();
+		return window;
+	};
+	auto window = show();
+	window->move(30, 40);
+	window->resize(501, 303);
+	window->findChild<QSplitter *>()->setSizes({ 100, 365 });
+	window->hide();
+	EXPECT_EQ(h.settings["window_5000"], "30 40 501 303 0 100 365");
+	window = show();
+	EXPECT_EQ(QRect(window->pos(), window->size()), QRect(30, 40, 501, 303));
+	EXPECT_EQ(window->findChild<QSplitter *>()->sizes(), QList<int>({ 100, 365 }));
+	const QRect screen = QGuiApplication::primaryScreen()->geometry();
+	for (const char *bad : { "9000 40 501 303 0 100 365", "30 -900 501 303 0", "30", "x", "",
+		     "30 40 90000 90000 0 7" }) {
+		h.settings["window_5000"] = bad;
+		window = show();
+		EXPECT_TRUE(screen.contains(window->pos() + QPoint(60, 20))) << bad;
+		EXPECT_LE(window->height(), screen.height()) << bad;
+	}
+	// Room on a small screen.
+	for (const int id : { window_main, window_samples, window_programs }) {
+		EXPECT_LE(at(id, 0)->minimumSizeHint().width(), 1024 - 16) << id;
+		EXPECT_LE(at(id, 0)->minimumSizeHint().height(), 768 - 48) << id;
+	}
+}
+
+TEST_F(windows, open_beside_the_main_window_where_there_is_room)
+{
+	const QRect screen(0, 0, 2560, 1440), small(0, 0, 1024, 768);
+	EXPECT_EQ(beside({ 100, 80, 992, 620 }, { 900, 700 }, screen), QRect(1092, 80, 900, 700));
+	EXPECT_EQ(beside({ 1400, 80, 992, 620 }, { 900, 700 }, screen), QRect(500, 80, 900, 700));
+	EXPECT_EQ(beside({ 10, 900, 992, 500 }, { 900, 700 }, screen), QRect(1002, 740, 900, 700));
+	EXPECT_EQ(beside({ 10, 10, 992, 620 }, { 500, 600 }, small), QRect(524, 58, 500, 600));
+	EXPECT_EQ(beside({ 10, 10, 992, 620 }, { 2000, 2000 }, small).topLeft(), QPoint(0, 0));
+}
+
+// The process has ended in a child, where the setting is told to the standard error.
+TEST_F(windows, the_end_of_the_program_remembers_them)
+{
+	settings_service telling = *host.settings;
+	telling.save_key = [](const char *key, const char *value) {
+		std::fprintf(stderr, "%s = %s\n", key, value);
+		return 0;
+	};
+	host.settings = &telling;
+	EXPECT_EXIT(qt_ui.exit_process(0), testing::ExitedWithCode(0), "window_101 = [0-9]+ ");
 }

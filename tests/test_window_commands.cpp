@@ -3,6 +3,7 @@
 #include "src/usbqx.h"
 #include "src/velmor_window.h"
 #include "tests/support/fake_model.h"
+#include <cstring>
 #include <set>
 
 using namespace velmor;
@@ -368,6 +369,187 @@ TEST_F(window_commands, a_bar_left_behind_by_a_failure_can_be_put_away)
 	show_progressbar(0, 10, "Uploading [KICK]...");
 	velmor_command(window_progress, progress_stop);
 	EXPECT_FALSE(h.progress.visible);
+}
+
+// ---- Entries of the list ----------------------------------------------------------------------------
+
+namespace
+{
+
+usb_service some_usb;
+std::vector<usb_device> plugged;
+
+class sampler_entries : public window_commands
+{
+protected:
+	sampler_entries()
+	{
+		put("Attic", 1000, "");
+		put("Rack", 1007, "");
+		put("Stage", 1003, "Z8 live");
+		load_sampler_list();
+		std::sort(conf_sampler.begin(), conf_sampler.end());
+		show_sampler_list();
+	}
+	~sampler_entries() override
+	{
+		usbdev.clear();
+		usb_init_done = 0;
+	}
+	// Name, USB name, and four numbers of four bytes: model, control, MIDI and exclusive channel.
+	void put(const char *name, int model, const char *usb_name)
+	{
+		std::vector<u8> bytes(536);
+		std::strcpy(reinterpret_cast<char *>(&bytes[0]), name);
+		std::strcpy(reinterpret_cast<char *>(&bytes[256]), usb_name);
+		bytes[512] = static_cast<u8>(model);
+		bytes[513] = static_cast<u8>(model >> 8);
+		bytes[516] = 3;
+		bytes[520] = 4;
+		bytes[524] = 5;
+		h.put_content(path(name), bytes);
+	}
+	std::string path(const std::string &name) { return h.config + "\\" + name + ".sampler"; }
+	void choose(int index) { host.ui->select(window_main, main_sampler_list, index); }
+	std::vector<u8> numbers(const std::string &name)
+	{
+		const auto file = h.content(path(name));
+		return file ? std::vector<u8>(file->begin() + 512, file->end()) : std::vector<u8>();
+	}
+	std::string outcome_line() { return h.texts[{ window_main, status_outcome }]; }
+	std::string details(std::size_t row)
+	{
+		return h.rows[{ window_main, main_sampler_list }][row][1];
+	}
+};
+
+} // namespace
+
+TEST_F(sampler_entries, are_edited_without_being_loaded)
+{
+	choose(2);
+	velmor_command(window_main, main_entry_edit);
+	EXPECT_TRUE((h.visible[{ window_sampler, 0 }]));
+	EXPECT_EQ((h.texts[{ window_sampler, sampler_name }]), "Stage");
+	EXPECT_EQ((h.texts[{ window_sampler, control_ok }]), "Save changes");
+	EXPECT_EQ((h.selections[{ window_sampler, sampler_brand_list }]), 8);
+	EXPECT_EQ((h.selections[{ window_sampler, sampler_control_list }]), 2);
+	EXPECT_EQ((h.selections[{ window_sampler, sampler_midi_list }]), 3);
+	EXPECT_EQ((h.selections[{ window_sampler, sampler_exclusive_list }]), 5);
+	choose(0); // meanwhile
+	h.texts[{ window_sampler, sampler_name }] = "Rack";
+	velmor_command(window_sampler, control_ok);
+	EXPECT_EQ(h.boxes.back(),
+		(shown_box{ "There is a sampler called 'Rack' already. Please choose another name.",
+			"Info" }));
+	EXPECT_TRUE((h.visible[{ window_sampler, 0 }]));
+	h.texts[{ window_sampler, sampler_name }] = "Club";
+	host.ui->select(window_sampler, sampler_exclusive_list, 9);
+	velmor_command(window_sampler, control_ok);
+	EXPECT_FALSE((h.visible[{ window_sampler, 0 }]));
+	EXPECT_EQ(h.boxes.size(), 1u);
+	EXPECT_EQ(current_sampler, nullptr);
+	EXPECT_EQ(numbers("Club"), hex("EB 03 00 00 03 00 00 00 04 00 00 00 09 00 00 00 00*8"));
+	EXPECT_EQ(h.content(path("Club"))->at(256), 'Z') << "of the USB it stays";
+	EXPECT_FALSE(h.content(path("Stage")));
+	EXPECT_TRUE(h.content(h.config + "\\deleted\\Stage.sampler"));
+	EXPECT_EQ(outcome_line(), "Saved the changes of the sampler 'Club'.");
+	EXPECT_EQ(conf_sampler[static_cast<std::size_t>(
+			  h.selections[{ window_main, main_sampler_list }])],
+		"Club");
+	// The menu means the loaded one again, or a new one.
+	velmor_command(window_main, menu_midi_samplers);
+	EXPECT_EQ((h.texts[{ window_sampler, control_ok }]), "Create new");
+	// A loaded one takes its changes over.
+	choose(1);
+	velmor_command(window_main, main_load);
+	velmor_command(window_main, main_entry_edit);
+	host.ui->select(window_sampler, sampler_exclusive_list, 17);
+	velmor_command(window_sampler, control_ok);
+	EXPECT_EQ(current_sampler->sampler_sysex_channel, 17u);
+}
+
+TEST_F(sampler_entries, are_removed_to_deleted_and_put_back)
+{
+	host.files->make_folder((h.config + "\\deleted").c_str());
+	h.put_content(h.config + "\\deleted\\Rack.sampler", hex("01"));
+	const auto before = h.content(path("Rack"));
+	choose(1);
+	velmor_command(window_main, main_entry_remove);
+	EXPECT_FALSE(h.content(path("Rack")));
+	EXPECT_EQ(h.content(h.config + "\\deleted\\Rack (2).sampler"), before);
+	EXPECT_EQ(conf_sampler.size(), 2u);
+	EXPECT_EQ((h.selections[{ window_main, main_sampler_list }]), 1) << "the neighbour";
+	EXPECT_EQ(outcome_line(), "Removed the sampler 'Rack' from the list.");
+	EXPECT_TRUE((h.visible[{ window_main, status_undo }]));
+	velmor_command(window_main, status_undo);
+	EXPECT_EQ(h.content(path("Rack")), before);
+	EXPECT_EQ(conf_sampler.size(), 3u);
+	EXPECT_EQ(outcome_line(), "Put the sampler 'Rack' back.");
+	EXPECT_TRUE(h.boxes.empty());
+	const std::pair<int, int> removing = { window_main, main_entry_remove };
+	EXPECT_EQ(h.reasons[removing], "");
+	for (int left = 3; left > 0; left--)
+		velmor_command(window_main, main_entry_remove);
+	EXPECT_TRUE(conf_sampler.empty());
+	EXPECT_EQ(h.reasons[removing], "Choose a sampler in the list first.");
+	velmor_command(window_main, main_entry_remove);
+	h.put_content(path("New"), std::vector<u8>(536));
+	velmor_command(window_main, main_read_again);
+	EXPECT_EQ(conf_sampler, std::vector<std::string>{ "New" });
+}
+
+TEST_F(sampler_entries, say_whether_they_are_plugged_in_once_that_is_known)
+{
+	some_usb = *host.usb;
+	int asked = 0;
+	static int *count;
+	count = &asked;
+	some_usb.list = [](std::vector<usb_device> *devices) {
+		*devices = plugged;
+		++*count;
+		return true;
+	};
+	host.usb = &some_usb;
+	update_plugged_entries();
+	EXPECT_EQ(asked, 0) << "nothing on the USB is touched before a load";
+	EXPECT_EQ(details(2), "Akai Z4/Z8 · USB, channel 5");
+	usbdev.resize(1);
+	copy_text(usbdev[0].usb_name, "Z8 live");
+	copy_text(usbdev[0].device_path, "1-2");
+	usbdev[0].device_handle = no_usb_handle;
+	usb_init_done = 1;
+	plugged = {
+		{ .vendor = 0x09E8, .product = 0, .path = "1-2", .address = "", .interfaces = {} }
+	};
+	update_plugged_entries();
+	EXPECT_EQ(details(2), "Akai Z4/Z8 · USB, plugged in");
+	EXPECT_EQ(details(0), "Akai S900/950 · MIDI, channel 5");
+	plugged[0].path = "1-3"; // another one
+	update_plugged_entries();
+	EXPECT_EQ(details(2), "Akai Z4/Z8 · USB, not plugged in");
+}
+
+TEST_F(window_commands, the_log_is_saved_whole_or_the_words_say_why_not)
+{
+	static std::string wanted;
+	ui_service ui = *host.ui;
+	ui.choose_new_file = [](const char *, const char *, const char *) { return wanted; };
+	host.ui = &ui;
+	const std::string path = h.config + "\\log.txt";
+	wanted = "";
+	velmor_command(window_main, main_log_save);
+	wanted = path;
+	h.texts[{ window_main, main_log_whole }] = "[I] long ago\n";
+	velmor_command(window_main, main_log_save);
+	const auto saved = h.content(path);
+	ASSERT_TRUE(saved);
+	EXPECT_EQ(std::string(saved->begin(), saved->end()), "[I] long ago\n");
+	h.disk.space_left = 3;
+	velmor_command(window_main, main_log_save);
+	EXPECT_EQ(h.content(path), saved);
+	EXPECT_EQ(h.boxes.back().text,
+		"The disk is full: there is no room for " + h.root + "/VELMOR/CONFIG/log.txt.");
 }
 
 // ---- Multis -------------------------------------------------------------------------------------

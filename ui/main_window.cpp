@@ -1,133 +1,32 @@
 // main_window.cpp - the samplers, what can be done with them, and the log
 
+#include "platform/host.h"
 #include "src/velmor_window.h"
 #include "ui/first_start.h"
+#include "ui/log_view.h"
 #include "ui/parts/entry_list.h"
 #include "ui/parts/palette.h"
 #include "ui/parts/parts.h"
 #include "ui/parts/style.h"
 #include "ui/parts/told.h"
 #include "ui/parts/window.h"
-#include <QApplication>
+#include <QAction>
 #include <QBoxLayout>
-#include <QFontDatabase>
+#include <QDesktopServices>
 #include <QGridLayout>
+#include <QMenu>
 #include <QMenuBar>
-#include <QPlainTextEdit>
 #include <QPointer>
 #include <QPushButton>
-#include <QScrollBar>
-#include <QSyntaxHighlighter>
+#include <QSplitter>
 #include <QTimer>
-#include <QToolButton>
+#include <QUrl>
+#include <functional>
 
 namespace velmor
 {
 
-// ---- Log ------------------------------------------------------------------------------------
-
-static std::string log_kept;
-static QPointer<QPlainTextEdit> log_view;
-static QPointer<QTimer> log_timer;
-
-static constexpr int log_refresh_ms = 30;
-
-// A text that only grew is appended, which keeps what the user has selected in it.
-static void refresh_log()
-{
-	if (!log_view)
-		return;
-	const QString text = QString::fromUtf8(log_kept.c_str()).remove('\r');
-	const QString shown = log_view->toPlainText();
-	if (!shown.isEmpty() && text.startsWith(shown)) {
-		QTextCursor end(log_view->document());
-		end.movePosition(QTextCursor::End);
-		end.insertText(text.mid(shown.size()));
-	} else {
-		log_view->setPlainText(text);
-	}
-	log_view->verticalScrollBar()->setValue(log_view->verticalScrollBar()->maximum());
-}
-
-void set_log_text(const char *text)
-{
-	log_kept = text;
-	if (log_timer && !log_timer->isActive())
-		log_timer->start(log_refresh_ms);
-}
-
-std::string log_text()
-{
-	return log_kept;
-}
-
-void forget_log_text()
-{
-	log_kept.clear();
-}
-
-// What the monitor received and what it sent, apart from each other and from the rest.
-class traffic_colors : public QSyntaxHighlighter
-{
-public:
-	using QSyntaxHighlighter::QSyntaxHighlighter;
-
-protected:
-	void highlightBlock(const QString &line) override
-	{
-		const QPalette colors = QApplication::palette();
-		if (line.contains("[MONITOR]RCVD"))
-			setFormat(0, static_cast<int>(line.size()), colors.color(QPalette::Link));
-		else if (line.contains("[MONITOR]SENT"))
-			setFormat(0, static_cast<int>(line.size()),
-				role_color(colors, text_role::good));
-	}
-};
-
-static QPlainTextEdit *make_log(top_window *window)
-{
-	auto *log = new QPlainTextEdit(window);
-	log->setReadOnly(true);
-	log->setTabChangesFocus(true);
-	log->setFrameShape(QFrame::NoFrame);
-	QFont fixed = QFontDatabase::systemFont(QFontDatabase::FixedFont);
-	fixed.setPointSizeF(window->font().pointSizeF() * 0.95);
-	log->setFont(fixed);
-	log->document()->setDocumentMargin(between_controls);
-	enroll(window->id, main_log, log);
-	log_view = log;
-	new traffic_colors(log->document());
-	log_timer = new QTimer(log);
-	log_timer->setSingleShot(true);
-	QObject::connect(log_timer, &QTimer::timeout, log, refresh_log);
-	return log;
-}
-
-// Folded, only its head stays, at the foot of the side.
-static QWidget *make_log_card(top_window *window)
-{
-	auto *box = new card(window);
-	auto *column = new QVBoxLayout(box);
-	column->setContentsMargins(1, 4, 1, 4);
-	column->setSpacing(4);
-	QPlainTextEdit *log = make_log(window);
-	auto *head = new QHBoxLayout;
-	head->setContentsMargins(8, 0, 8, 0);
-	auto *part = new QWidget(box);
-	auto *inside = new QVBoxLayout(part);
-	inside->setContentsMargins(0, 0, 0, 0);
-	inside->setSpacing(0);
-	add_to(inside, { make_line(part), log });
-	head->addWidget(make_fold(part, "the log", true, box));
-	told_label *title = make_title(caption_of(window_main, main_log), 1.1, true, box);
-	title->setBuddy(log);
-	head->addWidget(title);
-	head->addStretch();
-	head->addStrut(button_height);
-	column->addLayout(head);
-	column->addWidget(part, 1);
-	return box;
-}
+static constexpr int plug_watch_ms = 3000;
 
 // ---- Window -----------------------------------------------------------------------------------
 
@@ -144,16 +43,66 @@ static QMenuBar *make_menu(top_window *window)
 	return bar;
 }
 
+// The folder of the samplers in the desktop's own file manager; where there is none, its name.
+static void show_folder()
+{
+	const std::string folder = host.files->host_path(current_config_path.c_str());
+	if (!QDesktopServices::openUrl(QUrl::fromLocalFile(QString::fromStdString(folder))))
+		host.ui->message(("The folder of your samplers is " + folder).c_str(), "INFO");
+}
+
+static QAction *add_own_entry(QMenu *menu, int control, std::function<void()> work)
+{
+	QAction *entry = menu->addAction(
+		make_icon(icon_of(window_main, control)), caption_of(window_main, control));
+	QObject::connect(entry, &QAction::triggered, entry, std::move(work));
+	return entry;
+}
+
+// What can be done with an entry, by a menu and by keys.
+static void add_entry_menu(top_window *window, entry_list *list)
+{
+	auto *menu = new QMenu(list);
+	add_own_entry(menu, main_load, [] { velmor_command(window_main, main_load); });
+	const std::pair<int, QKeySequence> keys[] = { { main_entry_edit, Qt::Key_F2 },
+		{ main_entry_remove, QKeySequence::Delete }, { main_read_again, Qt::Key_F5 } };
+	for (const auto &[control, key] : keys) {
+		make_entry(window, menu, control);
+		QAction *entry = menu->actions().back();
+		entry->setShortcut(key);
+		entry->setShortcutContext(
+			control == main_read_again ? Qt::WindowShortcut : Qt::WidgetShortcut);
+		list->addAction(entry);
+	}
+	add_own_entry(menu, main_entry_folder, show_folder);
+	list->setContextMenuPolicy(Qt::CustomContextMenu);
+	QObject::connect(list, &QWidget::customContextMenuRequested, menu,
+		[=](const QPoint &at) { menu->popup(list->viewport()->mapToGlobal(at)); });
+}
+
+// A sampler on the USB comes and goes at any time.
+static void watch_plugs(entry_list *list)
+{
+	auto *timer = new QTimer(list);
+	QObject::connect(timer, &QTimer::timeout, list, [list] {
+		if (list->isVisible())
+			update_plugged_entries();
+	});
+	timer->start(plug_watch_ms);
+}
+
 static QWidget *make_left_side(top_window *window)
 {
 	auto *side = new QWidget(window);
-	side->setFixedWidth(300);
+	side->setMinimumWidth(220);
 	auto *column = new QVBoxLayout(side);
 	column->setContentsMargins(0, 0, 0, 0);
 	entry_list *list = make_list(window, main_sampler_list);
 	list->set_two_lines();
 	QObject::connect(list, &QTreeWidget::itemActivated, list,
 		[] { velmor_command(window_main, main_load); });
+	add_entry_menu(window, list);
+	watch_plugs(list);
 	QPushButton *load = make_button(window, main_load);
 	load->setProperty("main", true);
 	column->addLayout(make_heading(window, main_sampler_list, 0, icon::none));
@@ -228,6 +177,19 @@ static QWidget *make_loaded_card(top_window *window)
 
 static QPointer<QBoxLayout> right_side;
 
+static QWidget *make_right_side(top_window *window)
+{
+	auto *side = new QWidget(window);
+	auto *column = new QVBoxLayout(side);
+	right_side = column;
+	column->setContentsMargins(0, 0, 0, 0);
+	column->setSpacing(between_panels);
+	column->addWidget(make_loaded_card(window));
+	column->addStretch(); // above the log when it is folded
+	column->addWidget(make_log_card(window), 1);
+	return side;
+}
+
 void show_samplers_wanted(bool wanted)
 {
 	if (right_side)
@@ -238,16 +200,14 @@ void create_main_window()
 {
 	auto *window = new top_window(window_main, menu_exit, nullptr);
 	window->layout()->setMenuBar(make_menu(window));
-	auto *sides = new QHBoxLayout;
-	sides->setSpacing(between_panels);
+	auto *sides = new QSplitter(window);
+	sides->setChildrenCollapsible(false);
+	sides->setHandleWidth(between_panels);
 	sides->addWidget(make_left_side(window));
-	auto *right = new QVBoxLayout;
-	right_side = right;
-	right->setSpacing(between_panels);
-	right->addWidget(make_loaded_card(window));
-	right->addWidget(make_log_card(window), 1);
-	sides->addLayout(right, 1);
-	window->content->addLayout(sides);
+	sides->addWidget(make_right_side(window));
+	sides->setStretchFactor(1, 1);
+	sides->setSizes({ 300, 644 });
+	window->content->addWidget(sides);
 	window->finish();
 	window->open_at({ 992, 620 });
 }

@@ -276,6 +276,7 @@ private:
 
 panel_window::panel_window(QWidget *owner) : top_window(window_panel, control_cancel, owner)
 {
+	keeps_size = false;
 	make_head();
 	area = new QScrollArea(this);
 	area->setFrameShape(QFrame::NoFrame);

@@ -140,6 +140,8 @@ static entry_list *make_side_list(top_window *window, const side &s)
 	return list;
 }
 
+static constexpr int search_width = 96; // at least
+
 // Flat buttons in two columns under the list; the lists keep the room.
 static QLayout *make_side_buttons(top_window *window, const side &s)
 {
@@ -175,15 +177,25 @@ static QBoxLayout *make_side(top_window *window, const side &s)
 	column->setSpacing(4);
 	entry_list *list = make_side_list(window, s);
 	QPushButton *refresh = s.refresh ? make_button(window, s.refresh) : nullptr;
-	QLayout *heading = make_heading(window, s.list, s.heading, s.picture, refresh);
+	QLayout *heading = make_heading(window, s.list, s.heading, s.picture);
 	QLineEdit *search = make_search(window, s.search, list);
 	auto *head = new QHBoxLayout;
-	head->addLayout(heading, 1);
 	column->addLayout(head);
-	if (refresh)
-		column->addWidget(search);
-	else
+	if (refresh) {
+		head->addLayout(heading, 1);
+		auto *row = new QHBoxLayout;
+		row->addWidget(search, 1);
+		row->addWidget(refresh);
+		column->addLayout(row);
+	} else {
+		// The search field takes what the words leave.
+		find_widget(window_programs, s.heading)
+			->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Preferred);
+		search->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+		search->setMinimumWidth(search_width);
+		head->addLayout(heading);
 		head->addWidget(search, 1);
+	}
 	column->addWidget(list, 1);
 	column->addLayout(make_side_buttons(window, s));
 	return column;

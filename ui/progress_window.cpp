@@ -16,6 +16,7 @@ void create_progress_window(QWidget *owner)
 {
 	log_line("[D] ROOT-PARENT_RECT: (%d, %d)\r\n", owner->width(), owner->height());
 	auto *window = new top_window(window_progress, control_cancel, owner);
+	window->has_place = false; // it comes up over what it tells about
 	QBoxLayout *column = window->content;
 	auto *line = new QHBoxLayout;
 	told_label *percent = make_title({}, 1.3, true, window);

@@ -15,6 +15,7 @@
 #include "ui/parts/palette.h"
 #include "ui/parts/parts.h"
 #include "ui/parts/pixel_picture.h"
+#include "ui/parts/place.h"
 #include "ui/parts/style.h"
 #include "ui/parts/told.h"
 #include "ui/parts/window.h"
@@ -83,6 +84,8 @@ static std::string get_text(int window, int control)
 	QObject *object = find_control(window, control);
 	if (window == window_main && control == main_log)
 		return log_text();
+	if (window == window_main && control == main_log_whole)
+		return whole_log_text();
 	if (auto *label = qobject_cast<QLabel *>(object))
 		return label->text().toStdString();
 	if (auto *field = qobject_cast<QLineEdit *>(object))
@@ -538,6 +541,7 @@ static void pump(int max_ms)
 // Back ends have threads of their own, which must not outlive what they use: no destructors.
 static void exit_process(int status)
 {
+	remember_places();
 	std::fflush(nullptr);
 	std::_Exit(status);
 }

@@ -7,7 +7,7 @@
 #include "ui/parts/told.h"
 #include "ui/parts/window.h"
 #include "ui/qt_ui.h"
-#include "ui/waveform.h"
+#include "ui/wave_editor.h"
 #include <QBoxLayout>
 #include <QButtonGroup>
 #include <QFormLayout>
@@ -159,9 +159,7 @@ static QWidget *make_chosen(top_window *window)
 	row->setContentsMargins(12, 12, 12, 12);
 	row->setSpacing(12);
 	row->addWidget(make_details(window, box));
-	auto *picture = new waveform_widget("No local sample chosen", box);
-	enroll(window->id, samples_waveform, picture);
-	row->addWidget(picture, 1);
+	row->addWidget(make_wave_editor(window, box), 1);
 	return box;
 }
 

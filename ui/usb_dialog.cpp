@@ -1,5 +1,6 @@
 // usb_dialog.cpp - the samplers that are connected by USB
 
+#include "src/velmor_window.h"
 #include "ui/parts/parts.h"
 #include "ui/parts/told.h"
 #include "ui/parts/window.h"
@@ -8,6 +9,7 @@
 #include <QFormLayout>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QShortcut>
 
 namespace velmor
 {
@@ -39,6 +41,9 @@ void create_usb_dialog(QWidget *owner)
 	asking->addWidget(make_verdict(window, usb_verdict), 1);
 	column->addLayout(asking);
 	add_closing_buttons(window);
+	auto *again = new QShortcut(QKeySequence::Refresh, window);
+	QObject::connect(again, &QShortcut::activated, window,
+		[] { velmor_command(window_main, menu_usb_samplers); });
 	window->finish();
 }
 

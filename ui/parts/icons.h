@@ -49,6 +49,8 @@ enum class icon {
 	dot,
 	fold_open,
 	fold_closed,
+	fold_up,
+	copy,
 	search,
 	save,
 	cancel,

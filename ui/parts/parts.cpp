@@ -202,14 +202,23 @@ QLineEdit *make_field(top_window *window, int control)
 	return field;
 }
 
-QLineEdit *make_search(top_window *window, int control, entry_list *list)
+QLineEdit *make_search_field(QWidget *parent)
 {
-	QLineEdit *field = make_field(window, control);
+	auto *field = new QLineEdit(parent);
 	field->setTextMargins(icon_size + between_controls, 0, 2, 0);
 	auto *inside = new QHBoxLayout(field);
 	inside->setContentsMargins(between_controls, 0, 0, 0);
 	inside->addWidget(new icon_label(icon::search, icon_size, QPalette::Dark, field));
 	inside->addStretch();
+	return field;
+}
+
+QLineEdit *make_search(top_window *window, int control, entry_list *list)
+{
+	QLineEdit *field = make_search_field(window);
+	enroll(window->id, control, field);
+	set_empty_text(field, window->id, control);
+	field->setProperty("searched", QVariant::fromValue<QWidget *>(list));
 	QObject::connect(field, &QLineEdit::textChanged, list,
 		[list](const QString &letters) { list->search(letters); });
 	return field;

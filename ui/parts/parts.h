@@ -44,6 +44,8 @@ QPushButton *make_button(top_window *window, int control);
 void make_entry(top_window *window, QMenu *menu, int control);
 entry_list *make_list(top_window *window, int control);
 QLineEdit *make_search(top_window *window, int control, entry_list *list);
+// A field with a lens in it, of no id.
+QLineEdit *make_search_field(QWidget *parent);
 QLineEdit *make_field(top_window *window, int control);
 told_label *make_text(top_window *window, int control);
 // What came of something, beside the button that did it; it keeps its room.
@@ -101,6 +103,8 @@ void show_samplers_wanted(bool wanted);
 // The log's text is kept here and painted a little later, so that logging stays cheap.
 void set_log_text(const char *text);
 std::string log_text();
+// With what the text has let go of.
+std::string whole_log_text();
 void forget_log_text();
 
 } // namespace velmor

@@ -63,6 +63,12 @@ static QColor button_fill(const QStyleOption *option, bool main)
 	return on && has(option, QStyle::State_MouseOver) ? mixed(plain, accent, 0.08) : plain;
 }
 
+// A tool button that looks like the others.
+static bool is_framed(const QWidget *widget)
+{
+	return widget && widget->property("framed").toBool();
+}
+
 static void draw_button_box(
 	const QStyleOptionButton *option, QPainter *painter, const QWidget *widget)
 {
@@ -257,9 +263,12 @@ static QRect scroll_handle(const QStyleOptionSlider *option)
 
 static void draw_scroll_bar(const QStyleOptionSlider *option, QPainter *painter)
 {
-	painter->fillRect(option->rect, option->palette.color(QPalette::Base));
-	if (option->maximum <= option->minimum)
+	// With nothing to scroll it is no more than room that is kept.
+	if (option->maximum <= option->minimum) {
+		painter->fillRect(option->rect, option->palette.color(QPalette::Window));
 		return;
+	}
+	painter->fillRect(option->rect, option->palette.color(QPalette::Base));
 	const QRect handle = scroll_handle(option).translated(option->rect.topLeft());
 	const bool held = option->state & (QStyle::State_MouseOver | QStyle::State_Sunken);
 	draw_box(painter, handle.adjusted(3, 3, -3, -3),
@@ -298,13 +307,15 @@ void flat_style::drawPrimitive(PrimitiveElement element, const QStyleOption *opt
 	case PE_FrameLineEdit:
 	case PE_FrameGroupBox:
 		return;
-	case PE_PanelButtonTool:
-		if (has(option, State_MouseOver) || has(option, State_HasFocus))
+	case PE_PanelButtonTool: {
+		const bool focus = has(option, State_HasFocus), framed = is_framed(widget);
+		if (framed || focus || has(option, State_MouseOver))
 			draw_box(painter, option->rect, option->palette.color(QPalette::Button),
-				option->palette.color(has(option, State_HasFocus)
-							      ? QPalette::Link
-							      : QPalette::Midlight));
+				option->palette.color(focus    ? QPalette::Link
+						      : framed ? QPalette::Mid
+							       : QPalette::Midlight));
 		return;
+	}
 	case PE_Frame:
 		if (dynamic_cast<const QAbstractScrollArea *>(widget))
 			return draw_list_frame(option, painter, widget);

@@ -5,11 +5,14 @@
 #include "ui/parts/icons.h"
 #include "ui/parts/palette.h"
 #include "ui/parts/parts.h"
+#include "ui/parts/place.h"
 #include "ui/parts/style.h"
 #include "ui/parts/told.h"
+#include "ui/qt_ui.h"
 #include <QBoxLayout>
 #include <QCloseEvent>
 #include <QGuiApplication>
+#include <QLineEdit>
 #include <QMenuBar>
 #include <QPushButton>
 #include <QScreen>
@@ -148,14 +151,57 @@ void top_window::closeEvent(QCloseEvent *event)
 	velmor_command(id, close_command);
 }
 
+// The field that searches the list with the focus, or the first one.
+static bool go_to_search(const QWidget *window)
+{
+	QLineEdit *found = nullptr;
+	for (QLineEdit *field : window->findChildren<QLineEdit *>()) {
+		const auto *list = field->property("searched").value<QWidget *>();
+		if (list && field->isVisible() && (!found || list->hasFocus()))
+			found = field;
+	}
+	if (!found)
+		return false;
+	found->setFocus();
+	found->selectAll();
+	return true;
+}
+
+// Keys of every window, for what no control of it takes.
+bool top_window::take_common_key(const QKeyEvent *event)
+{
+	if (event->matches(QKeySequence::Find))
+		return go_to_search(this);
+	const QWidget *undo = find_widget(id, status_undo);
+	return event->matches(QKeySequence::Undo) && undo && undo->isVisible() &&
+	       undo->isEnabled() && velmor_command(id, status_undo);
+}
+
 void top_window::keyPressEvent(QKeyEvent *event)
 {
+	if (take_common_key(event))
+		return;
 	if (event->matches(QKeySequence::Cancel) && close_command == control_cancel)
 		velmor_command(id, close_command);
 	else if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
 		velmor_command(id, enter_command);
 	else
 		QWidget::keyPressEvent(event);
+}
+
+void top_window::showEvent(QShowEvent *event)
+{
+	if (has_place && !was_shown && !event->spontaneous())
+		restore_place(this);
+	was_shown = true;
+	QWidget::showEvent(event);
+}
+
+void top_window::hideEvent(QHideEvent *event)
+{
+	if (!event->spontaneous())
+		remember_place(this);
+	QWidget::hideEvent(event);
 }
 
 void top_window::changeEvent(QEvent *event)

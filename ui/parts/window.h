@@ -16,6 +16,8 @@ public:
 	const int id, close_command;
 	int enter_command;         // what Enter does where the focus takes none
 	QBoxLayout *const content; // a column with the margins of a window
+	bool has_place = true;     // where the user puts it is remembered
+	bool keeps_size = true;    // and how large; not of a window that fits its content
 
 	// Enrolled as control 0, titled by its caption.
 	top_window(int window, int close, QWidget *owner);
@@ -33,10 +35,14 @@ protected:
 	void closeEvent(QCloseEvent *event) override;
 	void keyPressEvent(QKeyEvent *event) override;
 	void changeEvent(QEvent *event) override;
+	void showEvent(QShowEvent *event) override;
+	void hideEvent(QHideEvent *event) override;
 
 private:
+	bool take_common_key(const QKeyEvent *event);
 	QString with_letter(const QString &words);
 	QString letters_taken;
+	bool was_shown = false;
 };
 
 } // namespace velmor

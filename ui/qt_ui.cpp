@@ -35,11 +35,16 @@
 #include <QPushButton>
 #include <QTabBar>
 #include <QTimer>
+#include <algorithm>
 #include <atomic>
+#include <chrono>
 #include <clocale>
+#include <condition_variable>
 #include <cstdio>
 #include <cstdlib>
 #include <map>
+#include <mutex>
+#include <thread>
 
 namespace velmor
 {
@@ -483,11 +488,65 @@ static void progress_hide()
 
 // ---- Timers -------------------------------------------------------------------------------------
 
+// A tick of few milliseconds comes from a thread that only keeps time: the toolkit's own timers
+// round their waits up to whole milliseconds, which is heard in a song. One that finds the
+// last tick unheard passes.
+class ticker : public QObject
+{
+public:
+	ticker(QObject *parent, int milliseconds, void (*tick)())
+		: QObject(parent), keeper([this, milliseconds, tick](const std::stop_token &stop) {
+			  keep_time(stop, std::chrono::milliseconds(milliseconds), tick);
+		  })
+	{
+	}
+	~ticker() override { end(); }
+	void end()
+	{
+		ended = true;
+		keeper.request_stop();
+	}
+
+private:
+	void keep_time(
+		const std::stop_token &stop, std::chrono::milliseconds interval, void (*tick)())
+	{
+		std::mutex mutex;
+		std::condition_variable_any stopped;
+		std::unique_lock lock(mutex);
+		auto due = std::chrono::steady_clock::now();
+		while (!stop.stop_requested()) {
+			due = std::max(due + interval, std::chrono::steady_clock::now());
+			if (stopped.wait_until(lock, stop, due, [] { return false; }) ||
+				stop.stop_requested() || unheard.exchange(true))
+				continue;
+			QMetaObject::invokeMethod(
+				this,
+				[this, tick] {
+					unheard = false;
+					if (!ended)
+						tick();
+				},
+				Qt::QueuedConnection);
+		}
+	}
+
+	bool ended = false; // on the main thread
+	std::atomic<bool> unheard = false;
+	std::jthread keeper; // the last: it uses the others
+};
+
 static std::map<int, QTimer *> timers;
+static std::map<int, ticker *> tickers;
 
 static int start_timer(int milliseconds, void (*tick)())
 {
+	constexpr int soon = 1, kept_exactly = 10;
 	static int last = 0;
+	if (milliseconds > soon && milliseconds <= kept_exactly) {
+		tickers[++last] = new ticker(QCoreApplication::instance(), milliseconds, tick);
+		return last;
+	}
 	auto *timer = new QTimer(QCoreApplication::instance());
 	timers[++last] = timer;
 	QObject::connect(timer, &QTimer::timeout, timer, tick);
@@ -497,6 +556,12 @@ static int start_timer(int milliseconds, void (*tick)())
 
 static void stop_timer(int timer)
 {
+	if (const auto found = tickers.find(timer); found != tickers.end()) {
+		found->second->end();
+		found->second->deleteLater();
+		tickers.erase(found);
+		return;
+	}
 	const auto found = timers.find(timer);
 	if (found == timers.end())
 		return;

@@ -13,6 +13,7 @@
 #include "src/velmor_programs.h"
 #include "src/velmor_programs_page.h"
 #include <algorithm>
+#include <array>
 
 namespace velmor
 {
@@ -91,7 +92,7 @@ enum : std::size_t { // places of the first bar of each
 };
 
 // clang-format off
-template <i32 high> static constexpr form_table_row rows_up_to[] = {
+template <i32 high> static constexpr auto rows_up_to = std::to_array<form_table_row>({
 	heading("Amplifier",                          has_amplifier),
 	heading("Amplifier (not with this model)",    has_amplifier << lacks),
 	bar("Attack",    field_of<&_keygroup::amp_attack>,      high),
@@ -127,7 +128,7 @@ template <i32 high> static constexpr form_table_row rows_up_to[] = {
 	bar("Level 2",   field_of<&_keygroup::aux_rate2_level>, high),
 	bar("Level 3",   field_of<&_keygroup::aux_rate3_level>, high),
 	bar("Level 4",   field_of<&_keygroup::aux_rate4_level>, high),
-};
+});
 // clang-format on
 static_assert(rows_up_to<99>[second_row_of_rates].shown_for == second_of_rates &&
 	      rows_up_to<99>[second_row_of_four].shown_for == second_of_four &&

@@ -25,6 +25,10 @@ void wave_shown(const std::string &path, u64 frames)
 		marks = { 0, frames };
 	shown_path = path;
 	shown_frames = frames;
+	for (const int button :
+		{ wave_trim, wave_loop_here, wave_no_loop, wave_gain, wave_normalise, wave_fade })
+		host.ui->set_reason(window_samples, button,
+			path.empty() ? "Choose a sample on this computer first" : nullptr);
 }
 
 const std::string &shown_wave()

@@ -193,6 +193,15 @@ TEST_F(wave_edits, what_is_no_sample_is_refused_and_hostile_lengths_do_no_harm)
 	EXPECT_NE(trim_wave(&sound, { 8, 8 }), "");
 }
 
+TEST_F(wave_edits, nothing_chosen_is_a_reason)
+{
+	const auto reason = [&] { return h.reasons[{ window_samples, wave_trim }]; };
+	wave_shown("", 0);
+	EXPECT_EQ(reason(), "Choose a sample on this computer first");
+	wave_shown(path, 4);
+	EXPECT_EQ(reason(), "");
+}
+
 TEST_F(wave_edits, an_edit_is_undone_and_the_earlier_file_kept)
 {
 	const bytes before = downloaded(ten, 3, 7, 0, 10);

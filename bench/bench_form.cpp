@@ -3,10 +3,9 @@
 // The longest voice form of a sampler has some 40 rows with lists of 128 notes; this one has
 // 120, a bar and a field in most of them. Fails above 50 ms. Runs without a display.
 
-#include "platform/backends.h"
+#include "bench/windows.h"
 #include "ui/parts/form_view.h"
 #include "ui/parts/window.h"
-#include "ui/qt_ui.h"
 #include <QApplication>
 #include <QBoxLayout>
 #include <algorithm>
@@ -47,14 +46,7 @@ int main(int argc, char **argv)
 {
 	setenv("QT_QPA_PLATFORM", "offscreen", 0);
 	QApplication application(argc, argv);
-	host = { .ui = &qt_ui,
-		.midi = nullptr,
-		.net = &posix_net,
-		.usb = nullptr,
-		.settings = &posix_settings,
-		.clock = &posix_clock,
-		.files = &posix_files };
-	create_windows();
+	make_bench_windows();
 	auto *window = new top_window(5000, 2, nullptr);
 	auto *form = new form_view(window, 5001);
 	window->content->addWidget(form);

@@ -4,12 +4,11 @@
 // painting, of the largest screen there is. Every picture is another one. Fails above 2 ms. Runs
 // without a display.
 
-#include "platform/backends.h"
+#include "bench/windows.h"
 #include "src/controls.h"
 #include "src/lcd.h"
 #include "src/velmor.h"
 #include "ui/parts/pixel_picture.h"
-#include "ui/qt_ui.h"
 #include <QApplication>
 #include <algorithm>
 #include <cstdio>
@@ -32,15 +31,7 @@ int main(int argc, char **argv)
 {
 	setenv("QT_QPA_PLATFORM", "offscreen", 0);
 	QApplication application(argc, argv);
-	host = { .ui = &qt_ui,
-		.midi = nullptr,
-		.net = &posix_net,
-		.usb = nullptr,
-		.settings = &posix_settings,
-		.clock = &posix_clock,
-		.files = &posix_files };
-	current_run_mode.diagnostics = false;
-	create_windows();
+	make_bench_windows();
 	init_sampler_struct();
 	static _sampler sampler = {};
 	sampler.sampler_type = model_s5000;

@@ -3,9 +3,8 @@
 // 64 tracks with 200,000 events in all, and one track that holds all of them. Fails above 4 ms
 // for a strip that is painted anew or a step that all rows in view make. Runs without a display.
 
-#include "platform/backends.h"
+#include "bench/windows.h"
 #include "ui/parts/window.h"
-#include "ui/qt_ui.h"
 #include "ui/track_strip_list.h"
 #include <QApplication>
 #include <QBoxLayout>
@@ -55,14 +54,7 @@ int main(int argc, char **argv)
 {
 	setenv("QT_QPA_PLATFORM", "offscreen", 0);
 	QApplication application(argc, argv);
-	host = { .ui = &qt_ui,
-		.midi = nullptr,
-		.net = &posix_net,
-		.usb = nullptr,
-		.settings = &posix_settings,
-		.clock = &posix_clock,
-		.files = &posix_files };
-	create_windows();
+	make_bench_windows();
 	auto *window = new top_window(5000, 2, nullptr);
 	auto *list = new track_list(window, 5001);
 	window->content->addWidget(list);

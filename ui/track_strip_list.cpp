@@ -424,15 +424,9 @@ void track_list::dragMoveEvent(QDragMoveEvent *event)
 	event->accept();
 }
 
-// The program that the files come from is not kept waiting.
 void track_list::dropEvent(QDropEvent *event)
 {
-	const std::vector<std::string> paths = dropped_paths(event->mimeData());
-	event->setDropAction(Qt::CopyAction);
-	event->accept();
-	QMetaObject::invokeMethod(
-		this, [this, paths] { velmor_drop(window_id, control_id, paths); },
-		Qt::QueuedConnection);
+	take_drop(this, event, window_id, control_id);
 }
 
 } // namespace velmor

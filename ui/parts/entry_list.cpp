@@ -421,6 +421,15 @@ std::vector<std::string> dropped_paths(const QMimeData *data)
 	return paths;
 }
 
+void take_drop(QObject *widget, QDropEvent *event, int window, int control)
+{
+	const std::vector<std::string> paths = dropped_paths(event->mimeData());
+	event->setDropAction(Qt::CopyAction);
+	event->accept();
+	QMetaObject::invokeMethod(
+		widget, [=] { velmor_drop(window, control, paths); }, Qt::QueuedConnection);
+}
+
 void entry_list::dragEnterEvent(QDragEnterEvent *event)
 {
 	const std::vector<std::string> paths = dropped_paths(event->mimeData());
@@ -442,16 +451,9 @@ void entry_list::dragLeaveEvent(QDragLeaveEvent *)
 	velmor_hover(window_id, control_id, {});
 }
 
-// The work begins after the drop is over, so that the program the files come from is not
-// kept waiting.
 void entry_list::dropEvent(QDropEvent *event)
 {
-	const std::vector<std::string> paths = dropped_paths(event->mimeData());
-	event->setDropAction(Qt::CopyAction);
-	event->accept();
-	QMetaObject::invokeMethod(
-		this, [this, paths] { velmor_drop(window_id, control_id, paths); },
-		Qt::QueuedConnection);
+	take_drop(this, event, window_id, control_id);
 }
 
 } // namespace velmor

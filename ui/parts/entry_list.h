@@ -23,6 +23,9 @@ class told_label;
 
 // The files of a drop, by the system's paths.
 std::vector<std::string> dropped_paths(const QMimeData *data);
+// Hand the files of a drop on that widget to the control. The work begins after the drop is over, so
+// that the program the files come from is not kept waiting.
+void take_drop(QObject *widget, QDropEvent *event, int window, int control);
 
 class entry_list : public QTreeWidget
 {

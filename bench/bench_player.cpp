@@ -21,6 +21,7 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <smf.h>
 #include <sys/resource.h>
@@ -72,7 +73,8 @@ bytes dense_file(double seconds, int per_second, std::vector<u64> (&due)[tracks]
 
 bool load(const bytes &file)
 {
-	static const std::string path = "/tmp/bench_player.mid";
+	static const std::string path =
+		(std::filesystem::temp_directory_path() / "velmor-bench.mid").string();
 	std::ofstream(path, std::ios::binary)
 		.write(reinterpret_cast<const char *>(file.data()),
 			static_cast<std::streamsize>(file.size()));

@@ -738,6 +738,18 @@ static void picture_programs()
 	picture(window_programs, "programs-200", 2);
 }
 
+static void visit_usb(const usb_stop &stop)
+{
+	load_usb(stop);
+	stop_download([&stop] { return names_on(stop); });
+	replug(stop);
+	transfer_usb(stop);
+	edit_program_on(stop.name, picture_of_programs(stop.name));
+	if (&stop.sampler == the_trip->akp_sampler)
+		bring_akp_programs(*the_trip);
+	walk_panel(*the_trip, stop);
+}
+
 int run_journey(const journey &trip)
 {
 	the_trip = &trip;
@@ -767,16 +779,8 @@ int run_journey(const journey &trip)
 	play_by_hand();
 	visit_next_on_the_cable();
 	look_at_usb();
-	for (const usb_stop &stop : trip.usb) {
-		load_usb(stop);
-		stop_download([&stop] { return names_on(stop); });
-		replug(stop);
-		transfer_usb(stop);
-		edit_program_on(stop.name, picture_of_programs(stop.name));
-		if (&stop.sampler == trip.akp_sampler)
-			bring_akp_programs(trip);
-		walk_panel(trip, stop);
-	}
+	for (const usb_stop &stop : trip.usb)
+		visit_usb(stop);
 	list_drive(trip);
 	picture(window_multis, "multis-usb");
 	std::printf("WAV files: %s\nScreenshots: %s\n",

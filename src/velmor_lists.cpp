@@ -11,6 +11,7 @@
 #include "src/velmor_midi.h"
 #include "src/velmor_work.h"
 #include <algorithm>
+#include <utility>
 
 namespace velmor
 {
@@ -182,6 +183,18 @@ outcome read_program_list()
 		{ model->getstatus, model->getsamplelist, model->getproglist } });
 }
 
+outcome nothing_sent(outcome read)
+{
+	read.words =
+		"Nothing was sent, because the sampler's list could not be read.\n" + read.words;
+	// One trouble, one box.
+	if (!read.told.empty())
+		read.words += "\n" + read.told.front().text;
+	read.told.clear();
+	read.line = "Nothing was sent: the sampler's list could not be read.";
+	return read;
+}
+
 outcome have_sample_list()
 {
 	if (the_lists.samples.state() == freshness::read)
@@ -189,14 +202,7 @@ outcome have_sample_list()
 	outcome read = read_sample_list();
 	if (read.done() || read.how == ending::stopped || !the_lists.samples.asked_at)
 		return read;
-	// One trouble, one box.
-	read.words =
-		"Nothing was sent, because the sampler's list could not be read.\n" + read.words;
-	if (!read.told.empty())
-		read.words += "\n" + read.told.front().text;
-	read.told.clear();
-	read.line = "Nothing was sent: the sampler's list could not be read.";
-	return read;
+	return nothing_sent(std::move(read));
 }
 
 } // namespace velmor

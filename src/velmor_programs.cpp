@@ -17,6 +17,7 @@
 #include "src/waveqx.h"
 #include "src/waveqx_file.h"
 #include <algorithm>
+#include <utility>
 
 namespace velmor
 {
@@ -130,13 +131,7 @@ outcome have_program_list()
 	outcome read = read_programs_again();
 	if (read.done() || read.how == ending::stopped || !the_lists.programs.asked_at)
 		return read;
-	read.words =
-		"Nothing was sent, because the sampler's list could not be read.\n" + read.words;
-	if (!read.told.empty())
-		read.words += "\n" + read.told.front().text;
-	read.told.clear();
-	read.line = "Nothing was sent: the sampler's list could not be read.";
-	return read;
+	return nothing_sent(std::move(read));
 }
 
 // ---- What every operation begins and ends with ------------------------------------------------------

@@ -86,6 +86,8 @@ u8 exclusive_channel();
 outcome read_sample_list();
 // Read status, samples, programs and multis.
 outcome read_multi_list();
+// A list that had to be read first could not be: the outcome of the work that was to follow.
+outcome nothing_sent(outcome read);
 // The list of samples, read anew unless it is fresh. Not done: nothing may be sent.
 outcome have_sample_list();
 // Names of the list last read.

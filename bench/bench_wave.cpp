@@ -281,8 +281,10 @@ int main(int count, char **words)
 		lengths.push_back(static_cast<u32>(std::atoi(words[i])));
 	if (lengths.empty())
 		lengths = { 1, 60 };
-	char folder[] = "/var/tmp/velmor-bench-XXXXXX";
-	if (!mkdtemp(folder))
+	// An hour of sound takes room: TMPDIR names a disk that has it.
+	std::string folder =
+		(std::filesystem::temp_directory_path() / "velmor-bench-XXXXXX").string();
+	if (!mkdtemp(folder.data()))
 		return 1;
 	std::filesystem::current_path(folder); // the log goes here
 	bool kept = true;

@@ -4,6 +4,7 @@
 // Nothing else is a seam.
 
 #pragma once
+#include "platform/audio.h"
 #include "platform/clock.h"
 #include "platform/files.h"
 #include "platform/midi.h"
@@ -25,6 +26,7 @@ struct host_services {
 	const clock_service *clock;
 	const files_service *files;
 	const sound_service *sound = nullptr; // of programs that import sounds
+	const audio_service *audio = nullptr; // of programs that play them
 };
 
 // Set once by the main function before the system starts; all services are present.

@@ -40,6 +40,16 @@ enum class text_role {
 	failed,
 };
 
+// What became of an entry of a queue, as the mark in front of it.
+enum class entry_mark {
+	none,
+	waiting,
+	running,
+	done,
+	skipped,
+	failed,
+};
+
 // A picture of one bit a pixel, rows from the top, each padded to a byte, the leftmost pixel in
 // the highest bit. A set bit is dark.
 struct bitmap_view {
@@ -193,6 +203,13 @@ struct ui_service {
 	void (*set_rows)(int window, int control, std::span<const std::vector<std::string>> rows);
 	// Words stand in place of the entries where the state has none; "" keeps the caption's.
 	void (*set_list_state)(int window, int control, list_state state, const char *words);
+	// All chosen entries of a list that takes several, in the order of the list.
+	std::vector<int> (*selections)(int window, int control) = nullptr;
+	void (*select_several)(int window, int control, std::span<const int> places) = nullptr;
+	// One mark for each entry of a list, from the first on.
+	void (*set_marks)(int window, int control, std::span<const entry_mark> marks) = nullptr;
+	// A bar from 0 to range.
+	void (*set_bar)(int window, int control, int value, int range) = nullptr;
 	void (*set_role)(int window, int control, text_role role);
 	// Disable a control and say why in its tooltip; a null reason enables it again.
 	void (*set_reason)(int window, int control, const char *why_not);
@@ -230,6 +247,10 @@ struct ui_service {
 	// the times above them.
 	void (*set_play_position)(
 		int window, int control, std::int64_t ticks, int ticks_per_second) = nullptr;
+
+	// The same words in the language of the user; it lives as long as the program. Null: every
+	// word stays as it is.
+	const char *(*translate)(const char *words) = nullptr;
 
 	// Modal boxes. ask has the buttons OK and Cancel and is true for OK.
 	void (*message)(const char *text, const char *caption);

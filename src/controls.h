@@ -20,6 +20,9 @@ enum window_id : int {
 	window_progress = 16000,
 	window_panel = 18999,
 	window_usb = 20000,
+	window_history = 20100,
+	window_backup = 20200,
+	window_self_test = 20300,
 };
 
 // Every dialog.
@@ -30,9 +33,10 @@ enum : int {
 
 // The foot of every window.
 enum status_control : int {
-	status_line = 60001,    // how the sampler is reached, and whether it answered last
-	status_outcome = 60002, // how the last work ended, in a sentence
-	status_undo = 60003,    // shown where there is something to put back
+	status_line = 60001,         // how the sampler is reached, and whether it answered last
+	status_outcome = 60002,      // how the last work ended, in a sentence
+	status_undo = 60003,         // shown where there is something to put back
+	status_undo_sampler = 60004, // the same on the sampler
 };
 
 // The forms of a program, its keygroup and its keyzone, in a window that shows them, and the
@@ -51,6 +55,9 @@ enum main_control : int {
 	menu_midi_samplers = 9003,
 	menu_usb_samplers = 9004,
 	menu_midi_files = 9005,
+	menu_history = 9006,
+	menu_backup = 9007,
+	menu_record = 9008, // "Record traffic", on or off
 	main_log = 9900,
 	main_sampler_list = 9901,
 	main_load = 12000,
@@ -78,6 +85,7 @@ enum settings_control : int {
 	settings_midi_in_mon = 9702,
 	settings_midi_out = 9703,
 	settings_found = 9999, // "MIDI-OUT found: ..."
+	settings_self_test = 9710,
 };
 
 enum sampler_control : int {
@@ -111,6 +119,51 @@ enum progress_control : int {
 	progress_info = 16002,
 	progress_time_left = 16003,
 	progress_stop = 16004,
+	// Of a queue, and of its verdict in the same window.
+	progress_item = 16010,  // which one
+	progress_rate = 16011,  // bytes a second
+	progress_count = 16012, // "3 of 8 samples done"
+	progress_whole = 16013, // a bar
+	progress_whole_left = 16014,
+	progress_list = 16015,
+	progress_stop_after = 16016, // "Stop after this one"
+	progress_title = 16017,
+	progress_reason = 16018,
+	progress_counts = 16019, // done, skipped, failed, not tried
+	progress_copy = 16020,
+	progress_again = 16021, // "Try the failed again"
+};
+
+// What was kept of a sampler before it was changed.
+enum history_control : int {
+	history_list = 20101,
+	history_restore = 20102,
+	history_delete = 20103,
+	history_folder = 20104,
+	history_limit = 20105, // megabytes
+	history_size = 20106,
+	history_samples = 20107, // also samples, where that takes long
+};
+
+// A whole sampler in a folder.
+enum backup_control : int {
+	backup_folder = 20201,
+	backup_choose = 20202,
+	backup_list = 20203, // what there is, and what would be done
+	backup_begin = 20204,
+	backup_restore = 20205,
+	backup_facts = 20206,
+	backup_verify = 20207,
+};
+
+// Whether an interface passes on what it is given.
+enum self_test_control : int {
+	self_test_way = 20301, // a loop cable, or the sampler's echo
+	self_test_begin = 20302,
+	self_test_list = 20303,
+	self_test_verdict = 20304,
+	self_test_keep = 20305,   // use what was found
+	self_test_forget = 20306, // and no longer
 };
 
 // The sample manager. A side is loaded (on the sampler) or local (in the spool).
@@ -163,6 +216,11 @@ enum samples_control : int {
 	samples_mix_both = 16443,
 	samples_mix_files = 16444,
 	samples_import_preview = 16450,
+	samples_exact = 16460,  // exact length, and all of the header, to the S1000 family
+	samples_fit = 16461,    // make the chosen samples what the sampler takes
+	samples_rate = 16462,   // bytes a second on this connection
+	samples_verify = 16463, // compare after each transfer
+	samples_play = 16608,
 	samples_work_file = 16510,
 	samples_work_percent = 16511,
 	samples_work_count = 16512,

@@ -8,6 +8,7 @@
 #pragma once
 #include "platform/host.h"
 #include "src/resource.h"
+#include "src/velmor_words.h"
 #include <span>
 #include <string>
 #include <string_view>

@@ -93,7 +93,7 @@ void queue_moved(double part);
 struct shown_queue {
 	work_queue items;
 	std::function<outcome(work_queue *, const queue_view *)> run;
-	// What the work has changed, in the windows. The outcome still has its words for a box.
+	// Shows what the work has changed and how it ended, once it has begun.
 	std::function<void(outcome *, const work_queue &)> after;
 	bool told = false; // the box comes, too, and alone where all is done
 };

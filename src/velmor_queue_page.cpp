@@ -188,7 +188,8 @@ static void show_whole(const queue_run &run)
 			parts_done += item.state == item_state::failed ? 1 : item.part;
 	set(progress_item, items[run.at].name);
 	set(progress_count, format_text(tr(run.work->count), done, all));
-	set(progress_rate, rate > 0 ? format_text(tr("%.1f kB/s"), rate / 1000) : "");
+	constexpr double least_shown = 50; // bytes a second
+	set(progress_rate, rate > least_shown ? format_text(tr("%.1f kB/s"), rate / 1000) : "");
 	set(progress_whole_left,
 		left < 0 ? "" : format_text(tr("about %s left for all"), span_text(left).c_str()));
 	host.ui->set_bar(window_progress, progress_whole, static_cast<int>(parts_done * 1000),
@@ -303,12 +304,16 @@ static void run_last_queue()
 		hide_progressbar(0);
 	if (close_requested())
 		return;
-	if (begun && !last_queue.told) {
+	if (!last_queue.told && begun) {
 		result.words.clear();
 		result.told.clear();
 	}
+	if (!begun) {
+		show_outcome(result);
+		return;
+	}
 	last_queue.after(&result, last_queue.items);
-	if (!begun || close_requested() || (last_queue.told && all_done))
+	if (close_requested() || (last_queue.told && all_done))
 		return;
 	show_face(of_verdict);
 	host.ui->show(window_progress, progress_again, !all_done);

@@ -44,8 +44,23 @@ static const queue_work downloads = {
 	.run = download_item,
 };
 
+// Where the sampler's list told how long its samples are.
+static u64 size_on_sampler(const std::string &name)
+{
+	constexpr u64 bytes_of_a_word = 2;
+	const std::vector<std::string> names = loaded_names();
+	const auto found = std::find(names.begin(), names.end(), name);
+	if (found == names.end())
+		return 0;
+	const _sample &sample = current_sampler->status->sample[found - names.begin()];
+	const bool told = sample.sample_rate && sample.end_position > sample.start_position;
+	return told ? (sample.end_position - sample.start_position) * bytes_of_a_word : 0;
+}
+
 outcome download_samples(work_queue *queue, const queue_view *view)
 {
+	for (work_item &item : *queue)
+		item.bytes = size_on_sampler(item.name);
 	return run_queue(queue, downloads, view);
 }
 

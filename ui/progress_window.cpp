@@ -122,7 +122,7 @@ static void add_items(top_window *window)
 	list->set_wide(1);
 	list->keep_places();
 	list->setSelectionMode(QAbstractItemView::NoSelection);
-	list->setMinimumSize(list->fontMetrics().averageCharWidth() * 96,
+	list->setMinimumSize(list->fontMetrics().averageCharWidth() * 112,
 		header_height + row_height * 8 + between_controls);
 	window->content->addWidget(list, 1);
 }
@@ -131,7 +131,6 @@ static void add_buttons(top_window *window)
 {
 	auto *row = new QHBoxLayout;
 	told_label *note = make_text(window, progress_note);
-	note->set_marked();
 	note->set_role(text_role::quiet);
 	QPushButton *copy = make_button(window, progress_copy);
 	QObject::connect(copy, &QPushButton::clicked, copy, [] {

@@ -232,7 +232,7 @@ static void run_items(queue_run *run)
 	for (std::size_t i = 0; i < queue.size(); i++) {
 		if (queue[i].state != item_state::waiting)
 			continue;
-		const bool stop = running_queue->stop || running_queue->stop_after;
+		const bool stop = running_queue->stop || run->stop_after;
 		if (stop || close_requested()) {
 			run->last = { .how = ending::stopped };
 			return;

@@ -269,12 +269,16 @@ outcome upload_sample(const std::string &path)
 	const upload_verdict check = upload_check(row_of_loaded(), wave_path_of(path));
 	if (!check.sends)
 		return { .how = ending::refused, .words = check.words, .caption = "WARNING" };
+	forget_stop(); // of earlier work
 	const outcome ready = have_sample_list();
 	if (!ready.done())
 		return ready;
+	if (progress_stopped())
+		return { .how = ending::stopped,
+			.line = quoted(path.substr(path.rfind('\\') + 1)) +
+				" was not sent: stopped." };
 	const int before = static_cast<int>(loaded_names().size());
 	box_keeper keeper;
-	forget_stop(); // of earlier work
 	row_of_loaded().uploadsample(path.c_str());
 	const bool stopped = progress_stopped();
 	const std::vector<kept_box> told = keeper.take();

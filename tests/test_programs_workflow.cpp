@@ -526,6 +526,42 @@ TEST_F(s3000_programs, a_local_program_goes_with_the_samples_that_are_here)
 	EXPECT_EQ(h.boxes.size(), 1u);
 }
 
+TEST_F(s3000_programs, several_programs_are_one_queue)
+{
+	open();
+	const auto choose_two = [](int of, int one, int other) {
+		host.ui->select_several(window_programs, of, std::vector{ one, other });
+		velmor_selection(window_programs, of);
+	};
+	const auto told = [&] { return h.texts[{ window_progress, progress_title }]; };
+	choose_two(programs_loaded_list, 1, 2);
+	EXPECT_EQ((h.reasons[{ window_programs, programs_loaded_rename }]),
+		"This is for one program, and several are chosen.");
+	press(programs_download);
+	EXPECT_EQ(list(programs_local_list), (lines{ "TARGET", "LAST" }));
+	EXPECT_EQ(told(), "2 of 2 programs were downloaded");
+	EXPECT_TRUE(in_spool("KICK"));
+	EXPECT_TRUE(h.boxes.empty());
+	choose_two(programs_loaded_list, 0, 2);
+	h.answers = { false };
+	press(programs_loaded_delete);
+	EXPECT_EQ(names(), "FIRST,TARGET,LAST,");
+	press(programs_loaded_delete);
+	EXPECT_EQ(names(), "TARGET,");
+	EXPECT_EQ(told(), "2 of 2 programs were deleted");
+	// The samples of both stand behind them in the same queue.
+	choose_two(programs_local_list, 0, 1);
+	h.boxes.clear();
+	press(programs_upload);
+	EXPECT_EQ(h.boxes, (boxes{ { "Also upload required samples (1 Samples)?", "INFO" } }));
+	EXPECT_EQ(names(), "TARGET,LAST,");
+	EXPECT_EQ(told(), "3 of 3 programs and samples were uploaded");
+	choose_two(programs_local_list, 0, 1);
+	press(programs_local_delete);
+	EXPECT_TRUE(list(programs_local_list).empty());
+	EXPECT_TRUE(h.content(h.config + "\\deleted\\LAST.program"));
+}
+
 TEST_F(s3000_programs, a_download_brings_the_program_and_its_samples_and_edits_go_to_the_file)
 {
 	open();

@@ -162,20 +162,32 @@ TEST_F(queues, stop_and_stop_after_this_one)
 	}
 }
 
-TEST_F(queues, a_stop_between_two_items_is_not_forgotten)
+TEST_F(queues, a_stop_while_a_list_is_read_is_not_forgotten)
 {
 	spool("x.wav");
 	spool("y.wav");
 	open();
 	choose(samples_local_list, { 0, 1 });
 	static list_operation whole;
+	static int lists, stop_at;
 	whole = model.row.getsamplelist;
 	model.row.getsamplelist = [](u8 control, u8 exclusive, _dev_status *dev) {
+		if (++lists == stop_at)
+			velmor_command(window_progress, progress_stop);
+		forget_stop(); // a driver that begins takes back a stop of earlier work
 		whole(control, exclusive, dev);
-		velmor_command(window_progress, progress_stop); // behind the first upload
 	};
-	press(samples_upload);
-	EXPECT_EQ(sent("uploadsample"), lines{ spooled("x") });
+	for (const auto &[at, uploads] : { std::pair(1, lines{}), std::pair(2, lines{ "x" }) }) {
+		line_silent("No answer came."); // so the list is read in front, too
+		lists = 0;
+		stop_at = at;
+		model.calls.clear();
+		press(samples_upload);
+		lines paths;
+		for (const std::string &name : uploads)
+			paths.push_back(spooled(name));
+		EXPECT_EQ(sent("uploadsample"), paths);
+	}
 }
 
 TEST_F(queues, uploads_ask_once_about_what_would_be_silent)

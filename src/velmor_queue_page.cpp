@@ -162,12 +162,10 @@ static void show_items(const queue_run &run, bool ended)
 
 // ---- While it runs --------------------------------------------------------------------------------
 
-static queue_run *stoppable; // while it runs
-static double shown_at;      // counter: when the list was filled
+static double shown_at; // counter: when the list was filled
 
 static void begin_view(queue_run *run)
 {
-	stoppable = run;
 	shown_at = -1;
 	show_face(of_queue);
 	host.ui->set_reason(window_progress, progress_stop_after, nullptr);
@@ -273,7 +271,6 @@ static std::string again_caption(const work_queue &items)
 
 static void end_view(const queue_run &run, const outcome &result)
 {
-	stoppable = nullptr;
 	begun = true;
 	const std::string title = without_stop(result.line), why = why_ended(run);
 	last_verdict = text_of(run, title, why);
@@ -341,9 +338,9 @@ static void stop_work()
 
 static void stop_after_this_one()
 {
-	if (!stoppable)
+	if (!running_queue)
 		return;
-	stoppable->stop_after = true;
+	running_queue->stop_after = true;
 	host.ui->set_reason(
 		window_progress, progress_stop_after, tr("The work ends after this one."));
 }

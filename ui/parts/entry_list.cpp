@@ -326,6 +326,8 @@ void entry_list::search(const QString &letters)
 	}
 	if (chosen() < 0 && first)
 		setCurrentItem(first);
+	if (several)
+		tell_choice(); // what is hidden is not chosen
 	viewport()->update();
 }
 

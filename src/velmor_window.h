@@ -162,7 +162,7 @@ void forget_status();
 // State and heading of a list of the sampler, and its retry button where it could not be read.
 struct list_controls {
 	int window, list, heading, retry;
-	const char *what; // of one entry: "sample"
+	noun what; // of its entries
 };
 void show_list_knowledge(const list_controls &where, const known_list &known, int count);
 

@@ -6,6 +6,7 @@
 #include "programs/options.h"
 #include "programs/windowed.h"
 #include "ui/qt_ui.h"
+#include "ui/translation.h"
 #include <QApplication>
 #include <cerrno>
 #include <memory>
@@ -67,6 +68,7 @@ int main(int argc, char **argv)
 		work_in_data_folder();
 	QApplication::setApplicationName("velmor");
 	install_services();
+	load_translation();
 	create_windows();
 	watch_end_signals([] { host.ui->post(end_windows); });
 	start_velmor();

@@ -20,6 +20,7 @@
 // Knows nothing of: windows.
 
 #include "src/akais1000_programs.h"
+#include "src/velmor_counts.h"
 #include <algorithm>
 #include <cstring>
 

@@ -15,6 +15,7 @@
 
 #include "src/akaiusb_programs.h"
 #include "src/controls.h"
+#include "src/velmor_counts.h"
 
 namespace velmor
 {

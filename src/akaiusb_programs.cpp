@@ -3,6 +3,7 @@
 // Knows nothing of: what a request means, windows.
 
 #include "src/akaiusb_programs.h"
+#include "src/velmor_counts.h"
 
 namespace velmor
 {

@@ -7,6 +7,7 @@
 #include "src/velmor_library.h"
 #include "src/velmor_programs.h"
 #include "src/waveqx.h"
+#include "src/velmor_counts.h"
 #include <algorithm>
 
 namespace velmor

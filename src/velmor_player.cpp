@@ -8,6 +8,7 @@
 #include "src/velmor_player.h"
 #include "src/velmor_midi.h"
 #include "src/waveqx.h"
+#include "src/velmor_counts.h"
 #include <algorithm>
 #include <cmath>
 

@@ -16,6 +16,7 @@
 #include "src/velmor_library.h"
 #include "src/waveqx.h"
 #include "src/waveqx_file.h"
+#include "src/velmor_counts.h"
 #include <algorithm>
 #include <utility>
 
@@ -568,7 +569,7 @@ outcome upload_program(const _program &program)
 // ---- Queues ---------------------------------------------------------------------------------------------
 
 // Ends at a dead line, at Stop, and at the same trouble twice in a row.
-static outcome run_queue(const std::vector<std::string> &names, const char *done_word,
+static outcome run_queue(const std::vector<std::string> &names, const char *verdict_words,
 	const std::function<outcome(const std::string &)> &work)
 {
 	outcome last;
@@ -593,7 +594,7 @@ static outcome run_queue(const std::vector<std::string> &names, const char *done
 				   : last.done() ? ending::refused
 						 : last.how,
 		.caption = done == all ? "INFO" : "WARNING",
-		.line = format_text(tr("%d of %d samples were %s."), done, all, done_word) };
+		.line = format_text(tr(verdict_words), done, all) };
 	if (!failed.empty() || done < all)
 		verdict.words = verdict.line + failed;
 	return verdict;
@@ -603,7 +604,7 @@ outcome upload_files(const std::vector<std::string> &paths)
 {
 	if (paths.empty())
 		return {};
-	return run_queue(paths, "uploaded", [](const std::string &path) {
+	return run_queue(paths, own("%d of %d samples were uploaded."), [](const std::string &path) {
 		return upload_sample(path.substr(0, path.size() - 4));
 	});
 }

@@ -14,6 +14,7 @@
 
 #pragma once
 #include "src/controls.h"
+#include "src/velmor_counts.h"
 #include "src/velmor_work.h"
 #include <functional>
 #include <span>

@@ -2,13 +2,12 @@
 //
 // What is shown to a person goes through tr(). The words that the system has always had - titles,
 // buttons, boxes, log lines - stay as they are in every language: they are what owners of these
-// machines search for and quote. A sentence of ours that is logged as well is logged as shown.
+// machines search for and quote. Log lines are not translated at all.
 //
 // A translator finds the words in translations/velmor_de.ts, which lupdate keeps (make words).
 
 #pragma once
 #include "platform/host.h"
-#include <string>
 
 namespace velmor
 {
@@ -25,19 +24,5 @@ constexpr const char *own(const char *words)
 {
 	return words;
 }
-
-// "1 keygroup", "12 keygroups".
-enum class noun {
-	keygroup,
-	keyzone,
-	sample,
-	program,
-	multi,
-	parameter,
-	value,
-	change,
-	track,
-};
-std::string counted(int count, noun of);
 
 } // namespace velmor

@@ -1,8 +1,8 @@
-// velmor_words.cpp - how many of what, in words
-//
-// Knows nothing of: languages.
+// velmor_counts.cpp - how many of what, in words
 
+#include "src/velmor_counts.h"
 #include "src/velmor.h"
+#include <cstddef>
 
 namespace velmor
 {

@@ -345,7 +345,7 @@ static constexpr caption_row sampler_captions[] = {
 	{ window_sampler,  sampler_tcp_port,        own("Port:"), own("Its port"), nullptr },
 	{ window_sampler,  sampler_tcp_on,          "Use TCP instead of MIDI", own("Send the messages over the network"), nullptr },
 	{ window_sampler,  sampler_tcp_off,         "Use MIDI instead of TCP", own("Send the messages to the MIDI port again"), nullptr },
-	{ window_sampler,  sampler_tcp_status,      own("Status:"), own("Which way the messages go now"), own("USING MIDI") },
+	{ window_sampler,  sampler_tcp_status,      own("Status:"), own("Which way the messages go now"), "USING MIDI" },
 	{ window_sampler,  sampler_verdict,         own("Answer of the sampler"), nullptr, nullptr },
 	{ window_sampler,  sampler_pitch_list,      "Note:", own("The note that is played; 60 is middle C"), nullptr },
 	{ window_sampler,  sampler_velocity_list,   "Velocity:", own("How hard it is played"), nullptr },

@@ -17,16 +17,18 @@ static std::unique_ptr<QTranslator> ours;
 // What Qt itself says, in its boxes for files, if the desktop has it.
 static void load_words_of_qt(const QLocale &language)
 {
+	if (!QCoreApplication::instance())
+		return;
 	auto *theirs = new QTranslator(QCoreApplication::instance());
 	if (theirs->load(
 		    language, "qtbase", "_", QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
 		QCoreApplication::installTranslator(theirs);
 }
 
-void load_translation()
+void load_translation(const QStringList &languages)
 {
 	ours.reset();
-	for (const QString &wanted : QLocale::system().uiLanguages()) {
+	for (const QString &wanted : languages) {
 		const QLocale language(wanted);
 		if (language.language() == QLocale::English || language.language() == QLocale::C)
 			return;

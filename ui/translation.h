@@ -4,13 +4,14 @@
 // program. What has no translation there stays as it is.
 
 #pragma once
+#include <QStringList>
 
 namespace velmor
 {
 
-// Take the first language of the user that there is: English, which is in the program, or a
-// translation. Once, after the QApplication; without it every word stays as it is.
-void load_translation();
+// Take the first of these languages that there is: English, which is in the program, or a
+// translation. Before the windows; without it every word stays as it is.
+void load_translation(const QStringList &languages);
 // For ui_service.
 const char *translate_words(const char *words);
 

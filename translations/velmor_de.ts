@@ -2088,10 +2088,6 @@ Trotzdem senden?</translation>
         <translation>USB, angeschlossen</translation>
     </message>
     <message>
-        <source>USING MIDI</source>
-        <translation>USING MIDI</translation>
-    </message>
-    <message>
         <source>Undo Edit</source>
         <translation>Änderung zurücknehmen</translation>
     </message>

@@ -30,10 +30,11 @@ void load_translation(const QStringList &languages)
 	ours.reset();
 	for (const QString &wanted : languages) {
 		const QLocale language(wanted);
-		if (language.language() == QLocale::English || language.language() == QLocale::C)
+		if (language.language() == QLocale::English)
 			return;
 		auto found = std::make_unique<QTranslator>();
-		if (!found->load(":/words/velmor_" + QLocale::languageToCode(language.language())))
+		if (!found->load(":/words/velmor_" +
+				 QString(wanted).replace('_', '-').section('-', 0, 0)))
 			continue;
 		ours = std::move(found);
 		load_words_of_qt(language);

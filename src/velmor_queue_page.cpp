@@ -372,7 +372,7 @@ static constexpr caption_row progress_captions[] = {
 	{ window_progress, progress_counts,     own("Counts"), nullptr, nullptr },
 	{ window_progress, progress_note,       own("What Stop leaves"), nullptr, nullptr },
 	{ window_progress, progress_list,       own("Items of the work"), own("What became of each"), nullptr },
-	{ window_progress, progress_stop,       "Stop", "End this work at the next point where the sampler stays usable", nullptr },
+	{ window_progress, progress_stop,       "Stop", own("End this work at the next point where the sampler stays usable"), nullptr },
 	{ window_progress, progress_stop_after, own("Stop after this one"), own("Let this one come to its end, and begin no other"), nullptr },
 	{ window_progress, progress_copy,       own("Copy as text"), own("Put the verdict and its list on the clipboard"), nullptr },
 	{ window_progress, progress_again,      own("Try the failed again"), own("The same work once more, on those that were not done"), nullptr },

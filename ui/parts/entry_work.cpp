@@ -6,6 +6,7 @@
 #include "ui/parts/palette.h"
 #include "ui/parts/parts.h"
 #include "ui/parts/style.h"
+#include "ui/parts/words.h"
 #include "ui/qt_ui.h"
 #include <QContextMenuEvent>
 #include <QCoreApplication>
@@ -295,8 +296,7 @@ QString entry_list::words_for_drop(const QDropEvent *event, bool *possible) cons
 	if (!*possible)
 		return button ? button->toolTip() : QString();
 	const qsizetype count = static_cast<qsizetype>(from->all_chosen().size());
-	return count == 1 ? QString::fromUtf8(velmor::tr(from->drag.one))
-			  : QString::fromUtf8(velmor::tr(from->drag.several)).arg(count);
+	return count == 1 ? qtr(from->drag.one) : qtr(from->drag.several).arg(count);
 }
 
 void entry_list::show_drop_words(const QString &words)

@@ -2401,5 +2401,61 @@ Das Log nennt die Parameter, die nicht mitkönnen, und die, die keine AKP-Datei 
         <source>what was done</source>
         <translation>was getan wurde</translation>
     </message>
+    <message>
+        <source>MIDI bytes came faster than they could be read; some are lost</source>
+        <translation>MIDI-Bytes kamen schneller, als sie sich lesen ließen; einige sind verloren</translation>
+    </message>
+    <message>
+        <source>The MIDI port is gone. Plug the interface in again, then choose it again</source>
+        <translation>Der MIDI-Port ist weg. Schließen Sie die Schnittstelle wieder an, und wählen Sie ihn dann noch einmal</translation>
+    </message>
+    <message>
+        <source>The MIDI port is in use by another program. Close that program and try again</source>
+        <translation>Ein anderes Programm benutzt den MIDI-Port. Schließen Sie es, und versuchen Sie es noch einmal</translation>
+    </message>
+    <message>
+        <source>The MIDI port is not open</source>
+        <translation>Der MIDI-Port ist nicht offen</translation>
+    </message>
+    <message>
+        <source>The address is no IPv4 address such as 192.168.0.10.</source>
+        <translation>Die Adresse ist keine IPv4-Adresse wie 192.168.0.10.</translation>
+    </message>
+    <message>
+        <source>The far end broke the connection off.</source>
+        <translation>Die Gegenstelle hat die Verbindung abgebrochen.</translation>
+    </message>
+    <message>
+        <source>The far end closed the connection.</source>
+        <translation>Die Gegenstelle hat die Verbindung geschlossen.</translation>
+    </message>
+    <message>
+        <source>The far end does not answer. Is it switched on, and on this network?</source>
+        <translation>Die Gegenstelle antwortet nicht. Ist sie eingeschaltet und in diesem Netz?</translation>
+    </message>
+    <message>
+        <source>The far end refuses the connection. Does the bridge run there, on this port?</source>
+        <translation>Die Gegenstelle lehnt die Verbindung ab. Läuft dort die Bridge, auf diesem Port?</translation>
+    </message>
+    <message>
+        <source>The program at the other end does not let others connect</source>
+        <translation>Das Programm am anderen Ende lässt andere nicht verbinden</translation>
+    </message>
+    <message>
+        <source>The program at the other end does not take its MIDI data</source>
+        <translation>Das Programm am anderen Ende nimmt seine MIDI-Daten nicht ab</translation>
+    </message>
+    <message>
+        <source>There is no network that leads to this address.</source>
+        <translation>Kein Netz führt zu dieser Adresse.</translation>
+    </message>
+    <message>
+        <source>There is no such MIDI port. Choose one in the settings</source>
+        <translation>Diesen MIDI-Port gibt es nicht. Wählen Sie einen in den Einstellungen</translation>
+    </message>
+    <message>
+        <source>You may not open the MIDI port. Add yourself to the group &quot;audio&quot;, log out and in again</source>
+        <translation>Sie dürfen den MIDI-Port nicht öffnen. Treten Sie der Gruppe &quot;audio&quot; bei, und melden Sie sich ab und wieder an</translation>
+    </message>
 </context>
 </TS>

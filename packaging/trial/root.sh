@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# root.sh PACKAGE CACHE - make a bare Debian 12 in a folder, and run inside.sh in it; as root
+# root.sh PACKAGE CACHE - make a bare Debian 12 in memory, and run inside.sh in it; as root
 #
 # Mounts live in a name space of their own and end with it, whatever happens. The network is
 # used for Debian's mirror only, as apt of this machine is set up.
@@ -18,22 +18,23 @@ done < <(apt-config dump | grep -E '^Acquire::https?::Proxy')
 
 mkdir -p "$cache/archives"
 # Its package lists fit the mirror for some days.
-if [ -z "$(find "$base" -mtime -7 2>/dev/null)" ]; then
+if [ -z "$(find "$base" -type f -mtime -7 2>/dev/null)" ]; then
 	echo "Making a bare Debian 12"
 	mmdebstrap --quiet --variant=apt --skip=cleanup/apt/lists "${proxies[@]}" \
-		bookworm "$base.new" "deb ${mirror:-http://deb.debian.org/debian} bookworm main"
-	mv "$base.new" "$base"
+		bookworm "$cache/new.tar" "deb ${mirror:-http://deb.debian.org/debian} bookworm main"
+	mv "$cache/new.tar" "$base"
 fi
 
-root=$(mktemp -d /var/tmp/velmor-root-XXXXXX)
-trap 'rm -rf --one-file-system "$root"' EXIT
-tar -xf "$base" -C "$root"
-cp "$package" "$root/tmp/velmor.deb"
-cp "$here/inside.sh" "$root/tmp"
-cp -L /etc/resolv.conf "$root/etc/resolv.conf"
-
-export root cache
-unshare --mount --pid --fork --kill-child bash -euc '
+export base package here cache
+root=$(mktemp -d /tmp/velmor-root-XXXXXX)
+trap 'rmdir "$root"' EXIT
+# In memory: nothing of it outlives the name space, and dpkg waits for no disk.
+root=$root unshare --mount --pid --fork --kill-child bash -euc '
+	mount -t tmpfs -o mode=755,size=4g velmor-root "$root"
+	tar -xf "$base" -C "$root"
+	cp "$package" "$root/tmp/velmor.deb"
+	cp "$here/inside.sh" "$root/tmp"
+	cp -L /etc/resolv.conf "$root/etc/resolv.conf"
 	mount --bind "$cache/archives" "$root/var/cache/apt/archives"
 	mount -t proc proc "$root/proc"
 	mount --rbind /dev "$root/dev"

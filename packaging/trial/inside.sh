@@ -122,10 +122,25 @@ kill $!
 wait $! || fail "velmor-virtual does not end well: $?"
 echo "  velmor-virtual listens and ends"
 
+# The companion: what it lists, a picture, and what it answers to a word that it does not know.
+companion() {
+	local status=0
+	"${user[@]}" velmorctl --demo "$@" >/tmp/companion 2>/tmp/said || status=$?
+	[ $status -eq "${expected:-0}" ] || { cat /tmp/said >&2; fail "velmorctl --demo $*: $status"; }
+}
 if [ -x /usr/bin/velmorctl ]; then
-	"${user[@]}" velmorctl --demo samplers >/tmp/said 2>&1 || { cat /tmp/said; fail "velmorctl"; }
-	[ -s /tmp/said ] || fail "velmorctl says nothing"
-	sed 's/^/  /' /tmp/said
+	companion samplers
+	grep -q '^Demo S3000' /tmp/companion || fail "velmorctl lists no Demo S3000"
+	companion ls
+	[ -s /tmp/companion ] || fail "velmorctl lists no samples"
+	companion --json program ls
+	grep -q '^{' /tmp/companion || fail "velmorctl lists no programs"
+	companion --sampler 'Demo Z8' panel --png screen.png
+	[ -s /home/musician/screen.png ] || fail "velmorctl draws no picture"
+	expected=2 companion nonsense
+	"${user[@]}" velmorctl --completion |
+		cmp - /usr/share/bash-completion/completions/velmorctl || fail "its completion is another"
+	echo "  velmorctl lists, draws and refuses"
 fi
 
 # ---- Removing -------------------------------------------------------------------------------------

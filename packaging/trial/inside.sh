@@ -78,6 +78,7 @@ for program in $programs; do
 	for option in $("${user[@]}" "$program" --help | grep -o -e '--[a-z][a-z-]*' | sort -u); do
 		zcat "$page" | sed 's/\\//g' | grep -q -e "$option" || fail "$page lacks $option"
 	done
+	grep -q "<binary>$program<" /usr/share/metainfo/velmor.metainfo.xml || fail "metainfo lacks $program"
 done
 echo "  their manuals name all of their options"
 

@@ -17,6 +17,8 @@ while read -r line; do
 done < <(apt-config dump | grep -E '^Acquire::https?::Proxy')
 
 mkdir -p "$cache/archives"
+exec 9>"$cache/lock"
+flock -n 9 || { echo "Waiting for another trial to end"; flock 9; }
 # Its package lists fit the mirror for some days.
 if [ -z "$(find "$base" -type f -mtime -7 2>/dev/null)" ]; then
 	echo "Making a bare Debian 12"

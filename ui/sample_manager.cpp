@@ -10,6 +10,7 @@
 #include "ui/wave_editor.h"
 #include <QBoxLayout>
 #include <QButtonGroup>
+#include <QCheckBox>
 #include <QFormLayout>
 #include <QLineEdit>
 #include <QPushButton>
@@ -120,6 +121,13 @@ static QBoxLayout *make_transfers(top_window *window)
 			column->addSpacing(between_panels);
 		column->addWidget(button);
 	}
+	column->addWidget(make_button(window, samples_fit));
+	column->addWidget(make_check(window, samples_exact));
+	told_label *rate = make_text(window, samples_rate);
+	rate->set_role(text_role::quiet);
+	rate->setAlignment(Qt::AlignHCenter | Qt::AlignTop);
+	rate->setMinimumHeight(2 * rate->fontMetrics().lineSpacing());
+	column->addWidget(rate);
 	column->addStretch();
 	return column;
 }
@@ -239,6 +247,24 @@ static QBoxLayout *make_work_line(top_window *window)
 	return row;
 }
 
+// What a file is, becomes, loses, and how long it takes; each keeps its line.
+static QLayout *make_preview(top_window *window)
+{
+	auto *form = new QFormLayout;
+	form->setContentsMargins(28, 0, 0, 0);
+	form->setVerticalSpacing(2);
+	form->setHorizontalSpacing(between_panels);
+	for (int control : { samples_import_preview, samples_preview_becomes, samples_preview_lost,
+		     samples_preview_upload }) {
+		told_label *line = make_text(window, control);
+		line->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+		line->setMinimumHeight(line->fontMetrics().lineSpacing());
+		line->setAlignment(Qt::AlignLeft | Qt::AlignTop);
+		add_row(form, window->id, control, line);
+	}
+	return form;
+}
+
 static QWidget *make_import(top_window *window)
 {
 	auto *box = new card(window);
@@ -257,12 +283,7 @@ static QWidget *make_import(top_window *window)
 	column->addLayout(head);
 	column->addWidget(options);
 	column->addWidget(make_line(box));
-	told_label *preview = make_text(window, samples_import_preview);
-	preview->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
-	preview->setMinimumHeight(preview->fontMetrics().lineSpacing() * 4);
-	preview->setAlignment(Qt::AlignLeft | Qt::AlignTop);
-	preview->setContentsMargins(28, 0, 0, 0);
-	column->addWidget(preview);
+	column->addLayout(make_preview(window));
 	column->addLayout(make_work_line(window));
 	return box;
 }

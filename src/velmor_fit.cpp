@@ -76,22 +76,35 @@ std::string same_names(std::span<const std::string> on_sampler)
 	return text;
 }
 
-bool may_send_name(const std::string &name)
+// The first of these that would be called like another sample of the sampler; "" for none.
+static std::string second_of_its_name(
+	const _sampler_type &model, std::span<const std::string> names)
+{
+	const std::vector<std::string> all = loaded_names();
+	const std::set<std::string> listed(all.begin(), all.end());
+	for (const std::string &name : names)
+		if (!listed.contains(name) && listed.contains(name_on_sampler(model, name)))
+			return name;
+	return "";
+}
+
+bool may_send_names(std::span<const std::string> names)
 {
 	const _sampler_type *model = loaded();
 	if (!model)
 		return true;
-	const std::string called = name_on_sampler(*model, name);
-	const std::vector<std::string> names = loaded_names();
-	const auto listed = [&](const std::string &wanted) {
-		return std::find(names.begin(), names.end(), wanted) != names.end();
-	};
-	return listed(name) || !listed(called) ||
-	       ask_box("WARNING",
-		       "The sampler has a sample called '%s' already, and would call '%s' the "
-		       "same: "
-		       "it would hold two of that name.\nUpload it all the same?",
-		       called.c_str(), name.c_str());
+	std::vector<std::string> called;
+	for (const std::string &name : names)
+		called.push_back(name_on_sampler(*model, name));
+	const std::string same = same_names(called);
+	if (!same.empty() && !ask_box("WARNING", "%s\nUpload them all the same?", same.c_str()))
+		return false;
+	const std::string second = second_of_its_name(*model, names);
+	return second.empty() || ask_box("WARNING",
+					 "The sampler has a sample called '%s' already, and would "
+					 "call '%s' the same: "
+					 "it would hold two of that name.\nUpload it all the same?",
+					 name_on_sampler(*model, second).c_str(), second.c_str());
 }
 
 // ---- Shapes -------------------------------------------------------------------------------------
@@ -271,7 +284,9 @@ void show_transfer_choices()
 	host.ui->set_reason(window_samples, samples_exact, offered ? nullptr : other.c_str());
 	host.ui->set_text(window_samples, samples_rate, connection_text().c_str());
 	host.ui->set_reason(window_samples, samples_fit,
-		chosen_names().empty() ? "Choose a sample on this computer first." : nullptr);
+		!model                   ? "Load a sampler first."
+		: chosen_names().empty() ? "Choose a sample on this computer first."
+					 : nullptr);
 }
 
 // clang-format off

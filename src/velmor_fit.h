@@ -17,9 +17,10 @@ namespace velmor
 std::string name_on_sampler(const _sampler_type &model, const std::string &name);
 // The names that would stand there more than once, in words; "" for none.
 std::string same_names(std::span<const std::string> on_sampler);
-// Before a sample of this computer is sent: false where the sampler has another of the name that it
-// would get, and the user does not want two.
-bool may_send_name(const std::string &name);
+// Before samples of this computer are sent: false where the sampler would hold two of one name,
+// because it has another that is called so or because two of these would be, and the user does not
+// want that. Over the sample of its very name each goes as ever.
+bool may_send_names(std::span<const std::string> names);
 
 // ---- Shapes ----------------------------------------------------------------------------------
 

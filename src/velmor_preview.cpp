@@ -331,6 +331,8 @@ static void add_file(preview_sum *sum, const std::string &path)
 	std::string becomes;
 	if (as_it_is) {
 		add_upload(sum, file, 1);
+		if (sum->refused && plan_fit(*sum->model, file).possible)
+			sum->refusal += " Or press Fit to the Sampler.";
 		sum->on_sampler.push_back(name_for(*sum, name));
 		becomes = sum->model ? sum->on_sampler.back() + " on the sampler" : "";
 	} else {

@@ -57,7 +57,7 @@ void upload_selected_sample()
 	if (no_local(chosen))
 		return;
 	const std::string path = local_sample[static_cast<std::size_t>(chosen.index)].pathname;
-	if (!may_send_name(chosen.name) || !make_audible(path))
+	if (!may_send_names({ &chosen.name, 1 }) || !make_audible(path))
 		return;
 	const outcome result = upload_sample(path);
 	show_change(result, { result.done() ? chosen.name : loaded.name, loaded.index }, chosen);

@@ -51,9 +51,11 @@ TEST_F(fits, a_name_is_what_the_sampler_makes_of_it)
 		{ model_z4, "Grand: C3 ", "Grand: C3 " } };
 	for (const auto &row : rows)
 		EXPECT_EQ(name_on_sampler(*get_sampler(row.model), row.name), row.called);
-	EXPECT_EQ(same_names(strings{ "A", "B", "AB" }), "");
-	EXPECT_EQ(same_names(strings{ "B", "A", "B", "A", "A" }),
-		"Names that would stand more than once on the sampler: 'A', 'B'");
+	EXPECT_TRUE(may_send_names(strings{ "A", "B", "AB" }));
+	h.answers = { false };
+	EXPECT_FALSE(may_send_names(strings{ "a", "b", "A", "b" }));
+	EXPECT_EQ(h.boxes.at(0).text, "Names that would stand more than once on the sampler: 'A', "
+				      "'B'\nUpload them all the same?");
 }
 
 // Over the sample of its very name it goes as ever.
@@ -148,6 +150,9 @@ TEST_F(fits, one_press_fits_all_chosen_samples_and_one_undo_puts_them_back)
 		"The sample fits Akai S3000/S3000XL as it is.");
 	host.ui = &ui;
 	chosen_places = { 0, 1, 2, 3 };
+	choose(1);
+	EXPECT_TRUE((h.texts[{ window_samples, samples_preview_upload }])
+			    .ends_with("Or press Fit to the Sampler."));
 	const auto before = h.content(spool + "B.wav"), deep = h.content(spool + "D.wav");
 	press(samples_fit);
 	EXPECT_EQ(h.boxes,

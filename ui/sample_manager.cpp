@@ -252,7 +252,7 @@ static QLayout *make_preview(top_window *window)
 {
 	auto *form = new QFormLayout;
 	form->setContentsMargins(28, 0, 0, 0);
-	form->setVerticalSpacing(2);
+	form->setVerticalSpacing(0);
 	form->setHorizontalSpacing(between_panels);
 	for (int control : { samples_import_preview, samples_preview_becomes, samples_preview_lost,
 		     samples_preview_upload }) {

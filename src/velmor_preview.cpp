@@ -355,7 +355,7 @@ static void say(int control, const std::string &text, text_role role)
 	host.ui->set_role(window_samples, control, role);
 }
 
-// Seconds one way and the other, and what they were reckoned with.
+// Seconds and what they were reckoned with; below, what arrives, and the other way.
 static std::string arrival_text(const preview_sum &sum)
 {
 	const transfer_rate rate = rate_of(*sum.model, transfer_way::up);
@@ -369,23 +369,27 @@ static std::string arrival_text(const preview_sum &sum)
 						    " measured on this connection"
 					  : "about " + rate_text(rate.bytes_per_second) +
 						    ", not measured yet on this connection");
-	if (sum.results == 1 && !sum.words.empty())
-		text += " · " + sum.words;
+	std::string arrival = sum.results == 1 ? sum.words : "";
 	if (has_exact_uploads(*sum.model))
-		text += (exact ? " · without exact length " : " · with exact length ") +
-			lasts(!exact);
-	return text;
+		arrival += (arrival.empty() ? "" : " · ") +
+			   std::string(exact ? "without exact length " : "with exact length ") +
+			   lasts(!exact);
+	return text + (arrival.empty() ? "" : "\n") + arrival;
 }
 
 static void show_upload(const preview_sum &sum)
 {
 	std::string text = sum.model && sum.bytes ? arrival_text(sum) : "";
 	if (sum.refused) {
-		text += text.empty() ? "" : " · ";
+		text = text.substr(0, text.find('\n')) + (text.empty() ? "" : "\n");
 		text += sum.results > 1
 				? format_text("%d of %d refused: ", sum.refused, sum.results)
 				: "refused: ";
 		text += sum.refusal;
+		// The reason, and below it what helps.
+		const std::size_t end = text.find('\n') == text.npos ? text.find(". ") : text.npos;
+		if (end != text.npos)
+			text.replace(end, 2, ".\n");
 	}
 	const bool all = sum.refused && sum.refused == sum.results;
 	say(samples_preview_upload, text,

@@ -118,10 +118,10 @@ static outcome fetch(const std::string &name)
 		result.how = ending::refused;
 	else if (!troubles(result.told).empty())
 		result.how = ending::local_failed;
-	if (result.done()) {
+	else
 		measured.arrived(wave_path_of(spool_filebase(name.c_str())));
+	if (result.done())
 		return result;
-	}
 	result.told = troubles(result.told);
 	result.line =
 		quoted(name) + (result.how == ending::stopped ? " was not downloaded: stopped."

@@ -329,10 +329,12 @@ outcome convert_local(const std::string &name, const import_options &options, un
 	const std::string place = free_place(folder, name), copy = place + ".wav";
 	if (const std::string why = keep_copy(path, copy); !why.empty())
 		return edit_failed(why, name);
-	if (!import_sound(path.c_str(), 0, static_cast<unsigned>(options.bits), options.rate,
-		    static_cast<unsigned>(options.channels), static_cast<unsigned>(options.mixing),
-		    import_pitch)) {
+	if (!import_sound(path.c_str(), window_samples, static_cast<unsigned>(options.bits),
+		    options.rate, static_cast<unsigned>(options.channels),
+		    static_cast<unsigned>(options.mixing), import_pitch)) {
 		host.files->remove(copy.c_str());
+		if (progress_stopped())
+			return { .how = ending::stopped };
 		return edit_failed(
 			import_failure.empty() ? "It was not converted." : import_failure, name);
 	}

@@ -151,11 +151,11 @@ std::string connection_text()
 	const transfer_rate down = rate_of(*model, transfer_way::down);
 	if (up.measured && down.measured)
 		return rate_text(up.bytes_per_second) + " up, " + rate_text(down.bytes_per_second) +
-		       " down on this connection";
+		       " down\non this connection";
 	if (down.measured)
-		return rate_text(down.bytes_per_second) + " down on this connection";
+		return rate_text(down.bytes_per_second) + " down\non this connection";
 	return up.measured ? rate_text(up.bytes_per_second) + " on this connection"
-			   : "Not measured yet on this connection";
+			   : "Not measured yet\non this connection";
 }
 
 } // namespace velmor

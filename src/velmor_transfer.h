@@ -53,7 +53,7 @@ private:
 
 // "1.8 kB/s".
 std::string rate_text(double bytes_per_second);
-// "1.8 kB/s on this connection", with both directions where both were measured.
+// "1.8 kB/s on this connection", with both directions, in two lines, where both were measured.
 std::string connection_text();
 
 } // namespace velmor

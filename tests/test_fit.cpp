@@ -150,6 +150,12 @@ TEST_F(fits, one_press_fits_all_chosen_samples_and_one_undo_puts_them_back)
 		"The sample fits Akai S3000/S3000XL as it is.");
 	host.ui = &ui;
 	chosen_places = { 0, 1, 2, 3 };
+	h.on_pump = [] { stop_progress(); };
+	press(samples_fit);
+	h.on_pump = nullptr;
+	EXPECT_EQ((h.texts[{ window_samples, status_outcome }]),
+		"0 converted, 1 fitted already, of 4 samples.");
+	EXPECT_FALSE(can_undo());
 	choose(1);
 	EXPECT_TRUE((h.texts[{ window_samples, samples_preview_upload }])
 			    .ends_with("Or press Fit to the Sampler."));
@@ -180,15 +186,15 @@ TEST_F(fits, how_fast_a_connection_is_is_what_the_last_transfers_took)
 		host.clock->sleep_ms(1000 * seconds);
 		clock.arrived(spool + "LONG.wav");
 	};
-	EXPECT_EQ(connection_text(), "Not measured yet on this connection");
+	EXPECT_EQ(connection_text(), "Not measured yet\non this connection");
 	EXPECT_FALSE(rate_of(model.row, transfer_way::up).measured);
 	transfer(transfer_way::down, 125);
-	EXPECT_EQ(connection_text(), "0.8 kB/s down on this connection");
+	EXPECT_EQ(connection_text(), "0.8 kB/s down\non this connection");
 	transfer(transfer_way::up, 10000); // once slow
 	for (const int seconds : { 100, 111, 125, 400, 0 })
 		transfer(transfer_way::up, seconds);
 	EXPECT_EQ(h.settings["rate up 1007 no MIDI port"], "20 2000 1802 1600 500");
-	EXPECT_EQ(connection_text(), "1.6 kB/s up, 0.8 kB/s down on this connection");
+	EXPECT_EQ(connection_text(), "1.6 kB/s up, 0.8 kB/s down\non this connection");
 	transfer(transfer_way::up, 125);
 	set_exact_uploads(true);
 	transfer(transfer_way::up, 50);

@@ -120,13 +120,13 @@ TEST_F(local_samples_page, the_preview_of_a_sample_says_what_its_upload_sends)
 	EXPECT_EQ(preview(),
 		(strings{ file, "A on the sampler", "",
 			"about 1 min 34 s" + rate +
-				" · arrives as 2.00 s, the second half silent · with exact length "
+				"\narrives as 2.00 s, the second half silent · with exact length "
 				"about 47 s" }));
 	h.checks[{ window_samples, samples_exact }] = true;
 	velmor_selection(window_samples, samples_exact);
 	EXPECT_EQ(h.settings["exact_uploads"], "1");
 	EXPECT_EQ(preview().back(), "about 47 s" + rate +
-					    " · arrives as long as it is · without exact length "
+					    "\narrives as long as it is · without exact length "
 					    "about 1 min 34 s");
 	h.checks[{ window_samples, samples_bits_24 }] = true;
 	show_import_preview({});
@@ -134,7 +134,7 @@ TEST_F(local_samples_page, the_preview_of_a_sample_says_what_its_upload_sends)
 		(strings{ file,
 			"A · 44100 Hz, 24 bit, 1 channel, 1.00 s, 132 kB · keeps its root note C-2",
 			"",
-			"refused: A file of 24 bit and 1 channel would arrive as noise. Import it "
+			"refused: A file of 24 bit and 1 channel would arrive as noise.\nImport it "
 			"with Convert to 16 bit." }));
 	EXPECT_EQ((h.roles[{ window_samples, samples_preview_upload }]), text_role::failed);
 	EXPECT_EQ((h.reasons[{ window_samples, samples_exact }]), "");

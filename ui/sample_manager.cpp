@@ -112,7 +112,7 @@ static QBoxLayout *make_transfers(top_window *window)
 {
 	auto *column = new QVBoxLayout;
 	column->setSpacing(between_controls);
-	column->addSpacing(button_height + field_height + header_height + 3 * between_controls);
+	column->addSpacing(button_height + field_height);
 	for (const int control : { samples_download, samples_download_all, samples_upload }) {
 		QPushButton *button = make_button(window, control);
 		button->setProperty("icon_right", control != samples_upload);
@@ -247,7 +247,7 @@ static QBoxLayout *make_work_line(top_window *window)
 	return row;
 }
 
-// What a file is, becomes, loses, and how long it takes; each keeps its line.
+// What a file is, becomes, loses, and how long it takes; each keeps its room.
 static QLayout *make_preview(top_window *window)
 {
 	auto *form = new QFormLayout;
@@ -258,9 +258,14 @@ static QLayout *make_preview(top_window *window)
 		     samples_preview_upload }) {
 		told_label *line = make_text(window, control);
 		line->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
-		line->setMinimumHeight(line->fontMetrics().lineSpacing());
+		const int lines = control == samples_preview_upload ? 2 : 1;
+		line->setMinimumHeight(line->fontMetrics().lineSpacing() * lines);
+		line->set_cut();
 		line->setAlignment(Qt::AlignLeft | Qt::AlignTop);
 		add_row(form, window->id, control, line);
+		auto *label = static_cast<told_label *>(form->labelForField(line));
+		label->set_role(text_role::quiet);
+		label->setAlignment(Qt::AlignLeft | Qt::AlignTop);
 	}
 	return form;
 }

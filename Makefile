@@ -12,7 +12,11 @@ install: all
 check:
 	./test
 
+# Bring the files of translations/ up to date with the sources.
+words:
+	packaging/words.sh
+
 clean:
 	rm -rf build build-test
 
-.PHONY: all install check clean
+.PHONY: all install check words clean

@@ -24,7 +24,7 @@ static constexpr list_controls loaded_controls = {
 	.list = samples_loaded_list,
 	.heading = samples_loaded_heading,
 	.retry = samples_retry,
-	.what = "sample",
+	.what = noun::sample,
 };
 
 static constexpr int detail_fields[] = { samples_detail_origin, samples_detail_name,

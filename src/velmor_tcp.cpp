@@ -49,8 +49,9 @@ static std::string wait_until_connected(int handle)
 		state = host.net->connected(handle);
 	}
 	if (state == 0)
-		return format_text("There was no answer within %d seconds. Is the far end switched "
-				   "on, and on this network?",
+		return format_text(
+			tr("There was no answer within %d seconds. Is the far end switched "
+			   "on, and on this network?"),
 			static_cast<int>(connect_seconds));
 	return state > 0 ? "" : host.net->error_text(-state);
 }
@@ -151,7 +152,7 @@ bool send_tcp(std::span<const u8> bytes)
 	sending = false;
 	if (!sent) {
 		log_line("[W] TCP: message not taken by %s:%d\r\n", tcp_address, tcp_port);
-		failure = "The far end of the TCP bridge does not take the message.";
+		failure = tr("The far end of the TCP bridge does not take the message.");
 	}
 	return sent;
 }
@@ -213,7 +214,7 @@ int take_tcp(u8 *bytes, int capacity)
 	if (got >= 0)
 		return static_cast<int>(got);
 	failure = use_tcp ? host.net->error_text(static_cast<int>(-got))
-			  : "The TCP bridge was switched off.";
+			  : tr("The TCP bridge was switched off.");
 	return -1;
 }
 

@@ -40,7 +40,7 @@ static void stop_work()
 // clang-format off
 static constexpr caption_row progress_captions[] = {
 	{ window_progress, 0,             "Progress", nullptr, nullptr },
-	{ window_progress, progress_stop, "Stop", "End this work at the next point where the sampler stays usable", nullptr },
+	{ window_progress, progress_stop, "Stop", own("End this work at the next point where the sampler stays usable"), nullptr },
 };
 static constexpr command_row progress_commands[] = {
 	{ window_progress, progress_stop,  stop_work, always },

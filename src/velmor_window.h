@@ -14,6 +14,7 @@
 
 #pragma once
 #include "src/controls.h"
+#include "src/velmor_counts.h"
 #include "src/velmor_work.h"
 #include <functional>
 #include <span>
@@ -163,7 +164,7 @@ void forget_status();
 // State and heading of a list of the sampler, and its retry button where it could not be read.
 struct list_controls {
 	int window, list, heading, retry;
-	const char *what; // of one entry: "sample"
+	noun what; // of its entries
 };
 void show_list_knowledge(const list_controls &where, const known_list &known, int count);
 

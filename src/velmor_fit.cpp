@@ -157,7 +157,7 @@ fit_plan plan_fit(const _sampler_type &model, const wave_shape &file)
 		plan.words = convertible(file)
 				     ? "Import it with 1 Channel and Create L/R files, as a "
 				       "conversion keeps only its left channel."
-				     : "It cannot be converted here.";
+				     : tr("It cannot be converted here.");
 		return plan;
 	}
 	plan.possible = true;
@@ -221,7 +221,7 @@ static outcome outcome_of(const fit_work &work, bool stopped, int all)
 		result.line = format_text("%d converted, %d fitted already, of %d sample%s.",
 			work.fitted, work.fitting, all, all == 1 ? "" : "s");
 	if (all == 1 && !work.failures.empty())
-		result.line = "The sample stays as it is.";
+		result.line = tr("The sample stays as it is.");
 	if (all == 1 && work.fitting)
 		result.line =
 			"The sample fits " + std::string(work.model.sampler_brand) + " as it is.";
@@ -249,7 +249,7 @@ static void fit_chosen_samples()
 		return;
 	}
 	fit_work work = { .model = *model };
-	show_progressbar(window_samples, static_cast<int>(names.size()), "Fitting samples...");
+	show_progressbar(window_samples, static_cast<int>(names.size()), tr("Fitting samples..."));
 	for (std::size_t i = 0; i < names.size() && !progress_stopped(); i++) {
 		fit_one(&work, names[i]);
 		set_progressbar(static_cast<int>(i + 1));
@@ -261,7 +261,7 @@ static void fit_chosen_samples()
 			work.fitted == 1 ? "" : "s");
 		remember_undo(work.undo);
 	}
-	fill_local(chosen);
+	fill_local({ chosen });
 	show_outcome(outcome_of(work, stopped, static_cast<int>(names.size())));
 }
 
@@ -279,24 +279,24 @@ void show_transfer_choices()
 	const bool offered = model && has_exact_uploads(*model);
 	const std::string other =
 		model ? std::string(model->sampler_brand) + " takes samples at their own length."
-		      : "Load a sampler first.";
+		      : tr("Load a sampler first.");
 	host.ui->set_checked(window_samples, samples_exact, offered && exact_uploads());
 	host.ui->set_reason(window_samples, samples_exact, offered ? nullptr : other.c_str());
 	host.ui->set_text(window_samples, samples_rate, connection_text().c_str());
 	host.ui->set_reason(window_samples, samples_fit,
-		!model                   ? "Load a sampler first."
-		: chosen_names().empty() ? "Choose a sample on this computer first."
+		!model                   ? tr("Load a sampler first.")
+		: chosen_names().empty() ? tr("Choose a sample on this computer first.")
 					 : nullptr);
 }
 
 // clang-format off
 static constexpr caption_row fit_captions[] = {
-	{ window_samples, samples_exact,           "Exact length", "Send each word once, and pitch, loop, play mode and tuning with them; otherwise the second half of a sample is silence", nullptr },
-	{ window_samples, samples_fit,             "Fit to the Sampler", "Make of the chosen samples what the loaded sampler takes: bits, channels and rate, no more than it needs", nullptr },
-	{ window_samples, samples_rate,            "Connection", "How many bytes of sound a second go over this connection, as measured", nullptr },
-	{ window_samples, samples_preview_becomes, "Becomes", nullptr, nullptr },
-	{ window_samples, samples_preview_lost,    "Lost", nullptr, nullptr },
-	{ window_samples, samples_preview_upload,  "Upload", nullptr, nullptr },
+	{ window_samples, samples_exact,           own("Exact length"), own("Send each word once, and pitch, loop, play mode and tuning with them; otherwise the second half of a sample is silence"), nullptr },
+	{ window_samples, samples_fit,             own("Fit to the Sampler"), own("Make of the chosen samples what the loaded sampler takes: bits, channels and rate, no more than it needs"), nullptr },
+	{ window_samples, samples_rate,            own("Connection"), own("How many bytes of sound a second go over this connection, as measured"), nullptr },
+	{ window_samples, samples_preview_becomes, own("Becomes"), nullptr, nullptr },
+	{ window_samples, samples_preview_lost,    own("Lost"), nullptr, nullptr },
+	{ window_samples, samples_preview_upload,  own("Upload"), nullptr, nullptr },
 };
 static constexpr command_row fit_commands[] = {
 	{ window_samples, samples_fit,   fit_chosen_samples, alone },

@@ -146,12 +146,12 @@ static std::string duration(double seconds)
 {
 	const long whole = static_cast<long>(seconds + 0.5);
 	if (whole < 1)
-		return "less than a second";
+		return tr("less than a second");
 	if (whole < 60)
-		return format_text("about %ld s", whole);
+		return format_text(tr("about %ld s"), whole);
 	if (whole < 3600)
-		return format_text("about %ld min %ld s", whole / 60, whole % 60);
-	return format_text("about %ld h %ld min", whole / 3600, whole / 60 % 60);
+		return format_text(tr("about %ld min %ld s"), whole / 60, whole % 60);
+	return format_text(tr("about %ld h %ld min"), whole / 3600, whole / 60 % 60);
 }
 
 static std::string size_text(u64 bytes)
@@ -239,10 +239,10 @@ static void add_upload(preview_sum *sum, const wave_shape &file, int files)
 static const char *lost_channel(int mixing)
 {
 	if (mixing == import_left)
-		return "the right channel (Left Channel is chosen)";
+		return tr("the right channel (Left Channel is chosen)");
 	if (mixing == import_right)
-		return "the left channel (Right Channel is chosen)";
-	return "what differs between the channels (Mix Channels is chosen)";
+		return tr("the left channel (Right Channel is chosen)");
+	return tr("what differs between the channels (Mix Channels is chosen)");
 }
 
 static std::vector<std::string> losses_of(
@@ -255,9 +255,9 @@ static std::vector<std::string> losses_of(
 	else if (from.channels > to.channels && files == 1)
 		lost.push_back(lost_channel(options.mixing));
 	if (!from.exact)
-		lost.push_back("what is finer than 24 bits");
+		lost.push_back(tr("what is finer than 24 bits"));
 	if (to.bits < from.bits)
-		lost.push_back(format_text("the lower %u bits (Convert to %u bit is chosen)",
+		lost.push_back(format_text(tr("the lower %u bits (Convert to %u bit is chosen)"),
 			from.bits - to.bits, to.bits));
 	if (to.rate < from.rate)
 		lost.push_back(
@@ -332,7 +332,7 @@ static void add_file(preview_sum *sum, const std::string &path)
 	if (as_it_is) {
 		add_upload(sum, file, 1);
 		if (sum->refused && plan_fit(*sum->model, file).possible)
-			sum->refusal += " Or press Fit to the Sampler.";
+			sum->refusal += tr(" Or press Fit to the Sampler.");
 		sum->on_sampler.push_back(name_for(*sum, name));
 		becomes = sum->model ? sum->on_sampler.back() + " on the sampler" : "";
 	} else {
@@ -372,7 +372,8 @@ static std::string arrival_text(const preview_sum &sum)
 	std::string arrival = sum.results == 1 ? sum.words : "";
 	if (has_exact_uploads(*sum.model))
 		arrival += (arrival.empty() ? "" : " · ") +
-			   std::string(exact ? "without exact length " : "with exact length ") +
+			   std::string(
+				   exact ? tr("without exact length ") : tr("with exact length ")) +
 			   lasts(!exact);
 	return text + (arrival.empty() ? "" : "\n") + arrival;
 }

@@ -155,7 +155,7 @@ std::string connection_text()
 	if (down.measured)
 		return rate_text(down.bytes_per_second) + " down\non this connection";
 	return up.measured ? rate_text(up.bytes_per_second) + " on this connection"
-			   : "Not measured yet\non this connection";
+			   : tr("Not measured yet\non this connection");
 }
 
 } // namespace velmor

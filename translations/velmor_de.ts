@@ -2457,5 +2457,111 @@ Das Log nennt die Parameter, die nicht mitkönnen, und die, die keine AKP-Datei 
         <source>You may not open the MIDI port. Add yourself to the group &quot;audio&quot;, log out and in again</source>
         <translation>Sie dürfen den MIDI-Port nicht öffnen. Treten Sie der Gruppe &quot;audio&quot; bei, und melden Sie sich ab und wieder an</translation>
     </message>
+    <message>
+        <source> Or press Fit to the Sampler.</source>
+        <translation> Oder „An den Sampler anpassen“ drücken.</translation>
+    </message>
+    <message>
+        <source>Becomes</source>
+        <translation>Wird zu</translation>
+    </message>
+    <message>
+        <source>Choose a sample on this computer first.</source>
+        <translation>Zuerst ein Sample auf diesem Computer wählen.</translation>
+    </message>
+    <message>
+        <source>Exact length</source>
+        <translation>Genaue Länge</translation>
+    </message>
+    <message>
+        <source>Fit to the Sampler</source>
+        <translation>An den Sampler anpassen</translation>
+    </message>
+    <message>
+        <source>Fitting samples...</source>
+        <translation>Samples werden angepasst...</translation>
+    </message>
+    <message>
+        <source>How many bytes of sound a second go over this connection, as measured</source>
+        <translation>Wie viele Bytes Klang in der Sekunde über diese Verbindung gehen, wie gemessen</translation>
+    </message>
+    <message>
+        <source>It cannot be converted here.</source>
+        <translation>Es kann hier nicht umgewandelt werden.</translation>
+    </message>
+    <message>
+        <source>Load a sampler first.</source>
+        <translation>Zuerst einen Sampler laden.</translation>
+    </message>
+    <message>
+        <source>Lost</source>
+        <translation>Verloren</translation>
+    </message>
+    <message>
+        <source>Make of the chosen samples what the loaded sampler takes: bits, channels and rate, no more than it needs</source>
+        <translation>Aus den gewählten Samples machen, was der geladene Sampler nimmt: Bits, Kanäle und Rate, nicht mehr als nötig</translation>
+    </message>
+    <message>
+        <source>Not measured yet
+on this connection</source>
+        <translation>Auf dieser Verbindung
+noch nicht gemessen</translation>
+    </message>
+    <message>
+        <source>Send each word once, and pitch, loop, play mode and tuning with them; otherwise the second half of a sample is silence</source>
+        <translation>Jedes Wort einmal senden, und Tonhöhe, Loop, Spielart und Stimmung dazu; sonst ist die zweite Hälfte eines Samples Stille</translation>
+    </message>
+    <message>
+        <source>The sample stays as it is.</source>
+        <translation>Das Sample bleibt, wie es ist.</translation>
+    </message>
+    <message>
+        <source>Upload</source>
+        <translation>Senden</translation>
+    </message>
+    <message>
+        <source>about %ld h %ld min</source>
+        <translation>etwa %ld h %ld min</translation>
+    </message>
+    <message>
+        <source>about %ld min %ld s</source>
+        <translation>etwa %ld min %ld s</translation>
+    </message>
+    <message>
+        <source>about %ld s</source>
+        <translation>etwa %ld s</translation>
+    </message>
+    <message>
+        <source>less than a second</source>
+        <translation>weniger als eine Sekunde</translation>
+    </message>
+    <message>
+        <source>the left channel (Right Channel is chosen)</source>
+        <translation>der linke Kanal (Right Channel ist gewählt)</translation>
+    </message>
+    <message>
+        <source>the lower %u bits (Convert to %u bit is chosen)</source>
+        <translation>die unteren %u Bit (Convert to %u bit ist gewählt)</translation>
+    </message>
+    <message>
+        <source>the right channel (Left Channel is chosen)</source>
+        <translation>der rechte Kanal (Left Channel ist gewählt)</translation>
+    </message>
+    <message>
+        <source>what differs between the channels (Mix Channels is chosen)</source>
+        <translation>was die Kanäle unterscheidet (Mix Channels ist gewählt)</translation>
+    </message>
+    <message>
+        <source>what is finer than 24 bits</source>
+        <translation>was feiner als 24 Bit ist</translation>
+    </message>
+    <message>
+        <source>with exact length </source>
+        <translation>mit genauer Länge </translation>
+    </message>
+    <message>
+        <source>without exact length </source>
+        <translation>ohne genaue Länge </translation>
+    </message>
 </context>
 </TS>

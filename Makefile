@@ -1,5 +1,5 @@
 # The customary words, for those who type them first; ./run and make build the same folder
-# in the same way.
+# in the same way. The package has a folder of its own.
 
 SHELL := /bin/bash -o pipefail
 
@@ -9,6 +9,9 @@ all:
 install: all
 	cmake --install build
 
+deb:
+	@packaging/make-deb.sh
+
 check:
 	./test
 
@@ -17,6 +20,6 @@ words:
 	packaging/words.sh
 
 clean:
-	rm -rf build build-test
+	rm -rf build build-test build-deb
 
-.PHONY: all install check words clean
+.PHONY: all install deb check words clean

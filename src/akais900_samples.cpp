@@ -126,7 +126,7 @@ public:
 		if (count < 0)
 			why = why_tcp_failed();
 		else if (!over_tcp && host.midi->input_error(handle))
-			why = host.midi->error_text(host.midi->input_error(handle));
+			why = tr(host.midi->error_text(host.midi->input_error(handle)));
 		return why.empty();
 	}
 	bool silent_for(double seconds) const { return host.clock->counter() - heard > seconds; }

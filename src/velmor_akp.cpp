@@ -4,10 +4,10 @@
 
 #include "src/velmor_akp.h"
 #include "src/akaiprograms.h"
+#include "src/velmor_counts.h"
 #include "src/velmor_library.h"
 #include "src/velmor_programs.h"
 #include "src/waveqx.h"
-#include "src/velmor_counts.h"
 #include <algorithm>
 
 namespace velmor

@@ -77,7 +77,7 @@ static bool wait_until_left(int handle, int length, outcome *why)
 			return false;
 		if (left < 0)
 			return port_failed(
-				failed, host.midi->error_text(static_cast<int>(-left)), why);
+				failed, tr(host.midi->error_text(static_cast<int>(-left))), why);
 		if (waits_since >= end)
 			return port_failed(failed,
 				tr("It does not send. Is the interface still connected?"), why);
@@ -93,13 +93,13 @@ bool play_midi_data(const u8 *data, int length, outcome *why)
 	int code = open_midi_output();
 	if (code)
 		return port_failed(
-			"MIDI-PLAY midiOutPrepare failed!", host.midi->error_text(code), why);
+			"MIDI-PLAY midiOutPrepare failed!", tr(host.midi->error_text(code)), why);
 	const int handle = the_outHandle;
 	waits_since = host.clock->counter();
 	code = host.midi->write(handle, data, static_cast<std::size_t>(std::max(length, 0)));
 	if (code)
 		return port_failed(
-			"MIDI-PLAY midiOutLongMsg failed!", host.midi->error_text(code), why);
+			"MIDI-PLAY midiOutLongMsg failed!", tr(host.midi->error_text(code)), why);
 	return wait_until_left(handle, length, why);
 }
 

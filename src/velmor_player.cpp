@@ -6,9 +6,9 @@
 // Knows nothing of: the events of a file, toolkits.
 
 #include "src/velmor_player.h"
+#include "src/velmor_counts.h"
 #include "src/velmor_midi.h"
 #include "src/waveqx.h"
-#include "src/velmor_counts.h"
 #include <algorithm>
 #include <cmath>
 

@@ -12,11 +12,11 @@
 #include "src/velmor_programs.h"
 #include "src/akaiprograms.h"
 #include "src/akais900.h"
+#include "src/velmor_counts.h"
 #include "src/velmor_edits.h"
 #include "src/velmor_library.h"
 #include "src/waveqx.h"
 #include "src/waveqx_file.h"
-#include "src/velmor_counts.h"
 #include <algorithm>
 #include <utility>
 
@@ -604,9 +604,10 @@ outcome upload_files(const std::vector<std::string> &paths)
 {
 	if (paths.empty())
 		return {};
-	return run_queue(paths, own("%d of %d samples were uploaded."), [](const std::string &path) {
-		return upload_sample(path.substr(0, path.size() - 4));
-	});
+	return run_queue(
+		paths, own("%d of %d samples were uploaded."), [](const std::string &path) {
+			return upload_sample(path.substr(0, path.size() - 4));
+		});
 }
 
 outcome download_program(const program_entry &which)

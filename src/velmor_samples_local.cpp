@@ -2,6 +2,7 @@
 //
 // Knows nothing of: models, toolkits.
 
+#include "src/velmor_fit.h"
 #include "src/velmor_samples_page.h"
 #include "src/waveqx.h"
 
@@ -112,7 +113,7 @@ void upload_selected_sample()
 	if (no_local(chosen))
 		return;
 	const std::string path = local_sample[static_cast<std::size_t>(chosen.index)].pathname;
-	if (!make_audible(path))
+	if (!may_send_names({ &chosen.name, 1 }) || !make_audible(path))
 		return;
 	const outcome result = upload_sample(path);
 	show_change(result,

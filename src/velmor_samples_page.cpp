@@ -436,7 +436,7 @@ static constexpr caption_row samples_captions[] = {
 	{ window_samples,  samples_mix_both_to_one, "Mix Channels", "From a stereo file take the average of both channels", nullptr },
 	{ window_samples,  samples_mix_both,        "Both Channels", "Put a mono file on both channels", nullptr },
 	{ window_samples,  samples_mix_files,       "Create L/R files", "Make two mono samples of a stereo file, with -L and -R behind their names", nullptr },
-	{ window_samples,  samples_import_preview,  "Import preview", "What the options above make of a file, and how long the sampler takes to receive it", nullptr },
+	{ window_samples,  samples_import_preview,  "File", "The chosen sample, or the files that hover over the list", nullptr },
 	{ window_samples,  samples_loaded_heading,  "State of the sampler's list", "How many samples, and when they were read", nullptr },
 	{ window_samples,  samples_local_heading,   "State of the spool", "How many samples there are on this computer", nullptr },
 	{ window_samples,  samples_retry,           "Try again", "Ask the sampler once more", nullptr },

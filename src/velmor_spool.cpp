@@ -348,6 +348,30 @@ outcome replace_local(const std::string &name, std::span<const u8> file, const s
 	return {};
 }
 
+outcome convert_local(const std::string &name, const import_options &options, undo_step *undo)
+{
+	const std::string path = wave_path_of(spool_folder() + "\\" + name);
+	(void)host.files->make_folder(deleted_folder().c_str()); // shows at the copy
+	const std::string folder = deleted_folder() + "\\undo";
+	const std::string place = free_place(folder, name), copy = place + ".wav";
+	if (const std::string why = keep_copy(path, copy); !why.empty())
+		return edit_failed(why, name);
+	if (!import_sound(path.c_str(), window_samples, static_cast<unsigned>(options.bits),
+		    options.rate, static_cast<unsigned>(options.channels),
+		    static_cast<unsigned>(options.mixing), import_pitch)) {
+		host.files->remove(copy.c_str());
+		if (progress_stopped())
+			return { .how = ending::stopped };
+		return edit_failed(
+			import_failure.empty() ? "It was not converted." : import_failure, name);
+	}
+	const std::string before =
+		free_place(folder, place.substr(place.rfind('\\') + 1) + ", edited") + ".wav";
+	undo->moves.push_back({ copy, path });
+	undo->moves.push_back({ path, before });
+	return {};
+}
+
 // ---- The whole spool ----------------------------------------------------------------------------------
 
 // Why the last import or export failed, on a line of its own.

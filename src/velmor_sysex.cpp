@@ -66,7 +66,7 @@ static void port_failed(const char *words, call_site at = call_site::current())
 
 static void port_failed(int code, call_site at = call_site::current())
 {
-	port_failed(host.midi->error_text(code), at);
+	port_failed(tr(host.midi->error_text(code)), at);
 }
 
 // Every exchange that wanted an answer ends here, over MIDI as over the bridge. Whether the S900

@@ -53,14 +53,14 @@ static std::string wait_until_connected(int handle)
 			tr("There was no answer within %d seconds. Is the far end switched "
 			   "on, and on this network?"),
 			static_cast<int>(connect_seconds));
-	return state > 0 ? "" : host.net->error_text(-state);
+	return state > 0 ? "" : tr(host.net->error_text(-state));
 }
 
 static bool connect_tcp(int *handle)
 {
 	std::string wrong;
 	if (const int code = host.net->connect(tcp_address, tcp_port, handle)) {
-		wrong = host.net->error_text(code);
+		wrong = tr(host.net->error_text(code));
 	} else {
 		log_line("[D] Starting TCP (%s:%d) SOCKET DONE...\r\n", tcp_address, tcp_port);
 		wrong = wait_until_connected(*handle);
@@ -167,7 +167,7 @@ static int receive_before_deadline(u8 *input, int capacity)
 	while (use_tcp && count < capacity) {
 		const long got = host.net->receive(tcp_socket, input + count, 1);
 		if (got < 0) {
-			failure = host.net->error_text(static_cast<int>(-got));
+			failure = tr(host.net->error_text(static_cast<int>(-got)));
 			log_line("[W] TCP (%s:%d): %s\r\n", tcp_address, tcp_port, failure.c_str());
 			return count;
 		}
@@ -213,7 +213,7 @@ int take_tcp(u8 *bytes, int capacity)
 				 : -1;
 	if (got >= 0)
 		return static_cast<int>(got);
-	failure = use_tcp ? host.net->error_text(static_cast<int>(-got))
+	failure = use_tcp ? tr(host.net->error_text(static_cast<int>(-got)))
 			  : tr("The TCP bridge was switched off.");
 	return -1;
 }

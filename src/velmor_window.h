@@ -64,6 +64,7 @@ extern const window_rows main_rows, settings_rows, sampler_rows; // velmor_setup
 extern const window_rows entry_rows;                             // velmor_entries.cpp
 extern const window_rows usb_rows;                               // velmor_usb.cpp
 extern const window_rows samples_rows;                           // velmor_samples_page.cpp
+extern const window_rows fit_rows;                               // velmor_fit.cpp
 extern const window_rows programs_rows;                          // velmor_programs_commands.cpp
 extern const window_rows multis_rows;                            // velmor_multis.cpp
 extern const window_rows panel_rows;                             // velmor_panel.cpp
@@ -249,8 +250,8 @@ std::vector<std::string> wave_columns(const std::string &path);
 // Say what the import options make of these files. None: of the selected local sample.
 void show_import_preview(std::span<const std::string> paths);
 
-// Seconds that an upload of so many bytes takes to a sampler of that model: over MIDI from the
-// wire's 31250 baud, over USB from full speed.
+// Seconds that an upload of a file with so many bytes of audio takes to a sampler of that model, as
+// the choice of exact uploads stands.
 double transfer_seconds(const _sampler_type &model, u64 bytes);
 
 } // namespace velmor

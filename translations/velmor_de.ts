@@ -2755,5 +2755,163 @@ Jetzt konvertieren und senden, was daraus wird?</translation>
         <source>End this work at the next point where the sampler stays usable</source>
         <translation>Beendet diese Arbeit an der nächsten Stelle, an der der Sampler brauchbar bleibt</translation>
     </message>
+    <message>
+        <source>MIDI bytes came faster than they could be read; some are lost</source>
+        <translation>MIDI-Bytes kamen schneller, als sie sich lesen ließen; einige sind verloren</translation>
+    </message>
+    <message>
+        <source>The MIDI port is gone. Plug the interface in again, then choose it again</source>
+        <translation>Der MIDI-Port ist weg. Schließen Sie die Schnittstelle wieder an, und wählen Sie ihn dann noch einmal</translation>
+    </message>
+    <message>
+        <source>The MIDI port is in use by another program. Close that program and try again</source>
+        <translation>Ein anderes Programm benutzt den MIDI-Port. Schließen Sie es, und versuchen Sie es noch einmal</translation>
+    </message>
+    <message>
+        <source>The MIDI port is not open</source>
+        <translation>Der MIDI-Port ist nicht offen</translation>
+    </message>
+    <message>
+        <source>The address is no IPv4 address such as 192.168.0.10.</source>
+        <translation>Die Adresse ist keine IPv4-Adresse wie 192.168.0.10.</translation>
+    </message>
+    <message>
+        <source>The far end broke the connection off.</source>
+        <translation>Die Gegenstelle hat die Verbindung abgebrochen.</translation>
+    </message>
+    <message>
+        <source>The far end closed the connection.</source>
+        <translation>Die Gegenstelle hat die Verbindung geschlossen.</translation>
+    </message>
+    <message>
+        <source>The far end does not answer. Is it switched on, and on this network?</source>
+        <translation>Die Gegenstelle antwortet nicht. Ist sie eingeschaltet und in diesem Netz?</translation>
+    </message>
+    <message>
+        <source>The far end refuses the connection. Does the bridge run there, on this port?</source>
+        <translation>Die Gegenstelle lehnt die Verbindung ab. Läuft dort die Bridge, auf diesem Port?</translation>
+    </message>
+    <message>
+        <source>The program at the other end does not let others connect</source>
+        <translation>Das Programm am anderen Ende lässt andere nicht verbinden</translation>
+    </message>
+    <message>
+        <source>The program at the other end does not take its MIDI data</source>
+        <translation>Das Programm am anderen Ende nimmt seine MIDI-Daten nicht ab</translation>
+    </message>
+    <message>
+        <source>There is no network that leads to this address.</source>
+        <translation>Kein Netz führt zu dieser Adresse.</translation>
+    </message>
+    <message>
+        <source>There is no such MIDI port. Choose one in the settings</source>
+        <translation>Diesen MIDI-Port gibt es nicht. Wählen Sie einen in den Einstellungen</translation>
+    </message>
+    <message>
+        <source>You may not open the MIDI port. Add yourself to the group &quot;audio&quot;, log out and in again</source>
+        <translation>Sie dürfen den MIDI-Port nicht öffnen. Treten Sie der Gruppe &quot;audio&quot; bei, und melden Sie sich ab und wieder an</translation>
+    </message>
+    <message>
+        <source> Or press Fit to the Sampler.</source>
+        <translation> Oder „An den Sampler anpassen“ drücken.</translation>
+    </message>
+    <message>
+        <source>Becomes</source>
+        <translation>Wird zu</translation>
+    </message>
+    <message>
+        <source>Exact length</source>
+        <translation>Genaue Länge</translation>
+    </message>
+    <message>
+        <source>Fit to the Sampler</source>
+        <translation>An den Sampler anpassen</translation>
+    </message>
+    <message>
+        <source>Fitting samples...</source>
+        <translation>Samples werden angepasst...</translation>
+    </message>
+    <message>
+        <source>How many bytes of sound a second go over this connection, as measured</source>
+        <translation>Wie viele Bytes Klang in der Sekunde über diese Verbindung gehen, wie gemessen</translation>
+    </message>
+    <message>
+        <source>It cannot be converted here.</source>
+        <translation>Es kann hier nicht umgewandelt werden.</translation>
+    </message>
+    <message>
+        <source>Load a sampler first.</source>
+        <translation>Zuerst einen Sampler laden.</translation>
+    </message>
+    <message>
+        <source>Lost</source>
+        <translation>Verloren</translation>
+    </message>
+    <message>
+        <source>Make of the chosen samples what the loaded sampler takes: bits, channels and rate, no more than it needs</source>
+        <translation>Aus den gewählten Samples machen, was der geladene Sampler nimmt: Bits, Kanäle und Rate, nicht mehr als nötig</translation>
+    </message>
+    <message>
+        <source>Not measured yet
+on this connection</source>
+        <translation>Auf dieser Verbindung
+noch nicht gemessen</translation>
+    </message>
+    <message>
+        <source>Send each word once, and pitch, loop, play mode and tuning with them; otherwise the second half of a sample is silence</source>
+        <translation>Jedes Wort einmal senden, und Tonhöhe, Loop, Spielart und Stimmung dazu; sonst ist die zweite Hälfte eines Samples Stille</translation>
+    </message>
+    <message>
+        <source>The sample stays as it is.</source>
+        <translation>Das Sample bleibt, wie es ist.</translation>
+    </message>
+    <message>
+        <source>Upload</source>
+        <translation>Senden</translation>
+    </message>
+    <message>
+        <source>about %ld h %ld min</source>
+        <translation>etwa %ld h %ld min</translation>
+    </message>
+    <message>
+        <source>about %ld min %ld s</source>
+        <translation>etwa %ld min %ld s</translation>
+    </message>
+    <message>
+        <source>about %ld s</source>
+        <translation>etwa %ld s</translation>
+    </message>
+    <message>
+        <source>less than a second</source>
+        <translation>weniger als eine Sekunde</translation>
+    </message>
+    <message>
+        <source>the left channel (Right Channel is chosen)</source>
+        <translation>der linke Kanal (Right Channel ist gewählt)</translation>
+    </message>
+    <message>
+        <source>the lower %u bits (Convert to %u bit is chosen)</source>
+        <translation>die unteren %u Bit (Convert to %u bit ist gewählt)</translation>
+    </message>
+    <message>
+        <source>the right channel (Left Channel is chosen)</source>
+        <translation>der rechte Kanal (Left Channel ist gewählt)</translation>
+    </message>
+    <message>
+        <source>what differs between the channels (Mix Channels is chosen)</source>
+        <translation>was die Kanäle unterscheidet (Mix Channels ist gewählt)</translation>
+    </message>
+    <message>
+        <source>what is finer than 24 bits</source>
+        <translation>was feiner als 24 Bit ist</translation>
+    </message>
+    <message>
+        <source>with exact length </source>
+        <translation>mit genauer Länge </translation>
+    </message>
+    <message>
+        <source>without exact length </source>
+        <translation>ohne genaue Länge </translation>
+    </message>
 </context>
 </TS>

@@ -2509,7 +2509,7 @@ Jetzt konvertieren und senden, was daraus wird?</translation>
     </message>
     <message>
         <source>Choose a sample on this computer first.</source>
-        <translation>Wählen Sie erst ein Sample auf diesem Computer.</translation>
+        <translation>Zuerst ein Sample auf diesem Computer wählen.</translation>
     </message>
     <message>
         <source>Close</source>

@@ -79,11 +79,14 @@ static bool may_upload(work_queue *queue, bool *convert)
 static void upload_several(const chosen_entries &all)
 {
 	work_queue queue;
-	for (const chosen_entry &entry : all)
+	std::vector<std::string> names;
+	for (const chosen_entry &entry : all) {
 		queue.push_back({ .name = entry.name,
 			.path = local_sample[static_cast<std::size_t>(entry.index)].pathname });
+		names.push_back(entry.name);
+	}
 	bool convert = false;
-	if (!may_upload(&queue, &convert)) {
+	if (!may_send_names(names) || !may_upload(&queue, &convert)) {
 		show_outcome({ .how = ending::stopped, .line = tr("Nothing was uploaded.") });
 		return;
 	}

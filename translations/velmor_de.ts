@@ -2913,5 +2913,245 @@ noch nicht gemessen</translation>
         <source>without exact length </source>
         <translation>ohne genaue Länge </translation>
     </message>
+    <message>
+        <source>6 is twice as loud, -6 half as loud</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Ask the sampler about the chosen sample</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Choose sound files and convert them into the spool</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Copy every sample of the sampler to this computer</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Copy every sample of the spool to a folder of your choice</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Copy the chosen sample from the sampler to this computer</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Cut the chosen sample of this computer to what lies between start and end</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Decibels</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Delete every sample of the spool from this computer</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Delete the chosen sample from this computer</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Download all Samples</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Fade Seam</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>For the S900/950</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>From a stereo file take the average of both channels</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>From a stereo file take the left channel; put a mono file on the left</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>From a stereo file take the right channel; put a mono file on the right</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Give the chosen sample on the sampler the name in the field</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Give the chosen sample on this computer the name in the field</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>How long the fade of the seam is</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>How many samples there are on this computer</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>How many samples, and when they were read</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Leave mono mono and stereo stereo</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Leave the bits of a value as they are</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Leave the sampling rate as it is</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Length (s):</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Loop from start to end, which can be dragged in the picture</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Loop here</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Make every sample mono</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Make every sample stereo</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Make the sample louder or softer by the decibels in the field</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Make the sample so loud that its loudest value is full scale</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Make two mono samples of a stereo file, with -L and -R behind their names</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Milliseconds of the fade</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>No local sample chosen</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Normalise</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Origin:</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Original pitch:</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Play mode:</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Put a mono file on both channels</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Rate (Hz):</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Read the sampler and the spool anew</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Remove the chosen sample from the sampler&apos;s memory</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Search samples on the sampler</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Search samples on this computer</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Send the chosen sample to the sampler</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Show what the file says about the chosen sample</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>State of the spool</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Take the loop away; the sound stays</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The chosen sample on this computer; its loop is shaded</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The chosen sample, or the files that hover over the list</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The name for Rename this Sample</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The sampler holds no samples</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The samples in the sampler&apos;s memory</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The samples in the spool; drop sound files here to import them</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The spool is empty: download samples, or drop sound files here</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Turn the end of the loop slowly into what stands in front of it, so that it comes round without a click</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Waveform</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>What most samplers take</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>dB</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>ms</source>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 </TS>

@@ -20,7 +20,9 @@
 namespace velmor
 {
 
-enum { least_message = s900_data + 2 };
+enum {
+	least_message = s900_data + 2
+};
 
 static int wire_channel()
 {
@@ -44,9 +46,8 @@ bool akai_s900_read_kept_program(int index, _program *program, raw_blocks *block
 	if (!is_undamaged(answer) || answer.bytes.size() < whole || keygroups > max_keygroups)
 		return false;
 	block_to_record(akai_s900_program_parameters, answer.view(), *program);
-	copy_text(program->name,
-		s900_trimmed(s900_spaced_text(
-			answer.view().from(s900_program_name), s900_name_size)));
+	copy_text(program->name, s900_trimmed(s900_spaced_text(
+					 answer.view().from(s900_program_name), s900_name_size)));
 	program->number = index;
 	program->keygroups = keygroups;
 	for (int k = 0; k < keygroups; k++)

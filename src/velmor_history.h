@@ -55,12 +55,12 @@ struct history_step {
 	std::string time, sampler, model;
 	step_kind kind = step_kind::delete_sample;
 	step_state state = step_state::begun;
-	std::string name, new_name;     // as the workflow was given them
-	std::vector<kept_thing> there;  // what the work goes over or takes away
-	std::vector<std::string> came;  // names that the list has since
-	std::string cannot;             // why undo does not bring it back, a sentence; "" where it does
-	std::string damage;             // why the manifest cannot be used; "" where it can
-	u64 bytes = 0;                  // of all its files
+	std::string name, new_name;    // as the workflow was given them
+	std::vector<kept_thing> there; // what the work goes over or takes away
+	std::vector<std::string> came; // names that the list has since
+	std::string cannot; // why undo does not bring it back, a sentence; "" where it does
+	std::string damage; // why the manifest cannot be used; "" where it can
+	u64 bytes = 0;      // of all its files
 };
 
 std::string step_text(const history_step &step);
@@ -89,9 +89,9 @@ outcome remove_steps(std::span<const std::string> folders);
 // ---- Settings (velmor_history.cpp) ---------------------------------------------------------------
 
 struct history_settings {
-	bool on = false;              // keep first
-	bool long_samples = false;    // also what takes long, without asking
-	int megabytes = 500;          // of one sampler
+	bool on = false;           // keep first
+	bool long_samples = false; // also what takes long, without asking
+	int megabytes = 500;       // of one sampler
 };
 extern history_settings the_history;
 void load_history_settings();

@@ -4,6 +4,7 @@
 #include "src/akais1000.h"
 #include "src/akais5000.h"
 #include "src/akais900.h"
+#include "src/akaiusb.h"
 #include "src/akaiz4.h"
 #include <algorithm>
 
@@ -22,13 +23,20 @@ int listed_sample(const std::string &name)
 // A packet of 40 words with its request, and a block of 60 with its answer, at 31250 baud.
 static constexpr double s1000_word = (127 + 18) / 40.0 / 3125, s900_word = (122 + 4) / 60.0 / 3125;
 
+// A download from a device that does not open ends the program, so it is tried first.
+static bool device_opens()
+{
+	return static_cast<bool>(open_loaded_usbdev());
+}
+
 static constexpr kept_family s1000_family = {
 	.read_program = akai_s1000_read_kept_program,
 	.write_program = akai_s1000_write_kept_program,
 	.read_header = akai_s1000_read_kept_header,
 	.write_header = nullptr,
-	.send_sample = nullptr,
+	.send_sample = akai_s1000_send_kept_sample,
 	.replaced = listed_sample,
+	.reachable = nullptr,
 	.seconds_per_word = s1000_word,
 	.creates_programs = true,
 	.new_programs = nullptr,
@@ -39,8 +47,9 @@ static constexpr kept_family s900_family = {
 	.write_program = akai_s900_write_kept_program,
 	.read_header = akai_s900_read_kept_header,
 	.write_header = akai_s900_write_kept_header,
-	.send_sample = nullptr, // the upload of the table sends every word
+	.send_sample = nullptr,
 	.replaced = akai_s900_replaced,
+	.reachable = nullptr,
 	.seconds_per_word = s900_word,
 	.creates_programs = true,
 	.new_programs = nullptr,
@@ -48,11 +57,12 @@ static constexpr kept_family s900_family = {
 
 static constexpr kept_family s5000_family = {
 	.read_program = akai_s5000_read_kept_program,
-	.write_program = nullptr, // single values, which saving sends
-	.read_header = nullptr,   // the file holds the header
+	.write_program = nullptr,
+	.read_header = nullptr,
 	.write_header = nullptr,
 	.send_sample = nullptr,
 	.replaced = listed_sample,
+	.reachable = device_opens,
 	.seconds_per_word = 0,
 	.creates_programs = true,
 	.new_programs =
@@ -67,6 +77,7 @@ static constexpr kept_family z4_family = {
 	.write_header = nullptr,
 	.send_sample = nullptr,
 	.replaced = listed_sample,
+	.reachable = device_opens,
 	.seconds_per_word = 0,
 	.creates_programs = false,
 	.new_programs = nullptr,

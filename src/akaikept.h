@@ -29,13 +29,15 @@ struct kept_family {
 	bool (*write_program)(int index, const raw_blocks &blocks);
 	// The same of a sample's header. Null: its file tells everything.
 	bool (*read_header)(int index, raw_blocks *header);
-	// Behind the words, which went up as those of that place; null where send_sample does both.
+	// Behind an upload of the words; null where send_sample does both.
 	bool (*write_header)(int index, const raw_blocks &header);
-	// Words and header of a file over the sample of that place, or, with -1, as a new one. Null:
-	// the file is uploaded, as every file is.
-	bool (*send_sample)(int index, const std::string &path, const raw_blocks &header);
+	// Words of a file and the header that was kept with it, over the sample of its name or as a
+	// new one. Null: the file is uploaded, as every file is.
+	bool (*send_sample)(const std::string &path, const raw_blocks &header);
 	// The sample of the loaded list that an upload of that name goes over, -1 for none.
 	int (*replaced)(const std::string &name);
+	// The device is there and opens. Null: a line is asked, and tells.
+	bool (*reachable)();
 	double seconds_per_word;  // of a download; 0 where it is short
 	bool creates_programs;    // one that the sampler does not hold can be sent
 	const char *new_programs; // what is lost when it is, a sentence; null for nothing
@@ -52,6 +54,7 @@ int listed_sample(const std::string &name);
 bool akai_s1000_read_kept_program(int index, _program *program, raw_blocks *blocks);
 bool akai_s1000_write_kept_program(int index, const raw_blocks &blocks);
 bool akai_s1000_read_kept_header(int index, raw_blocks *header);
+bool akai_s1000_send_kept_sample(const std::string &path, const raw_blocks &header);
 // akais900_kept.cpp
 bool akai_s900_read_kept_program(int index, _program *program, raw_blocks *blocks);
 bool akai_s900_write_kept_program(int index, const raw_blocks &blocks);

@@ -14,6 +14,7 @@
 // Knows nothing of: files, windows.
 
 #include "src/akaikept.h"
+#include "src/akais1000_exact.h"
 #include "src/akais1000_programs.h"
 #include "src/akais1000_samples.h"
 #include <algorithm>
@@ -112,6 +113,12 @@ bool akai_s1000_read_kept_header(int index, raw_blocks *header)
 		return false;
 	header->assign(1, std::move(block));
 	return true;
+}
+
+bool akai_s1000_send_kept_sample(const std::string &path, const raw_blocks &header)
+{
+	return akai_s1000_upload_exactly(
+		path.c_str(), header.empty() ? std::span<const u8>{} : header.front());
 }
 
 } // namespace velmor

@@ -257,7 +257,7 @@ static std::string base_folder()
 	return current_config_path + "\\history";
 }
 
-std::string history_folder()
+std::string folder_of_history()
 {
 	const std::string name = current_sampler ? current_sampler->sampler_description : "";
 	return base_folder() + "\\" + file_name_of(name.empty() ? "sampler" : name);
@@ -265,7 +265,7 @@ std::string history_folder()
 
 std::string step_folder(const history_step &step)
 {
-	return history_folder() + "\\" + step.folder;
+	return folder_of_history() + "\\" + step.folder;
 }
 
 static bool find_file(const std::string &path, file_info *info)
@@ -289,7 +289,7 @@ static u64 bytes_in(const std::string &folder)
 
 static history_step read_step(const std::string &folder)
 {
-	const std::string path = history_folder() + "\\" + folder + "\\" + manifest;
+	const std::string path = folder_of_history() + "\\" + folder + "\\" + manifest;
 	input_file file;
 	file_info info = {};
 	history_step step;
@@ -307,14 +307,14 @@ static history_step read_step(const std::string &folder)
 		step.damage = code ? read_failure(path, code) : step.damage;
 	}
 	step.folder = folder;
-	step.bytes = bytes_in(history_folder() + "\\" + folder);
+	step.bytes = bytes_in(folder_of_history() + "\\" + folder);
 	return step;
 }
 
 void read_history()
 {
 	steps.clear();
-	steps_of = history_folder();
+	steps_of = folder_of_history();
 	std::vector<std::string> names;
 	host.files->list(steps_of.c_str(), &names);
 	std::sort(names.begin(), names.end());
@@ -333,7 +333,7 @@ void read_history()
 
 const std::vector<history_step> &history_steps()
 {
-	if (steps_of != history_folder())
+	if (steps_of != folder_of_history())
 		read_history();
 	return steps;
 }
@@ -365,7 +365,7 @@ std::string begin_step(history_step *step)
 	step->sampler = current_sampler->sampler_description;
 	std::string name = step->time.empty() ? "step" : step->time;
 	std::replace(name.begin(), name.end(), ':', '.'); // some disks take none in a name
-	for (const std::string &folder : { base_folder(), history_folder() })
+	for (const std::string &folder : { base_folder(), folder_of_history() })
 		(void)host.files->make_folder(folder.c_str()); // shows at the next one
 	step->folder = name;
 	int code = host.files->make_folder(step_folder(*step).c_str());
@@ -416,7 +416,7 @@ outcome remove_steps(std::span<const std::string> folders)
 {
 	outcome result;
 	for (const std::string &folder : folders) {
-		const std::string path = history_folder() + "\\" + folder;
+		const std::string path = folder_of_history() + "\\" + folder;
 		if (const int code = remove_folder(path))
 			result = { .how = ending::local_failed,
 				.words = write_failure(path, code),

@@ -17,6 +17,7 @@
 // Main thread only. Knows nothing of: windows, models but through akaikept.h.
 
 #pragma once
+#include "src/akaikept.h"
 #include "src/velmor_outcome.h"
 #include <memory>
 #include <span>
@@ -70,7 +71,7 @@ history_step read_step_text(std::string_view text);
 std::string step_words(const history_step &step);
 
 // The folder of the loaded sampler's history, and of a step in it.
-std::string history_folder();
+std::string folder_of_history();
 std::string step_folder(const history_step &step);
 // The steps of the loaded sampler, the oldest first; damaged ones in front.
 const std::vector<history_step> &history_steps();
@@ -102,34 +103,51 @@ void trim_history();
 
 // ---- Keeping (velmor_history_keep.cpp) --------------------------------------------------------------
 
+// What a workflow is about to do.
+struct planned_work {
+	step_kind kind;
+	std::string name;
+	std::string new_name = {}; // of a renaming
+	int place = -1;            // of a program in the list, where names may come twice
+	int keygroups = 0;         // that go to the sampler with a program; -1: those in memory
+};
+
 // One piece of work that changes the sampler: made in front of it, told its end behind it.
 class machine_change
 {
 public:
-	machine_change(step_kind kind, const std::string &name, const std::string &new_name = "",
-		int place = -1);
+	explicit machine_change(const planned_work &work);
+	machine_change(const machine_change &) = delete;
 	// False: nothing may be changed, and why() says why.
 	bool may_go_on() const { return refusal.done(); }
 	const outcome &why() const { return refusal; }
-	// The list was read again where the work reads it. Gives the outcome back.
+	// Of the programs that it goes over, the most that one had when it was kept.
+	int held_keygroups() const { return most_held; }
+	// The lists are as the work left them. Gives its outcome back.
 	outcome ended(outcome result);
 
 private:
-	bool keeps_programs() const { return step.kind >= step_kind::rename_program; }
+	bool about_programs() const { return step.kind >= step_kind::rename_program; }
 	std::vector<std::string> listed() const;
-	bool find_what_is_there(int place);
-	bool tell_limits();
-	bool keep_all();
-	void give_up(outcome why);
+	bool find_what_is_there(const planned_work &work);
+	bool tell_limits(const planned_work &work);
+	bool may_keep_samples();
+	std::string keep_program(int place, kept_thing *thing);
+	std::string keep_sample(int place, kept_thing *thing);
+	std::string keep_all();
+	bool goes_without(const std::string &why);
+	void drop();
+	void stop();
 
+	const kept_family *family = nullptr;
+	const _sampler_type *model = nullptr;
 	bool active = false;
+	int most_held = 0; // keygroups of the programs that are there
 	history_step step;
 	std::vector<int> places; // of what is there, in the list
 	std::vector<std::string> before;
 	outcome refusal;
 };
-// How many of a program's keygroups the work sends; told before a change_program.
-void expect_keygroups(int count);
 // Nothing was asked yet in this session; for tests.
 void forget_history_answers();
 // While one lives, steps are those of an undo.
@@ -147,7 +165,7 @@ public:
 const history_step *undoable_step();
 // Put the newest step back.
 outcome undo_on_sampler();
-// Put a step back, whichever it is.
+// Put a step back, whichever it is. What the sampler holds instead is kept in a step of its own.
 outcome put_step_back(const history_step &step);
 
 } // namespace velmor

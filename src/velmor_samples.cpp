@@ -7,6 +7,7 @@
 //
 // Knows nothing of: models, windows.
 
+#include "src/velmor_history.h"
 #include "src/velmor_work.h"
 #include "src/waveqx.h"
 #include <algorithm>
@@ -284,7 +285,9 @@ static outcome change(const std::string &name, const char *new_name, const std::
 		return why;
 	if (!model->renamesample)
 		return { .how = ending::refused, .words = not_supported, .caption = "FATAL" };
-	const outcome ready = have_sample(name);
+	machine_change kept({ new_name ? step_kind::rename_sample : step_kind::delete_sample, name,
+		new_name ? new_name : "" });
+	const outcome ready = kept.may_go_on() ? have_sample(name) : kept.why();
 	if (!ready.done())
 		return ready;
 	const int before = times_listed(name);
@@ -299,7 +302,7 @@ static outcome change(const std::string &name, const char *new_name, const std::
 			.words = "The sampler did not do it: " + quoted(name) +
 				 " is still in its list." };
 	result.told = troubles(keeper.take());
-	return result;
+	return kept.ended(result);
 }
 
 outcome rename_sample(const std::string &name, const std::string &new_name)
@@ -363,7 +366,9 @@ outcome upload_sample(const std::string &path)
 	const upload_verdict check = upload_check(row_of_loaded(), wave_path_of(path));
 	if (!check.sends)
 		return { .how = ending::refused, .words = check.words, .caption = "WARNING" };
-	const outcome ready = have_sample_list();
+	const std::string name = path.substr(path.rfind('\\') + 1);
+	machine_change kept({ .kind = step_kind::upload_sample, .name = name });
+	const outcome ready = kept.may_go_on() ? have_sample_list() : kept.why();
 	if (!ready.done())
 		return ready;
 	const int before = static_cast<int>(loaded_names().size());
@@ -373,7 +378,7 @@ outcome upload_sample(const std::string &path)
 	const bool stopped = progress_stopped();
 	const std::vector<kept_box> told = keeper.take();
 	const outcome read = read_sample_list();
-	return judge_upload(path.substr(path.rfind('\\') + 1), before, read, told, stopped);
+	return kept.ended(judge_upload(name, before, read, told, stopped));
 }
 
 } // namespace velmor

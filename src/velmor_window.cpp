@@ -15,6 +15,7 @@
 #include "src/lcd.h"
 #include "src/usbqx.h"
 #include "src/velmor_forms.h"
+#include "src/velmor_history.h"
 #include "src/velmor_programs_page.h"
 #include "src/velmor_wave_edit.h"
 #include <deque>
@@ -316,6 +317,7 @@ void forget_commands()
 	forget_lists();
 	forget_line();
 	forget_undo();
+	forget_history();
 	forget_status();
 	forget_program_page();
 	forget_panel();

@@ -38,6 +38,7 @@ struct kept_family {
 	int (*replaced)(const std::string &name);
 	// The device is there and opens. Null: a line is asked, and tells.
 	bool (*reachable)();
+	bool endangers_next;      // a renaming may go over the program behind it
 	double seconds_per_word;  // of a download; 0 where it is short
 	bool creates_programs;    // one that the sampler does not hold can be sent
 	const char *new_programs; // what is lost when it is, a sentence; null for nothing

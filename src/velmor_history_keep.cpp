@@ -85,6 +85,9 @@ bool machine_change::find_what_is_there(const planned_work &work)
 		place = place_but_for_case(before, work.name);
 	if (place >= 0)
 		places.push_back(place);
+	const bool next = place >= 0 && static_cast<std::size_t>(place) + 1 < before.size();
+	if (step.kind == step_kind::rename_program && family->endangers_next && next)
+		places.push_back(place + 1);
 	return place >= 0 || sends || step.kind == step_kind::upload_sample;
 }
 

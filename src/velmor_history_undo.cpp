@@ -324,8 +324,16 @@ static outcome rename_back(const history_step &step)
 		return does_not_fit(quoted(now) + " is not on the sampler any more.");
 	if (contains(listed(step), step.name))
 		return does_not_fit("The sampler has a " + quoted(step.name) + " again.");
-	return about_programs(step) ? rename_program({ now }, step.name)
+	return about_programs(step) ? rename_program({ .name = now, .index = -1 }, step.name)
 				    : rename_sample(now, step.name);
+}
+
+// Where the machine's own bytes were kept, a renamed program is sent as it was, and the renamed one
+// deleted: every byte comes back, and a renaming would endanger what stands behind.
+static bool comes_whole(const history_step &step)
+{
+	return step.kind == step_kind::rename_program && !step.there.empty() &&
+	       !step.there.front().bytes.empty();
 }
 
 static bool is_there(const history_step &step, const std::string &name)
@@ -349,17 +357,9 @@ static outcome take_away(const history_step &step)
 	return {};
 }
 
-// A renaming back may leave bytes of the machine behind, which the blocks bring.
-static bool sends(const history_step &step, const kept_thing &thing)
-{
-	return !renames(step) || (thing.program && !thing.bytes.empty());
-}
-
 static outcome send_all(const history_step &step)
 {
 	for (const kept_thing &thing : step.there) {
-		if (!sends(step, thing))
-			continue;
 		outcome sent = thing.program ? send_program(step, thing) : send_sample(step, thing);
 		if (!sent.done())
 			return sent;
@@ -376,8 +376,14 @@ static outcome go_back(const history_step &step)
 		return does_not_fit("The sampler has a " + quoted(step.name) + " again.");
 	if (!renames(step) && step.there.empty() && step.came.empty())
 		return does_not_fit("Of this step nothing was kept.");
-	const outcome first = renames(step) ? rename_back(step) : take_away(step);
-	return first.done() ? send_all(step) : first;
+	if (renames(step) && !comes_whole(step))
+		return rename_back(step);
+	if (renames(step) && contains(listed(step), step.name))
+		return does_not_fit("The sampler has a " + quoted(step.name) + " again.");
+	const outcome first = renames(step) ? send_all(step) : take_away(step);
+	if (!first.done())
+		return first;
+	return renames(step) ? take_away(step) : send_all(step);
 }
 
 static bool belongs_here(const history_step &step)

@@ -24,11 +24,11 @@ static QLayout *make_settings(top_window *window)
 	auto *limit = new QWidget(window);
 	limit->setLayout(row);
 	row->setContentsMargins(0, 0, 0, 0);
-	add_row(form, window, history_limit, limit);
+	add_row(form, window_history, history_limit, limit);
 	told_label *folder = make_text(window, history_folder);
 	folder->set_cut();
 	folder->set_role(text_role::quiet);
-	add_row(form, window, history_folder, folder);
+	add_row(form, window_history, history_folder, folder);
 	column->addLayout(form);
 	return column;
 }

@@ -141,10 +141,12 @@ enum history_control : int {
 	history_list = 20101,
 	history_restore = 20102,
 	history_delete = 20103,
-	history_folder = 20104,
-	history_limit = 20105, // megabytes
-	history_size = 20106,
+	history_folder = 20104,  // where it lies
+	history_limit = 20105,   // how large it may become
+	history_size = 20106,    // how many steps, and how large they are
 	history_samples = 20107, // also samples, where that takes long
+	history_on = 20108,      // anything at all
+	history_refresh = 20109,
 };
 
 // A whole sampler in a folder.

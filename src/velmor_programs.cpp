@@ -14,6 +14,7 @@
 #include "src/akais900.h"
 #include "src/velmor_edits.h"
 #include "src/velmor_library.h"
+#include "src/velmor_verify.h"
 #include "src/waveqx.h"
 #include "src/waveqx_file.h"
 #include <algorithm>
@@ -510,7 +511,7 @@ static outcome upload_over_its_own(const _sampler_type &model, const _program &p
 		held = *before;
 	result.line =
 		result.done() ? "Uploaded " + quoted(name) + "." : quoted(name) + " was not sent.";
-	return one_box(result);
+	return one_box(verified_program(std::move(result), program, false));
 }
 
 outcome upload_program(const _program &program)
@@ -543,7 +544,7 @@ outcome upload_program(const _program &program)
 				 ", so it did not keep it." };
 	if (result.done() && result.line.empty())
 		result.line = "Uploaded " + quoted(name) + ".";
-	return one_box(result);
+	return one_box(verified_program(std::move(result), program, true));
 }
 
 // ---- Queues ---------------------------------------------------------------------------------------------

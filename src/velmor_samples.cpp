@@ -7,6 +7,7 @@
 //
 // Knows nothing of: models, windows.
 
+#include "src/velmor_verify.h"
 #include "src/velmor_work.h"
 #include "src/waveqx.h"
 #include <algorithm>
@@ -117,7 +118,7 @@ static outcome fetch(const std::string &name)
 	else if (!troubles(result.told).empty())
 		result.how = ending::local_failed;
 	if (result.done())
-		return result;
+		return verified_download(result, name);
 	result.told = troubles(result.told);
 	result.line =
 		quoted(name) + (result.how == ending::stopped ? " was not downloaded: stopped."
@@ -373,7 +374,8 @@ outcome upload_sample(const std::string &path)
 	const bool stopped = progress_stopped();
 	const std::vector<kept_box> told = keeper.take();
 	const outcome read = read_sample_list();
-	return judge_upload(path.substr(path.rfind('\\') + 1), before, read, told, stopped);
+	return verified_upload(
+		judge_upload(path.substr(path.rfind('\\') + 1), before, read, told, stopped), path);
 }
 
 } // namespace velmor

@@ -5,9 +5,10 @@
 // that the sampler knew it by. Programs are sent one behind the other, and the list that is read
 // behind them tells what became of each.
 //
-// Knows nothing of: windows, models (but for the one that takes a program only over its own).
+// Knows nothing of: windows, models (but for what takes a program only over its own).
 
 #include "src/akaiprograms.h"
+#include "src/akais1000.h"
 #include "src/akais900.h"
 #include "src/velmor_backup_parts.h"
 #include "src/velmor_library.h"
@@ -32,6 +33,12 @@ static const _sampler_type &row_of_loaded()
 static bool is_s900(const _sampler_type &model)
 {
 	return model.saveprogram == akai_s900_save_program;
+}
+
+// Others write a program only over one of its name that they hold.
+static bool makes_programs(const _sampler_type &model)
+{
+	return model.saveprogram == akai_s1000_prog_save;
 }
 
 // ---- The plan -----------------------------------------------------------------------------------
@@ -61,17 +68,19 @@ static std::unique_ptr<_program> read_entry(
 	return program;
 }
 
-// A sample whose list tells its name alone is asked for its header.
+// A sample whose list tells its name alone is asked for its header; the length there is in whole
+// seconds.
 static bool has_its_header(const listed_thing &thing, const std::string &path)
 {
 	const _sample *record = nullptr;
 	u8 bits = 0, channels = 0, pitch = 0;
 	int rate = 0;
 	if (!ask_sample(thing.name, &record).done() || !record ||
-		!get_wave_info(path.c_str(), &bits, &channels, &rate, &pitch))
+		!get_wave_info(path.c_str(), &bits, &channels, &rate, &pitch) || rate <= 0)
 		return false;
 	return record->sample_rate == static_cast<u64>(rate) && record->channels == channels &&
-	       record->sample_length == wave_frames(path);
+	       record->original_pitch == pitch &&
+	       record->sample_length == wave_frames(path) / static_cast<u64>(rate);
 }
 
 // An upload that was not exact left it twice as long, the second half silent.
@@ -86,8 +95,12 @@ static restore_step compare_sample_with(const backup_entry &entry, const listed_
 	const std::string &path, std::string *words)
 {
 	const bool headers = !entry.facts.empty() && !thing.facts.empty();
-	if (headers ? entry.facts == thing.facts : has_its_header(thing, path))
+	if (headers && entry.facts == thing.facts)
 		return restore_step::keep;
+	if (!headers && has_its_header(thing, path)) {
+		*words = tr("the same as far as its header tells");
+		return restore_step::keep;
+	}
 	if (!headers || is_s900(row_of_loaded()) || !is_left_by_upload(thing, path))
 		return restore_step::replace;
 	*words = tr("as an upload leaves it: twice as long, the second half silent");
@@ -116,7 +129,7 @@ static void plan_program(const planning &p, const listed_thing *thing, restore_i
 		return;
 	if (!row_of_loaded().saveprogram)
 		item->words = tr("this sampler takes no programs");
-	else if (!thing && is_s900(row_of_loaded()))
+	else if (!thing && !makes_programs(row_of_loaded()))
 		item->words =
 			tr("this sampler takes a program only over one of its name; make one on "
 			   "its own panel");

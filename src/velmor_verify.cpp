@@ -90,27 +90,33 @@ static value_differences count_differences(audio &sent, audio &arrived, u64 valu
 
 // ---- What was meant to arrive -----------------------------------------------------------------------
 
-struct meant {
-	u64 values;
-	u32 mask;
-};
-
 // A dump's header counts the bytes of the file, with three bytes of seven bits.
 static constexpr u64 longest_dump = 0x1FFFFF;
 
-static bool sends_dumps(const _sampler_type &model)
+static bool sends_dumps(const _sampler_type &model, transfer_way way)
 {
-	return !(model.sampler_flags & flag_usb) && model.sampler_type != model_s900;
+	return way == transfer_way::to_sampler && !(model.sampler_flags & flag_usb) &&
+	       model.sampler_type != model_s900;
 }
 
 // Of what such a transfer makes of a file, that which has the length of what arrived.
-static meant meant_by(
-	const _sampler_type &model, transfer_way way, const audio &sent, const audio &arrived)
+static u64 values_due(bool dumped, const audio &sent, const audio &arrived)
 {
-	if (way == transfer_way::from_sampler || !sends_dumps(model))
-		return { sent.values, 0xFFFFFFFF };
-	const u64 told = std::min(sent.values * sent.width, longest_dump);
-	return { arrived.values == sent.values ? sent.values : told, 0xFFFC };
+	return !dumped || arrived.values == sent.values
+		       ? sent.values
+		       : std::min(sent.values * sent.width, longest_dump);
+}
+
+// A machine may not take the two lowest bits of a dump's words, since they travel in a place of
+// their own.
+static value_differences find_differences(bool dumped, audio &sent, audio &arrived, u64 values)
+{
+	constexpr u32 whole = 0xFFFFFFFF, without_lowest = 0xFFFC;
+	const value_differences all = count_differences(sent, arrived, values, whole);
+	if (!all.count || !dumped)
+		return all;
+	const value_differences most = count_differences(sent, arrived, values, without_lowest);
+	return most.count < all.count ? most : all;
 }
 
 static std::string of_values(const value_differences &d, const audio &a, u64 values)
@@ -152,18 +158,14 @@ std::string wave_difference(const _sampler_type &model, transfer_way way, const 
 	const std::string shape = all ? shape_difference(a, b) : "";
 	if (!shape.empty() || a.width != b.width)
 		return shape.empty() ? tr("Its values have another size.") : shape;
-	const meant due = meant_by(model, way, a, b);
-	*values = std::min(due.values, b.values);
-	value_differences d = count_differences(a, b, *values, due.mask);
-	// An exact transfer may carry the lowest bits as well.
-	if (d.count && due.mask == 0xFFFC && due.values == a.values)
-		if (const value_differences full = count_differences(a, b, *values, 0xFFFFFFFF);
-			full.count < d.count)
-			d = full;
+	const bool dumped = sends_dumps(model, way);
+	const u64 due = values_due(dumped, a, b);
+	*values = std::min(due, b.values);
+	const value_differences d = find_differences(dumped, a, b, *values);
 	std::string words = d.count ? of_values(d, a, *values) : "";
-	if (due.values != b.values)
+	if (due != b.values)
 		words = format_text(tr("%llu values were meant to arrive, and %llu did."),
-				static_cast<unsigned long long>(due.values),
+				static_cast<unsigned long long>(due),
 				static_cast<unsigned long long>(b.values)) +
 			(words.empty() ? "" : " " + words);
 	return words;

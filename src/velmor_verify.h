@@ -4,9 +4,10 @@
 // compared with its file, value by value, and a program with what the sampler tells of it, on
 // demand or behind every transfer.
 //
-// A sampler of the S1000 family is sent words without their two lowest bits, and of an upload that
-// was not exact twice as many, the second half silence: then that is what was meant. What else an
-// upload does not carry is not compared: the header of its sample, and the rate on MIDI.
+// A sampler of the S1000 family is sent twice as many words as a file has, the second half silence,
+// unless the upload is an exact one, and may drop their two lowest bits: then that is what was
+// meant. What an upload does not carry is not compared: the header of its sample, and on MIDI the
+// rate.
 //
 // Main thread only. Knows nothing of: windows.
 

@@ -2,7 +2,8 @@
 //
 // What goes is deleted first, since a full memory takes nothing; then come the samples, and then
 // the programs that name them. Each sample is sent as every upload, from a copy under the name
-// that the sampler knew it by. Programs are sent one behind the other, and the list that is read
+// that the sampler knew it by, and to the S1000 family exactly: with its own length and all of its
+// header. Programs are sent one behind the other, and the list that is read
 // behind them tells what became of each.
 //
 // Knows nothing of: windows, models (but for what takes a program only over its own).
@@ -12,6 +13,7 @@
 #include "src/akais900.h"
 #include "src/velmor_backup_parts.h"
 #include "src/velmor_library.h"
+#include "src/velmor_transfer.h"
 #include "src/velmor_verify.h"
 #include "src/waveqx.h"
 #include "src/waveqx_file.h"
@@ -35,8 +37,9 @@ static bool is_s900(const _sampler_type &model)
 	return model.saveprogram == akai_s900_save_program;
 }
 
-// Others write a program only over one of its name that they hold.
-static bool makes_programs(const _sampler_type &model)
+// It makes a program of a name that it does not hold; others write one only over its own. And its
+// uploads can be exact.
+static bool is_s1000_family(const _sampler_type &model)
 {
 	return model.saveprogram == akai_s1000_prog_save;
 }
@@ -83,27 +86,14 @@ static bool has_its_header(const listed_thing &thing, const std::string &path)
 	       record->sample_length == wave_frames(path) / static_cast<u64>(rate);
 }
 
-// An upload that was not exact left it twice as long, the second half silent.
-static bool is_left_by_upload(const listed_thing &thing, const std::string &path)
-{
-	const u64 told = 2 * wave_frames(path);
-	return thing.facts.starts_with(
-		format_text("%llu words, ", static_cast<unsigned long long>(told)));
-}
-
 static restore_step compare_sample_with(const backup_entry &entry, const listed_thing &thing,
 	const std::string &path, std::string *words)
 {
-	const bool headers = !entry.facts.empty() && !thing.facts.empty();
-	if (headers && entry.facts == thing.facts)
-		return restore_step::keep;
-	if (!headers && has_its_header(thing, path)) {
-		*words = tr("the same as far as its header tells");
-		return restore_step::keep;
-	}
-	if (!headers || is_s900(row_of_loaded()) || !is_left_by_upload(thing, path))
+	if (!entry.facts.empty() && !thing.facts.empty())
+		return entry.facts == thing.facts ? restore_step::keep : restore_step::replace;
+	if (!has_its_header(thing, path))
 		return restore_step::replace;
-	*words = tr("as an upload leaves it: twice as long, the second half silent");
+	*words = tr("the same as far as its header tells");
 	return restore_step::keep;
 }
 
@@ -129,7 +119,7 @@ static void plan_program(const planning &p, const listed_thing *thing, restore_i
 		return;
 	if (!row_of_loaded().saveprogram)
 		item->words = tr("this sampler takes no programs");
-	else if (!thing && !makes_programs(row_of_loaded()))
+	else if (!thing && !is_s1000_family(row_of_loaded()))
 		item->words =
 			tr("this sampler takes a program only over one of its name; make one on "
 			   "its own panel");
@@ -296,6 +286,26 @@ public:
 	const std::string base;
 };
 
+// While it lives, uploads are exact, whatever the user chose for others.
+class exact_sending
+{
+public:
+	exact_sending() : wanted(is_s1000_family(row_of_loaded()) && !exact_uploads())
+	{
+		if (wanted)
+			set_exact_uploads(true);
+	}
+	~exact_sending()
+	{
+		if (wanted)
+			set_exact_uploads(false);
+	}
+	exact_sending(const exact_sending &) = delete;
+
+private:
+	const bool wanted;
+};
+
 static outcome send_sample(const restore_plan &plan, const restore_item &item)
 {
 	const std::string file = file_name_of(item.name);
@@ -303,6 +313,7 @@ static outcome send_sample(const restore_plan &plan, const restore_item &item)
 	const std::string why = outgoing.copy(path_of_entry(plan.folder, item.entry));
 	if (!why.empty())
 		return { .how = ending::local_failed, .words = why };
+	const exact_sending exactly;
 	outcome sent = upload_sample(outgoing.base);
 	if (!sent.done() || file == item.name)
 		return sent;

@@ -8,6 +8,7 @@
 //
 // Knows nothing of: models (but what their rows say), toolkits.
 
+#include "src/velmor_verify.h"
 #include "src/velmor_window.h"
 #include "src/waveqx.h"
 #include <algorithm>
@@ -250,6 +251,7 @@ void show_sample_setup()
 		return;
 	}
 	open_window(window_samples);
+	show_comparison_choice();
 	clear_details();
 	read_anew(loaded, local);
 }

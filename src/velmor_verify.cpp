@@ -93,9 +93,9 @@ static value_differences count_differences(audio &sent, audio &arrived, u64 valu
 // A dump's header counts the bytes of the file, with three bytes of seven bits.
 static constexpr u64 longest_dump = 0x1FFFFF;
 
-static bool sends_dumps(const _sampler_type &model, transfer_way way)
+static bool sends_dumps(const _sampler_type &model, compared_way way)
 {
-	return way == transfer_way::to_sampler && !(model.sampler_flags & flag_usb) &&
+	return way == compared_way::to_sampler && !(model.sampler_flags & flag_usb) &&
 	       model.sampler_type != model_s900;
 }
 
@@ -146,7 +146,7 @@ static std::string shape_difference(const audio &sent, const audio &arrived)
 	return "";
 }
 
-std::string wave_difference(const _sampler_type &model, transfer_way way, const std::string &sent,
+std::string wave_difference(const _sampler_type &model, compared_way way, const std::string &sent,
 	const std::string &arrived, u64 *values)
 {
 	audio a, b;
@@ -154,7 +154,7 @@ std::string wave_difference(const _sampler_type &model, transfer_way way, const 
 		if (!open_audio(*path, file))
 			return format_text(tr("[%s] cannot be read."),
 				host.files->host_path(path->c_str()).c_str());
-	const bool all = way == transfer_way::from_sampler || (model.sampler_flags & flag_usb);
+	const bool all = way == compared_way::from_sampler || (model.sampler_flags & flag_usb);
 	const std::string shape = all ? shape_difference(a, b) : "";
 	if (!shape.empty() || a.width != b.width)
 		return shape.empty() ? tr("Its values have another size.") : shape;
@@ -203,7 +203,7 @@ struct comparison {
 	comparison(const comparison &) = delete;
 };
 
-static outcome read_back(const std::string &path, transfer_way way, const std::string &name)
+static outcome read_back(const std::string &path, compared_way way, const std::string &name)
 {
 	const comparison running;
 	const spool_elsewhere beside(current_config_path + "\\compare");
@@ -224,7 +224,7 @@ static outcome read_back(const std::string &path, transfer_way way, const std::s
 	};
 }
 
-outcome compare_sample(const std::string &path, transfer_way way, const std::string &told_name)
+outcome compare_sample(const std::string &path, compared_way way, const std::string &told_name)
 {
 	outcome ready = offers_download();
 	if (ready.done())
@@ -371,7 +371,7 @@ outcome verified_upload(outcome sent, const std::string &path)
 	if (!is_due(sent))
 		return sent;
 	return with_comparison(
-		std::move(sent), compare_sample(wave_path_of(path), transfer_way::to_sampler));
+		std::move(sent), compare_sample(wave_path_of(path), compared_way::to_sampler));
 }
 
 outcome verified_download(outcome came, const std::string &name)
@@ -380,7 +380,7 @@ outcome verified_download(outcome came, const std::string &name)
 		return came;
 	const std::string path = wave_path_of(spool_filebase(name.c_str()));
 	return with_comparison(
-		std::move(came), compare_sample(path, transfer_way::from_sampler, name));
+		std::move(came), compare_sample(path, compared_way::from_sampler, name));
 }
 
 outcome verified_program(outcome sent, const _program &wanted, bool list_is_new)

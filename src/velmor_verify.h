@@ -19,12 +19,12 @@ namespace velmor
 
 // ---- Comparing files ------------------------------------------------------------------------
 
-enum class transfer_way {
+enum class compared_way {
 	from_sampler, // both files came from it
 	to_sampler,   // the first one was sent there
 };
 // "", or a sentence that names the differences by position and count. Paths have extensions.
-std::string wave_difference(const _sampler_type &model, transfer_way way, const std::string &sent,
+std::string wave_difference(const _sampler_type &model, compared_way way, const std::string &sent,
 	const std::string &arrived, u64 *values);
 // Frames of a WAV file; 0 of what is none.
 u64 wave_frames(const std::string &path);
@@ -35,13 +35,15 @@ std::string program_difference(const _program &wanted, const _program &held);
 
 // Done: the sampler's sample is what such a file becomes there. Refused: they differ, and the
 // words say where. The sample is the one that the sampler calls as the file, or the named one.
-outcome compare_sample(const std::string &path, transfer_way way, const std::string &name = "");
+outcome compare_sample(const std::string &path, compared_way way, const std::string &name = "");
 // The list of programs is read again.
 outcome compare_program(const _program &wanted);
 
 // Behind every transfer, kept in the settings.
 bool verify_always();
 void set_verify_always(bool wanted);
+// Tick the boxes of the windows that want it, or not (velmor_verify_page.cpp).
+void show_comparison_choice();
 // The outcome of a transfer, and where it is done and wanted, of the comparison behind it. path is
 // without extension.
 outcome verified_upload(outcome sent, const std::string &path);

@@ -54,7 +54,8 @@ static const window_rows progress_rows = { progress_captions, progress_commands 
 
 static const window_rows *const all_rows[] = { &main_rows, &entry_rows, &settings_rows,
 	&sampler_rows, &usb_rows, &samples_rows, &programs_rows, &multis_rows, &panel_rows,
-	&player_rows, &progress_rows, &status_rows, &wave_rows };
+	&player_rows, &progress_rows, &status_rows, &wave_rows, &backup_rows,
+	&verify_rows };
 
 static std::vector<caption_row> all_captions()
 {

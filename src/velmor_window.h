@@ -67,6 +67,8 @@ extern const window_rows programs_rows;                          // velmor_progr
 extern const window_rows multis_rows;                            // velmor_multis.cpp
 extern const window_rows panel_rows;                             // velmor_panel.cpp
 extern const window_rows player_rows;                            // velmor_player.cpp
+extern const window_rows backup_rows;                            // velmor_backup_page.cpp
+extern const window_rows verify_rows;                            // velmor_verify_page.cpp
 extern const window_rows status_rows;                            // velmor_status.cpp
 
 // ---- The engine (velmor_window.cpp) ------------------------------------------------------------

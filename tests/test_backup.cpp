@@ -50,79 +50,23 @@ protected:
 
 } // namespace
 
-TEST_F(backup, every_family_comes_back_as_it_was_meant_to)
+// Of samples the USB machines list the names alone. A line dies in the second sample; an S3000 is
+// asked for its packet until somebody presses Stop.
+TEST_F(backup, every_family_is_kept_piece_by_piece_and_comes_back)
 {
 	for (const auto &[name, make] : families) {
 		SCOPED_TRACE(place = name);
 		const auto machine = make(h);
-		const std::string due = machine->memory(true);
-		outcome saved = save();
-		EXPECT_TRUE(saved.done()) << saved.words;
-		EXPECT_TRUE(manifest().complete);
-		machine->wipe();
-		ASSERT_NE(machine->memory(false), due);
-		const outcome back = restore();
-		EXPECT_TRUE(back.done()) << back.words;
-		EXPECT_EQ(words, machine->first_plan);
-		EXPECT_EQ(machine->memory(false), due);
-		EXPECT_TRUE(restore().done());
-		EXPECT_EQ(words, machine->second_plan);
-		EXPECT_EQ(h.temporary_files(), 0);
-		EXPECT_TRUE(h.boxes.empty()) << h.boxes[0].text;
-		h.boxes.clear();
-	}
-}
-
-// Of samples the USB machines list the names alone.
-TEST_F(backup, an_unchanged_machine_costs_its_lists_and_a_changed_one_what_changed)
-{
-	for (const auto &[name, make] : families) {
-		SCOPED_TRACE(place = name);
-		const auto machine = make(h);
-		const bool names_alone = get_sampler(machine->model)->sampler_flags & flag_usb;
-		ASSERT_TRUE(save().done());
-		const auto before = h.content(manifest_path(folder()));
 		const _sampler_type &row = *get_sampler(machine->model);
-		_dev_status *dev = current_sampler->status;
-		machine->forget_heard();
+		const bool names_alone = row.sampler_flags & flag_usb;
 		for (const auto list :
 			{ row.getstatus, row.getsamplelist, row.getproglist, row.getmultilist })
-			list(control_channel(), exclusive_channel(), dev);
+			list(control_channel(), exclusive_channel(), require_dev_status());
 		const auto lists = machine->heard();
-		machine->forget_heard();
-		const outcome again = save();
-		EXPECT_TRUE(again.done());
-		EXPECT_EQ(machine->heard(), lists);
-		EXPECT_EQ(h.content(manifest_path(folder())), before);
-		EXPECT_NE(again.line.find(": 0 came now, "), again.line.npos) << again.line;
-
-		machine->change_sample();
-		machine->change_program();
-		ASSERT_TRUE(save().done());
-		EXPECT_EQ(states().substr(0, 5), names_alone ? "dssss" : "dssds");
-		ASSERT_TRUE(save({ .everything = true }).done());
-		EXPECT_EQ(states().substr(0, 5), "ssddd");
-		EXPECT_TRUE(has(
-			std::string("earlier\\") + (names_alone ? "Grand" : "PIANO") + ".program"));
-		EXPECT_TRUE(manifest().complete);
-	}
-}
-
-TEST_F(backup, a_line_that_dies_leaves_what_came_and_the_next_one_goes_on)
-{
-	for (const auto &[name, make] : families) {
-		SCOPED_TRACE(place = name);
-		const auto machine = make(h);
-		machine->forget_heard();
-		(void)(get_sampler(machine->model)->getmultilist ? read_multi_list()
-								 : read_program_list());
-		const int lists = static_cast<int>(machine->heard().size());
 		ASSERT_TRUE(read_sample_list().done());
 		machine->forget_heard();
 		ASSERT_TRUE(download_sample(current_sampler->status->sample[0].name).done());
-		const int sample = static_cast<int>(machine->heard().size());
-		machine->fall_silent(lists + sample + 4);
-		// An S3000 is asked for a packet until it sends it, or somebody presses Stop.
+		machine->fall_silent(static_cast<int>(lists.size() + machine->heard().size()) + 4);
 		h.on_pump = [&, end = h.time.now() + 60] {
 			if (h.time.now() > end)
 				stop_progress();
@@ -131,18 +75,39 @@ TEST_F(backup, a_line_that_dies_leaves_what_came_and_the_next_one_goes_on)
 		h.on_pump = nullptr;
 		EXPECT_EQ(broken.how,
 			machine->model == model_s3000 ? ending::stopped : ending::no_answer);
-		EXPECT_NE(broken.words.find("the next backup goes on from here"), broken.words.npos)
-			<< broken.words;
-		EXPECT_EQ(states().substr(0, 3), "ddd");
+		EXPECT_EQ(states().substr(0, 3), "ddd") << broken.words;
 		EXPECT_FALSE(manifest().complete);
-		const std::string file = manifest().entries.back().file;
-		EXPECT_TRUE(has("samples\\" + file));
+		EXPECT_TRUE(has("samples\\" + manifest().entries.back().file));
 		machine->recover();
-		const outcome on = save();
-		EXPECT_TRUE(on.done()) << on.words;
-		EXPECT_EQ(states().substr(0, 3), "sss");
+		EXPECT_TRUE(save().done());
+		EXPECT_EQ(states().substr(0, 5), "sssdd");
 		EXPECT_TRUE(manifest().complete);
+
+		const auto before = h.content(manifest_path(folder()));
+		machine->forget_heard();
+		const outcome again = save();
+		EXPECT_EQ(machine->heard(), lists) << "an unchanged one costs its lists";
+		EXPECT_EQ(h.content(manifest_path(folder())), before);
+		EXPECT_NE(again.line.find(": 0 came now, "), again.line.npos) << again.line;
+
+		const std::string due = machine->memory();
+		machine->wipe();
+		ASSERT_NE(machine->memory(), due);
+		EXPECT_EQ(restore().words.find(": "), std::string::npos);
+		EXPECT_EQ(words, machine->first_plan);
+		EXPECT_EQ(machine->memory(), due);
+		(void)restore();
+		EXPECT_EQ(words, machine->second_plan);
+
+		machine->change_sample();
+		machine->change_program();
+		ASSERT_TRUE(save().done());
+		EXPECT_EQ(states().substr(0, 5), names_alone ? "dssss" : "dssds");
+		ASSERT_TRUE(save({ .everything = true }).done());
+		EXPECT_EQ(states().substr(0, 5), "ssddd");
+		EXPECT_TRUE(has(names_alone ? "earlier\\Grand.program" : "earlier\\PIANO.program"));
 		EXPECT_EQ(h.temporary_files(), 0);
+		EXPECT_TRUE(h.boxes.empty()) << h.boxes[0].text;
 	}
 }
 
@@ -164,10 +129,6 @@ TEST_F(backup, names_of_a_sampler_stay_in_the_folder_and_apart)
 	EXPECT_EQ(files, "Grand.program|Bass.program|__.program|bass (2).program|"
 			 "Kick.wav|KICK (2).wav|Snare L_R.wav|__.wav|.._.._up.wav|C:_x.wav|"
 			 "kick (3).wav|manifest.txt.wav||");
-	std::vector<std::string> top;
-	host.files->list(folder().c_str(), &top);
-	std::ranges::sort(top);
-	EXPECT_EQ(top, (std::vector<std::string>{ "manifest.txt", "programs", "samples" }));
 	rack.machine.samples.clear();
 	EXPECT_TRUE(restore().done());
 	std::string back;
@@ -241,8 +202,6 @@ TEST_F(backup, damage_costs_what_is_damaged_and_another_folder_nothing)
 
 	h.disk.space_left = 2000;
 	rack.machine.add_sample("LONG", 44100, ramp(4000, 3));
-	rack.machine.heard.clear();
-	const auto before = h.content(manifest_path(folder()));
 	const outcome full = save();
 	h.disk.space_left.reset();
 	EXPECT_NE(full.words.find("(No space left on device)"), full.words.npos) << full.words;
@@ -251,7 +210,6 @@ TEST_F(backup, damage_costs_what_is_damaged_and_another_folder_nothing)
 
 	copy_text(current_sampler->sampler_description, "Other");
 	EXPECT_EQ(save().how, ending::refused);
-	EXPECT_FALSE(manifest().entries.empty());
 }
 
 TEST_F(backup, a_plan_is_told_and_done_and_deletes_nothing_unasked)

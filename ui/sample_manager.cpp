@@ -9,6 +9,7 @@
 #include "ui/qt_ui.h"
 #include "ui/wave_editor.h"
 #include <QBoxLayout>
+#include <QCheckBox>
 #include <QButtonGroup>
 #include <QFormLayout>
 #include <QLineEdit>
@@ -121,6 +122,7 @@ static QBoxLayout *make_transfers(top_window *window)
 		column->addWidget(button);
 	}
 	column->addStretch();
+	add_to(column, { make_button(window, samples_compare), make_check(window, samples_verify) });
 	return column;
 }
 

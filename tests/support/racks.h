@@ -51,8 +51,7 @@ struct rack {
 	}
 	virtual ~rack() = default;
 	virtual void wipe() = 0;
-	// As it will be after a wipe and the told uploads; now: as it is.
-	virtual std::string memory(bool as_sent) const = 0;
+	virtual std::string memory() const = 0;
 	virtual std::vector<std::vector<u8>> heard() const = 0;
 	virtual void forget_heard() = 0;
 	virtual void change_sample() = 0;
@@ -101,7 +100,7 @@ struct s1000_rack : midi_rack {
 		plug(h, machine.on_wire());
 	}
 	void wipe() override { machine.programs.clear(), machine.samples.clear(); }
-	std::string memory(bool as_sent) const override
+	std::string memory() const override
 	{
 		std::string text;
 		for (const stored_program &p : machine.programs) {
@@ -111,9 +110,7 @@ struct s1000_rack : midi_rack {
 				text += known(block);
 		}
 		for (const stored_sample &s : machine.samples) {
-			levels words = s.words;
-			words.resize(words.size() * (as_sent ? 2 : 1)); // silence
-			text += text_of(machine::get_name(s.header, 3), words);
+			text += text_of(machine::get_name(s.header, 3), s.words);
 		}
 		return text;
 	}
@@ -155,7 +152,7 @@ struct s900_rack : midi_rack {
 			for (auto &k : p.keygroups)
 				k[1] = 60;
 	}
-	std::string memory(bool) const override
+	std::string memory() const override
 	{
 		std::string text;
 		for (const auto &p : machine.programs)
@@ -204,7 +201,7 @@ template <class sampler> struct usb_rack : rack {
 	void fill();
 	std::string programs() const;
 	void wipe() override { machine.samples.clear(), change_program(); }
-	std::string memory(bool) const override
+	std::string memory() const override
 	{
 		std::string text = programs();
 		for (const usb_sample &s : machine.samples)
@@ -281,32 +278,20 @@ template <> inline std::string usb_rack<z4>::programs() const
 	return text;
 }
 
-using maker = std::unique_ptr<rack> (*)(test_host &h);
-inline const std::pair<const char *, maker> families[] = {
-	{ "S900",
-		[](test_host &h) -> std::unique_ptr<rack> {
-			return std::make_unique<s900_rack>(h);
-		} },
-	{ "S1000",
-		[](test_host &h) -> std::unique_ptr<rack> {
-			return std::make_unique<s1000_rack>(h, s1000_model::s1000, model_s1000);
-		} },
-	{ "S3000",
-		[](test_host &h) -> std::unique_ptr<rack> {
-			return std::make_unique<s1000_rack>(h, s1000_model::s3000, model_s3000);
-		} },
-	{ "S5000",
-		[](test_host &h) -> std::unique_ptr<rack> {
-			return std::make_unique<usb_rack<s5000>>(h, model_s5000);
-		} },
-	{ "Z8",
-		[](test_host &h) -> std::unique_ptr<rack> {
-			return std::make_unique<usb_rack<z4>>(h, model_z4, z4_model::z8);
-		} },
-	{ "MPC4000",
-		[](test_host &h) -> std::unique_ptr<rack> {
-			return std::make_unique<usb_rack<z4>>(h, model_mpc4000, z4_model::mpc4000);
-		} },
+template <class of, auto... which> std::unique_ptr<rack> make_rack(test_host &h)
+{
+	return std::make_unique<of>(h, which...);
+}
+
+// clang-format off
+inline const std::pair<const char *, std::unique_ptr<rack> (*)(test_host &h)> families[] = {
+	{ "S900",    make_rack<s900_rack> },
+	{ "S1000",   make_rack<s1000_rack, s1000_model::s1000, i32{ model_s1000 }> },
+	{ "S3000",   make_rack<s1000_rack, s1000_model::s3000, i32{ model_s3000 }> },
+	{ "S5000",   make_rack<usb_rack<s5000>, i32{ model_s5000 }> },
+	{ "Z8",      make_rack<usb_rack<z4>, i32{ model_z4 }, z4_model::z8> },
+	{ "MPC4000", make_rack<usb_rack<z4>, i32{ model_mpc4000 }, z4_model::mpc4000> },
 };
+// clang-format on
 
 } // namespace velmor

@@ -157,7 +157,9 @@ enum backup_control : int {
 	backup_begin = 20204,
 	backup_restore = 20205,
 	backup_facts = 20206,
-	backup_verify = 20207,
+	backup_verify = 20207,     // compare after each transfer
+	backup_everything = 20208, // also what looks as it did
+	backup_remove = 20209,     // a restore deletes what the folder does not hold
 };
 
 // Whether an interface passes on what it is given.
@@ -223,10 +225,11 @@ enum samples_control : int {
 	samples_preview_becomes = 16451,
 	samples_preview_lost = 16452,
 	samples_preview_upload = 16453,
-	samples_exact = 16460,  // exact length, and all of the header, to the S1000 family
-	samples_fit = 16461,    // make the chosen samples what the sampler takes
-	samples_rate = 16462,   // bytes a second on this connection
-	samples_verify = 16463, // compare after each transfer
+	samples_exact = 16460,   // exact length, and all of the header, to the S1000 family
+	samples_fit = 16461,     // make the chosen samples what the sampler takes
+	samples_rate = 16462,    // bytes a second on this connection
+	samples_verify = 16463,  // compare after each transfer
+	samples_compare = 16464, // "Compare with the sampler", of the chosen local sample
 	samples_play = 16608,
 	samples_work_file = 16510,
 	samples_work_percent = 16511,
@@ -278,6 +281,7 @@ enum programs_control : int {
 	programs_unsent = 17421,          // "3 changes unsent"
 	programs_title = 17422,           // of what the chosen tab shows
 	programs_find_sample = 17423,     // "Find in the spool and upload", of a missing sample
+	programs_compare = 17424,         // the same of the chosen local program
 	programs_loaded_heading = 60014,
 	programs_local_heading = 60015,
 	programs_retry = 60024,

@@ -52,6 +52,11 @@ struct program_refusal {
 std::unique_ptr<_program> read_program_text(
 	std::string_view text, kept_lines *kept, program_refusal *why);
 
+// A text as it stands in such a file, in quotation marks; what is no plain letter is \xNN.
+std::string quoted_text(std::string_view text);
+// The same taken back, behind what out holds: false for a text that is none.
+bool unquoted(std::string_view text, std::string *out);
+
 // ---- The folder -----------------------------------------------------------------------------
 
 std::string program_folder();

@@ -16,6 +16,7 @@
 #include "src/velmor_edits.h"
 #include "src/velmor_history.h"
 #include "src/velmor_library.h"
+#include "src/velmor_verify.h"
 #include "src/waveqx.h"
 #include "src/waveqx_file.h"
 #include <algorithm>
@@ -558,7 +559,7 @@ static outcome upload_over_its_own(const _sampler_type &model, const _program &p
 		held = *before;
 	result.line = result.done() ? format_text(tr("Uploaded %s."), quoted(name).c_str())
 				    : format_text(tr("%s was not sent."), quoted(name).c_str());
-	return one_box(result);
+	return one_box(verified_program(std::move(result), program, false));
 }
 
 outcome upload_program(const _program &program)
@@ -594,7 +595,7 @@ outcome upload_program(const _program &program)
 				quoted(name).c_str()) };
 	if (result.done() && result.line.empty())
 		result.line = format_text(tr("Uploaded %s."), quoted(name).c_str());
-	return kept.ended(one_box(result));
+	return one_box(verified_program(kept.ended(std::move(result)), program, true));
 }
 
 // ---- Queues ---------------------------------------------------------------------------------------------

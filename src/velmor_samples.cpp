@@ -9,6 +9,7 @@
 
 #include "src/velmor_history.h"
 #include "src/velmor_transfer.h"
+#include "src/velmor_verify.h"
 #include "src/velmor_work.h"
 #include "src/waveqx.h"
 #include <algorithm>
@@ -122,7 +123,7 @@ outcome fetch_sample(const std::string &name)
 	else
 		measured.arrived(wave_path_of(spool_filebase(name.c_str())));
 	if (result.done())
-		return result;
+		return verified_download(result, name);
 	result.told = troubles(result.told);
 	result.line =
 		quoted(name) + (result.how == ending::stopped ? " was not downloaded: stopped."
@@ -283,8 +284,7 @@ outcome upload_sample(const std::string &path)
 	if (!ready.done())
 		return ready;
 	if (progress_stopped())
-		return { .how = ending::stopped,
-			.line = quoted(name) + " was not sent: stopped." };
+		return { .how = ending::stopped, .line = quoted(name) + " was not sent: stopped." };
 	const int before = static_cast<int>(loaded_names().size());
 	box_keeper keeper;
 	const transfer_clock measured(transfer_way::up);
@@ -294,7 +294,7 @@ outcome upload_sample(const std::string &path)
 	if (!stopped && troubles(told).empty())
 		measured.arrived(wave_path_of(path));
 	const outcome read = read_sample_list();
-	return kept.ended(judge_upload(name, before, read, told, stopped));
+	return verified_upload(kept.ended(judge_upload(name, before, read, told, stopped)), path);
 }
 
 } // namespace velmor

@@ -28,7 +28,8 @@ namespace velmor
 
 static const window_rows *const all_rows[] = { &main_rows, &entry_rows, &settings_rows,
 	&sampler_rows, &usb_rows, &samples_rows, &fit_rows, &programs_rows, &multis_rows,
-	&panel_rows, &player_rows, &progress_rows, &status_rows, &wave_rows, &history_rows };
+	&panel_rows, &player_rows, &progress_rows, &status_rows, &wave_rows, &history_rows,
+	&backup_rows, &verify_rows };
 
 static std::vector<caption_row> all_captions()
 {

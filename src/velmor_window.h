@@ -70,6 +70,8 @@ extern const window_rows multis_rows;                            // velmor_multi
 extern const window_rows panel_rows;                             // velmor_panel.cpp
 extern const window_rows player_rows;                            // velmor_player.cpp
 extern const window_rows history_rows;                           // velmor_history_page.cpp
+extern const window_rows backup_rows;                            // velmor_backup_page.cpp
+extern const window_rows verify_rows;                            // velmor_verify_page.cpp
 extern const window_rows status_rows;                            // velmor_status.cpp
 extern const window_rows progress_rows;                          // velmor_queue_page.cpp
 

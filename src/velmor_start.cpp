@@ -8,6 +8,7 @@
 #include "src/rmidi.h"
 #include "src/usbqx.h"
 #include "src/velmor.h"
+#include "src/velmor_record.h"
 #include "src/velmor_window.h"
 
 namespace velmor
@@ -48,6 +49,7 @@ void start_velmor()
 	reload_midi_setup(false);
 	load_settings();
 	load_sampler_list();
+	record_as_told();
 	// Only words: the drive is a program of its own.
 	log_line("[I] WINFSP started...\r\n");
 }

@@ -183,13 +183,19 @@ static int selection(int window, int control)
 
 static void set_checked(int window, int control, bool checked)
 {
-	if (auto *button = qobject_cast<QAbstractButton *>(find_control(window, control)))
+	QObject *object = find_control(window, control);
+	if (auto *button = qobject_cast<QAbstractButton *>(object))
 		button->setChecked(checked);
+	else if (auto *entry = qobject_cast<QAction *>(object))
+		entry->setChecked(checked);
 }
 
 static bool is_checked(int window, int control)
 {
-	auto *button = qobject_cast<QAbstractButton *>(find_control(window, control));
+	QObject *object = find_control(window, control);
+	if (auto *entry = qobject_cast<QAction *>(object))
+		return entry->isChecked();
+	auto *button = qobject_cast<QAbstractButton *>(object);
 	return button && button->isChecked();
 }
 

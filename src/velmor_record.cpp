@@ -1,7 +1,7 @@
 // velmor_record.cpp - the recorder in front of the host's services, and the files it writes
 //
-// Bytes that come one by one make one event, until 20 ms pass or something else happens on any
-// line. What is sent over MIDI or USB is an event for each run handed over. The event under way
+// Bytes that come one by one make one event, until 20 ms pass without any or something else
+// happens on any line. What is sent over MIDI or USB is an event for each run handed over. The event under way
 // is written when the next one begins, so a crash loses no more than that.
 //
 // Knows nothing of: what the bytes mean.
@@ -23,7 +23,7 @@
 namespace velmor
 {
 
-static constexpr double pause_seconds = 0.02;
+static constexpr double pause_seconds = 0.02, byte_seconds = 10 / 31250.0;
 static constexpr std::size_t longest_event = 1 << 16;
 
 // ---- Who wants the events ---------------------------------------------------------------------
@@ -56,8 +56,10 @@ static void add_bytes(
 	if (bytes.empty())
 		return;
 	const bool whole = line == wire_line::usb || (sent && line == wire_line::midi);
+	// What a program looks for ten times a second has come all the while.
+	const double busy = static_cast<double>(bytes.size()) * byte_seconds;
 	const bool goes_on = tap.any && !whole && tap.now.line == line && tap.now.sent == sent &&
-			     now - tap.last < pause_seconds &&
+			     now - tap.last < pause_seconds + busy &&
 			     tap.now.bytes.size() + bytes.size() <= longest_event;
 	if (!goes_on) {
 		flush_event();
@@ -466,18 +468,20 @@ static void add_sample_names(const _program &program)
 					strnlen(zone.samplename, sizeof zone.samplename));
 }
 
-// The names that the program knows now. It forgets them when it reads a list again.
-static void harvest_names(bool now)
+// The names that the program knows now. It forgets them when it reads a list again; those in the
+// programs are many, and looked for now and then.
+static void harvest_names(bool all)
 {
-	const double moment = host.clock->counter();
-	if (!rec->nameless || (!now && moment < rec->harvested + harvest_seconds) ||
-		!current_sampler || !current_sampler->status)
+	if (!rec->nameless || !current_sampler || !current_sampler->status)
 		return;
-	rec->harvested = moment;
 	const _dev_status &s = *current_sampler->status;
 	add_names(s.program, s.programs);
 	add_names(s.sample, s.samples);
 	add_names(s.multi, s.multis);
+	const double moment = host.clock->counter();
+	if (!all && moment < rec->harvested + harvest_seconds)
+		return;
+	rec->harvested = moment;
 	for (i32 i = 0; i < std::clamp(s.programs, 0, max_programs); i++)
 		add_sample_names(s.program[i]);
 }
@@ -517,7 +521,8 @@ static void record_crossing(const crossing &c)
 	if (const std::string now = sampler_and_way(); std::exchange(rec->sampler, now) != now)
 		record_one({ .time = c.time, .note = "sampler: " + now });
 	record_one(c);
-	harvest_names(false);
+	if (c.sent)
+		harvest_names(false);
 	end_if_full();
 }
 

@@ -229,10 +229,11 @@ void replay_run::differ(const crossing &then, const byte_list &was, const byte_l
 		report->differences.push_back(d);
 }
 
-// Bytes that came behind an answer and did not then.
+// Bytes that came behind an answer and did not then. What comes behind a message that had no
+// answer says nothing: perhaps nobody listened then.
 void replay_run::more(const crossing &before)
 {
-	if (const byte_list rest = line->rest(); !rest.empty() && report->answers)
+	if (const byte_list rest = line->rest(); !rest.empty() && !before.sent)
 		differ(before, {}, rest);
 }
 

@@ -3,7 +3,7 @@
 // Pauses are kept, long ones in part: a sampler that was given time then gets it now.
 
 #include "src/velmor_replay.h"
-#include "src/usbqx.h"
+#include "src/velmor_stream.h"
 #include <algorithm>
 #include <cmath>
 #include <memory>
@@ -14,7 +14,7 @@ namespace velmor
 
 static constexpr double byte_seconds = 10 / 31250.0, patience = 3, longest_pause = 2;
 static constexpr double usb_quiet = 0.3; // silence that is the same as then
-static constexpr std::size_t listen_room = 1 << 20, most_differences = 100;
+static constexpr std::size_t most_differences = 100;
 static constexpr int most_silent = 3;
 
 using byte_list = std::vector<u8>;
@@ -33,63 +33,21 @@ public:
 	virtual byte_list rest() { return {}; }
 };
 
-static void pump_until(double moment)
-{
-	const double left = moment - host.clock->counter();
-	host.ui->pump(static_cast<int>(std::ceil(std::clamp(left * 1000, 0.0, 100.0))));
-}
-
-// MIDI or the bridge: a stream that is listened to all the time.
+// MIDI or the bridge.
 class stream_line : public replay_line
 {
 public:
-	~stream_line() override
-	{
-		if (over_tcp)
-			stop_listening_to_tcp();
-		else if (input >= 0)
-			host.midi->close_input(input);
-	}
-	std::string open() override
-	{
-		if (over_tcp) {
-			listen_to_tcp();
-			return "";
-		}
-		int code = open_midi_output();
-		if (!code)
-			code = host.midi->open_input(selected_midi_in_interface, &input);
-		input = code ? -1 : input;
-		if (!code)
-			code = host.midi->listen(input, listen_room);
-		return code ? host.midi->error_text(code) : "";
-	}
-	std::string send(const byte_list &bytes) override
-	{
-		if (over_tcp)
-			return send_tcp(bytes) ? "" : why_tcp_failed();
-		const int code = host.midi->write(the_outHandle, bytes.data(), bytes.size());
-		const double end = host.clock->counter() +
-				   static_cast<double>(bytes.size()) * byte_seconds + patience;
-		long leaving = 1;
-		while (!code && (leaving = host.midi->leaving(the_outHandle)) > 0 &&
-			host.clock->counter() < end && !progress_stopped())
-			pump_until(host.clock->counter() +
-				   static_cast<double>(leaving) * byte_seconds);
-		const int failed = code ? code : leaving < 0 ? static_cast<int>(-leaving) : 0;
-		return failed        ? host.midi->error_text(failed)
-		       : leaving > 0 ? "The MIDI output does not send."
-				     : "";
-	}
+	std::string open() override { return stream.open(); }
+	std::string send(const byte_list &bytes) override { return stream.send(bytes); }
 	std::string receive(const crossing &then, double seconds, byte_list *now) override
 	{
 		const std::size_t wanted = then.bytes.size();
 		const double end = host.clock->counter() + seconds;
-		std::string wrong = take();
+		std::string wrong = stream.take(&come);
 		while (wrong.empty() && come.size() < wanted && host.clock->counter() < end &&
 			!progress_stopped()) {
 			pump_until(end);
-			wrong = take();
+			wrong = stream.take(&come);
 		}
 		const auto cut =
 			come.begin() + static_cast<std::ptrdiff_t>(std::min(wanted, come.size()));
@@ -99,28 +57,12 @@ public:
 	}
 	byte_list rest() override
 	{
-		(void)take();
+		(void)stream.take(&come);
 		return std::exchange(come, {});
 	}
 
 private:
-	// Real time may stand anywhere, and belongs to no answer.
-	std::string take()
-	{
-		u8 bytes[1024];
-		long count;
-		while ((count = over_tcp ? take_tcp(bytes, sizeof bytes)
-					 : static_cast<long>(host.midi->take(
-						   input, bytes, sizeof bytes))) > 0)
-			std::copy_if(bytes, bytes + count, std::back_inserter(come),
-				[](u8 byte) { return byte < 0xF8; });
-		if (count < 0)
-			return why_tcp_failed();
-		const int code = over_tcp ? 0 : host.midi->input_error(input);
-		return code ? host.midi->error_text(code) : "";
-	}
-	const bool over_tcp = use_tcp != 0;
-	int input = -1;
+	byte_stream stream;
 	byte_list come;
 };
 

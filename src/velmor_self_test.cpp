@@ -148,7 +148,7 @@ static self_test_row try_length(
 	row.seconds = last - began;
 	row.rate = row.came && row.seconds > 0 ? static_cast<double>(row.came) / row.seconds : 0;
 	const std::size_t runs = pace.run ? length / static_cast<std::size_t>(pace.run) : 0;
-	const double allowed = static_cast<double>(length) * byte_seconds * 1.1 + late_seconds +
+	const double allowed = static_cast<double>(length) * byte_seconds * 1.01 + late_seconds +
 			       static_cast<double>(runs) * (pace.pause_ms + 10) / 1000;
 	if (row.result == self_test_result::pass && row.seconds > allowed)
 		row.result = self_test_result::delay;
@@ -326,7 +326,7 @@ static std::string search_words(const self_test_report &r)
 		r.found.pause_ms);
 }
 
-static outcome verdict(const self_test &test, self_test_way way)
+static outcome verdict(const self_test &test, self_test_route way)
 {
 	const self_test_report &r = *test.report;
 	if (!test.failure.empty())
@@ -338,7 +338,7 @@ static outcome verdict(const self_test &test, self_test_way way)
 	const auto heard = [](const self_test_row &row) { return row.came > 0; };
 	if (std::ranges::none_of(r.rows, heard))
 		return { ending::no_answer,
-			way == self_test_way::loop_cable
+			way == self_test_route::loop_cable
 				? "Nothing comes back. Is a cable plugged from this output to this "
 				  "input, and are both chosen in Basic settings?"
 				: silence_words(loaded_reached()),
@@ -353,24 +353,24 @@ static outcome verdict(const self_test &test, self_test_way way)
 		"WARNING" };
 }
 
-static outcome may_begin(self_test_way way)
+static outcome may_begin(self_test_route way)
 {
 	if (!use_tcp)
 		if (const std::string taken = why_output_is_taken(); !taken.empty())
 			return { ending::refused, taken, "INFO" };
 	outcome why;
-	if (way == self_test_way::sampler && !loaded_model(&why))
+	if (way == self_test_route::sampler && !loaded_model(&why))
 		return why;
 	return {};
 }
 
-outcome run_self_test(self_test_way way, self_test_report *report,
+outcome run_self_test(self_test_route way, self_test_report *report,
 	const std::function<void(const self_test_report &)> &told)
 {
 	*report = {};
 	if (outcome may = may_begin(way); !may.done())
 		return may;
-	const bool cable = way == self_test_way::loop_cable;
+	const bool cable = way == self_test_route::loop_cable;
 	report->port = cable && !use_tcp ? chosen_output() : "";
 	self_test test = { .report = report, .told = told };
 	show_progressbar(0, 100, "Self-test");

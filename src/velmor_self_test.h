@@ -18,7 +18,7 @@
 namespace velmor
 {
 
-enum class self_test_way {
+enum class self_test_route {
 	loop_cable,
 	sampler,
 };
@@ -56,7 +56,7 @@ std::vector<std::string> row_words(const self_test_row &row);
 
 // Ends by itself within five minutes, and soon after Stop. told is called after each row. Done:
 // all passed, or they pass at the pace found. Refused: something was lost, changed or late.
-outcome run_self_test(self_test_way way, self_test_report *report,
+outcome run_self_test(self_test_route way, self_test_report *report,
 	const std::function<void(const self_test_report &)> &told = {});
 
 // Use what was found for that port from now on, or no longer.

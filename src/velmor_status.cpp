@@ -11,7 +11,7 @@ namespace velmor
 {
 
 static constexpr int windows_with_status[] = { window_main, window_settings, window_sampler,
-	window_usb, window_multis, window_samples, window_programs, window_panel,
+	window_usb, window_multis, window_self_test, window_samples, window_programs, window_panel,
 	window_midi_files };
 
 // The last outcome, as every window shows it.

@@ -16,6 +16,7 @@
 #include "src/usbqx.h"
 #include "src/velmor_forms.h"
 #include "src/velmor_programs_page.h"
+#include "src/velmor_self_test_page.h"
 #include "src/velmor_wave_edit.h"
 #include <deque>
 #include <set>
@@ -54,7 +55,7 @@ static const window_rows progress_rows = { progress_captions, progress_commands 
 
 static const window_rows *const all_rows[] = { &main_rows, &entry_rows, &settings_rows,
 	&sampler_rows, &usb_rows, &samples_rows, &programs_rows, &multis_rows, &panel_rows,
-	&player_rows, &progress_rows, &status_rows, &wave_rows };
+	&self_test_rows, &player_rows, &progress_rows, &status_rows, &wave_rows };
 
 static std::vector<caption_row> all_captions()
 {

@@ -34,7 +34,7 @@ const std::vector<std::int16_t> sound(100, 1234);
 struct rack {
 	s1000_machine s3000{ s1000_model::s3000, 5 };
 	s900_machine s900{ s900_model::s900, 3 };
-	s5000 usb_s5000;
+	s5000 s5k;
 	z4 z8{ z4_model::z8 }, mpc{ z4_model::mpc4000 };
 
 	rack()
@@ -43,40 +43,49 @@ struct rack {
 		add("SNARE");
 		s3000.add_program("DRUMS", 1);
 		s900.add_program("DRUMS", 1);
-		usb_s5000.programs.push_back({ "DRUMS", std::vector<s5000_keygroup>(1) });
-		for (z4 *machine : { &z8, &mpc })
-			machine->add_program("DRUMS", std::vector<z4_keygroup>(1));
+		s5k.programs.push_back({ "DRUMS", std::vector<s5000_keygroup>(1) });
+		z8.add_program("DRUMS", std::vector<z4_keygroup>(1));
+		mpc.add_program("DRUMS", std::vector<z4_keygroup>(1));
 		s900.omni = true;
-		usb_s5000.name = z8.name = mpc.name = "Studio";
+		s5k.name = z8.name = mpc.name = "Studio";
 	}
 	void add(const char *name)
 	{
 		s3000.add_sample(name, 44100, sound);
 		s900.add_sample(name, 20000, sound);
-		usb_s5000.add_sample(name, make_wave(sound, {}));
-		z8.add_sample(name, make_wave(sound, {}));
-		mpc.add_sample(name, make_wave(sound, {}));
+		for (usb_sampler *machine : std::initializer_list<usb_sampler *>{ &s5k, &z8, &mpc })
+			machine->add_sample(name, make_wave(sound, {}));
 	}
 };
-
 struct family {
 	const char *name;
 	i32 model;
 	u8 channel;
 	usb_machine *(*usb)(rack &); // null: on MIDI
 	midi_machine (*midi)(rack &, timeline &);
-	const char *endings; // of the work
 };
 
 // clang-format off
 const family families[] = {
-	{ "s3000", model_s3000, 5, nullptr, [](rack &r, timeline &) { return r.s3000.on_wire(); }, "dddddd" },
-	{ "s900", model_s900, 3, nullptr, [](rack &r, timeline &t) { return r.s900.on_wire(t); }, "dddd" },
-	{ "s5000", model_s5000, 0, [](rack &r) -> usb_machine * { return &r.usb_s5000; }, nullptr, "dddddd" },
-	{ "z8", model_z4, 0, [](rack &r) -> usb_machine * { return &r.z8; }, nullptr, "dddddd" },
-	{ "mpc4000", model_mpc4000, 0, [](rack &r) -> usb_machine * { return &r.mpc; }, nullptr, "dddddd" },
+	{ "s3000", model_s3000, 5, nullptr, [](rack &r, timeline &) { return r.s3000.on_wire(); } },
+	{ "s900", model_s900, 3, nullptr, [](rack &r, timeline &t) { return r.s900.on_wire(t); } },
+	{ "s5000", model_s5000, 0, [](rack &r) -> usb_machine * { return &r.s5k; }, nullptr },
+	{ "z8", model_z4, 0, [](rack &r) -> usb_machine * { return &r.z8; }, nullptr },
+	{ "mpc4000", model_mpc4000, 0, [](rack &r) -> usb_machine * { return &r.mpc; }, nullptr },
 };
 // clang-format on
+
+std::string content_of(const std::string &path)
+{
+	std::ifstream file(path);
+	return (std::stringstream() << file.rdbuf()).str();
+}
+// Ends the recording. "The transcript is ... ."
+std::string recorded_text()
+{
+	const std::string words = stop_recording().words;
+	return content_of(words.substr(18, words.size() - 19));
+}
 
 class transcripts : public host_test, public ::testing::WithParamInterface<family>
 {
@@ -92,48 +101,44 @@ protected:
 		usbdev.clear();
 		usbdevs = usb_init_done = 0;
 	}
+	void plug(usb_machine *usb, midi_machine midi)
+	{
+		host.midi = &virtual_midi;
+		host.usb = &virtual_usb;
+		if (usb)
+			plug_usb(h.time, *usb);
+		else
+			port = plug_midi(h.time, std::move(midi), "Cable");
+	}
+	void plug(const family &f, rack &r)
+	{
+		plug(f.usb ? f.usb(r) : nullptr, f.usb ? midi_machine() : f.midi(r, h.time));
+	}
 	void connect(const family &f)
 	{
 		h.use_sampler(f.model, f.channel, f.usb ? "Studio" : "");
 		current_sampler->sampler_sysex = f.model == model_s900 ? f.channel + 1u : 1u;
-		if (f.usb) {
-			init_usb(1);
-			return;
-		}
-		reload_midi_setup(false);
-		selected_midi_in_interface = selected_midi_out_interface = 0;
-	}
-	void plug(const family &f, rack &r)
-	{
-		host.midi = &virtual_midi;
-		host.usb = &virtual_usb;
 		if (f.usb)
-			plug_usb(h.time, *f.usb(r));
+			init_usb(1);
 		else
-			plug_midi(h.time, f.midi(r, h.time), "Cable");
+			reload_midi_setup(false);
+		selected_midi_in_interface = selected_midi_out_interface = f.usb ? -1 : 0;
 	}
-	// What a person does, and how each of it ended, by its first letter.
-	std::string work(const std::string &name = "KICK")
+	// What a person does; an S900 neither renames nor deletes.
+	void work()
 	{
-		std::string how;
-		const auto note = [&](const outcome &o) {
-			how += "drnsl"[static_cast<int>(o.how)];
-			if (!o.done())
-				ADD_FAILURE() << o.words << (o.told.empty() ? "" : o.told[0].text);
-		};
-		note(read_program_list());
-		note(download_sample(name));
-		h.put_content(h.config + "\\sample\\TOM.wav",
-			h.content(h.config + "\\sample\\" + name + ".wav")
-				.value_or(std::vector<u8>()));
+		const auto done = [](const outcome &o) { EXPECT_TRUE(o.done()) << o.words; };
+		const std::string spool = h.config + "\\sample\\";
+		done(read_program_list());
+		done(download_sample("KICK"));
+		h.put_content(spool + "TOM.wav", h.content(spool + "KICK.wav").value());
 		load_local_samples(nullptr);
-		note(upload_sample(h.config + "\\sample\\TOM"));
+		done(upload_sample(spool + "TOM"));
 		if (current_sampler->sampler_type != model_s900) {
-			note(rename_sample("TOM", "TIMPANI"));
-			note(delete_sample("TIMPANI"));
+			done(rename_sample("TOM", "TIMPANI"));
+			done(delete_sample("TIMPANI"));
 		}
-		note(read_sample_list());
-		return how;
+		done(read_sample_list());
 	}
 	std::string record(const family &f, bool nameless)
 	{
@@ -141,11 +146,10 @@ protected:
 		plug(f, r);
 		EXPECT_TRUE(start_recording(nameless).done());
 		connect(f);
-		EXPECT_EQ(work(), f.endings);
-		const std::string words = stop_recording().words;
+		work();
+		const std::string text = recorded_text();
 		unplug();
-		std::ifstream file(words.substr(18, words.size() - 19));
-		return (std::stringstream() << file.rdbuf()).str();
+		return text;
 	}
 	// Work with who answers as then.
 	void with_replay(const family &f, const std::string &text, bool strict,
@@ -155,35 +159,26 @@ protected:
 		replay_usb usb(f.usb ? text : "", strict);
 		const replay_script &script = f.usb ? static_cast<replay_script &>(usb) : midi;
 		ASSERT_EQ(script.wrong(), "");
-		host.midi = &virtual_midi;
-		host.usb = &virtual_usb;
-		static int port;
-		const auto later = [](machine::bytes late) { port_wire(port).play(late); };
-		if (f.usb)
-			plug_usb(h.time, usb);
-		else
-			port = plug_midi(h.time, midi.on_wire(h.time, later), "Cable");
+		const auto later = [this](machine::bytes late) { port_wire(port).play(late); };
+		plug(f.usb ? &usb : nullptr, midi.on_wire(h.time, later));
 		connect(f);
 		what(script);
 		unplug();
 	}
+	int port = 0;
 };
-
-std::string file_of(const family &f)
-{
-	return std::string(std::getenv("VELMOR_SOURCE")) + "/tests/transcripts/" + f.name + ".txt";
-}
 
 TEST_P(transcripts, the_program_says_what_it_said_then)
 {
 	const family &f = GetParam();
+	const std::string path =
+		std::string(std::getenv("VELMOR_SOURCE")) + "/tests/transcripts/" + f.name + ".txt";
 	if (std::getenv("VELMOR_MAKE_TRANSCRIPTS"))
-		std::ofstream(file_of(f)) << record(f, false);
-	std::ifstream file(file_of(f));
-	const std::string text = (std::stringstream() << file.rdbuf()).str();
+		std::ofstream(path) << record(f, false);
+	const std::string text = content_of(path);
 	EXPECT_LT(text.size(), 40000u);
 	with_replay(f, text, true, [&](const replay_script &script) {
-		EXPECT_EQ(work(), f.endings);
+		work();
 		EXPECT_FALSE(script.parted()) << script.parted()->words();
 		EXPECT_EQ(script.left(), 0u);
 	});
@@ -210,10 +205,8 @@ TEST_P(transcripts, without_names_the_sampler_answers_under_others)
 	for (const crossing &c : t.crossings)
 		for (const u8 byte : c.bytes)
 			letters += byte ? static_cast<char>(byte) : ' ';
-	EXPECT_EQ(letters.find("KICK"), letters.npos);
-	EXPECT_EQ(letters.find("K I C K"), letters.npos);
-	EXPECT_EQ(letters.find("\x15\x13\x0D\x15"), letters.npos) << "in the S1000's own letters";
-	EXPECT_EQ(letters.find("TIMPANI"), letters.npos);
+	for (const char *name : { "KICK", "K I C K", "\x15\x13\x0D\x15", "TIMPANI" })
+		EXPECT_EQ(letters.find(name), letters.npos) << name;
 }
 
 TEST_P(transcripts, what_was_sent_is_sent_again_and_answers_are_compared)
@@ -252,9 +245,7 @@ INSTANTIATE_TEST_SUITE_P(of_each_family, transcripts, ::testing::ValuesIn(famili
 
 // ---- The text ---------------------------------------------------------------------------------
 
-class recordings : public host_test
-{
-};
+using recordings = host_test;
 
 TEST_F(recordings, hold_every_byte_with_its_time)
 {
@@ -272,10 +263,8 @@ TEST_F(recordings, hold_every_byte_with_its_time)
 	send_midi_string_ex(hex("F0 47 00 00 48 F7").data(), 6, answer, &length, 1);
 	length = sizeof answer;
 	send_midi_string_ex(hex("F0 7D F7").data(), 3, answer, &length, 1);
-	const std::string words = stop_recording().words;
+	std::string text = recorded_text();
 	EXPECT_FALSE(recording());
-	std::ifstream file(words.substr(18, words.size() - 19));
-	std::string text = (std::stringstream() << file.rdbuf()).str();
 	ASSERT_TRUE(text.starts_with("velmor-transcript 1\nrecorded: 20")) << text;
 	text.erase(0, text.find("\nsampler: "));
 	EXPECT_EQ(text, R"(
@@ -294,32 +283,28 @@ names: kept
 
 TEST_F(recordings, that_cannot_be_believed_say_where)
 {
-	const std::string head = "velmor-transcript 1\nnames: kept\n\n";
-	const std::pair<std::string, const char *> rows[] = {
-		{ "", "This file is no transcript." },
-		{ "MThd", "This file is no transcript." },
-		{ "velmor-transcript 2\n\n",
-			"Line 1 of the transcript: this program does not know its version." },
-		{ head + "0.1 > midi 3: F0 7D", "Line 5 of the transcript: the event before it "
-						"lacks 1 bytes. Was the file cut?" },
-		{ head + "0.1 > midi 3: F0 7D\n0.2 < midi 0:",
-			"Line 5 of the transcript: the event before it lacks 1 bytes. Was the file "
-			"cut?" },
-		{ head + "0.1 > midi 2: F0 7D F7",
-			"Line 4 of the transcript: there are more bytes than it says." },
-		{ head + "0.1 > midi 2: 00*99999999999999999999",
-			"Line 4 of the transcript: '00*99999999999999999' is no byte." },
-		{ head + "0.1 > midi 4: 00*3\n\t1FF",
-			"Line 5 of the transcript: '1FF' is no byte." },
-		{ head + "0.1 > midi 99999999: ", "Line 4 of the transcript: this is no event." },
-		{ head + "nan > midi 1: F8",
-			"Line 4 of the transcript: it does not begin with a time." },
-		{ head + "0.1 > modem 1: F8", "Line 4 of the transcript: this is no event." },
-		{ head + "\tF8", "Line 4 of the transcript: no bytes are due." },
+	const std::string head = "velmor-transcript 1\nnames: kept\n\n",
+			  event = head + "0.1 > midi ";
+	// clang-format off
+	const std::tuple<std::string, int, const char *> rows[] = {
+		{ "", 0, "This file is no transcript." },
+		{ "velmor-transcript 2\n\n", 1, "this program does not know its version." },
+		{ event + "3: F0 7D", 5, "the event before it lacks 1 bytes. Was the file cut?" },
+		{ event + "3: F0 7D\n0.2 < midi 0:", 5, "the event before it lacks 1 bytes. Was the file cut?" },
+		{ event + "2: F0 7D F7", 4, "there are more bytes than it says." },
+		{ event + "2: 00*99999999999999999999", 4, "'00*99999999999999999' is no byte." },
+		{ event + "4: 00*3\n\t1FF", 5, "'1FF' is no byte." },
+		{ event + "99999999: ", 4, "this is no event." },
+		{ head + "0.1 > modem 1: F8", 4, "this is no event." },
+		{ head + "nan > midi 1: F8", 4, "it does not begin with a time." },
+		{ head + "\tF8", 4, "no bytes are due." },
 	};
+	// clang-format on
 	transcript t;
-	for (const auto &[text, words] : rows) {
-		EXPECT_EQ(read_transcript(text, &t), words);
+	for (const auto &[text, row, words] : rows) {
+		const std::string where =
+			row ? format_text("Line %d of the transcript: ", row) : "";
+		EXPECT_EQ(read_transcript(text, &t), where + words);
 		EXPECT_NE(replay_script(text).wrong(), "") << text;
 	}
 }

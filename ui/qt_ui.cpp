@@ -212,13 +212,19 @@ static void select_several(int window, int control, std::span<const int> places)
 
 static void set_checked(int window, int control, bool checked)
 {
-	if (auto *button = qobject_cast<QAbstractButton *>(find_control(window, control)))
+	QObject *object = find_control(window, control);
+	if (auto *button = qobject_cast<QAbstractButton *>(object))
 		button->setChecked(checked);
+	else if (auto *entry = qobject_cast<QAction *>(object))
+		entry->setChecked(checked);
 }
 
 static bool is_checked(int window, int control)
 {
-	auto *button = qobject_cast<QAbstractButton *>(find_control(window, control));
+	QObject *object = find_control(window, control);
+	if (auto *entry = qobject_cast<QAction *>(object))
+		return entry->isChecked();
+	auto *button = qobject_cast<QAbstractButton *>(object);
 	return button && button->isChecked();
 }
 

@@ -55,6 +55,7 @@ static constexpr dialog_maker dialogs[] = {
 	{ window_usb, create_usb_dialog },
 	{ window_multis, create_multi_window },
 	{ window_backup, create_backup_window },
+	{ window_self_test, create_self_test_window },
 	{ window_panel, create_panel_window },
 	{ window_midi_files, create_player_window },
 	{ window_history, create_history_window },

@@ -86,6 +86,7 @@ void create_sampler_dialog(QWidget *owner);
 void create_usb_dialog(QWidget *owner);
 void create_multi_window(QWidget *owner);
 void create_backup_window(QWidget *owner);
+void create_self_test_window(QWidget *owner);
 void create_panel_window(QWidget *owner);
 void create_progress_window(QWidget *owner);
 void create_sample_manager(QWidget *owner);

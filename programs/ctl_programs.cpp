@@ -46,11 +46,24 @@ int ctl_program_ls(const ctl_call &call)
 	return read.done() && read.told.empty() ? exit_done : ctl_tell("", read);
 }
 
+// Work on one that the sampler lists.
+static outcome on_sampler(
+	const std::string &typed, const std::function<outcome(const program_entry &)> &work)
+{
+	const outcome ready = have_program_list();
+	if (!ready.done())
+		return ready;
+	const std::vector<std::string> names = loaded_programs();
+	const std::string name = without_end_blanks(typed);
+	if (std::find(names.begin(), names.end(), name) == names.end())
+		return { .how = ending::refused, .words = "'" + name + "' is not on the sampler." };
+	return work({ .name = name });
+}
+
 int ctl_program_get(const ctl_call &call)
 {
-	return ctl_each(call.words, [](const std::string &name) {
-		return download_program({ .name = without_end_blanks(name) });
-	});
+	return ctl_each(call.words,
+		[](const std::string &name) { return on_sampler(name, download_program); });
 }
 
 // ---- Programs of this computer ------------------------------------------------------------------
@@ -108,7 +121,7 @@ int ctl_program_rm(const ctl_call &call)
 		(void)load_local_programs();
 	return ctl_each(call.words, [&](const std::string &name) {
 		return local ? with_local(name, delete_local_program)
-			     : delete_program({ .name = without_end_blanks(name) });
+			     : on_sampler(name, delete_program);
 	});
 }
 
@@ -116,8 +129,9 @@ int ctl_program_mv(const ctl_call &call)
 {
 	const std::string &name = call.words[0], &new_name = call.words[1];
 	if (!call.has("--local"))
-		return ctl_tell(
-			name, rename_program({ .name = without_end_blanks(name) }, new_name));
+		return ctl_tell(name, on_sampler(name, [&](const program_entry &which) {
+			return rename_program(which, new_name);
+		}));
 	(void)load_local_programs();
 	return ctl_tell(name,
 		with_local(name, [&](int place) { return rename_local_program(place, new_name); }));

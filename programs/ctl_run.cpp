@@ -171,20 +171,21 @@ static int load_sampler_of(const ctl_call &call)
 	std::string name = call.value("--sampler");
 	if (name.empty() && conf_sampler.size() == 1)
 		name = conf_sampler.front();
-	if (!name.empty()) {
+	if (std::find(conf_sampler.begin(), conf_sampler.end(), name) != conf_sampler.end()) {
 		const outcome loaded = load_by_name(name);
 		return loaded.done() ? exit_done : ctl_tell("", loaded);
 	}
 	if (conf_sampler.empty())
 		return ctl_usage("No sampler is configured. The windows of velmor do that: "
 				 "Settings, Manage MIDI Samplers.");
-	std::string names;
+	std::string words = name.empty() ? "Which sampler? Name one with --sampler:"
+					 : "There is no sampler called '" + name + "', but these:";
 	for (const std::string &one : conf_sampler)
-		names += "\n  " + one;
-	return ctl_usage("Which sampler? Name one with --sampler:" + names);
+		words += "\n  " + one;
+	return ctl_usage(words);
 }
 
-// What the samplers themselves say; what stands in a folder needs none.
+// What stands in a folder of this computer needs none.
 static bool needs_sampler(const ctl_call &call)
 {
 	return call.verb->needs_sampler && !call.has("--local");

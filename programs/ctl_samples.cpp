@@ -25,6 +25,17 @@ static std::string listed_name(const std::string &typed)
 	return found == names.end() ? typed : *found;
 }
 
+static bool is_listed(const std::string &typed)
+{
+	const std::vector<std::string> names = loaded_names();
+	return std::find(names.begin(), names.end(), listed_name(typed)) != names.end();
+}
+
+static outcome not_listed(const std::string &typed)
+{
+	return { .how = ending::refused, .words = "'" + typed + "' is not on the sampler." };
+}
+
 static std::string spool_path(const std::string &name)
 {
 	return spool_folder() + "\\" + file_name_of(name);
@@ -140,8 +151,11 @@ int ctl_get(const ctl_call &call)
 	std::vector<std::string> names = loaded_names();
 	if (!call.has("--all")) {
 		names = call.words;
-		for (std::string &name : names)
+		for (std::string &name : names) {
+			if (!is_listed(name))
+				return ctl_tell(name, not_listed(name));
 			name = listed_name(name);
+		}
 	}
 	return names.size() == 1 ? fetch_one(names.front()) : fetch_many(names);
 }
@@ -206,6 +220,14 @@ int ctl_put(const ctl_call &call)
 	});
 }
 
+// What was done, with its names, instead of a word of success.
+static outcome in_one_line(outcome result)
+{
+	if (result.done() && !result.line.empty())
+		result.words.clear();
+	return result;
+}
+
 // ---- Names ------------------------------------------------------------------------------------------------
 
 // Work on one name, as the sampler's list has it.
@@ -213,14 +235,16 @@ static outcome on_sampler(
 	const std::string &typed, const std::function<outcome(const std::string &)> &work)
 {
 	const outcome ready = have_sample_list();
-	return ready.done() ? work(listed_name(typed)) : ready;
+	if (!ready.done())
+		return ready;
+	return is_listed(typed) ? in_one_line(work(listed_name(typed))) : not_listed(typed);
 }
 
 int ctl_rm(const ctl_call &call)
 {
 	const bool local = call.has("--local");
 	return ctl_each(call.words, [&](const std::string &name) {
-		return local ? delete_local(name) : on_sampler(name, delete_sample);
+		return local ? in_one_line(delete_local(name)) : on_sampler(name, delete_sample);
 	});
 }
 
@@ -228,7 +252,7 @@ int ctl_mv(const ctl_call &call)
 {
 	const std::string &name = call.words[0], &new_name = call.words[1];
 	if (call.has("--local"))
-		return ctl_tell(name, rename_local(name, new_name));
+		return ctl_tell(name, in_one_line(rename_local(name, new_name)));
 	return ctl_tell(name, on_sampler(name, [&](const std::string &listed) {
 		return rename_sample(listed, new_name);
 	}));

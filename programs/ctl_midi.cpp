@@ -36,9 +36,10 @@ int ctl_play(const ctl_call &call)
 	while (song_plays() && !progress_stopped())
 		host.ui->pump(look_ms);
 	outcome result = { .line = "Played '" + call.words[0] + "'." };
-	if (song_plays())
+	if (song_plays()) { // its end has let go of all notes
 		result = { .how = ending::stopped, .line = "Stopped '" + call.words[0] + "'." };
-	stop_really_all(window_midi_files);
+		stop_really_all(window_midi_files);
+	}
 	free_midi(&current_midi_file);
 	have_midi_file = 0;
 	if (!keeper.boxes.empty())

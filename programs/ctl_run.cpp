@@ -9,7 +9,7 @@
 #include "src/lcd.h"
 #include "src/rmidi.h"
 #include "src/usbqx.h"
-#include "src/velmor_monitor.h"
+#include "src/velmor_window.h"
 #include <algorithm>
 #include <charconv>
 #include <cstring>
@@ -172,6 +172,8 @@ static int load_sampler_of(const ctl_call &call)
 	if (name.empty() && conf_sampler.size() == 1)
 		name = conf_sampler.front();
 	if (std::find(conf_sampler.begin(), conf_sampler.end(), name) != conf_sampler.end()) {
+		_sampler record = {};
+		ctl_ends_inside(read_configuration(name, &record) ? exit_no_answer : exit_local);
 		const outcome loaded = load_by_name(name);
 		return loaded.done() ? exit_done : ctl_tell("", loaded);
 	}

@@ -290,7 +290,7 @@ static std::string value_cases()
 std::string ctl_completion()
 {
 	std::string text =
-		"# Completion of velmorctl for bash; made by: velmorctl --completion\n"
+		"# Completion of velmorctl for bash; made by velmorctl --completion\n"
 		"_velmorctl()\n{\n"
 		"\tlocal word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD-1]} verb= "
 		"i\n"

@@ -50,7 +50,9 @@ static std::string json_text(std::string_view text)
 	for (std::size_t at = 0; at < text.size();) {
 		const u8 byte = static_cast<u8>(text[at]);
 		const std::size_t size = character_at(text, at);
-		if (!size || byte < 0x20 || byte == 0x7F)
+		if (byte == '\n')
+			out += "\\n";
+		else if (!size || byte < 0x20 || byte == 0x7F)
 			out += format_text("\\u%04x", byte);
 		else if (byte == '"' || byte == '\\')
 			out += std::string("\\") + text[at];

@@ -4,19 +4,13 @@
 // own, and what crossed the wires is compared. The button's window reads its list when it opens,
 // and some buttons read it again behind their work; nothing else may differ.
 
-#include "programs/ctl.h"
 #include "src/lcd.h"
-#include "src/usbqx.h"
 #include "src/velmor_library.h"
 #include "src/velmor_midi.h"
 #include "src/velmor_window.h"
-#include "src/waveqx.h"
+#include "tests/support/ctl_fixture.h"
 #include "tests/support/fake_model.h"
 #include "tests/support/midi_files.h"
-#include "virtual/demo_content.h"
-#include "virtual/demo_usb.h"
-#include "virtual/midi_ports.h"
-#include "virtual/usb_bus.h"
 #include <cstring>
 #include <fstream>
 #include <regex>
@@ -27,189 +21,14 @@ using namespace velmor;
 namespace
 {
 
-using lines = std::vector<std::string>;
-
-lines operator+(lines a, const lines &b)
-{
-	a.insert(a.end(), b.begin(), b.end());
-	return a;
-}
-
-// What crossed each wire, both ways.
-struct traffic {
-	lines midi, usb;
-	bool operator==(const traffic &) const = default;
-	traffic operator+(const traffic &b) const { return { midi + b.midi, usb + b.usb }; }
-};
-
-// Take what stands at the end off it.
-void take_end(lines *all, const lines &end)
-{
-	ASSERT_TRUE(
-		all->size() >= end.size() && std::equal(end.rbegin(), end.rend(), all->rbegin()));
-	all->resize(all->size() - end.size());
-}
-
-// A host with an S3000 on its MIDI cable and an S5000 on its USB, both configured.
-struct studio {
-	test_host h;
-	s1000_machine s3000{ s1000_model::s3000, 0 };
-	s5000 usb;
-	lines crossed; // MIDI, both ways
-	bool ticking = false;
-	int port;
-
-	explicit studio(std::size_t words = 300)
-	{
-		for (const char *name : { "KICK", "SNARE" })
-			s3000.add_sample(name, 44100, std::vector<std::int16_t>(words, 1000));
-		for (const char *name : { "DRUMS", "BASS" })
-			s3000.add_program(name, 2);
-		fill_demo(usb);
-		usb.record = true;
-		midi_machine wire = s3000.on_wire();
-		wire.answer = [this](machine::byte_view message) {
-			const machine::bytes answer = s3000.answer(message);
-			crossed.push_back("> " + hex_text(message));
-			crossed.push_back("< " + hex_text(answer));
-			return answer;
-		};
-		wire.played = [this](machine::byte_view notes) {
-			crossed.push_back("played " + hex_text(notes));
-		};
-		host.midi = &virtual_midi;
-		host.usb = &virtual_usb;
-		port = plug_midi(h.time, std::move(wire), "Cable");
-		plug_usb(h.time, usb);
-		h.settings = { { "midi_in", "0" }, { "midi_out", "0" }, { "midi_in_mon", "0" } };
-		configure("Rack", model_s3000, "");
-		configure("Studio", model_s5000, "Demo S5000");
-		h.time.run_until(1); // whatever a plug brings
-	}
-	~studio()
-	{
-		close_midi_output();
-		unplug_all_midi();
-		unplug_all_usb();
-		forget_unread_usb();
-	}
-	void configure(const char *name, i32 model, const char *usb_name)
-	{
-		_sampler s = {};
-		copy_text(s.sampler_description, name);
-		copy_text(s.sampler_usbname, usb_name);
-		s.sampler_type = static_cast<u32>(model);
-		s.sampler_sysex = s.sampler_midi = 1;
-		h.put_content(h.config + "\\" + name + ".sampler",
-			{ reinterpret_cast<const u8 *>(&s), sizeof s });
-	}
-	// What crossed the wires since the last call.
-	traffic take()
-	{
-		traffic all = { std::exchange(crossed, {}), {} };
-		for (const usb_crossing &c : std::exchange(usb.recorded, {}))
-			all.usb.push_back((c.from_host ? "> " : "< ") + hex_text(c.bytes));
-		return all;
-	}
-	// Timers tick with every pump.
-	void tick()
-	{
-		h.on_pump = [this] {
-			if (std::exchange(ticking, true))
-				return;
-			for (const auto timers = h.timers; const auto &[id, timer] : timers)
-				if (h.timers.contains(id))
-					timer.tick();
-			ticking = false;
-		};
-	}
-};
-
-struct ran {
-	int status;
-	std::string results, words;
-};
-
-ran ctl(const lines &words)
-{
-	ctl_call call;
-	ran r = { exit_usage, "", read_ctl(words, &call) };
-	if (!r.words.empty())
-		return r;
-	char *text[2];
-	std::size_t sizes[2];
-	std::FILE *streams[2];
-	for (int i = 0; i < 2; i++)
-		streams[i] = open_memstream(&text[i], &sizes[i]);
-	r.status = run_ctl(call, { .results = streams[0], .words = streams[1] });
-	for (int i = 0; i < 2; i++) {
-		std::fclose(streams[i]);
-		(i ? r.words : r.results) = text[i];
-		std::free(text[i]);
-	}
-	return r;
-}
-
-void press(int window, int control)
-{
-	EXPECT_TRUE(velmor_command(window, control));
-}
-
-void choose(int window, int list, int place)
-{
-	host.ui->select(window, list, place);
-	velmor_selection(window, list);
-}
-
-void choose_name(int window, int list, const char *name)
-{
-	const lines &names = the_test_host->lists[{ window, list }];
-	choose(window, list, static_cast<int>(std::ranges::find(names, name) - names.begin()));
-}
-
-// A button of the sample or program window, over the entry of that name.
-template <int window, int list, int button> void press_over(const char *name)
-{
-	choose_name(window, list, name);
-	press(window, button);
-}
-constexpr auto on_sample = press_over<window_samples, samples_loaded_list, samples_download>;
-
-void type(int window, int control, const char *text)
-{
-	host.ui->set_text(window, control, text);
-}
-
-void open_samples()
-{
-	press(window_main, main_samples);
-}
-
-void open_programs()
-{
-	press(window_main, main_programs);
-}
-
-void nothing() {}
-
-void spool(studio &s, const std::string &name)
+// What is on this computer.
+void spool(studio &s, const char *name)
 {
 	s.h.put_content(s.h.config + "\\sample\\" + name + ".wav",
 		wave_bytes(44100, 1, { 1, 2, 3, 4, 5, 6, 7, 8 }));
 }
 
-void spool_tick(studio &s)
-{
-	spool(s, "Tick");
-}
-
-void spool_kick(studio &s)
-{
-	spool(s, "KICK");
-}
-
-// A program of this computer, as the sampler had it.
-void keep_bass(studio &s)
+void keep_program_over_tick(studio &s)
 {
 	auto program = std::make_unique<_program>();
 	copy_text(program->name, "LEAD");
@@ -219,10 +38,10 @@ void keep_bass(studio &s)
 	copy_text(program->keygroup[0].keyzone[0].samplename, "Tick");
 	EXPECT_TRUE(keep_program(*program).done());
 	forget_local_programs();
-	spool_tick(s);
+	spool(s, "Tick");
 }
 
-void save_song(studio &s)
+void keep_song(studio &s)
 {
 	s.h.put_content(s.h.config + "\\song.mid",
 		midi_song(96, { "00 90 3C 40 60 80 3C 40 00 FF 2F 00" }));
@@ -230,83 +49,113 @@ void save_song(studio &s)
 	s.tick();
 }
 
-struct pair_of_ways {
+void press_panel(const char *key)
+{
+	for (const _sampler_ctrl *c = get_sampler(model_s5000)->ctrl; c->name; c++)
+		if (!std::strcmp(c->name, key))
+			velmor_command(window_panel, c->id);
+}
+
+enum : int {
+	list_too = 1,    // the verb reads the list, which the window reads when it opens
+	read_behind = 2, // the button reads it again behind its work
+	loads = 4,       // what both begin with
+};
+struct two_ways {
+	int flags;
 	const char *sampler;
 	lines verb;
-	void (*open)();         // the window, which reads its list
-	void (*press)();        // what the verb stands for
-	bool opens = true;      // the verb reads that list too
-	bool refreshes = false; // the button reads it again
-	void (*prepare)(studio &) = [](studio &) {};
+	int open;           // command of the main window
+	int window, button; // 0: opening it was all
+	int list = 0;       // over the entry of that name
+	const char *chosen = "";
+	int field = 0; // with that typed
+	const char *typed = "";
+	void (*prepare)(studio &) = nullptr;
+	void (*instead)() = nullptr; // of the button
 };
+constexpr int loaded = list_too | loads, refreshing = loaded | read_behind;
 
 // clang-format off
-const pair_of_ways ways[] = {
-	{ "Rack",   { "ls" }, open_samples, nothing },
-	{ "Rack",   { "info" }, [] { press(window_main, menu_midi_samplers); },
-		[] { press(window_sampler, sampler_device_info); } },
-	{ "Rack",   { "info", "SNARE" }, open_samples, [] { press_over<window_samples, samples_loaded_list, samples_loaded_info>("SNARE"); } },
-	{ "Rack",   { "get", "SNARE" }, open_samples, [] { on_sample("SNARE"); }, true, true },
-	{ "Rack",   { "get", "--all" }, open_samples, [] { press(window_samples, samples_download_all); }, true, true },
-	{ "Rack",   { "put", "Tick" }, open_samples, [] { press_over<window_samples, samples_local_list, samples_upload>("Tick"); }, true, false, spool_tick },
-	{ "Rack",   { "rm", "KICK" }, open_samples, [] { press_over<window_samples, samples_loaded_list, samples_loaded_delete>("KICK"); } },
-	{ "Rack",   { "mv", "KICK", "BOOM" }, open_samples, [] { type(window_samples, samples_loaded_new_name, "BOOM"); press_over<window_samples, samples_loaded_list, samples_loaded_rename>("KICK"); } },
-	{ "Rack",   { "program", "ls" }, open_programs, nothing },
-	{ "Rack",   { "program", "get", "BASS" }, open_programs, [] { press_over<window_programs, programs_loaded_list, programs_download>("BASS"); } },
-	{ "Rack",   { "program", "put", "LEAD", "--yes" }, open_programs, [] { press_over<window_programs, programs_local_list, programs_upload>("LEAD"); }, true, false, keep_bass },
-	{ "Rack",   { "program", "rm", "DRUMS" }, open_programs, [] { press_over<window_programs, programs_loaded_list, programs_loaded_delete>("DRUMS"); } },
-	{ "Rack",   { "program", "mv", "BASS", "SUB" }, open_programs, [] { type(window_programs, programs_loaded_new_name, "SUB"); press_over<window_programs, programs_loaded_list, programs_loaded_rename>("BASS"); } },
-	{ nullptr,  { "play", "VELMOR/CONFIG/song.mid" }, nothing, [] { press(window_midi_files, player_load); press(window_midi_files, player_play); while (song_plays()) host.ui->pump(50); }, false, false, save_song },
-	{ "Studio", { "get", "Kick 22in" }, open_samples, [] { on_sample("Kick 22in"); }, true, true },
-	{ "Studio", { "rm", "Hat Open" }, open_samples, [] { press_over<window_samples, samples_loaded_list, samples_loaded_delete>("Hat Open"); } },
-	{ "Studio", { "program", "ls" }, open_programs, nothing },
-	{ "Studio", { "panel" }, nothing, [] { press(window_main, main_lcd); } },
-	{ "Studio", { "key", "wheel>", "--times", "2" }, [] { press(window_main, main_lcd); }, [] { velmor_mouse(window_panel, panel_picture, 0, 0, mouse_action::wheel, 2); }, false },
-	{ "Studio", { "key", "F3", "--type", "Go" }, [] { press(window_main, main_lcd); }, [] {
-		for (const _sampler_ctrl *c = get_sampler(model_s5000)->ctrl; c->name; c++)
-			if (!std::strcmp(c->name, "F3"))
-				press(window_panel, c->id);
-		velmor_key(window_panel, panel_picture, 0, "Go", true); }, false },
+const two_ways ways[] = {
+	{ loaded, "Rack", { "ls" }, main_samples, 0, 0 },
+	{ loaded, "Rack", { "info" }, menu_midi_samplers, window_sampler, sampler_device_info },
+	{ loaded, "Rack", { "info", "SNARE" }, main_samples, window_samples, samples_loaded_info, samples_loaded_list, "SNARE" },
+	{ refreshing, "Rack", { "get", "SNARE" }, main_samples, window_samples, samples_download, samples_loaded_list, "SNARE" },
+	{ refreshing, "Rack", { "get", "--all" }, main_samples, window_samples, samples_download_all },
+	{ loaded, "Rack", { "put", "Tick" }, main_samples, window_samples, samples_upload, samples_local_list, "Tick", 0, "", [](studio &s) { spool(s, "Tick"); } },
+	{ loaded, "Rack", { "rm", "KICK" }, main_samples, window_samples, samples_loaded_delete, samples_loaded_list, "KICK" },
+	{ loaded, "Rack", { "mv", "KICK", "BOOM" }, main_samples, window_samples, samples_loaded_rename, samples_loaded_list, "KICK", samples_loaded_new_name, "BOOM" },
+	{ loaded, "Rack", { "program", "ls" }, main_programs, 0, 0 },
+	{ loaded, "Rack", { "program", "get", "BASS" }, main_programs, window_programs, programs_download, programs_loaded_list, "BASS" },
+	{ loaded, "Rack", { "program", "put", "LEAD", "--yes" }, main_programs, window_programs, programs_upload, programs_local_list, "LEAD", 0, "", keep_program_over_tick },
+	{ loaded, "Rack", { "program", "rm", "DRUMS" }, main_programs, window_programs, programs_loaded_delete, programs_loaded_list, "DRUMS" },
+	{ loaded, "Rack", { "program", "mv", "BASS", "SUB" }, main_programs, window_programs, programs_loaded_rename, programs_loaded_list, "BASS", programs_loaded_new_name, "SUB" },
+	{ 0,      "Rack", { "play", "VELMOR/CONFIG/song.mid" }, menu_midi_files, window_midi_files, player_load, 0, "", 0, "", keep_song,
+		[] { velmor_command(window_midi_files, player_load), velmor_command(window_midi_files, player_play); while (song_plays()) host.ui->pump(50); } },
+	{ refreshing, "Studio", { "get", "Kick 22in" }, main_samples, window_samples, samples_download, samples_loaded_list, "Kick 22in" },
+	{ loaded, "Studio", { "rm", "Hat Open" }, main_samples, window_samples, samples_loaded_delete, samples_loaded_list, "Hat Open" },
+	{ loaded, "Studio", { "program", "ls" }, main_programs, 0, 0 },
+	{ loaded, "Studio", { "panel" }, main_lcd, 0, 0 },
+	{ loads,  "Studio", { "key", "wheel>", "--times", "2" }, main_lcd, 0, 0, 0, "", 0, "", nullptr, [] { velmor_mouse(window_panel, panel_picture, 0, 0, mouse_action::wheel, 2); } },
+	{ loads,  "Studio", { "key", "F3", "--type", "Go" }, main_lcd, 0, 0, 0, "", 0, "", nullptr, [] { press_panel("F3"), velmor_key(window_panel, panel_picture, 0, "Go", true); } },
 };
 // clang-format on
 
-// What the button sends, as the verb should.
-traffic sent_by_window(const pair_of_ways &way)
+void choose(studio &s, int window, int list, const char *name)
 {
-	studio s;
-	way.prepare(s);
+	const lines &names = s.h.lists[{ window, list }];
+	const auto place = std::ranges::find(names, name) - names.begin();
+	host.ui->select(window, list, static_cast<int>(place));
+	velmor_selection(window, list);
+}
+
+// What the button sends, as the verb should.
+traffic sent_by_window(studio &s, const two_ways &way)
+{
 	start_velmor();
-	if (way.sampler) {
-		choose_name(window_main, main_sampler_list, way.sampler);
-		press(window_main, main_load);
-	}
+	choose(s, window_main, main_sampler_list, way.sampler);
+	EXPECT_TRUE(velmor_command(window_main, main_load));
 	const traffic loading = s.take();
-	way.open();
+	EXPECT_TRUE(velmor_command(window_main, way.open));
 	const traffic list = s.take();
-	way.press();
+	choose(s, way.window, way.list, way.chosen);
+	host.ui->set_text(way.window, way.field, way.typed);
+	if (way.instead)
+		way.instead();
+	EXPECT_TRUE(way.instead || !way.button || velmor_command(way.window, way.button));
 	s.h.time.run_until(s.h.time.now() + 1);
 	traffic work = s.take();
-	if (way.refreshes) {
+	if (way.flags & read_behind) {
 		take_end(&work.midi, list.midi);
 		take_end(&work.usb, list.usb);
 	}
-	return loading + (way.opens ? list : traffic()) + work;
+	return (way.flags & loads ? loading : traffic()) +
+	       (way.flags & list_too ? list : traffic()) + work;
 }
 
 TEST(velmorctl, a_verb_sends_what_the_window_sends)
 {
-	for (const pair_of_ways &way : ways) {
+	for (const two_ways &way : ways) {
 		SCOPED_TRACE(testing::PrintToString(way.verb));
-		const traffic expected = sent_by_window(way);
-		studio s;
-		way.prepare(s);
-		const ran r =
-			ctl((way.sampler ? lines{ "--sampler", way.sampler } : lines()) + way.verb);
-		EXPECT_EQ(r.status, 0) << r.words;
-		const traffic sent = s.take();
-		EXPECT_EQ(sent.midi, expected.midi);
-		EXPECT_EQ(sent.usb, expected.usb);
-		EXPECT_FALSE(sent.midi.empty() && sent.usb.empty());
+		traffic sent[2];
+		for (const bool windows : { true, false }) {
+			studio s;
+			if (way.prepare)
+				way.prepare(s);
+			if (windows) {
+				sent[1] = sent_by_window(s, way);
+				continue;
+			}
+			const ran r = ctl(
+				(way.flags & loads ? lines{ "--sampler", way.sampler } : lines()) +
+				way.verb);
+			EXPECT_EQ(r.status, 0) << r.words;
+			sent[0] = s.take();
+		}
+		EXPECT_EQ(sent[0].midi, sent[1].midi);
+		EXPECT_EQ(sent[0].usb, sent[1].usb);
+		EXPECT_FALSE(sent[0] == traffic());
 	}
 }
 
@@ -319,60 +168,29 @@ struct telling {
 	void (*before)(studio &) = [](studio &) {};
 };
 
-void fall_silent(studio &s)
-{
-	port_wire(s.port).set_fault({ .kind = wire_fault_kind::silent, .from_then_on = true });
-}
-
-void pull_plug(studio &s)
-{
-	unplug_usb(s.usb);
-}
-
-void leave_one(studio &s)
-{
-	std::remove((s.h.root + "/VELMOR/CONFIG/Studio.sampler").c_str());
-}
-
-void cut_configuration(studio &s)
-{
-	s.h.put_content(s.h.config + "\\Rack.sampler", std::vector<u8>(536));
-}
-
-void press_a_key(studio &s)
-{
-	s.tick();
-	s.h.time.after(1.5, [&s] { port_wire(s.port).play({ 0x90, 60, 64 }); });
-}
-
-void choose_no_input(studio &s)
-{
-	s.h.settings["midi_in_mon"] = "-1";
-}
-
 // clang-format off
 const telling tellings[] = {
-	{ { "samplers" }, 0, "Rack\tAkai S3000/S3000XL\tMIDI 'Cable'\n", "", leave_one },
-	{ { "ls" }, 0, "KICK\nSNARE\n", "", leave_one },
+	{ { "samplers" }, 0, "Rack\tAkai S3000/S3000XL\tMIDI 'Cable'\n", "", [](studio &s) { std::remove((s.h.root + "/VELMOR/CONFIG/Studio.sampler").c_str()); } },
+	{ { "ls" }, 0, "KICK\nSNARE\n", "", [](studio &s) { std::remove((s.h.root + "/VELMOR/CONFIG/Studio.sampler").c_str()); } },
 	{ { "ls" }, 2, "", "Which sampler? Name one with --sampler:\n" },
 	{ { "ls", "--sampler", "Rock" }, 2, "", "There is no sampler called 'Rock', but these:\n" },
-	{ { "ls", "--sampler=Rack" }, 1, "", "No Sampler loaded/Function not supported by Sampler", cut_configuration },
+	{ { "ls", "--sampler=Rack" }, 1, "", "No Sampler loaded/Function not supported by Sampler", [](studio &s) { s.h.put_content(s.h.config + "\\Rack.sampler", std::vector<u8>(536)); } },
 	{ { "--sampler", "Rack", "get", "KICK" }, 0, "/VELMOR/CONFIG/sample/KICK.wav\n", "Downloaded 'KICK'.\n" },
-	{ { "--sampler", "Rack", "get", "KICK", "--json" }, 1, "{\"name\":\"KICK\",\"ended\":\"refused\",\"words\":\"Skipped download of sample!\"}\n", "Overwrite existing sample? [no; --yes says yes]\n", spool_kick },
-	{ { "--sampler", "Rack", "get", "KICK", "--yes" }, 0, "KICK.wav\n", "Overwrite existing sample? [yes]\n", spool_kick },
+	{ { "--sampler", "Rack", "get", "KICK", "--json" }, 1, "{\"name\":\"KICK\",\"ended\":\"refused\",\"words\":\"Skipped download of sample!\"}\n", "Overwrite existing sample? [no; --yes says yes]\n", [](studio &s) { spool(s, "KICK"); } },
+	{ { "--sampler", "Rack", "get", "KICK", "--yes" }, 0, "KICK.wav\n", "Overwrite existing sample? [yes]\n", [](studio &s) { spool(s, "KICK"); } },
 	{ { "--sampler", "Rack", "rm", "TOM", "KICK " }, 1, "", "'TOM' is not on the sampler.\nDeleted 'KICK' on the sampler.\n" },
-	{ { "--sampler", "Rack", "--json", "rm", "KICK" }, 3, "its own MIDI page.\"}\n", "Nothing was sent, because the sampler's list could not be read.\n", fall_silent },
+	{ { "--sampler", "Rack", "--json", "rm", "KICK" }, 3, "its own MIDI page.\"}\n", "Nothing was sent, because the sampler's list could not be read.\n", [](studio &s) { port_wire(s.port).set_fault({ .kind = wire_fault_kind::silent, .from_then_on = true }); } },
 	{ { "--sampler", "Rack", "put", "nothing.wav" }, 4, "", "[nothing.wav] is no WAV file" },
 	{ { "--sampler", "Rack", "panel" }, 1, "", "The screen of Akai S3000/S3000XL cannot be seen from here." },
-	{ { "--sampler", "Rack", "mv", "KICK", "BOOM", "--local" }, 0, "", "'KICK' on this computer is now 'BOOM'.", spool_kick },
+	{ { "--sampler", "Rack", "mv", "KICK", "BOOM", "--local" }, 0, "", "'KICK' on this computer is now 'BOOM'.", [](studio &s) { spool(s, "KICK"); } },
 	{ { "--sampler", "Studio", "key", "F99" }, 2, "", "There is no key 'F99' on this sampler" },
-	{ { "--sampler", "Studio", "ls" }, 3, "", "Could not find USB-Interface for [Demo S5000]", pull_plug },
+	{ { "--sampler", "Studio", "ls" }, 3, "", "Could not find USB-Interface for [Demo S5000]", [](studio &s) { unplug_usb(s.usb); } },
 	{ { "play", "song.mid", "--speed", "299" }, 2, "", "--speed takes a number from 300 to 1800." },
 	{ { "play", "no.mid" }, 4, "", "File cannot be opened" },
 	{ { "--tcp", "here", "ls" }, 2, "", "--tcp takes ADDRESS:PORT." },
 	{ { "--tcp", "127.0.0.1:9", "ls" }, 3, "", "Nothing answers at 127.0.0.1:9." },
-	{ { "monitor", "--seconds", "2" }, 0, "Channel: 1 NOTE ON (60 (C3)) Velocity: 64\n", "", press_a_key },
-	{ { "monitor" }, 3, "", "o", choose_no_input },
+	{ { "monitor", "--seconds", "2" }, 0, "Channel: 1 NOTE ON (60 (C3)) Velocity: 64\n", "", [](studio &s) { s.tick(), s.h.time.after(1.5, [&s] { port_wire(s.port).play({ 0x90, 60, 64 }); }); } },
+	{ { "monitor" }, 3, "", "o", [](studio &s) { s.h.settings["midi_in_mon"] = "-1"; } },
 	{ { "ls", "--all" }, 2, "", "--all: there is no such option of 'ls'." },
 	{ { "program", "rm" }, 2, "", "An argument is missing: velmorctl program rm PROGRAM...." },
 	{ { "import", "--bits", "13", "a.wav" }, 2, "", "--bits takes one of these: 12|16|24." },
@@ -396,7 +214,7 @@ TEST(velmorctl, results_words_and_statuses_say_how_it_ended)
 TEST(velmorctl, what_is_there_stays_and_the_others_are_fetched)
 {
 	studio s;
-	spool_kick(s);
+	spool(s, "KICK");
 	const auto kept = s.h.content(s.h.config + "\\sample\\KICK.wav");
 	const ran r = ctl({ "--json", "get", "--all", "--sampler", "Rack" });
 	EXPECT_EQ(r.status, 0) << r.words;

@@ -97,6 +97,14 @@ static const _sampler_type &row_of_loaded()
 	return *get_sampler(static_cast<i32>(current_sampler->sampler_type));
 }
 
+// The file has its words now, and those of hundreds of samples need not stay in memory.
+static void give_words_back(const std::string &name)
+{
+	for (_sample &sample : current_sampler->status->sample)
+		if (sample.sample_data && name == sample.name)
+			free_sample_data(&sample);
+}
+
 // One sample, from a list that is fresh. What the driver told comes with it.
 static outcome fetch(const std::string &name)
 {
@@ -116,8 +124,10 @@ static outcome fetch(const std::string &name)
 		result.how = ending::refused;
 	else if (!troubles(result.told).empty())
 		result.how = ending::local_failed;
-	if (result.done())
+	if (result.done()) {
+		give_words_back(name);
 		return result;
+	}
 	result.told = troubles(result.told);
 	result.line =
 		quoted(name) + (result.how == ending::stopped ? " was not downloaded: stopped."

@@ -219,6 +219,7 @@ TEST(velmorctl, what_is_there_stays_and_the_others_are_fetched)
 			     "{\"name\":\"SNARE\",\"ended\":\"done\",\"path\":\"" +
 				     s.h.root + "/VELMOR/CONFIG/sample/SNARE.wav\"}\n");
 	EXPECT_EQ(s.h.content(s.h.config + "\\sample\\KICK.wav"), kept);
+	EXPECT_EQ(current_sampler->status->sample[1].sample_data, nullptr) << "it is in the file";
 }
 
 TEST(velmorctl, ctrl_c_ends_at_the_next_safe_point_and_the_wire_is_drained)
@@ -241,10 +242,12 @@ TEST(velmorctl, names_of_any_bytes_make_no_broken_line)
 	studio s;
 	s.usb.samples[0].name = "a\"\\\x1B[2J\xFFz";
 	s.usb.samples[1].name = "\xC3\xA9t\xC3\xA9";
+	s.usb.samples[2].name = "cut\xC3";
 	const lines ls = { "--sampler", "Studio", "ls" };
 	EXPECT_TRUE(ctl(ls + lines{ "--json" })
-			    .results.starts_with("{\"name\":\"a\\\"\\\\\\u001b[2J\\u00ffz\"}\n{"
-						 "\"name\":\"\xC3\xA9t\xC3\xA9\"}\n"));
+			    .results.starts_with(
+				    "{\"name\":\"a\\\"\\\\\\u001b[2J\\u00ffz\"}\n{"
+				    "\"name\":\"\xC3\xA9t\xC3\xA9\"}\n{\"name\":\"cut\\u00c3\"}"));
 	EXPECT_TRUE(ctl(ls).results.starts_with("a\"\\?[2J\xFFz\n\xC3\xA9t\xC3\xA9\n"));
 }
 
@@ -267,6 +270,17 @@ TEST(velmorctl, a_picture_is_a_png_file_bit_by_bit)
 	std::erase(file, ' ');
 	EXPECT_NE(file.find(rows), file.npos) << "pixels of the file";
 	EXPECT_NE(rows.find("FFFF"), rows.npos) << "nothing is drawn";
+	// Dots 1, 2, 3 and 7 of Braille stand on the left, 4, 5, 6 and 8 on the right.
+	const std::string drawn = ctl({ "panel", "--sampler", "Studio" }).results;
+	for (std::size_t y = 0; y < 240; y++)
+		for (std::size_t x = 0; x < 320; x++) {
+			const std::size_t at = y / 4 * (160 * 3 + 1) + x / 2 * 3;
+			const int set = (drawn[at + 1] & 3) << 6 | (drawn[at + 2] & 0x3F);
+			const int dot = y % 4 == 3 ? 6 + x % 2 : y % 4 + x % 2 * 3;
+			const int digit =
+				std::stoi(rows.substr(y * 82 + 2 + x / 4, 1), nullptr, 16);
+			ASSERT_EQ(set >> dot & 1, digit >> (3 - x % 4) & 1) << x << " " << y;
+		}
 }
 
 } // namespace

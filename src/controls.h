@@ -215,7 +215,10 @@ enum samples_control : int {
 	samples_mix_both_to_one = 16442,
 	samples_mix_both = 16443,
 	samples_mix_files = 16444,
-	samples_import_preview = 16450,
+	samples_import_preview = 16450, // the file
+	samples_preview_becomes = 16451,
+	samples_preview_lost = 16452,
+	samples_preview_upload = 16453,
 	samples_exact = 16460,  // exact length, and all of the header, to the S1000 family
 	samples_fit = 16461,    // make the chosen samples what the sampler takes
 	samples_rate = 16462,   // bytes a second on this connection

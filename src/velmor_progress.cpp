@@ -38,8 +38,8 @@ static std::string time_left(double done)
 		return "";
 	const int left = static_cast<int>(seconds);
 	if (left >= 3600)
-		return format_text("%d:%02d:%02d left", left / 3600, left / 60 % 60, left % 60);
-	return format_text("%d:%02d left", left / 60, left % 60);
+		return format_text(tr("%d:%02d:%02d left"), left / 3600, left / 60 % 60, left % 60);
+	return format_text(tr("%d:%02d left"), left / 60, left % 60);
 }
 
 void set_progressbar(int val)

@@ -7,6 +7,7 @@
 //
 // Knows nothing of: models, windows.
 
+#include "src/velmor_transfer.h"
 #include "src/velmor_work.h"
 #include "src/waveqx.h"
 #include <algorithm>
@@ -113,6 +114,7 @@ static outcome fetch(const std::string &name)
 	box_keeper keeper;
 	const line_watch watch;
 	forget_stop(); // of earlier work
+	const transfer_clock measured(transfer_way::down);
 	row_of_loaded().downloadsample(control_channel(), exclusive_channel(), name.c_str());
 	outcome result = { .line = "Downloaded " + quoted(name) + "." };
 	result.told = keeper.take();
@@ -124,6 +126,8 @@ static outcome fetch(const std::string &name)
 		result.how = ending::refused;
 	else if (!troubles(result.told).empty())
 		result.how = ending::local_failed;
+	else
+		measured.arrived(wave_path_of(spool_filebase(name.c_str())));
 	if (result.done()) {
 		give_words_back(name);
 		return result;
@@ -379,9 +383,12 @@ outcome upload_sample(const std::string &path)
 	const int before = static_cast<int>(loaded_names().size());
 	box_keeper keeper;
 	forget_stop(); // of earlier work
+	const transfer_clock measured(transfer_way::up);
 	row_of_loaded().uploadsample(path.c_str());
 	const bool stopped = progress_stopped();
 	const std::vector<kept_box> told = keeper.take();
+	if (!stopped && troubles(told).empty())
+		measured.arrived(wave_path_of(path));
 	const outcome read = read_sample_list();
 	return judge_upload(path.substr(path.rfind('\\') + 1), before, read, told, stopped);
 }

@@ -1,4 +1,4 @@
-// velmor_samples_page.cpp - the sample manager: two lists, what is chosen in them, and the buttons
+// velmor_samples_page.cpp - the sample manager: two lists, and what is chosen in them
 //
 // Each button reads the selection, calls a workflow (velmor_work.h), and shows how it ended.
 // Names are taken from what the list shows, not from the record behind it, which another view
@@ -8,7 +8,7 @@
 //
 // Knows nothing of: models (but what their rows say), toolkits.
 
-#include "src/velmor_window.h"
+#include "src/velmor_samples_page.h"
 #include "src/waveqx.h"
 #include <algorithm>
 #include <cstring>
@@ -24,7 +24,7 @@ static constexpr list_controls loaded_controls = {
 	.list = samples_loaded_list,
 	.heading = samples_loaded_heading,
 	.retry = samples_retry,
-	.what = "sample",
+	.what = noun::sample,
 };
 
 static constexpr int detail_fields[] = { samples_detail_origin, samples_detail_name,
@@ -35,18 +35,11 @@ static constexpr int detail_fields[] = { samples_detail_origin, samples_detail_n
 static constexpr int needs_the_list[] = { samples_download, samples_download_all,
 	samples_loaded_delete, samples_loaded_rename, samples_loaded_info, samples_upload };
 
-// The names as the list shows them.
-static std::vector<std::string> shown_loaded;
+std::vector<std::string> shown_loaded;
 
 using list_rows = std::vector<std::vector<std::string>>;
 
-// An entry of a list, by its name and place; -1 for none.
-struct chosen_entry {
-	std::string name;
-	int index;
-};
-
-static chosen_entry chosen_loaded()
+chosen_entry chosen_loaded()
 {
 	const int index = host.ui->selection(window_samples, samples_loaded_list);
 	if (index < 0 || index >= static_cast<int>(shown_loaded.size()))
@@ -54,7 +47,7 @@ static chosen_entry chosen_loaded()
 	return { shown_loaded[static_cast<std::size_t>(index)], index };
 }
 
-static chosen_entry chosen_local()
+chosen_entry chosen_local()
 {
 	const int index = host.ui->selection(window_samples, samples_local_list);
 	if (index < 0 || index >= local_samples)
@@ -69,12 +62,12 @@ static bool nothing_chosen(const chosen_entry &entry, const char *words)
 	return entry.index < 0;
 }
 
-static bool no_loaded(const chosen_entry &entry)
+bool no_loaded(const chosen_entry &entry)
 {
 	return nothing_chosen(entry, "Choose a sample on the sampler first!");
 }
 
-static bool no_local(const chosen_entry &entry)
+bool no_local(const chosen_entry &entry)
 {
 	return nothing_chosen(entry, "Choose a sample on this computer first!");
 }
@@ -96,7 +89,7 @@ static void refill(int control, const list_rows &rows, const std::vector<std::st
 		elsewhere ? static_cast<int>(found - names.begin()) : place);
 }
 
-static void clear_details()
+void clear_details()
 {
 	for (const int field : detail_fields)
 		host.ui->set_text(window_samples, field, "");
@@ -118,7 +111,7 @@ static std::vector<std::string> loaded_row(const _sample &sample)
 	return row;
 }
 
-static void fill_loaded(const chosen_entry &before)
+void fill_loaded(const chosen_entry &before)
 {
 	shown_loaded = loaded_names();
 	list_rows rows;
@@ -167,7 +160,7 @@ static void read_more_heads()
 		host.ui->select(window_samples, samples_local_list, chosen);
 }
 
-static void fill_local(const chosen_entry &before)
+void fill_local(const chosen_entry &before)
 {
 	load_local_samples(nullptr);
 	std::vector<std::string> names;
@@ -222,8 +215,7 @@ void empty_sample_page()
 	update_sample_page();
 }
 
-// Read the sampler anew and show both sides.
-static void read_anew(const chosen_entry &loaded, const chosen_entry &local)
+void read_anew(const chosen_entry &loaded, const chosen_entry &local)
 {
 	outcome read = read_sample_list();
 	if (close_requested())
@@ -313,239 +305,6 @@ void display_sample_information(const _sample *sample, const char *origin)
 		play_mode_text(row_of_play_modes(model, origin), sample->playback_mode));
 }
 
-static void show_loaded_information()
-{
-	const chosen_entry chosen = chosen_loaded();
-	if (no_loaded(chosen))
-		return;
-	const _sample *record = nullptr;
-	clear_details();
-	const outcome asked = ask_sample(chosen.name, &record);
-	if (record)
-		display_sample_information(record, "LOADED");
-	else if (shown_loaded != loaded_names())
-		fill_loaded(chosen);
-	show_outcome(asked);
-}
-
-static void show_local_information()
-{
-	const chosen_entry chosen = chosen_local();
-	if (no_local(chosen))
-		return;
-	_sample sample = {};
-	const std::string path = local_sample[static_cast<std::size_t>(chosen.index)].pathname;
-	if (create_sample_from_file(path.c_str(), &sample)) {
-		display_sample_information(&sample, "LOCAL");
-	} else {
-		clear_details();
-		show_box("INFO", "Sample corrupted...cannot read information!");
-	}
-	free_sample_data(&sample);
-}
-
-// ---- From the sampler ---------------------------------------------------------------------------
-
-static void download_selected_sample()
-{
-	const outcome offered = offers_download();
-	if (!offered.done()) {
-		show_outcome(offered);
-		return;
-	}
-	const chosen_entry chosen = chosen_loaded(), local = chosen_local();
-	if (no_loaded(chosen))
-		return;
-	if (in_spool(chosen.name) && !ask_box("WARNING", "Overwrite existing sample?")) {
-		show_outcome({ .how = ending::stopped, .words = "Skipped download of sample!" });
-		return;
-	}
-	const outcome result = download_sample(chosen.name);
-	if (!close_requested())
-		read_anew(chosen, result.done()
-					  ? chosen_entry{ file_name_of(chosen.name), local.index }
-					  : local);
-	show_outcome(result);
-	host.ui->focus(window_samples, samples_loaded_list);
-}
-
-// One question for all, since a sampler holds hundreds; who keeps what is there may still want
-// the others. False: nothing is wanted.
-static bool may_download(work_queue *queue)
-{
-	const int all = static_cast<int>(queue->size());
-	const int existing = static_cast<int>(std::count_if(queue->begin(), queue->end(),
-		[](const work_item &item) { return in_spool(item.name); }));
-	if (!existing ||
-		ask_box("WARNING", "Overwrite existing samples? (%d of %d)", existing, all))
-		return true;
-	if (existing == all ||
-		!ask_box("WARNING", "Download the other samples? (%d of %d)", all - existing, all))
-		return false;
-	for (work_item &item : *queue)
-		if (in_spool(item.name))
-			item.state = item_state::skipped;
-	return true;
-}
-
-static void download_all_samples()
-{
-	work_queue queue;
-	for (const std::string &name : shown_loaded)
-		queue.push_back({ .name = name });
-	outcome result = { .how = ending::stopped, .line = "Nothing was downloaded." };
-	const chosen_entry loaded = chosen_loaded(), local = chosen_local();
-	if (may_download(&queue)) {
-		result = download_samples(&queue);
-		if (!close_requested())
-			read_anew(loaded, local);
-	}
-	show_outcome(result);
-	host.ui->focus(window_samples, samples_loaded_list);
-}
-
-// Show what a change on the sampler has left, tell it, and go on in the list.
-static void show_change(
-	const outcome &result, const chosen_entry &loaded, const chosen_entry &local)
-{
-	if (!close_requested()) {
-		fill_loaded(loaded);
-		fill_local(local);
-	}
-	if (result.done())
-		host.ui->set_text(window_samples, samples_loaded_new_name, "");
-	show_outcome(result);
-}
-
-static void delete_loaded_sample()
-{
-	const chosen_entry chosen = chosen_loaded();
-	if (no_loaded(chosen))
-		return;
-	const outcome result = delete_sample(chosen.name);
-	// The neighbour, not another sample of that name.
-	show_change(result, { result.done() ? "" : chosen.name, chosen.index }, chosen_local());
-	host.ui->focus(window_samples, samples_loaded_list);
-}
-
-static void rename_loaded_sample()
-{
-	const std::string new_name = host.ui->get_text(window_samples, samples_loaded_new_name);
-	if (new_name.empty()) {
-		show_outcome({ .how = ending::refused, .words = "Choose a new name!" });
-		return;
-	}
-	const chosen_entry chosen = chosen_loaded();
-	if (no_loaded(chosen))
-		return;
-	const outcome result = rename_sample(chosen.name, new_name);
-	show_change(result, { result.done() ? "" : chosen.name, chosen.index }, chosen_local());
-	host.ui->focus(window_samples, samples_loaded_list);
-}
-
-// ---- To the sampler, and the files of the spool -----------------------------------------------
-
-// What would arrive as silence is converted first, if the user wants it. False: nothing is sent,
-// and the user has read why.
-static bool make_audible(const std::string &path)
-{
-	const upload_verdict check = upload_check(
-		*get_sampler(static_cast<i32>(current_sampler->sampler_type)), wave_path_of(path));
-	if (check.sends || !check.helps)
-		return true; // the workflow has the words
-	if (!ask_box("WARNING", "%s\nConvert it now, and upload what it becomes?",
-		    check.words.c_str()))
-		return false;
-	const std::string file[] = { wave_path_of(path) };
-	const outcome converted = import_files(
-		file, [&] { return check.conversion; }, window_samples);
-	if (!converted.done())
-		show_outcome(converted);
-	return converted.done();
-}
-
-static void upload_selected_sample()
-{
-	const outcome offered = offers_upload();
-	if (!offered.done()) {
-		show_outcome(offered);
-		return;
-	}
-	const chosen_entry chosen = chosen_local(), loaded = chosen_loaded();
-	if (no_local(chosen))
-		return;
-	const std::string path = local_sample[static_cast<std::size_t>(chosen.index)].pathname;
-	if (!make_audible(path))
-		return;
-	const outcome result = upload_sample(path);
-	show_change(result, { result.done() ? chosen.name : loaded.name, loaded.index }, chosen);
-	host.ui->focus(window_samples, samples_local_list);
-}
-
-static void show_local_change(const outcome &result, const chosen_entry &chosen)
-{
-	fill_local(chosen);
-	if (result.done())
-		host.ui->set_text(window_samples, samples_local_new_name, "");
-	show_outcome(result);
-	host.ui->focus(window_samples, samples_local_list);
-}
-
-static void delete_local_sample()
-{
-	const chosen_entry chosen = chosen_local();
-	if (!no_local(chosen))
-		show_local_change(delete_local(chosen.name), chosen);
-}
-
-static void rename_local_sample()
-{
-	const chosen_entry chosen = chosen_local();
-	if (no_local(chosen))
-		return;
-	const std::string typed = host.ui->get_text(window_samples, samples_local_new_name);
-	const outcome result = rename_local(chosen.name, typed);
-	show_local_change(
-		result, { result.done() ? file_name_of(typed) : chosen.name, chosen.index });
-}
-
-static void export_spool()
-{
-	const std::string target = host.ui->choose_folder("Select target folder for samples");
-	log_line("[D] SHBrowse returned with: [%s]\r\n", target.c_str());
-	if (!target.empty())
-		show_outcome(export_spool_to(target));
-}
-
-static void clear_spool()
-{
-	const outcome result = clear_spool_folder();
-	fill_local({ "", -1 });
-	show_outcome(result);
-}
-
-static void import_paths(std::span<const std::string> paths)
-{
-	const outcome result = import_files(paths, chosen_import_options, window_samples);
-	const bool failed = result.how == ending::local_failed;
-	if (failed)
-		fill_local(chosen_local());
-	show_outcome(result);
-	if (!failed)
-		show_sample_setup();
-}
-
-static void import_samples()
-{
-	const std::vector<std::string> paths = host.ui->choose_files("Import Sample",
-		"Sound files (*.wav *.WAV *.aif *.aiff *.aifc *.flac *.ogg *.opus *.mp3 *.au *.caf "
-		"*.w64 *.rf64);;All files (*)");
-	if (paths.empty())
-		show_box("ERROR", "No file(s) selected!");
-	else
-		import_paths(paths);
-}
-
 static void preview_options()
 {
 	show_import_preview({});
@@ -604,7 +363,7 @@ static constexpr caption_row samples_captions[] = {
 	{ window_samples,  samples_mix_both_to_one, "Mix Channels", "From a stereo file take the average of both channels", nullptr },
 	{ window_samples,  samples_mix_both,        "Both Channels", "Put a mono file on both channels", nullptr },
 	{ window_samples,  samples_mix_files,       "Create L/R files", "Make two mono samples of a stereo file, with -L and -R behind their names", nullptr },
-	{ window_samples,  samples_import_preview,  "Import preview", "What the options above make of a file, and how long the sampler takes to receive it", nullptr },
+	{ window_samples,  samples_import_preview,  "File", "The chosen sample, or the files that hover over the list", nullptr },
 	{ window_samples,  samples_loaded_heading,  "State of the sampler's list", "How many samples, and when they were read", nullptr },
 	{ window_samples,  samples_local_heading,   "State of the spool", "How many samples there are on this computer", nullptr },
 	{ window_samples,  samples_retry,           "Try again", "Ask the sampler once more", nullptr },

@@ -40,7 +40,7 @@ static void stop_work()
 // clang-format off
 static constexpr caption_row progress_captions[] = {
 	{ window_progress, 0,             "Progress", nullptr, nullptr },
-	{ window_progress, progress_stop, "Stop", "End this work at the next point where the sampler stays usable", nullptr },
+	{ window_progress, progress_stop, "Stop", own("End this work at the next point where the sampler stays usable"), nullptr },
 };
 static constexpr command_row progress_commands[] = {
 	{ window_progress, progress_stop,  stop_work, always },
@@ -53,8 +53,8 @@ static constexpr command_row progress_commands[] = {
 static const window_rows progress_rows = { progress_captions, progress_commands };
 
 static const window_rows *const all_rows[] = { &main_rows, &entry_rows, &settings_rows,
-	&sampler_rows, &usb_rows, &samples_rows, &programs_rows, &multis_rows, &panel_rows,
-	&player_rows, &progress_rows, &status_rows, &wave_rows };
+	&sampler_rows, &usb_rows, &samples_rows, &fit_rows, &programs_rows, &multis_rows,
+	&panel_rows, &player_rows, &progress_rows, &status_rows, &wave_rows };
 
 static std::vector<caption_row> all_captions()
 {

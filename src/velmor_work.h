@@ -183,6 +183,8 @@ struct undo_step {
 	void (*show)() = nullptr; // what came back, where the spool's pages do not
 };
 void remember_undo(const undo_step &step);
+// Convert a sample of the spool in its place; the way back is added to a step.
+outcome convert_local(const std::string &name, const import_options &options, undo_step *undo);
 bool can_undo();
 outcome undo_last();
 void forget_undo();

@@ -564,7 +564,7 @@ TEST_F(sample_windows, dropped_files_are_imported_with_the_chosen_options)
 	QDragEnterEvent enter(middle, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
 	QApplication::sendEvent(list->viewport(), &enter);
 	EXPECT_TRUE(enter.isAccepted());
-	EXPECT_NE(host.ui->get_text(window_samples, samples_import_preview).find("22000 Hz"),
+	EXPECT_NE(host.ui->get_text(window_samples, samples_preview_becomes).find("22000 Hz"),
 		std::string::npos);
 	QDropEvent drop(middle, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
 	QApplication::sendEvent(list->viewport(), &drop);

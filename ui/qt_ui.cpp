@@ -20,6 +20,7 @@
 #include "ui/parts/told.h"
 #include "ui/parts/window.h"
 #include "ui/track_strip_list.h"
+#include "ui/translation.h"
 #include "ui/waveform.h"
 #include <QAbstractButton>
 #include <QAbstractEventDispatcher>
@@ -645,6 +646,7 @@ const ui_service qt_ui = {
 	.set_track     = set_track,
 	.set_strip     = set_strip,
 	.set_play_position = set_play_position,
+	.translate     = translate_words,
 	.message       = message,
 	.ask           = ask,
 	.choose_files  = choose_files,

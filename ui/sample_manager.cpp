@@ -10,6 +10,7 @@
 #include "ui/wave_editor.h"
 #include <QBoxLayout>
 #include <QButtonGroup>
+#include <QCheckBox>
 #include <QFormLayout>
 #include <QLineEdit>
 #include <QPushButton>
@@ -111,7 +112,7 @@ static QBoxLayout *make_transfers(top_window *window)
 {
 	auto *column = new QVBoxLayout;
 	column->setSpacing(between_controls);
-	column->addSpacing(button_height + field_height + header_height + 3 * between_controls);
+	column->addSpacing(button_height + field_height);
 	for (const int control : { samples_download, samples_download_all, samples_upload }) {
 		QPushButton *button = make_button(window, control);
 		button->setProperty("icon_right", control != samples_upload);
@@ -120,6 +121,13 @@ static QBoxLayout *make_transfers(top_window *window)
 			column->addSpacing(between_panels);
 		column->addWidget(button);
 	}
+	column->addWidget(make_button(window, samples_fit));
+	column->addWidget(make_check(window, samples_exact));
+	told_label *rate = make_text(window, samples_rate);
+	rate->set_role(text_role::quiet);
+	rate->setAlignment(Qt::AlignHCenter | Qt::AlignTop);
+	rate->setMinimumHeight(2 * rate->fontMetrics().lineSpacing());
+	column->addWidget(rate);
 	column->addStretch();
 	return column;
 }
@@ -239,6 +247,29 @@ static QBoxLayout *make_work_line(top_window *window)
 	return row;
 }
 
+// What a file is, becomes, loses, and how long it takes; each keeps its room.
+static QLayout *make_preview(top_window *window)
+{
+	auto *form = new QFormLayout;
+	form->setContentsMargins(28, 0, 0, 0);
+	form->setVerticalSpacing(0);
+	form->setHorizontalSpacing(between_panels);
+	for (int control : { samples_import_preview, samples_preview_becomes, samples_preview_lost,
+		     samples_preview_upload }) {
+		told_label *line = make_text(window, control);
+		line->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+		const int lines = control == samples_preview_upload ? 2 : 1;
+		line->setMinimumHeight(line->fontMetrics().lineSpacing() * lines);
+		line->set_cut();
+		line->setAlignment(Qt::AlignLeft | Qt::AlignTop);
+		add_row(form, window->id, control, line);
+		auto *label = static_cast<told_label *>(form->labelForField(line));
+		label->set_role(text_role::quiet);
+		label->setAlignment(Qt::AlignLeft | Qt::AlignTop);
+	}
+	return form;
+}
+
 static QWidget *make_import(top_window *window)
 {
 	auto *box = new card(window);
@@ -257,12 +288,7 @@ static QWidget *make_import(top_window *window)
 	column->addLayout(head);
 	column->addWidget(options);
 	column->addWidget(make_line(box));
-	told_label *preview = make_text(window, samples_import_preview);
-	preview->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
-	preview->setMinimumHeight(preview->fontMetrics().lineSpacing() * 4);
-	preview->setAlignment(Qt::AlignLeft | Qt::AlignTop);
-	preview->setContentsMargins(28, 0, 0, 0);
-	column->addWidget(preview);
+	column->addLayout(make_preview(window));
 	column->addLayout(make_work_line(window));
 	return box;
 }

@@ -154,6 +154,7 @@ static constexpr control_row controls[] = {
 	{ window_samples,  samples_download,      icon::right },
 	{ window_samples,  samples_download_all,  icon::all_right },
 	{ window_samples,  samples_upload,        icon::left },
+	{ window_samples,  samples_fit,           icon::good },
 	{ window_samples,  samples_loaded_rename, icon::pencil },
 	{ window_samples,  samples_local_rename,  icon::pencil },
 	{ window_samples,  samples_loaded_info,   icon::info },

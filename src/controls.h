@@ -132,6 +132,8 @@ enum progress_control : int {
 	progress_counts = 16019, // done, skipped, failed, not tried
 	progress_copy = 16020,
 	progress_again = 16021, // "Try the failed again"
+	progress_close = 16022,
+	progress_note = 16023, // what Stop leaves
 };
 
 // What was kept of a sampler before it was changed.

@@ -133,6 +133,8 @@ static void show_change(const outcome &result, const program_entry &loaded, int 
 
 static void delete_chosen()
 {
+	if (delete_several_programs())
+		return;
 	const program_entry chosen = chosen_on_sampler();
 	if (no_loaded(chosen))
 		return;
@@ -161,6 +163,8 @@ static void show_information()
 
 static void download_chosen()
 {
+	if (download_several_programs())
+		return;
 	const program_entry chosen = chosen_on_sampler();
 	if (no_loaded(chosen))
 		return;
@@ -354,6 +358,8 @@ static void save_changes()
 
 static void delete_local_chosen()
 {
+	if (delete_several_local_programs())
+		return;
 	const program_entry chosen = chosen_on_computer();
 	if (no_local(chosen))
 		return;
@@ -374,6 +380,8 @@ static void rename_local_chosen()
 
 void upload_selected_local_program()
 {
+	if (upload_several_local_programs())
+		return;
 	const program_entry chosen = chosen_on_computer();
 	if (no_local(chosen))
 		return;

@@ -103,6 +103,25 @@ static program_entry chosen_of(int list, const std::vector<std::string> &names)
 	return { names[static_cast<std::size_t>(index)], index };
 }
 
+static std::vector<program_entry> all_chosen_of(int list, const std::vector<std::string> &names)
+{
+	std::vector<program_entry> all;
+	for (const int index : host.ui->selections(window_programs, list))
+		if (index >= 0 && index < static_cast<int>(names.size()))
+			all.push_back({ names[static_cast<std::size_t>(index)], index });
+	return all;
+}
+
+std::vector<program_entry> all_chosen_on_sampler()
+{
+	return all_chosen_of(programs_loaded_list, names_loaded);
+}
+
+std::vector<program_entry> all_chosen_on_computer()
+{
+	return all_chosen_of(programs_local_list, names_local);
+}
+
 program_entry chosen_on_sampler()
 {
 	return chosen_of(programs_loaded_list, names_loaded);
@@ -453,6 +472,12 @@ void update_program_page()
 			silent ? tr("Not now: the sampler's list could not be read. Try again "
 				    "first.")
 			       : nullptr);
+	const char *one = tr("This is for one program, and several are chosen.");
+	if (all_chosen_on_sampler().size() > 1)
+		for (const int control : { programs_loaded_rename, programs_information })
+			host.ui->set_reason(window_programs, control, one);
+	host.ui->set_reason(window_programs, programs_local_rename,
+		all_chosen_on_computer().size() > 1 ? one : nullptr);
 	show_unsent();
 }
 

@@ -19,33 +19,18 @@ void show_loaded_information()
 	if (record)
 		display_sample_information(record, "LOADED");
 	else if (shown_loaded != loaded_names())
-		fill_loaded(chosen);
+		fill_loaded({ chosen });
 	show_outcome(asked);
 }
 
 // ---- From the sampler ---------------------------------------------------------------------------
 
-void download_selected_sample()
+static work_queue queue_of(const chosen_entries &entries)
 {
-	const outcome offered = offers_download();
-	if (!offered.done()) {
-		show_outcome(offered);
-		return;
-	}
-	const chosen_entry chosen = chosen_loaded(), local = chosen_local();
-	if (no_loaded(chosen))
-		return;
-	if (in_spool(chosen.name) && !ask_box("WARNING", "Overwrite existing sample?")) {
-		show_outcome({ .how = ending::stopped, .words = "Skipped download of sample!" });
-		return;
-	}
-	const outcome result = download_sample(chosen.name);
-	if (!close_requested())
-		read_anew(chosen, result.done()
-					  ? chosen_entry{ file_name_of(chosen.name), local.index }
-					  : local);
-	show_outcome(result);
-	host.ui->focus(window_samples, samples_loaded_list);
+	work_queue queue;
+	for (const chosen_entry &entry : entries)
+		queue.push_back({ .name = entry.name });
+	return queue;
 }
 
 // One question for all, since a sampler holds hundreds; who keeps what is there may still want
@@ -62,9 +47,31 @@ static bool may_download(work_queue *queue)
 		!ask_box("WARNING", "Download the other samples? (%d of %d)", all - existing, all))
 		return false;
 	for (work_item &item : *queue)
-		if (in_spool(item.name))
+		if (in_spool(item.name)) {
 			item.state = item_state::skipped;
+			item.words = tr("kept the one on this computer");
+		}
 	return true;
+}
+
+// Told: a box says how it ended, as it always did for all of them.
+static void download_several(work_queue queue, bool told)
+{
+	if (!may_download(&queue)) {
+		show_outcome({ .how = ending::stopped, .line = "Nothing was downloaded." });
+		host.ui->focus(window_samples, samples_loaded_list);
+		return;
+	}
+	show_queue({ .items = std::move(queue),
+		.run = [](work_queue *items,
+			       const queue_view *view) { return download_samples(items, view); },
+		.after =
+			[](outcome *result, const work_queue &) {
+				read_anew(all_chosen_loaded(), all_chosen_local());
+				show_outcome(*result);
+				host.ui->focus(window_samples, samples_loaded_list);
+			},
+		.told = told });
 }
 
 void download_all_samples()
@@ -72,18 +79,36 @@ void download_all_samples()
 	work_queue queue;
 	for (const std::string &name : shown_loaded)
 		queue.push_back({ .name = name });
-	outcome result = { .how = ending::stopped, .line = "Nothing was downloaded." };
-	const chosen_entry loaded = chosen_loaded(), local = chosen_local();
-	if (may_download(&queue)) {
-		result = download_samples(&queue);
-		if (!close_requested())
-			read_anew(loaded, local);
+	download_several(std::move(queue), true);
+}
+
+void download_selected_sample()
+{
+	const outcome offered = offers_download();
+	if (!offered.done()) {
+		show_outcome(offered);
+		return;
 	}
+	const chosen_entries all = all_chosen_loaded(), local = all_chosen_local();
+	if (all.size() > 1)
+		return download_several(queue_of(all), false);
+	const chosen_entry chosen = chosen_loaded();
+	if (no_loaded(chosen))
+		return;
+	if (in_spool(chosen.name) && !ask_box("WARNING", "Overwrite existing sample?")) {
+		show_outcome({ .how = ending::stopped, .words = "Skipped download of sample!" });
+		return;
+	}
+	const outcome result = download_sample(chosen.name);
+	if (!close_requested())
+		read_anew({ chosen }, result.done() ? chosen_entries{ { file_name_of(chosen.name),
+							      chosen_local().index } }
+						    : local);
 	show_outcome(result);
 	host.ui->focus(window_samples, samples_loaded_list);
 }
 
-void show_change(const outcome &result, const chosen_entry &loaded, const chosen_entry &local)
+void show_change(const outcome &result, const chosen_entries &loaded, const chosen_entries &local)
 {
 	if (!close_requested()) {
 		fill_loaded(loaded);
@@ -94,14 +119,36 @@ void show_change(const outcome &result, const chosen_entry &loaded, const chosen
 	show_outcome(result);
 }
 
+// The machine has no way back, and one press for several is easily meant for one.
+static void delete_several_loaded(const chosen_entries &all)
+{
+	if (!ask_box("WARNING", tr("Delete %d samples from the sampler's memory?"),
+		    static_cast<int>(all.size()))) {
+		show_outcome({ .how = ending::stopped, .line = tr("Nothing was deleted.") });
+		return;
+	}
+	show_queue({ .items = queue_of(all),
+		.run = [](work_queue *items,
+			       const queue_view *view) { return delete_samples(items, view); },
+		.after =
+			[all](outcome *result, const work_queue &) {
+				show_change(*result, all, all_chosen_local());
+				host.ui->focus(window_samples, samples_loaded_list);
+			} });
+}
+
 void delete_loaded_sample()
 {
+	const chosen_entries all = all_chosen_loaded();
+	if (all.size() > 1)
+		return delete_several_loaded(all);
 	const chosen_entry chosen = chosen_loaded();
 	if (no_loaded(chosen))
 		return;
 	const outcome result = delete_sample(chosen.name);
 	// The neighbour, not another sample of that name.
-	show_change(result, { result.done() ? "" : chosen.name, chosen.index }, chosen_local());
+	show_change(
+		result, { { result.done() ? "" : chosen.name, chosen.index } }, all_chosen_local());
 	host.ui->focus(window_samples, samples_loaded_list);
 }
 
@@ -116,7 +163,8 @@ void rename_loaded_sample()
 	if (no_loaded(chosen))
 		return;
 	const outcome result = rename_sample(chosen.name, new_name);
-	show_change(result, { result.done() ? "" : chosen.name, chosen.index }, chosen_local());
+	show_change(
+		result, { { result.done() ? "" : chosen.name, chosen.index } }, all_chosen_local());
 	host.ui->focus(window_samples, samples_loaded_list);
 }
 

@@ -46,6 +46,62 @@ static bool make_audible(const std::string &path)
 	return converted.done();
 }
 
+// Files that would not arrive as they are. Those that a conversion does not help are left out,
+// and the user has one question about the others. False: nothing is wanted.
+static bool may_upload(work_queue *queue, bool *convert)
+{
+	const _sampler_type *model = get_sampler(static_cast<i32>(current_sampler->sampler_type));
+	std::vector<work_item *> silent;
+	for (work_item &item : *queue) {
+		const upload_verdict check = upload_check(*model, wave_path_of(item.path));
+		if (check.sends)
+			continue;
+		item.words = check.words;
+		if (check.helps)
+			silent.push_back(&item);
+		else
+			item.state = item_state::skipped;
+	}
+	const int all = static_cast<int>(queue->size()), count = static_cast<int>(silent.size());
+	*convert = count && ask_box("WARNING",
+				    tr("%d of %d files would not arrive as they are. The first: "
+				       "%s\nConvert them now, and upload what they become?"),
+				    count, all, silent.front()->words.c_str());
+	if (!count || *convert)
+		return true;
+	for (work_item *item : silent)
+		item->state = item_state::skipped;
+	const int others = count_of(*queue, item_state::waiting);
+	return others &&
+	       ask_box("WARNING", tr("Upload the other samples? (%d of %d)"), others, all);
+}
+
+static void upload_several(const chosen_entries &all)
+{
+	work_queue queue;
+	std::vector<std::string> names;
+	for (const chosen_entry &entry : all) {
+		queue.push_back({ .name = entry.name,
+			.path = local_sample[static_cast<std::size_t>(entry.index)].pathname });
+		names.push_back(entry.name);
+	}
+	bool convert = false;
+	if (!may_send_names(names) || !may_upload(&queue, &convert)) {
+		show_outcome({ .how = ending::stopped, .line = tr("Nothing was uploaded.") });
+		return;
+	}
+	show_queue({ .items = std::move(queue),
+		.run =
+			[convert](work_queue *items, const queue_view *view) {
+				return upload_samples(items, convert, view);
+			},
+		.after =
+			[all](outcome *result, const work_queue &) {
+				show_change(*result, all_chosen_loaded(), all);
+				host.ui->focus(window_samples, samples_local_list);
+			} });
+}
+
 void upload_selected_sample()
 {
 	const outcome offered = offers_upload();
@@ -53,6 +109,9 @@ void upload_selected_sample()
 		show_outcome(offered);
 		return;
 	}
+	const chosen_entries all = all_chosen_local(), on_sampler = all_chosen_loaded();
+	if (all.size() > 1)
+		return upload_several(all);
 	const chosen_entry chosen = chosen_local(), loaded = chosen_loaded();
 	if (no_local(chosen))
 		return;
@@ -60,11 +119,13 @@ void upload_selected_sample()
 	if (!may_send_names({ &chosen.name, 1 }) || !make_audible(path))
 		return;
 	const outcome result = upload_sample(path);
-	show_change(result, { result.done() ? chosen.name : loaded.name, loaded.index }, chosen);
+	show_change(result,
+		result.done() ? chosen_entries{ { chosen.name, loaded.index } } : on_sampler,
+		{ chosen });
 	host.ui->focus(window_samples, samples_local_list);
 }
 
-static void show_local_change(const outcome &result, const chosen_entry &chosen)
+static void show_local_change(const outcome &result, const chosen_entries &chosen)
 {
 	fill_local(chosen);
 	if (result.done())
@@ -73,11 +134,26 @@ static void show_local_change(const outcome &result, const chosen_entry &chosen)
 	host.ui->focus(window_samples, samples_local_list);
 }
 
+static void delete_several_local(const chosen_entries &all)
+{
+	work_queue queue;
+	for (const chosen_entry &entry : all)
+		queue.push_back({ .name = entry.name });
+	show_queue({ .items = std::move(queue),
+		.run = [](work_queue *items,
+			       const queue_view *view) { return delete_locals(items, view); },
+		.after = [all](outcome *result,
+				 const work_queue &) { show_local_change(*result, all); } });
+}
+
 void delete_local_sample()
 {
+	const chosen_entries all = all_chosen_local();
+	if (all.size() > 1)
+		return delete_several_local(all);
 	const chosen_entry chosen = chosen_local();
 	if (!no_local(chosen))
-		show_local_change(delete_local(chosen.name), chosen);
+		show_local_change(delete_local(chosen.name), { chosen });
 }
 
 void rename_local_sample()
@@ -88,7 +164,7 @@ void rename_local_sample()
 	const std::string typed = host.ui->get_text(window_samples, samples_local_new_name);
 	const outcome result = rename_local(chosen.name, typed);
 	show_local_change(
-		result, { result.done() ? file_name_of(typed) : chosen.name, chosen.index });
+		result, { { result.done() ? file_name_of(typed) : chosen.name, chosen.index } });
 }
 
 void export_spool()
@@ -102,7 +178,7 @@ void export_spool()
 void clear_spool()
 {
 	const outcome result = clear_spool_folder();
-	fill_local({ "", -1 });
+	fill_local({});
 	show_outcome(result);
 }
 
@@ -111,7 +187,7 @@ void import_paths(std::span<const std::string> paths)
 	const outcome result = import_files(paths, chosen_import_options, window_samples);
 	const bool failed = result.how == ending::local_failed;
 	if (failed)
-		fill_local(chosen_local());
+		fill_local(all_chosen_local());
 	show_outcome(result);
 	if (!failed)
 		show_sample_setup();

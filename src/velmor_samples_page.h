@@ -15,21 +15,28 @@ struct chosen_entry {
 	std::string name;
 	int index;
 };
+// The current one of a list, and all that are chosen in it, as they stand there.
+using chosen_entries = std::vector<chosen_entry>;
 chosen_entry chosen_loaded();
 chosen_entry chosen_local();
+chosen_entries all_chosen_loaded();
+chosen_entries all_chosen_local();
+// The files of the chosen samples of this computer, for other programs.
+std::vector<std::string> chosen_files();
 // True, and the user knows it, where nothing is chosen.
 bool no_loaded(const chosen_entry &entry);
 bool no_local(const chosen_entry &entry);
 
 // The names as the list of the sampler shows them.
 extern std::vector<std::string> shown_loaded;
-// Fill a list from what is known, and choose that entry, or what stands in its place now.
-void fill_loaded(const chosen_entry &before);
-void fill_local(const chosen_entry &before);
+// Fill a list from what is known, and choose these entries, or what stands in the place of the
+// first now.
+void fill_loaded(const chosen_entries &before);
+void fill_local(const chosen_entries &before);
 // Read the sampler anew and show both sides.
-void read_anew(const chosen_entry &loaded, const chosen_entry &local);
+void read_anew(const chosen_entries &loaded, const chosen_entries &local);
 // Show what a change on the sampler has left, tell it, and go on in the list.
-void show_change(const outcome &result, const chosen_entry &loaded, const chosen_entry &local);
+void show_change(const outcome &result, const chosen_entries &loaded, const chosen_entries &local);
 void clear_details();
 
 // ---- Its commands -------------------------------------------------------------------------------

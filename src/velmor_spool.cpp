@@ -121,6 +121,23 @@ void forget_undo()
 	undo_steps.clear();
 }
 
+std::size_t undo_steps_kept()
+{
+	return undo_steps.size();
+}
+
+void join_undo(std::size_t since, const std::string &line)
+{
+	if (undo_steps.size() <= since + 1)
+		return;
+	undo_step all = { .line = line, .moves = {} };
+	for (std::size_t i = since; i < undo_steps.size(); i++)
+		all.moves.insert(
+			all.moves.end(), undo_steps[i].moves.begin(), undo_steps[i].moves.end());
+	undo_steps.resize(since);
+	undo_steps.push_back(all);
+}
+
 outcome undo_last()
 {
 	if (undo_steps.empty())

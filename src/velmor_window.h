@@ -70,6 +70,7 @@ extern const window_rows multis_rows;                            // velmor_multi
 extern const window_rows panel_rows;                             // velmor_panel.cpp
 extern const window_rows player_rows;                            // velmor_player.cpp
 extern const window_rows status_rows;                            // velmor_status.cpp
+extern const window_rows progress_rows;                          // velmor_queue_page.cpp
 
 // ---- The engine (velmor_window.cpp) ------------------------------------------------------------
 

@@ -646,10 +646,6 @@ Trotzdem senden?</translation>
         <translation>Beendet die Note</translation>
     </message>
     <message>
-        <source>End this work at the next point where the sampler stays usable</source>
-        <translation>Beendet diese Arbeit an der nächsten Stelle, an der der Sampler brauchbar bleibt</translation>
-    </message>
-    <message>
         <source>Envelope 2</source>
         <translation>Hüllkurve 2</translation>
     </message>
@@ -2402,6 +2398,364 @@ Das Log nennt die Parameter, die nicht mitkönnen, und die, die keine AKP-Datei 
         <translation>was getan wurde</translation>
     </message>
     <message>
+        <source> and %d more</source>
+        <translation> und %d weitere</translation>
+    </message>
+    <message>
+        <source>%.1f kB/s</source>
+        <translation>%.1f kB/s</translation>
+    </message>
+    <message>
+        <source>%d bytes</source>
+        <translation>%d Bytes</translation>
+    </message>
+    <message>
+        <source>%d done</source>
+        <translation>%d fertig</translation>
+    </message>
+    <message>
+        <source>%d failed</source>
+        <translation>%d misslungen</translation>
+    </message>
+    <message>
+        <source>%d not tried</source>
+        <translation>%d nicht versucht</translation>
+    </message>
+    <message>
+        <source>%d of %d files would not arrive as they are. The first: %s
+Convert them now, and upload what they become?</source>
+        <translation>%d von %d Dateien kämen so nicht an. Die erste: %s
+Jetzt konvertieren und senden, was daraus wird?</translation>
+    </message>
+    <message>
+        <source>%d of %d programs and samples done</source>
+        <translation>%d von %d Programmen und Samples fertig</translation>
+    </message>
+    <message>
+        <source>%d of %d programs and samples were uploaded.</source>
+        <translation>%d von %d Programmen und Samples wurden gesendet.</translation>
+    </message>
+    <message>
+        <source>%d of %d programs done</source>
+        <translation>%d von %d Programmen fertig</translation>
+    </message>
+    <message>
+        <source>%d of %d programs were deleted.</source>
+        <translation>%d von %d Programmen wurden gelöscht.</translation>
+    </message>
+    <message>
+        <source>%d of %d programs were downloaded.</source>
+        <translation>%d von %d Programmen wurden geholt.</translation>
+    </message>
+    <message>
+        <source>%d of %d samples done</source>
+        <translation>%d von %d Samples fertig</translation>
+    </message>
+    <message>
+        <source>%d of %d samples were deleted.</source>
+        <translation>%d von %d Samples wurden gelöscht.</translation>
+    </message>
+    <message>
+        <source>%d of %d samples were downloaded.</source>
+        <translation>%d von %d Samples wurden geholt.</translation>
+    </message>
+    <message>
+        <source>%d skipped</source>
+        <translation>%d ausgelassen</translation>
+    </message>
+    <message>
+        <source>%d/%d programs and samples uploaded!</source>
+        <translation>%d/%d Programme und Samples gesendet!</translation>
+    </message>
+    <message>
+        <source>%d/%d programs deleted!</source>
+        <translation>%d/%d Programme gelöscht!</translation>
+    </message>
+    <message>
+        <source>%d/%d programs downloaded!</source>
+        <translation>%d/%d Programme geholt!</translation>
+    </message>
+    <message>
+        <source>%d/%d samples deleted!</source>
+        <translation>%d/%d Samples gelöscht!</translation>
+    </message>
+    <message>
+        <source>%d/%d samples uploaded!</source>
+        <translation>%d/%d Samples gesendet!</translation>
+    </message>
+    <message>
+        <source>%ld h %ld min</source>
+        <translation>%ld h %ld min</translation>
+    </message>
+    <message>
+        <source>%ld min %ld s</source>
+        <translation>%ld min %ld s</translation>
+    </message>
+    <message>
+        <source>%ld s</source>
+        <translation>%ld s</translation>
+    </message>
+    <message>
+        <source>%s, at %d %%</source>
+        <translation>%s, bei %d %%</translation>
+    </message>
+    <message>
+        <source>&apos;%s&apos; is not on this computer any more.</source>
+        <translation>&apos;%s&apos; ist nicht mehr auf diesem Computer.</translation>
+    </message>
+    <message>
+        <source>Choose a sample on the sampler first.</source>
+        <translation>Wählen Sie erst ein Sample auf dem Sampler.</translation>
+    </message>
+    <message>
+        <source>Choose a sample on this computer first.</source>
+        <translation>Zuerst ein Sample auf diesem Computer wählen.</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>Schließen</translation>
+    </message>
+    <message>
+        <source>Copy as text</source>
+        <translation>Als Text kopieren</translation>
+    </message>
+    <message>
+        <source>Counts</source>
+        <translation>Anzahlen</translation>
+    </message>
+    <message>
+        <source>Delete %d programs from the sampler&apos;s memory?</source>
+        <translation>%d Programme aus dem Speicher des Samplers löschen?</translation>
+    </message>
+    <message>
+        <source>Delete %d samples from the sampler&apos;s memory?</source>
+        <translation>%d Samples aus dem Speicher des Samplers löschen?</translation>
+    </message>
+    <message>
+        <source>Download these %1 samples to this computer</source>
+        <translation>Diese %1 Samples auf diesen Computer holen</translation>
+    </message>
+    <message>
+        <source>Download this sample to this computer</source>
+        <translation>Dieses Sample auf diesen Computer holen</translation>
+    </message>
+    <message>
+        <source>Item</source>
+        <translation>Stück</translation>
+    </message>
+    <message>
+        <source>Items of the work</source>
+        <translation>Stücke der Arbeit</translation>
+    </message>
+    <message>
+        <source>Items</source>
+        <translation>Stücke</translation>
+    </message>
+    <message>
+        <source>Let this one come to its end, and begin no other</source>
+        <translation>Lässt dieses zu Ende gehen und beginnt kein weiteres</translation>
+    </message>
+    <message>
+        <source>Not asked for: </source>
+        <translation>Nicht angefordert: </translation>
+    </message>
+    <message>
+        <source>Not deleted: </source>
+        <translation>Nicht gelöscht: </translation>
+    </message>
+    <message>
+        <source>Not downloaded: </source>
+        <translation>Nicht geholt: </translation>
+    </message>
+    <message>
+        <source>Not sent: </source>
+        <translation>Nicht begonnen: </translation>
+    </message>
+    <message>
+        <source>Not touched: </source>
+        <translation>Nicht angerührt: </translation>
+    </message>
+    <message>
+        <source>Not uploaded: </source>
+        <translation>Nicht gesendet: </translation>
+    </message>
+    <message>
+        <source>Nothing was deleted.</source>
+        <translation>Nichts wurde gelöscht.</translation>
+    </message>
+    <message>
+        <source>Nothing was uploaded.</source>
+        <translation>Nichts wurde gesendet.</translation>
+    </message>
+    <message>
+        <source>Put %d samples back.</source>
+        <translation>%d Samples zurückgeholt.</translation>
+    </message>
+    <message>
+        <source>Put the verdict and its list on the clipboard</source>
+        <translation>Legt das Urteil mit seiner Liste in die Zwischenablage</translation>
+    </message>
+    <message>
+        <source>Rate</source>
+        <translation>Rate</translation>
+    </message>
+    <message>
+        <source>Reason</source>
+        <translation>Grund</translation>
+    </message>
+    <message>
+        <source>Stop after this one</source>
+        <translation>Nach diesem anhalten</translation>
+    </message>
+    <message>
+        <source>The files of what is deleted lie in the folder &quot;deleted&quot;.</source>
+        <translation>Die Dateien des Gelöschten liegen im Ordner &quot;deleted&quot;.</translation>
+    </message>
+    <message>
+        <source>The list was copied as text.</source>
+        <translation>Die Liste wurde als Text kopiert.</translation>
+    </message>
+    <message>
+        <source>The same trouble came twice in a row, so the rest was not tried.</source>
+        <translation>Derselbe Fehler kam zweimal hintereinander; darum wurde der Rest nicht versucht.</translation>
+    </message>
+    <message>
+        <source>The same work once more, on those that were not done</source>
+        <translation>Dieselbe Arbeit noch einmal, mit denen, die nicht fertig wurden</translation>
+    </message>
+    <message>
+        <source>The sampler stopped answering at %s, in the middle of &apos;%s&apos;.</source>
+        <translation>Der Sampler antwortet seit %s nicht mehr, mitten in &apos;%s&apos;.</translation>
+    </message>
+    <message>
+        <source>The whole</source>
+        <translation>Das Ganze</translation>
+    </message>
+    <message>
+        <source>The work ends after this one.</source>
+        <translation>Die Arbeit endet nach diesem.</translation>
+    </message>
+    <message>
+        <source>This is for one program, and several are chosen.</source>
+        <translation>Dies ist für ein einzelnes Programm, und mehrere sind gewählt.</translation>
+    </message>
+    <message>
+        <source>This is for one sample, and several are chosen.</source>
+        <translation>Dies ist für ein einzelnes Sample, und mehrere sind gewählt.</translation>
+    </message>
+    <message>
+        <source>Time left for all</source>
+        <translation>Restzeit für alle</translation>
+    </message>
+    <message>
+        <source>Try the failed again</source>
+        <translation>Die misslungenen noch einmal</translation>
+    </message>
+    <message>
+        <source>Try the other %d again</source>
+        <translation>Die anderen %d noch einmal</translation>
+    </message>
+    <message>
+        <source>Upload the other samples? (%d of %d)</source>
+        <translation>Die anderen Samples senden? (%d von %d)</translation>
+    </message>
+    <message>
+        <source>Upload these %1 samples to the sampler</source>
+        <translation>Diese %1 Samples an den Sampler senden</translation>
+    </message>
+    <message>
+        <source>Upload this sample to the sampler</source>
+        <translation>Dieses Sample an den Sampler senden</translation>
+    </message>
+    <message>
+        <source>What Stop leaves</source>
+        <translation>Was Stop übrig lässt</translation>
+    </message>
+    <message>
+        <source>What became of each</source>
+        <translation>Was aus jedem wurde</translation>
+    </message>
+    <message>
+        <source>What happened</source>
+        <translation>Was geschah</translation>
+    </message>
+    <message>
+        <source>What has arrived stays. Nothing half sent is kept.</source>
+        <translation>Was angekommen ist, bleibt. Halb Gesendetes wird nicht behalten.</translation>
+    </message>
+    <message>
+        <source>What is deleted can be put back with Undo.</source>
+        <translation>Was gelöscht ist, holt Undo zurück.</translation>
+    </message>
+    <message>
+        <source>What is deleted stays deleted.</source>
+        <translation>Was gelöscht ist, bleibt gelöscht.</translation>
+    </message>
+    <message>
+        <source>What is done stays. Nothing half read is kept.</source>
+        <translation>Was fertig ist, bleibt. Halb Gelesenes wird nicht behalten.</translation>
+    </message>
+    <message>
+        <source>You stopped it after &apos;%s&apos;.</source>
+        <translation>Sie haben es nach &apos;%s&apos; angehalten.</translation>
+    </message>
+    <message>
+        <source>You stopped it in the middle of &apos;%s&apos;.</source>
+        <translation>Sie haben es mitten in &apos;%s&apos; angehalten.</translation>
+    </message>
+    <message>
+        <source>about %s left for all</source>
+        <translation>noch etwa %s für alle</translation>
+    </message>
+    <message>
+        <source>done</source>
+        <translation>fertig</translation>
+    </message>
+    <message>
+        <source>done, %s</source>
+        <translation>fertig, %s</translation>
+    </message>
+    <message>
+        <source>kept the one on this computer</source>
+        <translation>das auf diesem Computer behalten</translation>
+    </message>
+    <message>
+        <source>no answer</source>
+        <translation>keine Antwort</translation>
+    </message>
+    <message>
+        <source>not tried</source>
+        <translation>nicht versucht</translation>
+    </message>
+    <message>
+        <source>skipped</source>
+        <translation>ausgelassen</translation>
+    </message>
+    <message>
+        <source>skipped: %s</source>
+        <translation>ausgelassen: %s</translation>
+    </message>
+    <message>
+        <source>stopped</source>
+        <translation>angehalten</translation>
+    </message>
+    <message>
+        <source>the sampler did not send it</source>
+        <translation>der Sampler hat es nicht gesendet</translation>
+    </message>
+    <message>
+        <source>waits</source>
+        <translation>wartet</translation>
+    </message>
+    <message>
+        <source>waits, about %s</source>
+        <translation>wartet, etwa %s</translation>
+    </message>
+    <message>
+        <source>End this work at the next point where the sampler stays usable</source>
+        <translation>Beendet diese Arbeit an der nächsten Stelle, an der der Sampler brauchbar bleibt</translation>
+    </message>
+    <message>
         <source>MIDI bytes came faster than they could be read; some are lost</source>
         <translation>MIDI-Bytes kamen schneller, als sie sich lesen ließen; einige sind verloren</translation>
     </message>
@@ -2464,10 +2818,6 @@ Das Log nennt die Parameter, die nicht mitkönnen, und die, die keine AKP-Datei 
     <message>
         <source>Becomes</source>
         <translation>Wird zu</translation>
-    </message>
-    <message>
-        <source>Choose a sample on this computer first.</source>
-        <translation>Zuerst ein Sample auf diesem Computer wählen.</translation>
     </message>
     <message>
         <source>Exact length</source>
@@ -2562,6 +2912,246 @@ noch nicht gemessen</translation>
     <message>
         <source>without exact length </source>
         <translation>ohne genaue Länge </translation>
+    </message>
+    <message>
+        <source>6 is twice as loud, -6 half as loud</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Ask the sampler about the chosen sample</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Choose sound files and convert them into the spool</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Copy every sample of the sampler to this computer</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Copy every sample of the spool to a folder of your choice</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Copy the chosen sample from the sampler to this computer</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Cut the chosen sample of this computer to what lies between start and end</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Decibels</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Delete every sample of the spool from this computer</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Delete the chosen sample from this computer</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Download all Samples</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Fade Seam</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>For the S900/950</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>From a stereo file take the average of both channels</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>From a stereo file take the left channel; put a mono file on the left</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>From a stereo file take the right channel; put a mono file on the right</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Give the chosen sample on the sampler the name in the field</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Give the chosen sample on this computer the name in the field</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>How long the fade of the seam is</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>How many samples there are on this computer</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>How many samples, and when they were read</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Leave mono mono and stereo stereo</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Leave the bits of a value as they are</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Leave the sampling rate as it is</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Length (s):</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Loop from start to end, which can be dragged in the picture</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Loop here</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Make every sample mono</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Make every sample stereo</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Make the sample louder or softer by the decibels in the field</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Make the sample so loud that its loudest value is full scale</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Make two mono samples of a stereo file, with -L and -R behind their names</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Milliseconds of the fade</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>No local sample chosen</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Normalise</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Origin:</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Original pitch:</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Play mode:</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Put a mono file on both channels</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Rate (Hz):</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Read the sampler and the spool anew</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Remove the chosen sample from the sampler&apos;s memory</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Search samples on the sampler</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Search samples on this computer</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Send the chosen sample to the sampler</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Show what the file says about the chosen sample</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>State of the spool</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Take the loop away; the sound stays</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The chosen sample on this computer; its loop is shaded</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The chosen sample, or the files that hover over the list</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The name for Rename this Sample</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The sampler holds no samples</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The samples in the sampler&apos;s memory</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The samples in the spool; drop sound files here to import them</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The spool is empty: download samples, or drop sound files here</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Turn the end of the loop slowly into what stands in front of it, so that it comes round without a click</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Waveform</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>What most samplers take</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>dB</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>ms</source>
+        <translation type="unfinished"></translation>
     </message>
 </context>
 </TS>

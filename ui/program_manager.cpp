@@ -128,6 +128,7 @@ static entry_list *make_side_list(top_window *window, const side &s)
 {
 	entry_list *list = make_list(window, s.list);
 	list->set_columns({ qtr("Name"), qtr("Keygroups"), qtr("Unsent") });
+	list->take_several();
 	list->setMinimumHeight(header_height + row_height * 2);
 	if (QPushButton *retry = s.retry ? make_button(window, s.retry) : nullptr)
 		list->set_retry(retry);

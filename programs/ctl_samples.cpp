@@ -4,6 +4,7 @@
 
 #include "programs/ctl.h"
 #include "src/controls.h"
+#include "src/velmor_fit.h"
 #include "src/velmor_programs.h"
 #include "src/velmor_window.h"
 #include "src/waveqx.h"
@@ -78,14 +79,17 @@ int ctl_ls(const ctl_call &call)
 
 // ---- From the sampler -----------------------------------------------------------------------------
 
-static const char *const state_names[] = { "waiting", "done", "skipped", "failed" };
+// In the order of item_state.
+static const char *const state_names[] = { "waiting", "done", "skipped", "failed", "running" };
 
 // What became of the items from *told on, as far as the work has come.
 static void tell_items(const work_queue &queue, std::size_t *told, bool all)
 {
 	for (; *told < queue.size(); ++*told) {
 		const work_item &item = queue[*told];
-		if (item.state == item_state::waiting && !all)
+		const bool ended =
+			item.state != item_state::waiting && item.state != item_state::running;
+		if (!ended && !all)
 			return;
 		const std::string path = shown_path(wave_path_of(spool_path(item.name)));
 		ctl_object object;
@@ -203,21 +207,31 @@ static outcome make_audible(std::string *path)
 		file, [&] { return check.conversion; }, window_samples);
 }
 
+static outcome put_one(const std::string &word)
+{
+	std::string path = path_to_send(word);
+	if (path.empty())
+		return { .how = ending::local_failed,
+			.words = "[" + word +
+				 "] is no WAV file and no sample of the spool. import brings sound "
+				 "files of other kinds there." };
+	const outcome audible = make_audible(&path);
+	return audible.done() ? upload_sample(path) : audible;
+}
+
 int ctl_put(const ctl_call &call)
 {
 	const outcome offered = offers_upload();
-	if (!offered.done())
-		return ctl_tell("", offered);
-	return ctl_each(call.words, [](const std::string &word) -> outcome {
-		std::string path = path_to_send(word);
-		if (path.empty())
-			return { .how = ending::local_failed,
-				.words = "[" + word +
-					 "] is no WAV file and no sample of the spool. import "
-					 "brings sound files of other kinds there." };
-		const outcome audible = make_audible(&path);
-		return audible.done() ? upload_sample(path) : audible;
-	});
+	const outcome ready = offered.done() ? have_sample_list() : offered;
+	if (!ready.done())
+		return ctl_tell("", ready);
+	std::vector<std::string> names;
+	for (const std::string &word : call.words)
+		if (const std::string path = path_to_send(word); !path.empty())
+			names.push_back(path.substr(path.find_last_of('\\') + 1));
+	if (!may_send_names(names))
+		return ctl_tell("", { .how = ending::refused, .line = "Nothing was sent." });
+	return ctl_each(call.words, put_one);
 }
 
 // What was done, with its names, instead of a word of success.

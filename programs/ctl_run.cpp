@@ -9,6 +9,7 @@
 #include "src/lcd.h"
 #include "src/rmidi.h"
 #include "src/usbqx.h"
+#include "src/velmor_history.h"
 #include "src/velmor_window.h"
 #include <algorithm>
 #include <charconv>
@@ -126,6 +127,7 @@ static void start()
 	init_usb_sem();
 	reload_midi_setup(false);
 	load_settings();
+	load_history_settings();
 	load_sampler_list();
 }
 

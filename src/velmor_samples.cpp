@@ -7,7 +7,9 @@
 //
 // Knows nothing of: models, windows.
 
+#include "src/velmor_history.h"
 #include "src/velmor_transfer.h"
+#include "src/velmor_verify.h"
 #include "src/velmor_work.h"
 #include "src/waveqx.h"
 #include <algorithm>
@@ -129,8 +131,9 @@ outcome fetch_sample(const std::string &name)
 	else
 		measured.arrived(wave_path_of(spool_filebase(name.c_str())));
 	if (result.done()) {
+		outcome compared = verified_download(result, name);
 		give_words_back(name);
-		return result;
+		return compared;
 	}
 	result.told = troubles(result.told);
 	result.line =
@@ -204,7 +207,9 @@ static outcome change(const std::string &name, const char *new_name, const std::
 		return why;
 	if (!model->renamesample)
 		return { .how = ending::refused, .words = not_supported, .caption = "FATAL" };
-	const outcome ready = have_sample(name);
+	machine_change kept({ new_name ? step_kind::rename_sample : step_kind::delete_sample, name,
+		new_name ? new_name : "" });
+	const outcome ready = kept.may_go_on() ? have_sample(name) : kept.why();
 	if (!ready.done())
 		return ready;
 	const int before = times_listed(name);
@@ -219,7 +224,7 @@ static outcome change(const std::string &name, const char *new_name, const std::
 			.words = "The sampler did not do it: " + quoted(name) +
 				 " is still in its list." };
 	result.told = troubles(keeper.take());
-	return result;
+	return kept.ended(result);
 }
 
 outcome rename_sample(const std::string &name, const std::string &new_name)
@@ -283,14 +288,14 @@ outcome upload_sample(const std::string &path)
 	const upload_verdict check = upload_check(row_of_loaded(), wave_path_of(path));
 	if (!check.sends)
 		return { .how = ending::refused, .words = check.words, .caption = "WARNING" };
+	const std::string name = path.substr(path.rfind('\\') + 1);
 	forget_stop(); // of earlier work
-	const outcome ready = have_sample_list();
+	machine_change kept({ .kind = step_kind::upload_sample, .name = name });
+	const outcome ready = kept.may_go_on() ? have_sample_list() : kept.why();
 	if (!ready.done())
 		return ready;
 	if (progress_stopped())
-		return { .how = ending::stopped,
-			.line = quoted(path.substr(path.rfind('\\') + 1)) +
-				" was not sent: stopped." };
+		return { .how = ending::stopped, .line = quoted(name) + " was not sent: stopped." };
 	const int before = static_cast<int>(loaded_names().size());
 	box_keeper keeper;
 	const transfer_clock measured(transfer_way::up);
@@ -300,7 +305,7 @@ outcome upload_sample(const std::string &path)
 	if (!stopped && troubles(told).empty())
 		measured.arrived(wave_path_of(path));
 	const outcome read = read_sample_list();
-	return judge_upload(path.substr(path.rfind('\\') + 1), before, read, told, stopped);
+	return verified_upload(kept.ended(judge_upload(name, before, read, told, stopped)), path);
 }
 
 } // namespace velmor

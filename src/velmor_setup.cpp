@@ -284,6 +284,7 @@ static constexpr caption_row main_captions[] = {
 	// window          control                  caption, tooltip, empty
 	{ window_main,     0,                       "VELMOR Sysex-Tools", nullptr, nullptr },
 	{ window_main,     menu_midi_files,         "Manage MIDI-Files", own("Play a Standard MIDI File to the sampler"), nullptr },
+	{ window_main,     menu_history,            own("History..."), own("See what was changed on the sampler, and put it back"), nullptr },
 	{ window_main,     menu_exit,               "E&xit", own("Close the program"), nullptr },
 	{ window_main,     menu_settings,           "Basic settings", own("Choose the MIDI ports and the folder for your samples"), nullptr },
 	{ window_main,     menu_midi_samplers,      "Manage MIDI &Samplers", own("Tell the program about a sampler that is connected by MIDI"), nullptr },
@@ -299,6 +300,7 @@ static constexpr caption_row main_captions[] = {
 static constexpr command_row main_commands[] = {
 	// window          control                  what it does               when
 	{ window_main,     menu_midi_files,         midi_files_win_show,       alone  },
+	{ window_main,     menu_history,            show_history,              alone  },
 	{ window_main,     menu_exit,               without_panel<leave>, always },
 	{ window_main,     menu_settings,           without_panel<show_midi_setup>, alone  },
 	{ window_main,     menu_midi_samplers,      without_panel<show_sampler_setup>, alone  },

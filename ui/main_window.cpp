@@ -35,6 +35,8 @@ static QMenuBar *make_menu(top_window *window)
 	auto *bar = new QMenuBar(window);
 	QMenu *file = bar->addMenu("&File");
 	make_entry(window, file, menu_midi_files);
+	make_entry(window, file, menu_history);
+	make_entry(window, file, menu_backup);
 	make_entry(window, file, menu_exit);
 	QMenu *settings = bar->addMenu("&Settings");
 	make_entry(window, settings, menu_settings);

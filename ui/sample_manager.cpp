@@ -9,6 +9,7 @@
 #include "ui/qt_ui.h"
 #include "ui/wave_editor.h"
 #include <QBoxLayout>
+#include <QCheckBox>
 #include <QButtonGroup>
 #include <QCheckBox>
 #include <QFormLayout>
@@ -158,6 +159,7 @@ static QBoxLayout *make_transfers(top_window *window)
 	rate->setMinimumHeight(2 * rate->fontMetrics().lineSpacing());
 	column->addWidget(rate);
 	column->addStretch();
+	add_to(column, { make_button(window, samples_compare), make_check(window, samples_verify) });
 	return column;
 }
 

@@ -112,6 +112,20 @@ static constexpr control_row controls[] = {
 	{ window_midi_files, player_unload,       icon::cancel },
 	{ window_midi_files, player_play,         icon::play },
 	{ window_midi_files, player_stop,         icon::stop },
+	{ window_main,     menu_history,          icon::undo },
+	{ window_history,  0,                     icon::undo },
+	{ window_history,  history_list,          icon::document },
+	{ window_history,  history_restore,       icon::undo },
+	{ window_history,  history_delete,        icon::trash },
+	{ window_history,  history_refresh,       icon::refresh },
+	{ window_main,     menu_backup,           icon::save },
+	{ window_backup,   0,                     icon::save },
+	{ window_backup,   backup_list,           icon::document },
+	{ window_backup,   backup_choose,         icon::folder_in },
+	{ window_backup,   backup_begin,          icon::right },
+	{ window_backup,   backup_restore,        icon::left },
+	{ window_samples,  samples_compare,       icon::search },
+	{ window_programs, programs_compare,      icon::search },
 	{ window_multis,   multis_download,       icon::right },
 	{ window_usb,      0,                     icon::usb },
 	{ window_usb,      usb_device_info,       icon::info },
@@ -175,7 +189,7 @@ static constexpr control_row controls[] = {
 
 icon icon_of(int window, int control)
 {
-	if (control == status_undo)
+	if (control == status_undo || control == status_undo_sampler)
 		return icon::undo;
 	for (const control_row &row : controls)
 		if (row.window == window && row.control == control)

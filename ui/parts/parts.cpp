@@ -54,8 +54,10 @@ static constexpr dialog_maker dialogs[] = {
 	{ window_sampler, create_sampler_dialog },
 	{ window_usb, create_usb_dialog },
 	{ window_multis, create_multi_window },
+	{ window_backup, create_backup_window },
 	{ window_panel, create_panel_window },
 	{ window_midi_files, create_player_window },
+	{ window_history, create_history_window },
 	{ window_progress, create_progress_window },
 };
 

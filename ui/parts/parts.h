@@ -85,11 +85,13 @@ void create_settings_dialog(QWidget *owner);
 void create_sampler_dialog(QWidget *owner);
 void create_usb_dialog(QWidget *owner);
 void create_multi_window(QWidget *owner);
+void create_backup_window(QWidget *owner);
 void create_panel_window(QWidget *owner);
 void create_progress_window(QWidget *owner);
 void create_sample_manager(QWidget *owner);
 void create_program_manager(QWidget *owner);
 void create_player_window(QWidget *owner);
+void create_history_window(QWidget *owner);
 
 // What waits to be sent is told beside the tabs, and fills the button that sends it.
 void show_unsent(const QString &words);

@@ -68,12 +68,13 @@ static QWidget *make_status_line(top_window *window)
 	told_label *outcome = make_told(window, status_outcome, own("Last outcome"), foot);
 	outcome->set_cut();
 	row->addWidget(outcome, 1);
-	if (QPushButton *undo = make_button(window, status_undo)) {
-		undo->setFlat(true);
-		undo->setProperty("link", true);
-		undo->hide();
-		row->addWidget(undo);
-	}
+	for (const int control : { status_undo_sampler, status_undo })
+		if (QPushButton *undo = make_button(window, control)) {
+			undo->setFlat(true);
+			undo->setProperty("link", true);
+			undo->hide();
+			row->addWidget(undo);
+		}
 	return foot;
 }
 

@@ -145,6 +145,8 @@ int ctl_program_ls(const ctl_call &), ctl_program_get(const ctl_call &),
 	ctl_program_mv(const ctl_call &);                      // ctl_programs.cpp
 int ctl_panel(const ctl_call &), ctl_key(const ctl_call &);    // ctl_panel.cpp
 int ctl_play(const ctl_call &), ctl_monitor(const ctl_call &); // ctl_midi.cpp
+int ctl_backup(const ctl_call &), ctl_restore(const ctl_call &),
+	ctl_undo(const ctl_call &); // ctl_machine.cpp
 
 // A bitmap as the bytes of a PNG file; light is the colour of clear pixels, RRGGBB (ctl_png.cpp).
 std::vector<u8> png_of(const bitmap_view &view, u32 light);

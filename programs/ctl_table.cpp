@@ -37,6 +37,14 @@ static constexpr ctl_option import_options_[] = {
 	{ "--channels", "1|2",   "make it mono or stereo" },
 	{ "--mix",      "left|right|both|average|files", "which channel of a stereo file a mono one gets, and where a mono file goes" },
 };
+static constexpr ctl_option backup_options[] = {
+	{ "--everything", nullptr, "also what looks as it was" },
+};
+static constexpr ctl_option restore_options[] = {
+	{ "--everything", nullptr, "also what looks as it was" },
+	{ "--remove-others", nullptr, "delete on the sampler what the folder does not hold" },
+	{ "--plan",     nullptr, "say what would be done, and do nothing" },
+};
 static constexpr ctl_option panel_options[] = {
 	{ "--png",      "FILE",  "write the picture to a file" },
 };
@@ -67,6 +75,9 @@ const std::vector<ctl_verb> ctl_verbs = {
 	{ "program put", "PROGRAM...", "Send programs of this computer to the sampler.",             1, -1, true, ctl_program_put },
 	{ "program rm",  "PROGRAM...", "Delete programs on the sampler.",                            1, -1, true, ctl_program_rm, local_options },
 	{ "program mv",  "PROGRAM NAME", "Rename a program on the sampler.",                         2, 2, true, ctl_program_mv, local_options },
+	{ "backup",      "FOLDER",     "Copy all that the sampler holds into a folder.",             1, 1, true, ctl_backup, backup_options },
+	{ "restore",     "FOLDER",     "Bring what a folder holds back to the sampler.",             1, 1, true, ctl_restore, restore_options },
+	{ "undo",        "",           "Put back what was last changed on the sampler.",             0, 0, true, ctl_undo },
 	{ "panel",       "",           "Show the screen of the sampler.",                            0, 0, true, ctl_panel, panel_options },
 	{ "key",         "[KEY...]",   "Press keys of the sampler's panel.",                         0, -1, true, ctl_key, key_options },
 	{ "play",        "FILE",       "Play a Standard MIDI File to the MIDI output.",              1, 1, false, ctl_play, play_options },

@@ -5,6 +5,7 @@
 // and some buttons read it again behind their work; nothing else may differ.
 
 #include "src/lcd.h"
+#include "src/velmor_history.h"
 #include "src/velmor_library.h"
 #include "src/velmor_midi.h"
 #include "src/velmor_window.h"
@@ -44,6 +45,23 @@ void keep_song(studio &s)
 		midi_song(96, { "00 90 3C 40 60 80 3C 40 00 FF 2F 00" }));
 	s.h.chosen_files = { s.h.config + "\\song.mid" };
 	s.tick();
+}
+
+// The sampler lacks what a backup of it has.
+void back_up_and_lose(studio &s)
+{
+	(void)host.files->make_folder((s.h.config + "\\backup").c_str());
+	EXPECT_EQ(ctl({ "backup", "--sampler", "Rack", "VELMOR/CONFIG/backup/Rack" }).status, 0);
+	s.s3000.samples.pop_back();
+	s.take();
+}
+
+void delete_with_history(studio &s)
+{
+	the_history = { .on = true, .long_samples = true };
+	save_history_settings();
+	EXPECT_EQ(ctl({ "rm", "--sampler", "Rack", "KICK", "--yes" }).status, 0);
+	s.take();
 }
 
 void press_panel(const char *key)
@@ -90,6 +108,9 @@ const two_ways ways[] = {
 	{ loaded, "Rack", { "program", "mv", "BASS", "SUB" }, main_programs, window_programs, programs_loaded_rename, programs_loaded_list, "BASS", programs_loaded_new_name, "SUB" },
 	{ 0,      "Rack", { "play", "VELMOR/CONFIG/song.mid" }, menu_midi_files, window_midi_files, player_load, 0, "", 0, "", keep_song,
 		[] { velmor_command(window_midi_files, player_load), velmor_command(window_midi_files, player_play); while (song_plays()) host.ui->pump(50); } },
+	{ loads,  "Rack", { "backup", "VELMOR/CONFIG/backup/Rack" }, menu_backup, window_backup, backup_begin, 0, "", 0, "", [](studio &s) { (void)host.files->make_folder((s.h.config + "\\backup").c_str()); } },
+	{ loads,  "Rack", { "restore", "VELMOR/CONFIG/backup/Rack", "--yes" }, menu_backup, window_backup, backup_restore, 0, "", 0, "", back_up_and_lose },
+	{ loads,  "Rack", { "undo", "--yes" }, menu_backup, window_main, status_undo_sampler, 0, "", 0, "", delete_with_history },
 	{ refreshing, "Studio", { "get", "Kick 22in" }, main_samples, window_samples, samples_download, samples_loaded_list, "Kick 22in" },
 	{ loaded, "Studio", { "rm", "Hat Open" }, main_samples, window_samples, samples_loaded_delete, samples_loaded_list, "Hat Open" },
 	{ loaded, "Studio", { "program", "ls" }, main_programs, 0, 0 },
@@ -187,6 +208,7 @@ const telling tellings[] = {
 	{ { "--tcp", "here", "ls" }, 2, "", "--tcp takes ADDRESS:PORT." },
 	{ { "--tcp", "127.0.0.1:9", "ls" }, 3, "", "Nothing answers at 127.0.0.1:9." },
 	{ { "monitor", "--seconds", "2" }, 0, "Channel: 1 NOTE ON (60 (C3)) Velocity: 64\n", "", [](studio &s) { s.tick(), s.h.time.after(1.5, [&s] { port_wire(s.port).play({ 0x90, 60, 64 }); }); } },
+	{ { "monitor" }, 130, "", "", [](studio &s) { s.tick(), s.h.time.after(2, [] { request_close(true); }); } },
 	{ { "monitor" }, 3, "", "o", [](studio &s) { s.h.settings["midi_in_mon"] = "-1"; } },
 	{ { "ls", "--all" }, 2, "", "--all: there is no such option of 'ls'." },
 	{ { "program", "rm" }, 2, "", "An argument is missing: velmorctl program rm PROGRAM...." },

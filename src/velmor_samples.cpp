@@ -100,6 +100,14 @@ static const _sampler_type &row_of_loaded()
 	return *get_sampler(static_cast<i32>(current_sampler->sampler_type));
 }
 
+// The file has its words now, and those of hundreds of samples need not stay in memory.
+static void give_words_back(const std::string &name)
+{
+	for (_sample &sample : current_sampler->status->sample)
+		if (sample.sample_data && name == sample.name)
+			free_sample_data(&sample);
+}
+
 // What the driver told comes with it.
 outcome fetch_sample(const std::string &name)
 {
@@ -122,8 +130,11 @@ outcome fetch_sample(const std::string &name)
 		result.how = ending::local_failed;
 	else
 		measured.arrived(wave_path_of(spool_filebase(name.c_str())));
-	if (result.done())
-		return verified_download(result, name);
+	if (result.done()) {
+		outcome compared = verified_download(result, name);
+		give_words_back(name);
+		return compared;
+	}
 	result.told = troubles(result.told);
 	result.line =
 		quoted(name) + (result.how == ending::stopped ? " was not downloaded: stopped."

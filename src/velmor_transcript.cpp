@@ -129,8 +129,8 @@ bool transcript_reader::read_place(crossing *c, std::string_view line)
 	while (place < static_cast<int>(std::size(line_names)) && name != line_names[place])
 		place++;
 	c->line = static_cast<wire_line>(place);
-	if (place == std::size(line_names) || !read_whole(take_word(&line), &due, 10) ||
-		due > longest_crossing)
+	if (place == static_cast<int>(std::size(line_names)) ||
+		!read_whole(take_word(&line), &due, 10) || due > longest_crossing)
 		return false;
 	std::string_view word = take_word(&line);
 	if (word == "of") {

@@ -161,7 +161,8 @@ static void install(const ui_service *ui, const clock_service *clock)
 		.settings = &posix_settings,
 		.clock = clock,
 		.files = &posix_files,
-		.sound = &sndfile_sound };
+		.sound = &sndfile_sound,
+		.audio = &qt_audio };
 }
 
 // Time that jumps to the next thing the samplers do.

@@ -2,10 +2,12 @@
 
 #include "ui/wave_editor.h"
 #include "src/velmor_wave_edit.h"
+#include "ui/parts/icons.h"
 #include "ui/parts/parts.h"
 #include "ui/parts/style.h"
 #include "ui/parts/told.h"
 #include "ui/parts/window.h"
+#include "ui/qt_ui.h"
 #include "ui/waveform.h"
 #include <QBoxLayout>
 #include <QLineEdit>
@@ -88,6 +90,24 @@ static QToolButton *make_edit(top_window *window, int control)
 	return button;
 }
 
+// Space plays where it has no other meaning: in the list of samples, and in their picture.
+static QToolButton *make_play(top_window *window, QWidget *picture)
+{
+	QToolButton *button = make_edit(window, samples_play);
+	button->setCheckable(true);
+	button->setIcon(make_icon(icon::play));
+	button->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+	for (QWidget *where : { picture, find_widget(window->id, samples_local_list) }) {
+		auto *space = new QShortcut(Qt::Key_Space, where);
+		space->setContext(Qt::WidgetShortcut);
+		QObject::connect(space, &QShortcut::activated, button, [button] {
+			if (button->isEnabled())
+				button->click();
+		});
+	}
+	return button;
+}
+
 static QBoxLayout *make_edits(top_window *window)
 {
 	auto *row = new QHBoxLayout;
@@ -117,6 +137,7 @@ QWidget *make_wave_editor(top_window *window, QWidget *parent)
 	part->set_cut();
 	QScrollBar *bar = make_scroll_bar(picture);
 	auto *head = new QHBoxLayout;
+	head->addWidget(make_play(window, picture));
 	head->addWidget(part, 1);
 	add_to(head,
 		{ make_zoom("Zoom out", "Show twice as much of the sample (-)", picture, one_press),

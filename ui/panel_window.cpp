@@ -13,6 +13,7 @@
 #include "ui/parts/palette.h"
 #include "ui/parts/parts.h"
 #include "ui/parts/pixel_picture.h"
+#include "ui/parts/place.h"
 #include "ui/parts/style.h"
 #include "ui/parts/told.h"
 #include "ui/parts/window.h"
@@ -34,6 +35,7 @@ namespace velmor
 {
 
 static constexpr int scale_controls[] = { panel_scale_1, panel_scale_2, panel_scale_3 };
+static constexpr char scale_setting[] = "panel_scale";
 static constexpr QRgb outline_color = qRgb(0x7F, 0x7F, 0x7F);
 static constexpr int outline_width = 2;                          // in pixels of the screen
 static constexpr double letter_height = 0.55, letter_room = 0.9; // parts of a key
@@ -132,11 +134,11 @@ private:
 	double unit = 1;
 };
 
-// Words on a strip across the screen.
+// Words on a strip across the screen, which is faded behind them: it is not the machine's now.
 class panel_words : public told_label
 {
 public:
-	explicit panel_words(QWidget *parent) : told_label(parent)
+	panel_words(QWidget *parent, pixel_picture *screen) : told_label(parent), behind(screen)
 	{
 		setWordWrap(true);
 		setAlignment(Qt::AlignCenter);
@@ -145,6 +147,12 @@ public:
 	}
 
 protected:
+	bool event(QEvent *event) override
+	{
+		if (event->type() == QEvent::ShowToParent || event->type() == QEvent::HideToParent)
+			behind->set_faded(!isHidden());
+		return told_label::event(event);
+	}
 	void paintEvent(QPaintEvent *event) override
 	{
 		QPainter painter(this);
@@ -153,11 +161,14 @@ protected:
 		painter.end();
 		told_label::paintEvent(event);
 	}
+
+private:
+	pixel_picture *const behind;
 };
 
 panel_board::panel_board(top_window *window, QWidget *parent)
 	: QWidget(parent), picture(make_picture(window, panel_picture)),
-	  words(new panel_words(this))
+	  words(new panel_words(this, picture))
 {
 	picture->setParent(this);
 	enroll(window_panel, panel_state, words);
@@ -309,6 +320,9 @@ void panel_window::make_head()
 			if (on)
 				fit(control - panel_scale_1 + 1);
 		});
+		// Chosen by a hand it stays, in later runs too.
+		connect(button, &QPushButton::clicked, this,
+			[this] { keep_setting(scale_setting, scale); });
 		scales += button;
 		head->addWidget(button);
 	}
@@ -370,8 +384,11 @@ void panel_window::build(const panel_view *view)
 	if (!view)
 		return;
 	facts->say(QString("%1 × %2 pixels").arg(view->picture_width).arg(view->picture_height));
+	const int kept = kept_setting(scale_setting);
 	if (scale)
 		fit(scale);
+	else if (kept >= 1 && kept <= static_cast<int>(scales.size()))
+		scales[kept - 1]->setChecked(true);
 	else
 		choose_fitting_scale();
 }

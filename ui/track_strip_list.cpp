@@ -21,7 +21,7 @@
 namespace velmor
 {
 
-static constexpr int row_tall = 132, row_gap = 8, ruler_tall = 24, color_edge = 5;
+static constexpr int row_tall = 132, row_gap = 8, ruler_tall = 30, color_edge = 5;
 static constexpr int line_height = 24, cells_above = 88, cell_tall = 18, cells_across = 4;
 static constexpr int span_seconds = 24; // that a strip shows
 
@@ -381,15 +381,16 @@ void track_list::paint_ruler(QPainter *painter) const
 		painter->setPen(palette().color(QPalette::Mid));
 		painter->drawLine(QPointF(x, ruler_tall - 8), QPointF(x, ruler_tall));
 		painter->setPen(palette().color(QPalette::PlaceholderText));
-		painter->drawText(QPointF(x + 4, ruler_tall - 10),
+		painter->drawText(QPointF(x + 4, ruler_tall - 15),
 			QString("%1:%2").arg(seconds / 60).arg(seconds % 60, 2, 10, QChar('0')));
 	}
 	if (position < 0)
 		return;
 	const double x =
 		track_strip::place_of(span, static_cast<std::uint64_t>(position), ruler->width());
-	const QPointF mark[] = { { x - 6, ruler_tall - 12.0 }, { x + 6, ruler_tall - 12.0 },
-		{ x, ruler_tall - 2.0 } };
+	// Below the numbers.
+	const QPointF mark[] = { { x - 6, ruler_tall - 11.0 }, { x + 6, ruler_tall - 11.0 },
+		{ x, ruler_tall - 1.0 } };
 	painter->setRenderHint(QPainter::Antialiasing);
 	painter->setPen(Qt::NoPen);
 	painter->setBrush(palette().color(QPalette::Link));

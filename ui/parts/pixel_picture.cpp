@@ -67,6 +67,12 @@ void pixel_picture::set_light(QRgb color)
 	update();
 }
 
+void pixel_picture::set_faded(bool old)
+{
+	faded = old;
+	update();
+}
+
 QSize pixel_picture::sizeHint() const
 {
 	return pixels().isEmpty() ? QSize(160, 120) : pixels();
@@ -105,6 +111,7 @@ void pixel_picture::paintEvent(QPaintEvent *)
 	}
 	enlarged.setDevicePixelRatio(devicePixelRatioF());
 	QPainter painter(this);
+	painter.setOpacity(faded ? 0.25 : 1);
 	painter.drawImage(picture_place().topLeft(), enlarged);
 }
 

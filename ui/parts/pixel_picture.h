@@ -25,6 +25,8 @@ public:
 	void show_view(const bitmap_view *view);
 	// The colour of a clear bit.
 	void set_light(QRgb color);
+	// It is not what the machine shows now.
+	void set_faded(bool old);
 	QSize sizeHint() const override;
 
 protected:
@@ -48,7 +50,8 @@ private:
 	QRgb light = qRgb(255, 255, 255);
 	QImage enlarged;
 	bool changed = true; // since it was enlarged
-	int wheel_left = 0;  // of a step not yet told
+	bool faded = false;
+	int wheel_left = 0; // of a step not yet told
 };
 
 } // namespace velmor

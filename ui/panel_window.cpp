@@ -35,7 +35,6 @@ namespace velmor
 {
 
 static constexpr int scale_controls[] = { panel_scale_1, panel_scale_2, panel_scale_3 };
-static constexpr char scale_setting[] = "panel_scale";
 static constexpr QRgb outline_color = qRgb(0x7F, 0x7F, 0x7F);
 static constexpr int outline_width = 2;                          // in pixels of the screen
 static constexpr double letter_height = 0.55, letter_room = 0.9; // parts of a key
@@ -239,7 +238,8 @@ void panel_board::paintEvent(QPaintEvent *)
 	const int width = static_cast<int>(std::ceil(outline_width * unit));
 	if (view.width)
 		painter.fillRect(picture->geometry().adjusted(-width, -width, width, width),
-			QColor(outline_color));
+			picture->hasFocus() ? palette().color(QPalette::Link)
+					    : QColor(outline_color));
 }
 
 // Asked for when the words have changed.
@@ -274,6 +274,8 @@ protected:
 private:
 	void make_head();
 	void choose_fitting_scale();
+	void choose_scale(int number);
+	std::string setting() const;
 	QSize size_for(const QSize &board_size) const;
 	void fit(int number);
 	void show_screen();
@@ -283,6 +285,7 @@ private:
 	QScrollArea *area;
 	panel_board *board;
 	int scale = 0; // 0 until one was chosen
+	QSize pixels;  // of the machine's screen
 };
 
 panel_window::panel_window(QWidget *owner) : top_window(window_panel, control_cancel, owner)
@@ -322,7 +325,7 @@ void panel_window::make_head()
 		});
 		// Chosen by a hand it stays, in later runs too.
 		connect(button, &QPushButton::clicked, this,
-			[this] { keep_setting(scale_setting, scale); });
+			[this] { keep_setting(setting().c_str(), scale); });
 		scales += button;
 		head->addWidget(button);
 	}
@@ -353,7 +356,19 @@ void panel_window::choose_fitting_scale()
 		if (wanted.width() <= room.width() && wanted.height() <= room.height())
 			break;
 	}
+	choose_scale(number);
+}
+
+void panel_window::choose_scale(int number)
+{
 	scales[number - 1]->setChecked(true);
+	fit(number);
+}
+
+// For each size of a screen one.
+std::string panel_window::setting() const
+{
+	return format_text("panel_scale_%dx%d", pixels.width(), pixels.height());
 }
 
 void panel_window::fit(int number)
@@ -384,11 +399,13 @@ void panel_window::build(const panel_view *view)
 	if (!view)
 		return;
 	facts->say(QString("%1 × %2 pixels").arg(view->picture_width).arg(view->picture_height));
-	const int kept = kept_setting(scale_setting);
-	if (scale)
+	const QSize before = pixels;
+	pixels = { view->picture_width, view->picture_height };
+	const int kept = kept_setting(setting().c_str());
+	if (scale && pixels == before)
 		fit(scale);
 	else if (kept >= 1 && kept <= static_cast<int>(scales.size()))
-		scales[kept - 1]->setChecked(true);
+		choose_scale(kept);
 	else
 		choose_fitting_scale();
 }

@@ -255,6 +255,11 @@ static QWidget *make_import(top_window *window)
 	for (int control : { samples_import, samples_export, samples_clear })
 		add_to(head, { make_button(window, control) });
 	column->addLayout(head);
+	QWidget *last = find_widget(window->id, samples_clear);
+	for (QRadioButton *option : options->findChildren<QRadioButton *>()) {
+		set_order({ last, option });
+		last = option;
+	}
 	column->addWidget(options);
 	column->addWidget(make_line(box));
 	told_label *preview = make_text(window, samples_import_preview);

@@ -358,6 +358,15 @@ void track_list::tell_step(int action)
 
 // ---- What stands around them ----------------------------------------------------------------------------
 
+bool track_list::event(QEvent *event)
+{
+	if (event->type() == QEvent::FocusIn || event->type() == QEvent::FocusOut) {
+		ruler->update();
+		viewport()->update();
+	}
+	return QAbstractScrollArea::event(event);
+}
+
 bool track_list::eventFilter(QObject *watched, QEvent *event)
 {
 	if (watched != ruler || event->type() != QEvent::Paint)
@@ -384,6 +393,9 @@ void track_list::paint_ruler(QPainter *painter) const
 		painter->drawText(QPointF(x + 4, ruler_tall - 15),
 			QString("%1:%2").arg(seconds / 60).arg(seconds % 60, 2, 10, QChar('0')));
 	}
+	if (hasFocus())
+		painter->fillRect(
+			0, ruler_tall - 2, ruler->width(), 2, palette().color(QPalette::Link));
 	if (position < 0)
 		return;
 	const double x =
@@ -403,7 +415,8 @@ void track_list::paintEvent(QPaintEvent *)
 		return;
 	QPainter painter(viewport());
 	const QRect all = viewport()->rect().adjusted(0, 0, -between_controls, -1);
-	draw_box(&painter, all, palette().color(QPalette::Base), palette().color(QPalette::Mid));
+	draw_box(&painter, all, palette().color(QPalette::Base),
+		palette().color(hasFocus() ? QPalette::Link : QPalette::Mid), hasFocus() ? 1.5 : 1);
 	painter.setPen(palette().color(QPalette::PlaceholderText));
 	painter.drawText(
 		all.adjusted(24, 24, -24, -24), Qt::AlignCenter | Qt::TextWordWrap, empty_text);

@@ -97,6 +97,7 @@ static QToolButton *make_play(top_window *window, QWidget *picture)
 	button->setCheckable(true);
 	button->setIcon(make_icon(icon::play));
 	button->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+	button->setMinimumWidth(button->sizeHint().width() + 2 * between_controls);
 	for (QWidget *where : { picture, find_widget(window->id, samples_local_list) }) {
 		auto *space = new QShortcut(Qt::Key_Space, where);
 		space->setContext(Qt::WidgetShortcut);
@@ -137,13 +138,15 @@ QWidget *make_wave_editor(top_window *window, QWidget *parent)
 	part->set_cut();
 	QScrollBar *bar = make_scroll_bar(picture);
 	auto *head = new QHBoxLayout;
-	head->addWidget(make_play(window, picture));
+	QToolButton *play = make_play(window, picture);
+	QToolButton *const zooms[] = { make_zoom("Zoom out", "Show twice as much of the sample (-)",
+					       picture, one_press),
+		make_zoom("Zoom in", "Show half as much of the sample (+)", picture, 1 / one_press),
+		make_zoom("Show all", "Show the whole sample (0)", picture, 0) };
+	head->addWidget(play);
 	head->addWidget(part, 1);
-	add_to(head,
-		{ make_zoom("Zoom out", "Show twice as much of the sample (-)", picture, one_press),
-			make_zoom("Zoom in", "Show half as much of the sample (+)", picture,
-				1 / one_press),
-			make_zoom("Show all", "Show the whole sample (0)", picture, 0) });
+	add_to(head, { zooms[0], zooms[1], zooms[2] });
+	set_order({ play, zooms[0], zooms[1], zooms[2], picture, bar });
 	column->addLayout(head);
 	column->addWidget(picture, 1);
 	column->addWidget(bar);

@@ -161,6 +161,15 @@ void pixel_picture::mouseReleaseEvent(QMouseEvent *event)
 	event->setAccepted(send_mouse(event->position(), mouse_action::up, button_number(event)));
 }
 
+// Its frame, which is painted around it, shows the focus.
+bool pixel_picture::event(QEvent *event)
+{
+	if (parentWidget() &&
+		(event->type() == QEvent::FocusIn || event->type() == QEvent::FocusOut))
+		parentWidget()->update();
+	return QWidget::event(event);
+}
+
 void pixel_picture::wheelEvent(QWheelEvent *event)
 {
 	wheel_left += event->angleDelta().y();

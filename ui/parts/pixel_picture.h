@@ -36,6 +36,7 @@ protected:
 	void mousePressEvent(QMouseEvent *event) override;
 	void mouseReleaseEvent(QMouseEvent *event) override;
 	void wheelEvent(QWheelEvent *event) override;
+	bool event(QEvent *event) override;
 
 private:
 	bool send_key(QKeyEvent *event, bool pressed);

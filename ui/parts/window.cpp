@@ -86,7 +86,9 @@ private:
 		row->setSpacing(narrow ? 0 : between_panels);
 		connection->setSizePolicy(narrow ? QSizePolicy::Ignored : QSizePolicy::Maximum,
 			QSizePolicy::Preferred);
-		setMinimumHeight(status_height + (narrow ? status_height * 2 / 3 : 0));
+		const int above = narrow ? between_controls / 2 : 0;
+		row->setContentsMargins(margin_side, above, margin_side, above);
+		setMinimumHeight(narrow ? status_height * 5 / 3 : status_height);
 	}
 
 	QWidget *connection = nullptr;
@@ -95,7 +97,6 @@ private:
 static QWidget *make_status_line(top_window *window)
 {
 	auto *foot = new status_foot(window);
-	foot->row->setContentsMargins(margin_side, 0, margin_side, 0);
 	// Neither makes the window wider: nothing jumps when the words change.
 	told_label *connection = make_told(window, status_line, "Connection", foot);
 	connection->set_cut();

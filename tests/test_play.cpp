@@ -72,7 +72,7 @@ struct playing_samples : host_test {
 
 TEST_F(playing_samples, are_heard_as_the_loaded_sampler_will_hold_them)
 {
-	const format mono_12 = { 1, 12, 2, 12000 }, fast_12 = { 1, 12, 2, 16001 },
+	const format slow_12 = { 1, 12, 2, 16000 }, fast_12 = { 1, 12, 2, 16001 },
 		     stereo_16 = { 2, 16, 4, 44100 }, mono_24 = { 1, 24, 3, 44100 },
 		     stereo_24 = { 2, 24, 6, 96000 };
 	const struct {
@@ -91,8 +91,8 @@ TEST_F(playing_samples, are_heard_as_the_loaded_sampler_will_hold_them)
 		{ model_s3000, mono_24, "56 34 12 00 00 80", { 0x1234, -0x8000 }, 44100, 1,
 			"as a conversion for Akai S3000/S3000XL would make it: 16 bit, 44100 Hz, "
 			"mono." },
-		{ model_s900, mono_12, "FF 07 00 F8", { 0x7FF0, -0x8000 }, 30000, 1,
-			"as Akai S900/950 will hold it: 12 bit, 30000 Hz, mono." },
+		{ model_s900, slow_12, "FF 07 00 F8", { 0x7FF0, -0x8000 }, 40000, 1,
+			"as Akai S900/950 will hold it: 12 bit, 40000 Hz, mono." },
 		{ model_s900, mono_16, "37 12 FF FF", { 0x1230, -16 }, 44100, 1,
 			"as a conversion for Akai S900/950 would make it: 12 bit, 44100 Hz, "
 			"mono." },

@@ -37,6 +37,7 @@ enum : int {
 	column_unit,
 	columns,
 };
+static constexpr qsizetype sentence_from = 40;            // letters of a heading
 static constexpr int dot_width = 12, between_columns = 4; // pixels
 
 form_view::form_view(top_window *window, int control)
@@ -213,7 +214,14 @@ static QWidget *make_heading(const QString &words, QWidget *parent)
 	auto *all = new QWidget(parent);
 	auto *row = new QHBoxLayout(all);
 	row->setContentsMargins(0, 0, 0, 0);
-	row->addWidget(make_title(words, 1.1, true, all));
+	told_label *title = make_title(words, 1.1, true, all);
+	row->addWidget(title, words.size() > sentence_from ? 1 : 0);
+	if (words.size() > sentence_from) {
+		// A sentence goes on in the next line, and has no hairline behind it.
+		title->setWordWrap(true);
+		title->setMinimumHeight(2 * title->fontMetrics().lineSpacing());
+		return all;
+	}
 	row->addWidget(make_line(all), 1);
 	return all;
 }

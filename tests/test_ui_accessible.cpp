@@ -56,9 +56,12 @@ protected:
 		ticked.label = "Mute";
 		other.label = "Velocity zone crossfade:";
 		other.unit = "semitones an octave";
+		form_row span = {}, filter = {};
+		span.label = "Span";
+		filter.label = "Filter";
 		for (const int form : { form_of_program, form_of_keygroup, form_of_keyzone })
-			host.ui->build_form(
-				window_programs, form, { { slider, choice, ticked, other } });
+			host.ui->build_form(window_programs, form,
+				{ { span, slider, choice, filter, ticked, other } });
 		host.ui->build_form(window_midi_files, player_speed_form, { { slider } });
 		host.ui->set_track_count(window_midi_files, player_tracks, 1);
 		const panel_view panel = { .width = 400,

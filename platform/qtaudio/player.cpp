@@ -8,7 +8,7 @@
 #include <QAudioSink>
 #include <QIODevice>
 #include <QMediaDevices>
-#include <memory>
+#include <utility>
 
 namespace velmor
 {
@@ -51,20 +51,21 @@ private:
 	qint64 frame_bytes, silence; // in frames
 };
 
-static std::unique_ptr<feed_device> device;
-static std::unique_ptr<QAudioSink> sink;
+// Never destroyed at the end of the process, when what they need has gone already.
+static feed_device *device;
+static QAudioSink *sink;
 
-static void stop()
+static void forget()
 {
 	if (sink)
 		sink->reset();
-	sink.reset();
-	device.reset();
+	delete std::exchange(sink, nullptr);
+	delete std::exchange(device, nullptr);
 }
 
 static std::string play(const played_sound &sound)
 {
-	stop();
+	forget();
 	const QAudioDevice output = QMediaDevices::defaultAudioOutput();
 	if (output.isNull())
 		return "This computer has no sound output that is switched on.";
@@ -72,13 +73,13 @@ static std::string play(const played_sound &sound)
 	format.setSampleRate(static_cast<int>(sound.sample_rate));
 	format.setChannelCount(static_cast<int>(sound.channels));
 	format.setSampleFormat(QAudioFormat::Int16);
-	device = std::make_unique<feed_device>(sound);
-	sink = std::make_unique<QAudioSink>(output, format);
-	sink->start(device.get());
+	device = new feed_device(sound);
+	sink = new QAudioSink(output, format);
+	sink->start(device);
 	if (sink->error() == QAudio::NoError)
 		return "";
 	const std::string name = output.description().toStdString();
-	stop();
+	forget();
 	return "The sound output '" + name + "' of this computer does not play.";
 }
 
@@ -91,6 +92,15 @@ static std::int64_t position()
 	const auto frames = static_cast<std::uint64_t>(seconds * sink->format().sampleRate());
 	return device->atEnd() && sink->state() == QAudio::IdleState ? -1
 								     : device->feed.heard(frames);
+}
+
+// Of a sound that is over the last words may still be on their way to the ear, but the sink has
+// taken them all.
+static void stop()
+{
+	const bool over = sink && sink->state() != QAudio::StoppedState && position() < 0;
+	if (!over)
+		forget();
 }
 
 static constexpr audio_service service = { .play = play, .stop = stop, .position = position };

@@ -2,7 +2,6 @@
 
 #include "ui/wave_editor.h"
 #include "src/velmor_wave_edit.h"
-#include "ui/parts/icons.h"
 #include "ui/parts/parts.h"
 #include "ui/parts/style.h"
 #include "ui/parts/told.h"
@@ -95,9 +94,6 @@ static QToolButton *make_play(top_window *window, QWidget *picture)
 {
 	QToolButton *button = make_edit(window, samples_play);
 	button->setCheckable(true);
-	button->setIcon(make_icon(icon::play));
-	button->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
-	button->setMinimumWidth(button->sizeHint().width() + 2 * between_controls);
 	for (QWidget *where : { picture, find_widget(window->id, samples_local_list) }) {
 		auto *space = new QShortcut(Qt::Key_Space, where);
 		space->setContext(Qt::WidgetShortcut);

@@ -25,25 +25,6 @@
 namespace velmor
 {
 
-// SAMPLE HEADER, decoded block
-enum {
-	header_rate_flag = 1,
-	header_pitch = 2,
-	header_loops = 16,
-	header_playback_mode = 19,
-	header_fine_tune = 20,
-	header_semitone_tune = 21,
-	header_length = 26,
-	header_start = 30,
-	header_end = 34,
-	header_loop = 38,
-	header_loop_fine = 42,
-	header_loop_coarse = 44,
-	header_loop_time = 48,
-	header_unknown = 134,
-	header_rate = 138,
-};
-
 // REQUEST SAMPLE DATA                        0     1     2     3     4     5     6
 static constexpr std::array<u8, 18> request_sample_data = //
 	{ 0xF0, 0x47, 0x00, 0x0C, 0x48, 0x00, 0x00,

@@ -1,12 +1,38 @@
 // akais1000_samples.h - what the transfers of samples share within the S1000 family
 //
-// Included by akais1000_samples.cpp and akais1000_upload.cpp alone.
+// Included by akais1000_samples.cpp, akais1000_upload.cpp and akais1000_exact.cpp alone.
 
 #pragma once
 #include "src/akais1000.h"
 
 namespace velmor
 {
+
+// SAMPLE HEADER, decoded block
+enum {
+	header_rate_flag = 1,
+	header_pitch = 2,
+	header_loops = 16,
+	header_playback_mode = 19,
+	header_fine_tune = 20,
+	header_semitone_tune = 21,
+	header_length = 26,
+	header_start = 30,
+	header_end = 34,
+	header_loop = 38,
+	header_loop_fine = 42,
+	header_loop_coarse = 44,
+	header_loop_time = 48,
+	header_unknown = 134,
+	header_rate = 138,
+};
+// Its playback modes, by their names in akai_s1000_getplaymode.
+enum : u8 {
+	akai_plays_loop = 0,
+	akai_plays_loop_until_release = 1,
+	akai_plays_no_loop = 2,
+	akai_most_playback = 3,
+};
 
 // DATA PACKET of the MIDI Sample Dump Standard, both ways
 enum {

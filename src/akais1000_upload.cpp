@@ -10,9 +10,14 @@
 // each of which the sampler acknowledges, and then writes the name into the sampler's own header
 // of the sample, because a dump carries none. Stop is asked between packets, and cancels.
 //
+// An exact upload announces the words that there are, writes the rest of the header behind the
+// name, and reads it back, because the reply decides nothing.
+//
 // Knows nothing of: the layout of WAV files, windows.
 
+#include "src/akais1000_exact.h"
 #include "src/akais1000_samples.h"
+#include "src/velmor_transfer.h"
 #include "src/velmor_window.h"
 #include "src/waveqx.h"
 #include <algorithm>
@@ -65,8 +70,9 @@ struct upload_job {
 	const _sample *sample;
 	u8 sysex_channel;
 	int number;
-	bool replaces; // a sample that was there
-	u64 announced; // words that the dump header tells of
+	bool replaces;                  // a sample that was there
+	u64 announced;                  // words that the dump header tells of
+	const akai_sample_facts *facts; // of an exact upload; null for the other
 };
 
 static void put_seven_bits_3(u64 value, u8 *p)
@@ -98,8 +104,10 @@ static std::array<u8, 21> dump_header_of(const upload_job &job)
 	set_akai7_word(static_cast<u32>(job.number), &message[dump_number]);
 	put_seven_bits_3(sample_period(*job.sample), &message[dump_period]);
 	put_seven_bits_3(job.announced, &message[dump_length]);
-	put_seven_bits_3(job.sample->loop_start, &message[dump_loop_start]);
-	put_seven_bits_3(job.sample->loop_end, &message[dump_loop_end]);
+	const akai_sample_facts *facts = job.facts;
+	put_seven_bits_3(
+		facts ? facts->loop_start : job.sample->loop_start, &message[dump_loop_start]);
+	put_seven_bits_3(facts ? facts->loop_end : job.sample->loop_end, &message[dump_loop_end]);
 	return message;
 }
 
@@ -222,11 +230,38 @@ static bool name_upload(const upload_job &job)
 	return true;
 }
 
-// A bar that is up stays up when the sampler refuses; it tells how far the dump came.
-static void send_dump(const upload_job &job)
+static std::vector<u8> ask_header(const upload_job &job, akai_answer *answer)
+{
+	*answer = ask_akai(akai_message(request_sample_header, job.sysex_channel, job.number));
+	return akai_is_header_of(*answer, job.number)
+		       ? akai_bytes_from_nibbles(answer->view().from(akai_block))
+		       : std::vector<u8>();
+}
+
+// The facts of a sample into the header that has its name now. False when the sampler does not
+// have them then.
+static bool write_facts(const upload_job &job)
+{
+	akai_answer header;
+	std::vector<u8> block = ask_header(job, &header);
+	if (block.size() < sample_header_size) {
+		log_line("[W] No header of sample %d came back\r\n", job.number);
+		return false;
+	}
+	akai_put_facts(*job.facts, &block);
+	const std::vector<u8> message = akai_header_message(header, block);
+	const akai_answer answer = ask_akai(message);
+	log_line("[D] Sent the whole header of sample %d [%d Bytes]...received %d Bytes\r\n",
+		job.number, static_cast<int>(message.size()), answer.size());
+	return ask_header(job, &header) == block;
+}
+
+// A bar that is up stays up when the sampler refuses; it tells how far the dump came. True when
+// all has arrived.
+static bool send_dump(const upload_job &job)
 {
 	if (!announce(job))
-		return;
+		return false;
 	const u64 blocks = packets_of(job.announced);
 	log_line("%s Transmitting %d Blocks (Last block contains %d Words)\r\n", job.form->tag,
 		shown(blocks), shown(job.announced % words_in_packet));
@@ -234,16 +269,26 @@ static void send_dump(const upload_job &job)
 		show_progressbar(0, shown(blocks),
 			format_text("Uploading [%s]...", job.sample->name).c_str());
 	if (!send_packets(job) || !name_upload(job))
-		return;
+		return false;
+	const bool whole = !job.facts || write_facts(job);
 	if (job.form->shows_progress)
 		hide_progressbar(0);
-	show_box("INFO", "Sample successfully uploaded!");
+	if (whole)
+		show_box("INFO", "Sample successfully uploaded!");
+	else
+		show_box("WARNING",
+			"The sound of [%s] was successfully uploaded, but the sampler did not take "
+			"its pitch, loop, play mode and tuning.",
+			job.sample->name);
+	return whole;
 }
 
 // The header of a dump counts bytes where words are due, so 16 bit words are announced twice
-// over, and the second half of the dump is silence. What the three bytes of the count cannot
-// say is left off that silence; a sample whose own words they cannot count is refused.
-static void upload_sample(const upload_form &form, const _sample &sample)
+// over, and the second half of the dump is silence, but for an exact upload. What the three bytes
+// of the count cannot say is left off that silence; a sample whose own words they cannot count is
+// refused.
+static bool upload_sample(
+	const upload_form &form, const _sample &sample, const akai_sample_facts *facts)
 {
 	if (sample.sample_length > longest_dump) {
 		log_line("[F] [%s] has %llu words, a sample dump carries %llu\r\n", sample.name,
@@ -251,14 +296,16 @@ static void upload_sample(const upload_form &form, const _sample &sample)
 			static_cast<unsigned long long>(longest_dump));
 		show_box("ERROR", "Sample too long for a sample dump (%llu words at most)!",
 			static_cast<unsigned long long>(longest_dump));
-		return;
+		return false;
 	}
 	upload_job job = { .form = &form,
 		.sample = &sample,
 		.sysex_channel = static_cast<u8>(current_sampler->sampler_sysex_channel),
 		.number = 0,
 		.replaces = false,
-		.announced = std::min(sample.sample_bytes, longest_dump) };
+		.announced =
+			facts ? sample.sample_length : std::min(sample.sample_bytes, longest_dump),
+		.facts = facts };
 	log_line("[D] Uploading Sample [%s] to current Sampler  Number requested: %d, "
 		 "SYSEX-CHANNEL: %d\r\n",
 		sample.name, sample.number, job.sysex_channel);
@@ -266,33 +313,69 @@ static void upload_sample(const upload_form &form, const _sample &sample)
 		job.number = akai_find_sample(sample.name, false);
 	job.replaces = job.number < akai_samples_listed();
 	log_line("[D] New Sample-Number: %d\r\n", job.number);
-	send_dump(job);
+	return send_dump(job);
 }
 
-static void upload(const upload_form &form, const char *path)
+// Called with what was read of the file; its words are given back afterwards.
+template <typename sending> static bool with_file(const char *path, sending send)
 {
 	if (!current_sampler)
-		return;
+		return false;
 	forget_stop();
 	log_line("[D] Trying to upload [%s]\r\n", path);
 	_sample sample = {};
+	bool sent = false;
 	if (create_sample_from_file(path, &sample)) {
 		display_sample_information(&sample, "LOCAL");
-		upload_sample(form, sample);
+		sent = send(sample);
 	} else {
 		show_box("INFO", "Sample corrupted...cannot read information!");
 	}
 	free_sample_data(&sample);
+	return sent;
 }
 
 void akai_s2000_sample_upload(const char *path)
 {
-	upload(s2000_upload, path);
+	with_file(path, [&](const _sample &sample) {
+		if (!exact_uploads() || !akai_goes_exactly(sample))
+			return upload_sample(s2000_upload, sample, nullptr);
+		const akai_sample_facts facts = akai_facts_of_file(wave_path_of(path), sample);
+		return upload_sample(s2000_upload, sample, &facts);
+	});
 }
 
 void akai_s1000_sample_upload(const char *path)
 {
-	upload(s1000_upload, path);
+	with_file(path,
+		[](const _sample &sample) { return upload_sample(s1000_upload, sample, nullptr); });
+}
+
+static bool refuse_exactly(const char *words)
+{
+	show_box("ERROR", "%s", words);
+	return false;
+}
+
+bool akai_s1000_upload_exactly(const char *path, std::span<const u8> header)
+{
+	return with_file(path, [&](_sample &sample) {
+		if (!akai_goes_exactly(sample))
+			return refuse_exactly("Only 16 bit mono files can be uploaded exactly.");
+		akai_sample_facts facts = akai_facts_of_file(wave_path_of(path), sample);
+		if (header.empty())
+			return upload_sample(s2000_upload, sample, &facts);
+		facts.kept.assign(header.begin(), header.end());
+		_sample told = {};
+		akai_s1000_sample_from_header({ header }, 0, &told);
+		if (header.size() < sample_header_size ||
+			told.sample_length != sample.sample_length)
+			return refuse_exactly(
+				"The header that was kept is not that of this sample.");
+		copy_text(sample.name,
+			akai_trimmed_name(bounded_bytes{ header }.from(sample_header_name)));
+		return upload_sample(s2000_upload, sample, &facts);
+	});
 }
 
 } // namespace velmor

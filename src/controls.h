@@ -132,6 +132,8 @@ enum progress_control : int {
 	progress_counts = 16019, // done, skipped, failed, not tried
 	progress_copy = 16020,
 	progress_again = 16021, // "Try the failed again"
+	progress_close = 16022,
+	progress_note = 16023, // what Stop leaves
 };
 
 // What was kept of a sampler before it was changed.
@@ -215,7 +217,10 @@ enum samples_control : int {
 	samples_mix_both_to_one = 16442,
 	samples_mix_both = 16443,
 	samples_mix_files = 16444,
-	samples_import_preview = 16450,
+	samples_import_preview = 16450, // the file
+	samples_preview_becomes = 16451,
+	samples_preview_lost = 16452,
+	samples_preview_upload = 16453,
 	samples_exact = 16460,  // exact length, and all of the header, to the S1000 family
 	samples_fit = 16461,    // make the chosen samples what the sampler takes
 	samples_rate = 16462,   // bytes a second on this connection

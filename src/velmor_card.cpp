@@ -18,7 +18,8 @@ static std::string brand_of(const _sampler &s)
 static std::string way_to(const _sampler &s)
 {
 	const std::string way = s.sampler_usbname[0] ? "USB" : "MIDI";
-	return way + format_text(", channel %u", static_cast<unsigned>(s.sampler_sysex_channel));
+	return way +
+	       format_text(tr(", channel %u"), static_cast<unsigned>(s.sampler_sysex_channel));
 }
 
 bool read_configuration(const std::string &name, _sampler *record)
@@ -83,7 +84,10 @@ static std::vector<std::string> row_of(const std::string &name)
 	if (brand.empty())
 		return row;
 	row[3] = plug_of(s);
-	row[1] = brand + " · " + (row[3].empty() ? way_to(s) : "USB, " + row[3]);
+	row[1] = brand + " · " +
+		 (row[3].empty()                  ? way_to(s)
+			 : row[3] == "plugged in" ? tr("USB, plugged in")
+						  : tr("USB, not plugged in"));
 	return row;
 }
 

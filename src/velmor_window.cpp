@@ -23,38 +23,11 @@
 namespace velmor
 {
 
-// ---- The progress window ------------------------------------------------------------------
-
-static int commands_running;
-
-// A transfer that failed leaves its bar on screen; then there is nothing to stop, and the
-// button puts the bar away.
-static void stop_work()
-{
-	if (commands_running)
-		stop_progress();
-	else
-		hide_progressbar(0);
-}
-
-// clang-format off
-static constexpr caption_row progress_captions[] = {
-	{ window_progress, 0,             "Progress", nullptr, nullptr },
-	{ window_progress, progress_stop, "Stop", "End this work at the next point where the sampler stays usable", nullptr },
-};
-static constexpr command_row progress_commands[] = {
-	{ window_progress, progress_stop,  stop_work, always },
-	{ window_progress, control_cancel, stop_work, always },
-};
-// clang-format on
-
 // ---- Rows -----------------------------------------------------------------------------------
 
-static const window_rows progress_rows = { progress_captions, progress_commands };
-
 static const window_rows *const all_rows[] = { &main_rows, &entry_rows, &settings_rows,
-	&sampler_rows, &usb_rows, &samples_rows, &programs_rows, &multis_rows, &panel_rows,
-	&player_rows, &progress_rows, &status_rows, &wave_rows };
+	&sampler_rows, &usb_rows, &samples_rows, &fit_rows, &programs_rows, &multis_rows,
+	&panel_rows, &player_rows, &progress_rows, &status_rows, &wave_rows };
 
 static std::vector<caption_row> all_captions()
 {
@@ -114,6 +87,8 @@ bool was_opened(int window)
 }
 
 // ---- The gate ---------------------------------------------------------------------------------
+
+static int commands_running;
 
 // Counts the commands that run, also when exit_process leaves one of them.
 struct running_command {
@@ -312,6 +287,7 @@ void forget_commands()
 	kept_work.clear();
 	request_close(false);
 	forget_stop();
+	leave_verdict();
 	opened_windows.clear();
 	forget_lists();
 	forget_line();

@@ -143,6 +143,32 @@ TEST_F(virtual_s3000, describes_its_samples)
 	EXPECT_EQ(m.samples[1].header[19], 2) << "not looping";
 }
 
+// Another length, no character, no note, no playback mode, start behind the end, end and loop behind
+// the words, a loop before them; then all as far as it can be.
+TEST_F(virtual_s3000, takes_only_headers_that_fit)
+{
+	const bytes before = m.add_sample("S", 44100, { 1, 2, 3 }).header;
+	const struct {
+		std::size_t at;
+		std::uint32_t value;
+		int width;
+		const char *answer;
+	} rows[] = { { 26, 4, 4, refused }, { 14, 41, 1, refused }, { 2, 128, 1, refused },
+		{ 19, 4, 1, refused }, { 30, 3, 4, refused }, { 34, 3, 4, refused },
+		{ 38, 4, 4, refused }, { 44, 1, 4, refused }, { 14, 40, 1, done },
+		{ 2, 127, 1, done }, { 19, 3, 1, done }, { 30, 2, 4, done }, { 38, 3, 4, done },
+		{ 44, 3, 4, done } };
+	for (const auto &row : rows) {
+		bytes header = m.samples[0].header, message = hex("F0 47 05 0B 48 00 00");
+		machine::put_number(header, row.at, row.value, row.width);
+		machine::append_nibbles(message, header);
+		message.push_back(0xF7);
+		const bytes held = row.answer == done ? header : before;
+		EXPECT_EQ(m.answer(message), hex(row.answer)) << row.at;
+		EXPECT_EQ(m.samples[0].header, held) << row.at;
+	}
+}
+
 // ---- Dumps -------------------------------------------------------------------------
 
 // 45 words at 22050 Hz (45351 ns: 27 62 02), looped from 3 to 40.

@@ -50,7 +50,8 @@ enum { // places in the blocks that matter to the machine itself
 	header_loop_time = 48,
 	header_rate_word = 138,
 };
-static constexpr std::uint8_t playback_loop = 0, playback_no_loop = 2;
+static constexpr std::uint8_t playback_loop = 0, playback_no_loop = 2, last_playback = 3;
+static constexpr std::uint8_t last_character = 40, highest_note = 127;
 static constexpr std::uint32_t loop_time_hold = 9999;
 
 // clang-format off
@@ -474,13 +475,29 @@ bytes s1000_machine::give_header(byte_view message)
 		 : reply(false);
 }
 
-// A header renames a sample and sets its parameters. Its length is the memory's, so a
-// header of another length belongs to another sample.
+// Whether a header can be that of a sample of so many words: a name of its alphabet, a note and
+// a playback mode that there are, start, end and loop inside the words, and the length itself,
+// which is the memory's, so that a header of another length belongs to another sample.
+static bool header_fits(byte_view header, std::size_t words)
+{
+	const auto number = [&](std::size_t at) { return machine::get_number(header, at, 4); };
+	const auto name = header.subspan(block_name, machine::name_size);
+	const bool named = std::all_of(
+		name.begin(), name.end(), [](std::uint8_t c) { return c <= last_character; });
+	const bool ranged = number(header_start) <= number(header_end) &&
+			    number(header_end) < std::max<std::size_t>(words, 1);
+	const bool looped = number(header_loop_at) <= words &&
+			    number(header_loop_coarse) <= number(header_loop_at);
+	return named && ranged && looped && number(header_length) == words &&
+	       header[header_pitch] <= highest_note && header[header_playback] <= last_playback;
+}
+
+// A header renames a sample and sets its parameters.
 bytes s1000_machine::take_header(byte_view message)
 {
 	stored_sample *s = sample_at(message);
 	auto block = block_in(message, frame_block, header_identity);
-	if (!s || !block || machine::get_number(*block, header_length, 4) != s->words.size())
+	if (!s || !block || !header_fits(*block, s->words.size()))
 		return reply(false);
 	s->header = std::move(*block);
 	return reply(true);

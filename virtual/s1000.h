@@ -9,6 +9,9 @@
 //	- a frame for it that has the wrong length, data that are no nibbles, a block of the
 //	  wrong kind, or an index that does not exist, is refused with
 //	  F0 47 cc 16 48 01 F7 and changes nothing. Done is F0 47 cc 16 48 00 F7;
+//	- so is a sample header that cannot be that of its sample: another length, a name
+//	  outside the alphabet, a note or playback mode that there is not, a start, end or
+//	  loop behind its words;
 //	- a dump is read packet by packet: right is 7F, wrong checksum, length or packet
 //	  number 7E, no room or no dump under way 7D.
 //

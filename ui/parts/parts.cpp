@@ -108,7 +108,7 @@ QWidget *find_widget(int window, int control)
 QString caption_of(int window, int control)
 {
 	const caption_row *row = find_caption(window, control);
-	return row ? QString::fromUtf8(row->caption) : QString();
+	return row ? qtr(row->caption) : QString();
 }
 
 // As it is said, and in a menu as it is shown: one letter at most is marked.
@@ -131,15 +131,15 @@ void enroll(int window, int control, QObject *object)
 	auto *widget = qobject_cast<QWidget *>(object);
 	if (!row || !widget)
 		return;
-	const QString said = without_marks(QString::fromUtf8(row->caption));
+	const QString said = without_marks(qtr(row->caption));
 	if (auto *label = dynamic_cast<told_label *>(widget))
 		label->set_spoken(said);
 	else
 		widget->setAccessibleName(said);
 	if (!row->tooltip)
 		return;
-	widget->setToolTip(QString::fromUtf8(row->tooltip));
-	widget->setAccessibleDescription(QString::fromUtf8(row->tooltip));
+	widget->setToolTip(qtr(row->tooltip));
+	widget->setAccessibleDescription(qtr(row->tooltip));
 }
 
 void tell_apart(QWidget *widget, const QString &among)
@@ -174,7 +174,7 @@ void make_entry(top_window *window, QMenu *menu, int control)
 	enroll(id, control, entry);
 	const caption_row *row = find_caption(id, control);
 	if (row && row->tooltip)
-		entry->setStatusTip(QString::fromUtf8(row->tooltip));
+		entry->setStatusTip(qtr(row->tooltip));
 	QObject::connect(
 		entry, &QAction::triggered, entry, [id, control] { velmor_command(id, control); });
 }
@@ -190,7 +190,7 @@ static void set_empty_text(QLineEdit *field, int window, int control)
 {
 	const caption_row *row = find_caption(window, control);
 	if (row && row->empty)
-		field->setPlaceholderText(QString::fromUtf8(row->empty));
+		field->setPlaceholderText(qtr(row->empty));
 }
 
 QLineEdit *make_field(top_window *window, int control)
@@ -234,7 +234,7 @@ told_label *make_text(top_window *window, int control)
 told_label *make_verdict(top_window *window, int control)
 {
 	told_label *verdict = make_text(window, control);
-	verdict->set_spoken("Verdict");
+	verdict->set_spoken(qtr("Verdict"));
 	verdict->set_marked();
 	verdict->setWordWrap(true);
 	verdict->setAlignment(Qt::AlignLeft | Qt::AlignTop);
@@ -316,7 +316,7 @@ QToolButton *make_fold(QWidget *part, const QString &name, bool open, QWidget *p
 	fold->setCheckable(true);
 	const auto turn = [fold, part, name](bool shown) {
 		fold->setIcon(make_icon(shown ? icon::fold_open : icon::fold_closed));
-		fold->setToolTip((shown ? "Hide " : "Show ") + name);
+		fold->setToolTip((shown ? qtr("Hide ") : qtr("Show ")) + name);
 		part->setVisible(shown);
 	};
 	QObject::connect(fold, &QToolButton::toggled, part, turn);
@@ -335,7 +335,7 @@ QLayout *make_heading(top_window *window, int list, int told, icon picture, QPus
 	row->addWidget(title);
 	if (told) {
 		told_label *words = make_text(window, told);
-		words->set_spoken(title->text() + " heading");
+		words->set_spoken(title->text() + qtr(" heading"));
 		words->set_role(text_role::quiet);
 		words->set_cut();
 		row->addWidget(words, 1);

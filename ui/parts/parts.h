@@ -8,6 +8,7 @@
 #pragma once
 #include "src/controls.h"
 #include "ui/parts/icons.h"
+#include "ui/parts/words.h"
 #include <QString>
 #include <functional>
 #include <initializer_list>

@@ -48,7 +48,7 @@ static told_label *make_told(top_window *window, int control, const char *spoken
 {
 	auto *label = new told_label(parent);
 	label->set_marked();
-	label->set_spoken(spoken);
+	label->set_spoken(qtr(spoken));
 	enroll(window->id, control, label);
 	return label;
 }
@@ -98,14 +98,14 @@ static QWidget *make_status_line(top_window *window)
 {
 	auto *foot = new status_foot(window);
 	// Neither makes the window wider: nothing jumps when the words change.
-	told_label *connection = make_told(window, status_line, "Connection", foot);
+	told_label *connection = make_told(window, status_line, own("Connection"), foot);
 	connection->set_cut();
 	foot->row->addWidget(connection);
 	foot->set_connection(connection);
 	auto *row = new QHBoxLayout;
 	row->setSpacing(between_panels);
 	foot->row->addLayout(row, 1);
-	told_label *outcome = make_told(window, status_outcome, "Last outcome", foot);
+	told_label *outcome = make_told(window, status_outcome, own("Last outcome"), foot);
 	outcome->set_cut();
 	row->addWidget(outcome, 1);
 	if (QPushButton *undo = make_button(window, status_undo)) {

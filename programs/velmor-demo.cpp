@@ -64,7 +64,8 @@ static void install(const ui_service *ui, const clock_service *clock)
 		.settings = &posix_settings,
 		.clock = clock,
 		.files = &posix_files,
-		.sound = &sndfile_sound };
+		.sound = &sndfile_sound,
+		.audio = &qt_audio };
 }
 
 // Time that jumps to the next thing the samplers do.
@@ -141,17 +142,46 @@ static bool read_arguments(int argc, char **argv, arguments *a)
 	return a->travel || argc == 1;
 }
 
-// A WAV file as any editor writes it, for a journey without files of the user.
-static std::string make_file(const std::string &folder)
+// Sound files as they lie about: one as any editor writes it, one of 24 bits and two channels, and
+// an old one of 8 bits; for a journey without files of the user.
+struct lying_about {
+	const char *name;
+	u32 bits, channels;
+};
+static constexpr lying_about sound_files[] = {
+	{ "/Vowel.wav", 16, 1 },
+	{ "/Choir 24.wav", 24, 2 },
+	{ "/Old 8.wav", 8, 1 },
+};
+
+static std::string make_file(const std::string &folder, const lying_about &kind)
 {
 	const demo_sound sound = sung_vowel(22050, 220);
-	const u32 bytes = static_cast<u32>(sound.words.size()) * 2;
-	const u32 head[] = { 0x46464952, 36 + bytes, 0x45564157, 0x20746D66, 16, 0x00010001,
-		sound.rate, sound.rate * 2, 0x00100002, 0x61746164, bytes };
-	const std::string path = folder + "/Vowel.wav";
+	machine::bytes data;
+	for (const int word : sound.words)
+		for (u32 channel = 0; channel < kind.channels; channel++) {
+			if (kind.bits == 24)
+				data.push_back(0);
+			if (kind.bits > 8)
+				data.push_back(static_cast<u8>(word));
+			data.push_back(
+				static_cast<u8>(kind.bits == 8 ? (word >> 8) + 128 : word >> 8));
+		}
+	const u32 bytes = static_cast<u32>(data.size()), frame = kind.bits / 8 * kind.channels;
+	// More than one channel makes it an extensible format, and one of PCM.
+	const bool extensible = kind.channels > 1;
+	const u32 extension[] = { kind.bits << 16 | 22, 0, 1, 0x00100000, 0xAA000080, 0x719B3800 };
+	const u32 longer = extensible ? sizeof extension : 0;
+	const u32 head[] = { 0x46464952, 36 + longer + bytes, 0x45564157, 0x20746D66, 16 + longer,
+		kind.channels << 16 | (extensible ? 0xFFFE : 1), sound.rate, sound.rate * frame,
+		kind.bits << 16 | frame };
+	const u32 data_head[] = { 0x61746164, bytes };
+	const std::string path = folder + kind.name;
 	std::ofstream file(path, std::ios::binary);
 	file.write(reinterpret_cast<const char *>(head), sizeof head);
-	file.write(reinterpret_cast<const char *>(sound.words.data()), bytes);
+	file.write(reinterpret_cast<const char *>(extension), longer);
+	file.write(reinterpret_cast<const char *>(data_head), sizeof data_head);
+	file.write(reinterpret_cast<const char *>(data.data()), bytes);
 	return path;
 }
 
@@ -242,7 +272,8 @@ static int travel(arguments *a)
 	std::filesystem::create_directories(a->out);
 	std::filesystem::remove_all(a->out + "/data");
 	if (a->files.empty())
-		a->files = { make_file(a->out) };
+		for (const lying_about &kind : sound_files)
+			a->files.push_back(make_file(a->out, kind));
 	if (a->song.empty())
 		a->song = make_song(a->out);
 	prepare_folder(a->out + "/data");

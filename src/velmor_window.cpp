@@ -300,6 +300,7 @@ void forget_commands()
 	forget_program_page();
 	forget_panel();
 	forget_player_page();
+	forget_playing();
 }
 
 } // namespace velmor

@@ -3153,5 +3153,53 @@ noch nicht gemessen</translation>
         <source>ms</source>
         <translation type="unfinished"></translation>
     </message>
+    <message>
+        <source>, looped</source>
+        <translation>, mit Schleife</translation>
+    </message>
+    <message>
+        <source>Choose a sample on this computer first!</source>
+        <translation>Wählen Sie zuerst ein Sample auf diesem Computer!</translation>
+    </message>
+    <message>
+        <source>Choose a sample on this computer first</source>
+        <translation>Wählen Sie zuerst ein Sample auf diesem Computer</translation>
+    </message>
+    <message>
+        <source>Hear the chosen sample of this computer as the sampler will hold it; once more stops it (Space)</source>
+        <translation>Das gewählte Sample dieses Computers hören, wie der Sampler es halten wird; noch einmal hält es an (Leertaste)</translation>
+    </message>
+    <message>
+        <source>Play</source>
+        <translation>Abspielen</translation>
+    </message>
+    <message>
+        <source>Playing &apos;%s&apos; %s: %u bit, %u Hz, %s%s.</source>
+        <translation>&apos;%s&apos; erklingt, %s: %u Bit, %u Hz, %s%s.</translation>
+    </message>
+    <message>
+        <source>Search multis</source>
+        <translation>Multis suchen</translation>
+    </message>
+    <message>
+        <source>This program was made without sound.</source>
+        <translation>Dieses Programm wurde ohne Ton gebaut.</translation>
+    </message>
+    <message>
+        <source>as %s will hold it</source>
+        <translation>wie %s es halten wird</translation>
+    </message>
+    <message>
+        <source>as a conversion for %s would make it</source>
+        <translation>wie eine Umwandlung für %s es machen würde</translation>
+    </message>
+    <message>
+        <source>mono</source>
+        <translation>mono</translation>
+    </message>
+    <message>
+        <source>stereo</source>
+        <translation>stereo</translation>
+    </message>
 </context>
 </TS>

@@ -393,6 +393,8 @@ static void set_play_position(int window, int control, std::int64_t ticks, int t
 {
 	if (track_list *list = find_tracks(window, control))
 		list->set_position(ticks, ticks_per_second);
+	else if (auto *picture = dynamic_cast<waveform_widget *>(find_control(window, control)))
+		picture->show_played(ticks);
 }
 
 // ---- Boxes --------------------------------------------------------------------------------------

@@ -386,13 +386,24 @@ void add_to(QBoxLayout *layout, std::initializer_list<QWidget *> widgets)
 			layout->addWidget(widget);
 }
 
+void set_order(std::initializer_list<QWidget *> widgets)
+{
+	QWidget *last = nullptr;
+	for (QWidget *widget : widgets) {
+		if (last && widget)
+			QWidget::setTabOrder(last, widget);
+		last = widget ? widget : last;
+	}
+}
+
 void add_closing_buttons(top_window *window)
 {
 	auto *row = new QHBoxLayout;
 	row->addStretch();
+	QPushButton *leave = make_button(window, control_cancel);
 	QPushButton *keep = make_button(window, control_ok);
 	keep->setProperty("main", true);
-	add_to(row, { make_button(window, control_cancel), keep });
+	add_to(row, { leave, keep });
 	window->content->addStretch();
 	window->content->addLayout(row);
 }

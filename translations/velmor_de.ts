@@ -3201,5 +3201,484 @@ noch nicht gemessen</translation>
         <source>stereo</source>
         <translation>stereo</translation>
     </message>
+    <message>
+        <source> on the left</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source> on the right</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%d of %d are in the backup: %d came now, %d were as before.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%d of %d were brought to the sampler.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%llu of %llu values differ, the first at %llu%s.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%llu values were meant to arrive, and %llu did.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%s on the sampler is as it was meant to arrive: %llu values were compared.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%s on the sampler is the same program.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%s was not downloaded.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%s was not downloaded: stopped.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%s was not sent: stopped.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%sThe sampler holds several samples called &apos;%s&apos; and gives the first alone. Rename the others on its panel.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>%zu of %zu parameters differ, the first is %s</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>, which is %s instead of %s.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>A restore deletes what the backup does not hold</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Also what looks as it did before. Of samples on the USB the sampler lists the names alone</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Another folder</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Backup of &apos;%s&apos;, an %s: programs %d, samples %d, names of multis %d, %s. %s</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Backup...</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Begin</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Bring all that the sampler holds into a folder, and back</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Bring into the folder what changed since the last backup</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Choose a local program first.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Choose a local sample first.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Choose...</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Compare after each transfer</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Compare each sample after its transfer</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Compare with the sampler</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Complete.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Do it?</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Each sample is read back, which takes as long again</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Folder of the backup</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Folder:</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>History...</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>In the backup</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>It broke off: Begin goes on from there.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>It could not be compared.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>It has %u Hz instead of %u Hz.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>It has %u bits instead of %u.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>It has %u channels instead of %u.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>It is not known whether %s.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>It is not known whether %s: the list could not be read again.
+%s</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>It is not the same.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>It is read back, which takes as long again</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>It is too large.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>It was compared and is the same.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>It was put into the folder earlier, and everything was looked at anew.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Its last line does not agree with the others: it was changed or is not whole.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Its values have another size.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Leave names out of recordings</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Line %d: %s</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Load a sampler first</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Move everything again</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Nobody knows this line.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Nothing had to be brought to the sampler.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Nothing yet. Begin brings all that the sampler holds into the folder.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Otherwise nothing is deleted on the sampler</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Put back what was deleted, renamed or changed on the sampler last</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Put other words for the names of programs and samples in the next recording</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Read the sampler&apos;s programs again, and tell where the one of that name differs</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Read the sampler&apos;s sample of that name back, and tell where it differs</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Record traffic</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Restore...</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>See what was changed on the sampler, and put it back</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Show what would be sent to the sampler, and ask</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>State of the backup</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The backup broke off, and does not hold everything.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The backup is empty.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The comparison was stopped.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The manifest [%s] is damaged. %s</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The sampler holds no program called %s.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The sampler holds no sample called %s.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The sampler was left as it is.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>The section above lacks a line.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>There is no backup in [%s].</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>There is no backup in this folder that could be restored</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>This is no checksum.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>This is no file of the backup.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>This is no manifest of a backup.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>This is no number.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>This is no section of a backup.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>This is no text in quotation marks.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>This is the backup of &apos;%s&apos;, an %s. An %s cannot take it.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>This line says nothing.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Undo on the sampler</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Upload of %s stopped.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>VELMOR Backup</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>What is there stays; the next backup goes on from here.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>What the folder holds, or what a restore would do</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Where the backup is; a folder for each sampler</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>Write everything that goes over the lines to a file, for a report</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>[%s] cannot be read.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>[%s] holds the backup of &apos;%s&apos;, an %s. Choose another folder for &apos;%s&apos;.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>
+Not tried: %d.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>
+and %zu more</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>another one has the same name, and would be replaced</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>as before</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>delete %d on the sampler</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>delete on the sampler</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>failed</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>it is not known whether it arrived</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>its file is missing, or was changed since the backup</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>keep %d as they are</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>keep</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>leave out %d, which cannot be sent</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>leave out</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>missing.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>multis stay in the sampler; this is its name alone</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>replace %d</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>replace</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>send %d</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>send</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>the same as far as its header tells</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>the sampler did not do it</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>the sampler does not list it</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>this sampler deletes it on its own panel alone</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>this sampler takes a program only over one of its name; make one on its own panel</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>this sampler takes no programs</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <source>too many.</source>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 </TS>

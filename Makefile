@@ -1,5 +1,5 @@
 # The customary words, for those who type them first; ./run and make build the same folder
-# in the same way.
+# in the same way. The package has a folder of its own.
 
 SHELL := /bin/bash -o pipefail
 
@@ -9,10 +9,17 @@ all:
 install: all
 	cmake --install build
 
+deb:
+	@packaging/make-deb.sh
+
 check:
 	./test
 
-clean:
-	rm -rf build build-test
+# Bring the files of translations/ up to date with the sources.
+words:
+	packaging/words.sh
 
-.PHONY: all install check clean
+clean:
+	rm -rf build build-test build-deb
+
+.PHONY: all install deb check words clean

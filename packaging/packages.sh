@@ -1,11 +1,14 @@
 # packages.sh - what building, testing and the virtual machine need, and how to get it
 #
-# Sourced by run, test, the Makefile and the machine tests. The names hold on Debian 12 and
-# on Ubuntu 24.04. Elsewhere CMake says what it does not find.
+# Sourced by run, test, the Makefile, the package and the machine tests. The names hold on
+# Debian 12 and on Ubuntu 24.04. Elsewhere CMake says what it does not find.
 
-packages_build="g++ cmake ninja-build pkg-config qt6-base-dev libasound2-dev libusb-1.0-0-dev
+packages_build="g++ cmake ninja-build pkg-config qt6-base-dev qt6-l10n-tools libasound2-dev libusb-1.0-0-dev
 	libsndfile1-dev libfuse3-dev fuse3 fonts-dejavu-core fontconfig-config"
 packages_test="libgtest-dev clang-format-14 libumockdev-dev umockdev libsamplerate0-dev libbenchmark-dev libsmf-dev sox"
+packages_deb="dpkg-dev"
+packages_package="$packages_deb mmdebstrap debian-archive-keyring lintian appstream
+	desktop-file-utils man-db"
 
 # missing PACKAGE...: those that are not installed, on one line.
 missing() {
@@ -23,7 +26,7 @@ say_missing() {
 	local names
 	names=$(missing "$@")
 	[ -z "$names" ] && return 0
-	echo "Please install these packages first (./run does it by itself):" >&2
+	echo "Please install these packages first:" >&2
 	echo "    apt-get install $names" >&2
 	return 1
 }

@@ -403,7 +403,8 @@ static void stop_download(const std::function<std::vector<std::string>()> &on_sa
 	press(window_samples, samples_download_all);
 	check(!stop_wanted, "there was something to stop");
 	stop_wanted = false;
-	check(!find_widget(window_progress, 0)->isVisible(), "the work has ended");
+	check(!find_widget(window_progress, progress_bar)->isVisible(), "the work has ended");
+	press(window_progress, progress_close);
 	press(window_samples, samples_refresh);
 	check(on_sampler() == before && names_in(window_samples, samples_loaded_list) == before,
 		"the sampler answers and is as it was");

@@ -6,7 +6,9 @@
 #include "programs/options.h"
 #include "programs/windowed.h"
 #include "ui/qt_ui.h"
+#include "ui/translation.h"
 #include <QApplication>
+#include <QLocale>
 #include <cerrno>
 #include <memory>
 #include <string>
@@ -67,6 +69,7 @@ int main(int argc, char **argv)
 		work_in_data_folder();
 	QApplication::setApplicationName("velmor");
 	install_services();
+	load_translation(QLocale::system().uiLanguages());
 	create_windows();
 	watch_end_signals([] { host.ui->post(end_windows); });
 	start_velmor();

@@ -43,13 +43,8 @@ _program *program_to_write(i32 index, _program *local)
 	const bool loaded = status && index < std::clamp(status->programs, 0, max_programs);
 	if (index >= 0 && current_sampler && (local || loaded))
 		return local ? &local[index] : &status->program[index];
-	program_ended(ending::refused, "There is no such program.");
+	program_ended(ending::refused, tr("There is no such program."));
 	return nullptr;
-}
-
-std::string counted(int count, const char *what)
-{
-	return format_text("%d %s%s", count, what, count == 1 ? "" : "s");
 }
 
 int sent_count(i32 count, int most, const char *what)

@@ -36,8 +36,6 @@ void program_done_but(const char *words);
 // Entry index of a local array, or, with local null, of the loaded tree. Null, which is told,
 // where there is none.
 _program *program_to_write(i32 index, _program *local);
-// "1 value", "2 values".
-std::string counted(int count, const char *what);
 // As many as an operation sends, whatever the record says; what is left out is logged.
 int sent_count(i32 count, int most, const char *what);
 // Bytes for a line of the log that nobody may want.

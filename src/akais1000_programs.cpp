@@ -20,6 +20,7 @@
 // Knows nothing of: windows.
 
 #include "src/akais1000_programs.h"
+#include "src/velmor_counts.h"
 #include <algorithm>
 #include <cstring>
 
@@ -100,7 +101,8 @@ void tell_failed(const akai_answer &answer, const char *box, const char *state)
 	const bool refused = is_refusal(answer);
 	if (!answer.port_failed)
 		show_box("FATAL", "%s", box);
-	const char *why = refused ? "The sampler refused." : "No answer came that could be used.";
+	const char *why =
+		refused ? tr("The sampler refused.") : tr("No answer came that could be used.");
 	program_ended(refused ? ending::refused : ending::no_answer,
 		format_text("%s %s", why, state).c_str());
 }
@@ -169,8 +171,8 @@ struct s1000_save {
 static void save_failed(const s1000_save &s, const akai_answer &answer)
 {
 	tell_failed(answer, save_box,
-		s.begun ? "The program on the sampler may hold only a part of the changes."
-			: "Nothing was changed on the sampler.");
+		s.begun ? tr("The program on the sampler may hold only a part of the changes.")
+			: tr("Nothing was changed on the sampler."));
 	hide_progressbar(0);
 }
 
@@ -179,9 +181,9 @@ static bool save_stopped(const s1000_save &s)
 	if (!progress_stopped())
 		return false;
 	program_ended(ending::stopped,
-		s.begun ? "Saving was stopped. The program on the sampler holds a part of the "
-			  "changes."
-			: "Saving was stopped. Nothing was changed on the sampler.");
+		s.begun ? tr("Saving was stopped. The program on the sampler holds a part of the "
+			     "changes.")
+			: tr("Saving was stopped. Nothing was changed on the sampler."));
 	hide_progressbar(0);
 	return true;
 }
@@ -264,9 +266,9 @@ static bool save_common(s1000_save *s, bool existed)
 		s->held = common[program_keygroups];
 		const int surplus = s->held - s->keygroups;
 		if (surplus > 0)
-			program_done_but(format_text("The program on the sampler keeps %s that "
-						     "this one does not have.",
-				counted(surplus, "keygroup").c_str())
+			program_done_but(format_text(tr("The program on the sampler keeps %s that "
+							"this one does not have."),
+				counted(surplus, noun::keygroup).c_str())
 						 .c_str());
 	}
 	const akai_answer answer = send_program(s->index, common);
@@ -370,9 +372,9 @@ static bool save_program(s1000_save *s)
 static void tell_refused(int refused, int keygroups)
 {
 	if (refused)
-		program_done_but(format_text("The sampler did not take %d of %s. Its memory may "
-					     "be full.",
-			refused, counted(keygroups, "keygroup").c_str())
+		program_done_but(format_text(tr("The sampler did not take %d of %s. Its memory may "
+						"be full."),
+			refused, counted(keygroups, noun::keygroup).c_str())
 					 .c_str());
 }
 
@@ -433,7 +435,7 @@ int find_exactly(const akai_answer &list, const char *name, const char *box)
 			return i;
 	}
 	show_box("WARNING", "%s", box);
-	program_ended(ending::refused, "The sampler has no program of that name.");
+	program_ended(ending::refused, tr("The sampler has no program of that name."));
 	return -1;
 }
 
@@ -460,7 +462,7 @@ void akai_s1000_prog_delete(i32 program)
 		return;
 	const akai_answer answer = send_deletion(index);
 	if (!is_done(answer))
-		tell_failed(answer, delete_box, "Read the list again to see what is there.");
+		tell_failed(answer, delete_box, tr("Read the list again to see what is there."));
 }
 
 void akai_s1000_del_keygroup(i32 program, i32 keygroup)
@@ -472,7 +474,7 @@ void akai_s1000_del_keygroup(i32 program, i32 keygroup)
 	log_line("[D] Request to delete Keygroup %d for Program: %d (%s)\r\n", keygroup, program,
 		p->name);
 	if (keygroup < 0 || keygroup >= max_keygroups) {
-		program_ended(ending::refused, "There is no such keygroup.");
+		program_ended(ending::refused, tr("There is no such keygroup."));
 		return;
 	}
 	// Not the sampler's channel, and not masked.
@@ -482,7 +484,7 @@ void akai_s1000_del_keygroup(i32 program, i32 keygroup)
 	log_line("[D] DELETE KG-REQUEST RETURNED: [%s] (%d Bytes)\r\n",
 		log_dump(answer.bytes).c_str(), answer.size());
 	if (!is_done(answer))
-		tell_failed(answer, delete_box, "Read the list again to see what is there.");
+		tell_failed(answer, delete_box, tr("Read the list again to see what is there."));
 }
 
 } // namespace velmor

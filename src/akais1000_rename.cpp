@@ -62,7 +62,7 @@ static bool collect(program_move *m)
 			return false;
 	if (progress_stopped())
 		program_ended(ending::stopped,
-			"Renaming was stopped. Nothing was changed on the sampler.");
+			tr("Renaming was stopped. Nothing was changed on the sampler."));
 	return !progress_stopped();
 }
 
@@ -70,7 +70,7 @@ static bool collect(program_move *m)
 static bool lost(program_move *m, const akai_answer &answer, const char *where)
 {
 	const std::string state =
-		format_text("%s It is kept in this computer as [%s].", where, m->copy->name);
+		format_text(tr("%s It is kept in this computer as [%s]."), where, m->copy->name);
 	rescue_program(std::move(m->copy));
 	return rename_failed(answer, state.c_str());
 }
@@ -82,7 +82,7 @@ static bool take_off(program_move *m)
 		return true;
 	if (is_refusal(answer))
 		return rename_failed(answer, nothing_changed);
-	return lost(m, answer, "The program may be gone from the sampler.");
+	return lost(m, answer, tr("The program may be gone from the sampler."));
 }
 
 static bool put_back(program_move *m, const char *new_name)
@@ -96,7 +96,7 @@ static bool put_back(program_move *m, const char *new_name)
 	log_line("[D] NAME [%s] --> AKAIED: [%s]\r\n", new_name,
 		log_dump(std::span(name).first(akai_name_size)).c_str());
 	const akai_answer answer = send_program(m->index, m->common);
-	return is_done(answer) || lost(m, answer, "The program is gone from the sampler.");
+	return is_done(answer) || lost(m, answer, tr("The program is gone from the sampler."));
 }
 
 // All of them are tried, but for a sampler that has fallen silent.
@@ -116,7 +116,7 @@ static bool restore_keygroups(program_move *m)
 			log_dump(answer.bytes).c_str());
 	}
 	return !failed ||
-	       lost(m, bad, "The program has its new name, but not all of its keygroups.");
+	       lost(m, bad, tr("The program has its new name, but not all of its keygroups."));
 }
 
 // Without the blanks at its end.

@@ -15,6 +15,7 @@
 
 #include "src/akaiusb_programs.h"
 #include "src/controls.h"
+#include "src/velmor_counts.h"
 
 namespace velmor
 {
@@ -49,8 +50,8 @@ static bool tell_failed(
 	const bool heard = w.answer.length > 0;
 	program_ended(heard ? ending::refused : ending::no_answer,
 		format_text("%s %s",
-			heard ? "The sampler did not do what was asked."
-			      : "No answer came from the sampler.",
+			heard ? tr("The sampler did not do what was asked.")
+			      : tr("No answer came from the sampler."),
 			w.state())
 			.c_str());
 	return false;
@@ -106,7 +107,7 @@ static bool log_failed(const program_writer &w, call_site where = call_site::cur
 	const int line = static_cast<int>(where.line());
 	log_line("[I] (%s:%d) WARNING! SYSEX-MIDI_USB FAILED!\r\n", file_tag(where), line);
 	program_ended(ending::no_answer,
-		format_text("The sampler did not answer as it should. %s", w.state()).c_str());
+		format_text(tr("The sampler did not answer as it should. %s"), w.state()).c_str());
 	return false;
 }
 
@@ -206,9 +207,9 @@ static void tell_what_is_missing(const s5000_save &s)
 	save_once_more = s.added > 0;
 	if (s.added)
 		program_done_but(
-			format_text("The sampler added %s without their tuning, filter and "
-				    "filter envelope, which take saving once more.",
-				counted(s.added, "keygroup").c_str())
+			format_text(tr("The sampler added %s without their tuning, filter and "
+				       "filter envelope, which take saving once more."),
+				counted(s.added, noun::keygroup).c_str())
 				.c_str());
 	s.w->tell_refused();
 }
@@ -225,7 +226,7 @@ void akai_s5000_program_save(i32 program, _program *source)
 	log_line("[D] Saving Program [%s], Keygroups: %d\r\n", p->name, keygroups);
 	open_usbdev usb = open_for_download();
 	if (!usb) {
-		program_ended(ending::no_answer, "The sampler is not connected.");
+		program_ended(ending::no_answer, tr("The sampler is not connected."));
 		return;
 	}
 	program_writer w = writer_on(usb.get());
@@ -244,7 +245,7 @@ static void work_on_current(const char *name, const char *operation, std::span<c
 {
 	open_usbdev usb = open_for_download();
 	if (!usb) {
-		program_ended(ending::no_answer, "The sampler is not connected.");
+		program_ended(ending::no_answer, tr("The sampler is not connected."));
 		return;
 	}
 	program_writer w = writer_on(usb.get());

@@ -26,15 +26,17 @@ static _program *record_to_save(i32 program)
 {
 	_dev_status *status = current_sampler ? current_sampler->status : nullptr;
 	if (!status || program < 0 || program >= std::min(status->programs, max_programs)) {
-		show_box("ERROR", "The program is not in the sampler's list. Read the list again.");
+		show_box("ERROR",
+			tr("The program is not in the sampler's list. Read the list again."));
 		return nullptr;
 	}
 	_program *record = &status->program[program];
 	if (program > s900_most_number || record->keygroups < 0 ||
 		record->keygroups > s900_most_number) {
 		show_box("ERROR",
-			"The program [%s] cannot be sent: a message to this sampler counts to %d, "
-			"and it is program %d with %d keygroups.",
+			tr("The program [%s] cannot be sent: a message to this sampler counts to "
+			   "%d, "
+			   "and it is program %d with %d keygroups."),
 			record->name, s900_most_number, program, record->keygroups);
 		return nullptr;
 	}
@@ -68,13 +70,14 @@ static std::string doubts(const akai_answer &answer, const _program &record)
 	const std::string name = name_of(answer);
 	std::string words;
 	if (s900_checksum(answer.view(), s900_data, end) != answer[end])
-		words += "It came damaged from the sampler: its checksum is wrong. ";
+		words += tr("It came damaged from the sampler: its checksum is wrong. ");
 	if (!name.empty() && record.name[0] && name != record.name)
 		words += format_text(
-			"In its place the sampler has the program [%s]. ", name.c_str());
+			tr("In its place the sampler has the program [%s]. "), name.c_str());
 	if (record.keygroups < stored)
-		words += format_text("The sampler has %d keygroups of it and this computer %d; the "
-				     "others will be gone. ",
+		words += format_text(
+			tr("The sampler has %d keygroups of it and this computer %d; the "
+			   "others will be gone. "),
 			stored, record.keygroups);
 	return words;
 }
@@ -83,7 +86,7 @@ static bool may_overwrite(const akai_answer &answer, const _program &record)
 {
 	const std::string words = doubts(answer, record);
 	return words.empty() ||
-	       ask_box("WARNING", "Save the program [%s]? %s", record.name, words.c_str());
+	       ask_box("WARNING", tr("Save the program [%s]? %s"), record.name, words.c_str());
 }
 
 // ---- Saving ------------------------------------------------------------------------------
@@ -139,10 +142,10 @@ void akai_s900_save_program(i32 program, _program *)
 		return program_ended(ending::no_answer, "");
 	if (!is_whole(answer)) {
 		show_box("ERROR",
-			"The program [%s] was not saved, and the sampler has it as it was: %s",
+			tr("The program [%s] was not saved, and the sampler has it as it was: %s"),
 			record->name,
-			answer.size() ? "what the sampler sent of it broke off."
-				      : "the sampler does not answer.");
+			answer.size() ? tr("what the sampler sent of it broke off.")
+				      : tr("the sampler does not answer."));
 		return program_ended(ending::no_answer, "");
 	}
 	if (!may_overwrite(answer, *record))

@@ -126,7 +126,7 @@ public:
 		if (count < 0)
 			why = why_tcp_failed();
 		else if (!over_tcp && host.midi->input_error(handle))
-			why = host.midi->error_text(host.midi->input_error(handle));
+			why = tr(host.midi->error_text(host.midi->input_error(handle)));
 		return why.empty();
 	}
 	bool silent_for(double seconds) const { return host.clock->counter() - heard > seconds; }
@@ -212,7 +212,7 @@ static bool ask_for_head(download_job *job)
 		hex_text(job->head.bytes).c_str());
 	if (job->head.size() < shortest_head || job->head[1] != s900_dump_head[1]) {
 		if (job->head.size())
-			line_silent("The head of the sample's dump broke off.");
+			line_silent(tr("The head of the sample's dump broke off."));
 		show_box("ERROR", "Sample not found/download failed!");
 		return false;
 	}
@@ -497,8 +497,9 @@ static dump_end fetch_dump(download_job *job)
 	if (end == dump_end::complete)
 		line_answered();
 	else if (end == dump_end::failed)
-		line_silent(input.why.empty() ? "The dump of the sample broke off or came damaged."
-					      : input.why.c_str());
+		line_silent(input.why.empty()
+				    ? tr("The dump of the sample broke off or came damaged.")
+				    : input.why.c_str());
 	return end;
 }
 

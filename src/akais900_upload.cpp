@@ -201,8 +201,8 @@ static bool can_be_sent(upload_job *job)
 	if (job->words && job->words <= s900_longest_dump)
 		return true;
 	show_box("ERROR",
-		"The file [%s] has %llu sample words. An upload takes 1 to %u of them, and the "
-		"sampler as many as it has memory for.",
+		tr("The file [%s] has %llu sample words. An upload takes 1 to %u of them, and the "
+		   "sampler as many as it has memory for."),
 		job->path.c_str(), static_cast<unsigned long long>(job->words), s900_longest_dump);
 	return false;
 }
@@ -315,16 +315,17 @@ static void break_off(const upload_job &job)
 	}
 	hide_progressbar(0);
 	log_line("[I] Upload of [%s] ended early\r\n", job.name.c_str());
-	const char *what = stopped ? "The upload was stopped" : "The upload broke off";
+	const char *what = stopped ? tr("The upload was stopped") : tr("The upload broke off");
 	if (job.replaces)
 		show_box("WARNING",
-			"%s. The sampler has a sample [%s] in this place: what is left of it is "
-			"not known. Listen to it, and upload it again if it is damaged.",
+			tr("%s. The sampler has a sample [%s] in this place: what is left of it is "
+			   "not known. Listen to it, and upload it again if it is damaged."),
 			what, job.name.c_str());
 	else
 		show_box(stopped ? "INFO" : "WARNING",
-			"%s. If the sampler shows a new sample without a proper name, that is what "
-			"came of it: delete it on the sampler.",
+			tr("%s. If the sampler shows a new sample without a proper name, that is "
+			   "what "
+			   "came of it: delete it on the sampler."),
 			what);
 }
 
@@ -363,12 +364,15 @@ static bool may_write(const upload_job &job, const akai_answer &header)
 {
 	if (header.size() < s900_header_size || !is_s900_message(header)) {
 		show_box("WARNING",
-			"The words of [%s] are sent, but the sampler %s about its sample %d, so "
-			"the name and the pitch were not written. If the sample is not in its "
-			"list, "
-			"its memory is full, blocks were lost on the way, or it does not listen: "
-			"uploads go to exclusive channel %d, and in omni mode it hears them all.",
-			job.name.c_str(), header.size() ? "broke off telling" : "does not answer",
+			tr("The words of [%s] are sent, but the sampler %s about its sample %d, so "
+			   "the name and the pitch were not written. If the sample is not in its "
+			   "list, "
+			   "its memory is full, blocks were lost on the way, or it does not "
+			   "listen: "
+			   "uploads go to exclusive channel %d, and in omni mode it hears them "
+			   "all."),
+			job.name.c_str(),
+			header.size() ? tr("broke off telling") : tr("does not answer"),
 			job.number + 1, job.channel + 1);
 		return false;
 	}
@@ -376,8 +380,9 @@ static bool may_write(const upload_job &job, const akai_answer &header)
 		header[s900_header_checksum])
 		return true;
 	return ask_box("WARNING",
-		"The sampler's header of [%s] came damaged: its checksum is wrong. Write the name "
-		"into it nevertheless?",
+		tr("The sampler's header of [%s] came damaged: its checksum is wrong. Write the "
+		   "name "
+		   "into it nevertheless?"),
 		job.name.c_str());
 }
 
@@ -386,8 +391,9 @@ static void tell_difference(const upload_job &job, const akai_answer &header)
 	const u32 held = get_s900_paired(header.view().from(s900_header_length), 8);
 	if (held != job.words)
 		show_box("WARNING",
-			"The sampler holds %u words of [%s], and %u were sent. It did not take the "
-			"whole dump: upload the sample again.",
+			tr("The sampler holds %u words of [%s], and %u were sent. It did not take "
+			   "the "
+			   "whole dump: upload the sample again."),
 			held, job.name.c_str(), static_cast<u32>(job.words));
 }
 
@@ -433,7 +439,7 @@ static void choose_number(upload_job *job, const _dev_status &status)
 static bool is_free(const upload_job &job, const _dev_status &status)
 {
 	if (job.number > s900_most_number) {
-		show_box("ERROR", "The sampler's list is full: no sample has the number %d.",
+		show_box("ERROR", tr("The sampler's list is full: no sample has the number %d."),
 			job.number);
 		return false;
 	}
@@ -441,8 +447,9 @@ static bool is_free(const upload_job &job, const _dev_status &status)
 	for (int i = 0; i < samples && !job.replaces; i++)
 		if (status.sample[i].number == job.number)
 			return ask_box("WARNING",
-				"The sampler has the sample [%s] in the place that [%s] would go "
-				"to. Overwrite it?",
+				tr("The sampler has the sample [%s] in the place that [%s] would "
+				   "go "
+				   "to. Overwrite it?"),
 				status.sample[i].name, job.name.c_str());
 	return true;
 }

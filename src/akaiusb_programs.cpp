@@ -3,6 +3,7 @@
 // Knows nothing of: what a request means, windows.
 
 #include "src/akaiusb_programs.h"
+#include "src/velmor_counts.h"
 
 namespace velmor
 {
@@ -38,24 +39,24 @@ bool program_writer::write(std::span<const u8> payload)
 
 const char *program_writer::state() const
 {
-	return begun ? "The program on the sampler may hold only a part of the changes."
-		     : "Nothing was changed on the sampler.";
+	return begun ? tr("The program on the sampler may hold only a part of the changes.")
+		     : tr("Nothing was changed on the sampler.");
 }
 
 bool program_writer::stopped() const
 {
 	if (progress_stopped())
-		program_ended(
-			ending::stopped, format_text("Saving was stopped. %s", state()).c_str());
+		program_ended(ending::stopped,
+			format_text(tr("Saving was stopped. %s"), state()).c_str());
 	return progress_stopped();
 }
 
 void program_writer::tell_refused() const
 {
 	if (refused)
-		program_done_but(
-			format_text("The sampler refused %s.", counted(refused, "value").c_str())
-				.c_str());
+		program_done_but(format_text(
+			tr("The sampler refused %s."), counted(refused, noun::value).c_str())
+					 .c_str());
 }
 
 } // namespace velmor

@@ -209,9 +209,9 @@ bool transfer_stopped(const raw_step &step, const char *what, const char *left)
 	hide_progressbar(window_samples);
 	log_line("[I] %s stopped\r\n", what);
 	show_box("INFO", "%s stopped. %s %s", what,
-		told ? "The sampler was told to drop the transfer."
-		     : "The sampler could not be told, and may wait for the rest until it is "
-		       "switched off and on.",
+		told ? tr("The sampler was told to drop the transfer.")
+		     : tr("The sampler could not be told, and may wait for the rest until it is "
+			  "switched off and on."),
 		left);
 	return true;
 }
@@ -364,8 +364,8 @@ bool download::usable_length(u32 length)
 
 bool download::stopped() const
 {
-	return received < announced &&
-	       transfer_stopped(step, "Download", "What this computer held before is unchanged.");
+	return received < announced && transfer_stopped(step, tr("Download"),
+					       tr("What this computer held before is unchanged."));
 }
 
 bool download::finish()

@@ -41,8 +41,8 @@ static bool request_failed(open_usbdev *usb, const program_writer &w,
 	usb->reset();
 	log_line("[F] (%s:%d) Error writing MIDI-COMMAND\r\n", file_tag(where),
 		static_cast<int>(where.line()));
-	program_ended(
-		how, format_text("The sampler did not do what was asked. %s", w.state()).c_str());
+	program_ended(how,
+		format_text(tr("The sampler did not do what was asked. %s"), w.state()).c_str());
 	return false;
 }
 
@@ -70,8 +70,8 @@ static bool select_existing(const z4_save &s)
 		return true;
 	s.usb->reset();
 	program_ended(ending::refused,
-		"The sampler holds no program of that name, and this model's programs are only "
-		"updated. Nothing was changed on the sampler.");
+		tr("The sampler holds no program of that name, and this model's programs are only "
+		   "updated. Nothing was changed on the sampler."));
 	return false;
 }
 
@@ -108,7 +108,7 @@ static bool reach_keygroup(const z4_save &s, u8 kg)
 	log_line("[F] (%s:%d) Error creating KEYGROUP\r\n", __FILE_NAME__, __LINE__);
 	show_box("FATAL", "Keygroup creation failed");
 	program_ended(ending::refused,
-		format_text("The sampler added no keygroup. %s", w->state()).c_str());
+		format_text(tr("The sampler added no keygroup. %s"), w->state()).c_str());
 	return false;
 }
 
@@ -162,7 +162,7 @@ void akai_z4_saveprogram(i32 program, _program *source)
 	log_line("[D] Saving/updating Z4 Program %d (%s)\r\n", program, p->name);
 	open_usbdev usb = open_loaded_usbdev();
 	if (!usb) {
-		program_ended(ending::no_answer, "The sampler is not connected.");
+		program_ended(ending::no_answer, tr("The sampler is not connected."));
 		return;
 	}
 	program_writer w = writer_on(usb.get());
@@ -177,7 +177,7 @@ static void work_on(const char *name, std::span<const u8> request)
 {
 	open_usbdev usb = open_loaded_usbdev();
 	if (!usb) {
-		program_ended(ending::no_answer, "The sampler is not connected.");
+		program_ended(ending::no_answer, tr("The sampler is not connected."));
 		return;
 	}
 	program_writer w = writer_on(usb.get());
@@ -192,7 +192,8 @@ static void work_on(const char *name, std::span<const u8> request)
 	if (!w.write(request))
 		request_failed(&usb, w);
 	else if (w.refused)
-		program_ended(ending::refused, "The sampler refused. The program is as it was.");
+		program_ended(
+			ending::refused, tr("The sampler refused. The program is as it was."));
 }
 
 void akai_z4_deleteprogram(i32 program)

@@ -132,6 +132,8 @@ enum progress_control : int {
 	progress_counts = 16019, // done, skipped, failed, not tried
 	progress_copy = 16020,
 	progress_again = 16021, // "Try the failed again"
+	progress_close = 16022,
+	progress_note = 16023, // what Stop leaves
 };
 
 // What was kept of a sampler before it was changed.
@@ -139,10 +141,12 @@ enum history_control : int {
 	history_list = 20101,
 	history_restore = 20102,
 	history_delete = 20103,
-	history_folder = 20104,
-	history_limit = 20105, // megabytes
-	history_size = 20106,
+	history_folder = 20104,  // where it lies
+	history_limit = 20105,   // how large it may become
+	history_size = 20106,    // how many steps, and how large they are
 	history_samples = 20107, // also samples, where that takes long
+	history_on = 20108,      // anything at all
+	history_refresh = 20109,
 };
 
 // A whole sampler in a folder.
@@ -217,11 +221,14 @@ enum samples_control : int {
 	samples_mix_both_to_one = 16442,
 	samples_mix_both = 16443,
 	samples_mix_files = 16444,
-	samples_import_preview = 16450,
-	samples_exact = 16460,  // exact length, and all of the header, to the S1000 family
-	samples_fit = 16461,    // make the chosen samples what the sampler takes
-	samples_rate = 16462,   // bytes a second on this connection
-	samples_verify = 16463, // compare after each transfer
+	samples_import_preview = 16450, // the file
+	samples_preview_becomes = 16451,
+	samples_preview_lost = 16452,
+	samples_preview_upload = 16453,
+	samples_exact = 16460,   // exact length, and all of the header, to the S1000 family
+	samples_fit = 16461,     // make the chosen samples what the sampler takes
+	samples_rate = 16462,    // bytes a second on this connection
+	samples_verify = 16463,  // compare after each transfer
 	samples_compare = 16464, // "Compare with the sampler", of the chosen local sample
 	samples_play = 16608,
 	samples_work_file = 16510,

@@ -212,7 +212,8 @@ struct running_scan {
 	int done = 0;
 	explicit running_scan(int samplers)
 	{
-		show_progressbar(window_usb, samplers + 1, "Looking for samplers on the USB...");
+		show_progressbar(
+			window_usb, samplers + 1, tr("Looking for samplers on the USB..."));
 		scanning = true;
 	}
 	~running_scan()

@@ -179,7 +179,7 @@ static void read_record(const std::string &path, _sampler *record)
 		show_box("FATAL", "Cannot load selected sampler, file corrupted!");
 		display_error_text(__FILE_NAME__, __LINE__,
 			code ? host.files->error_text(code)
-			     : "The file is shorter than 536 bytes.");
+			     : tr("The file is shorter than 536 bytes."));
 		end_program(0);
 		return;
 	}
@@ -260,10 +260,12 @@ outcome load_by_name(const std::string &name)
 {
 	if (std::find(conf_sampler.begin(), conf_sampler.end(), name) == conf_sampler.end())
 		return { .how = ending::local_failed,
-			.words = "There is no sampler called '" + name + "'." };
+			.words =
+				format_text(tr("There is no sampler called '%s'."), name.c_str()) };
 	if (load_sampler(name.c_str()) != 0)
-		return { .how = ending::refused, .line = "'" + name + "' was not loaded." };
-	return { .line = "Loaded '" + name + "'." };
+		return { .how = ending::refused,
+			.line = format_text(tr("'%s' was not loaded."), name.c_str()) };
+	return { .line = format_text(tr("Loaded '%s'."), name.c_str()) };
 }
 
 // ---- Storing -----------------------------------------------------------------------------------
@@ -288,7 +290,7 @@ int store_sampler(const _sampler &record)
 bool may_store(const std::string &name, const std::string &path)
 {
 	if (name.empty() || file_name_of(name) != name) {
-		show_box("Info", "Please choose a name for the sampler, without / and \\.");
+		show_box("Info", tr("Please choose a name for the sampler, without / and \\."));
 		return false;
 	}
 	file_info info;
@@ -352,7 +354,7 @@ static outcome query(const _sampler_type &row, u8 control_channel, u8 sysex_chan
 	if (!scratch) {
 		log_line("[F] Failed to allocate %d Bytes of memory!\r\n",
 			static_cast<int>(sizeof(_dev_status)));
-		return { .how = ending::local_failed, .words = "There is no memory to ask." };
+		return { .how = ending::local_failed, .words = tr("There is no memory to ask.") };
 	}
 	const line_state before = the_line;
 	const reached loaded = loaded_reached();
@@ -383,8 +385,8 @@ outcome get_device_info(u8 control_channel, i32 brand_id, u8 sysex_channel, char
 		log_line("No sampler-description found for 'getstatus'\r\n");
 	if (!row || !row->getstatus)
 		return { .how = ending::refused,
-			.words = "This brand cannot be asked who it is. Choose the model of the "
-				 "sampler." };
+			.words = tr("This brand cannot be asked who it is. Choose the model of the "
+				    "sampler.") };
 	if (const std::string taken = why_way_is_taken(*row); !taken.empty())
 		return { .how = ending::refused, .words = taken };
 	log_line("%s\r\n", std::string(49, '*').c_str());

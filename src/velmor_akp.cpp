@@ -4,6 +4,7 @@
 
 #include "src/velmor_akp.h"
 #include "src/akaiprograms.h"
+#include "src/velmor_counts.h"
 #include "src/velmor_library.h"
 #include "src/velmor_programs.h"
 #include "src/waveqx.h"
@@ -65,16 +66,17 @@ std::string akp_summary(const _program &program, bool *in_log)
 	std::ranges::copy_if(samples, std::back_inserter(missing),
 		[](const std::string &name) { return !in_spool(name); });
 	std::string words = format_text("'%s': %s, %s, %s", program.name,
-		counted(program.keygroups, "keygroup").c_str(),
-		counted(count_zones(program), "keyzone").c_str(),
-		counted(static_cast<int>(samples.size()), "sample").c_str());
+		counted(program.keygroups, noun::keygroup).c_str(),
+		counted(count_zones(program), noun::keyzone).c_str(),
+		counted(static_cast<int>(samples.size()), noun::sample).c_str());
 	if (!missing.empty())
-		words += " (not on this computer: " + first_of(missing) + ")";
+		words += format_text(tr(" (not on this computer: %s)"), first_of(missing).c_str());
 	const _sampler_type *model = get_sampler(program.sampler_type);
 	const akp_gap gap = model ? gap_of_akp(program, *model) : akp_gap{};
 	if (!gap.left_behind.empty())
-		words += "; " + counted(static_cast<int>(gap.left_behind.size()), "parameter") +
-			 " cannot reach an " + model->sampler_brand;
+		words += format_text(tr("; %s cannot reach an %s"),
+			counted(static_cast<int>(gap.left_behind.size()), noun::parameter).c_str(),
+			model->sampler_brand);
 	*in_log |= !gap.left_behind.empty() || !gap.untold.empty();
 	if (model)
 		log_gap(program, *model, gap);

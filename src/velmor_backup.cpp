@@ -390,11 +390,6 @@ static bool needs_closing(const backup_work &w)
 	return gone || !w.manifest.complete;
 }
 
-static int count_of(const work_queue &items, item_state state)
-{
-	return static_cast<int>(std::ranges::count(items, state, &work_item::state));
-}
-
 static std::string failures_of(const work_queue &items)
 {
 	std::vector<std::string> lines;

@@ -406,11 +406,6 @@ static outcome look_at_programs(const restore_plan &plan, work_queue *items)
 	return read;
 }
 
-static int count_of(const work_queue &items, item_state state)
-{
-	return static_cast<int>(std::ranges::count(items, state, &work_item::state));
-}
-
 static outcome verdict_of(const work_queue &items, const outcome &last)
 {
 	const int done = count_of(items, item_state::done);

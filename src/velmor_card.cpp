@@ -18,7 +18,8 @@ static std::string brand_of(const _sampler &s)
 static std::string way_to(const _sampler &s)
 {
 	const std::string way = s.sampler_usbname[0] ? "USB" : "MIDI";
-	return way + format_text(", channel %u", static_cast<unsigned>(s.sampler_sysex_channel));
+	return way +
+	       format_text(tr(", channel %u"), static_cast<unsigned>(s.sampler_sysex_channel));
 }
 
 bool read_configuration(const std::string &name, _sampler *record)
@@ -67,7 +68,7 @@ static std::string plug_of(const _sampler &s)
 		return "";
 	const bool plugged = std::find(shown_plugged.begin(), shown_plugged.end(),
 				     s.sampler_usbname) != shown_plugged.end();
-	return plugged ? "USB, plugged in" : "USB, not plugged in";
+	return plugged ? tr("USB, plugged in") : tr("USB, not plugged in");
 }
 
 // ---- The list --------------------------------------------------------------------------------

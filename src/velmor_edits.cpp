@@ -312,7 +312,7 @@ int edit_add_keygroup(_program &program, int keyzones)
 		std::make_shared<_keygroup>(program.keygroup[program.keygroups]), added };
 	act(&program, &h, change, true);
 	new_step(&h,
-		{ { format_text("Keygroup %d added", program.keygroups), "", "" }, { change } },
+		{ { format_text(tr("Keygroup %d added"), program.keygroups), "", "" }, { change } },
 		{});
 	tell_change(&program);
 	return program.keygroups - 1;
@@ -336,7 +336,8 @@ bool edit_remove_keygroup(_program &program, int keygroup, bool sampler_told)
 	if (sampler_told)
 		sampler_lost(&h, program, keygroup);
 	act(&program, &h, change, true);
-	new_step(&h, { { format_text("Keygroup %d deleted", keygroup + 1), "", "" }, { change } },
+	new_step(&h,
+		{ { format_text(tr("Keygroup %d deleted"), keygroup + 1), "", "" }, { change } },
 		{});
 	tell_change(&program);
 	return true;

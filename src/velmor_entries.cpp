@@ -34,7 +34,7 @@ static void choose_entry(const std::string &name)
 void update_entry_commands()
 {
 	const char *why_not =
-		chosen_entry().empty() ? "Choose a sampler in the list first." : nullptr;
+		chosen_entry().empty() ? tr("Choose a sampler in the list first.") : nullptr;
 	for (const int control : { main_entry_edit, main_entry_remove })
 		host.ui->set_reason(window_main, control, why_not);
 }
@@ -83,8 +83,8 @@ static void remove_entry()
 	std::string place;
 	log_line("[I] Removing sampler [%s]\r\n", path.c_str());
 	if (const int code = put_aside(path, name, &place))
-		return show_failure(code, "'" + name + "' was not removed.");
-	remember_undo({ .line = "Put the sampler '" + name + "' back.",
+		return show_failure(code, format_text(tr("'%s' was not removed."), name.c_str()));
+	remember_undo({ .line = format_text(tr("Put the sampler '%s' back."), name.c_str()),
 		.moves = { { place, path } },
 		.show = read_entries_again });
 	load_sampler_list();
@@ -92,7 +92,8 @@ static void remove_entry()
 	if (last >= 0)
 		host.ui->select(window_main, main_sampler_list, std::min(index, last));
 	update_entry_commands();
-	show_outcome({ .line = "Removed the sampler '" + name + "' from the list." });
+	show_outcome({ .line = format_text(
+			       tr("Removed the sampler '%s' from the list."), name.c_str()) });
 }
 
 // ---- Editing --------------------------------------------------------------------------------------
@@ -118,8 +119,9 @@ static void edit_entry()
 		return;
 	if (!read_configuration(name, &record)) {
 		show_outcome({ .how = ending::local_failed,
-			.words = "[" + host.files->host_path(sampler_file(name.c_str()).c_str()) +
-				 "] cannot be read any more." });
+			.words = format_text(tr("[%s] cannot be read any more."),
+				host.files->host_path(sampler_file(name.c_str()).c_str())
+					.c_str()) });
 		return;
 	}
 	show_sampler_setup();
@@ -134,12 +136,12 @@ static void edit_entry()
 static bool may_be_called(const std::string &name)
 {
 	if (name.empty() || file_name_of(name) != name) {
-		show_box("Info", "Please choose a name for the sampler, without / and \\.");
+		show_box("Info", tr("Please choose a name for the sampler, without / and \\."));
 		return false;
 	}
 	if (name == edited_entry || !file_exists(sampler_file(name.c_str())))
 		return true;
-	show_box("Info", "There is a sampler called '%s' already. Please choose another name.",
+	show_box("Info", tr("There is a sampler called '%s' already. Please choose another name."),
 		name.c_str());
 	return false;
 }
@@ -179,9 +181,11 @@ int save_edited_entry()
 	load_sampler_list();
 	choose_entry(name);
 	if (code)
-		show_failure(code, "'" + edited_entry + "' is still in the list.");
+		show_failure(
+			code, format_text(tr("'%s' is still in the list."), edited_entry.c_str()));
 	else
-		show_outcome({ .line = "Saved the changes of the sampler '" + name + "'." });
+		show_outcome({ .line = format_text(tr("Saved the changes of the sampler '%s'."),
+				       name.c_str()) });
 	return 0;
 }
 
@@ -207,8 +211,8 @@ static void save_log()
 	if (const int code = write_whole_file(path, text.data(), text.size()))
 		return show_outcome({ .how = ending::local_failed,
 			.words = write_failure(path, code),
-			.line = "The log was not saved." });
-	show_outcome({ .line = "Saved the log as " + shown + "." });
+			.line = tr("The log was not saved.") });
+	show_outcome({ .line = format_text(tr("Saved the log as %s."), shown.c_str()) });
 }
 
 // ---- Rows -----------------------------------------------------------------------------------------
@@ -216,11 +220,11 @@ static void save_log()
 // clang-format off
 static constexpr caption_row entry_captions[] = {
 	// window          control            caption, tooltip, empty
-	{ window_main,     main_entry_edit,   "Edit...", "Change the name, the model or the channels of this entry", nullptr },
-	{ window_main,     main_entry_remove, "Remove", "Take this entry out of the list; Undo puts it back", nullptr },
-	{ window_main,     main_entry_folder, "Show its folder", "Open the folder of your samplers", nullptr },
-	{ window_main,     main_read_again,   "Read the list again", "Look again which samplers the folder holds", nullptr },
-	{ window_main,     main_log_save,     "Save log...", "Keep the whole log, what is not shown too, as a text file", nullptr },
+	{ window_main,     main_entry_edit,   own("Edit..."), own("Change the name, the model or the channels of this entry"), nullptr },
+	{ window_main,     main_entry_remove, own("Remove"), own("Take this entry out of the list; Undo puts it back"), nullptr },
+	{ window_main,     main_entry_folder, own("Show its folder"), own("Open the folder of your samplers"), nullptr },
+	{ window_main,     main_read_again,   own("Read the list again"), own("Look again which samplers the folder holds"), nullptr },
+	{ window_main,     main_log_save,     own("Save log..."), own("Keep the whole log, what is not shown too, as a text file"), nullptr },
 };
 static constexpr command_row entry_commands[] = {
 	{ window_main,     main_entry_edit,   edit_entry,         alone },

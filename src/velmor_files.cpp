@@ -147,10 +147,10 @@ std::string write_failure(const std::string &path, int code)
 {
 	const std::string name = host.files->host_path(path.c_str());
 	if (host.files->disk_full(code))
-		return format_text("The disk is full: there is no room for %s.", name.c_str());
+		return format_text(tr("The disk is full: there is no room for %s."), name.c_str());
 	const char *words = host.files->error_text(code);
-	return words ? format_text("%s cannot be written: %s.", name.c_str(), words)
-		     : format_text("%s cannot be written (code %d).", name.c_str(), code);
+	return words ? format_text(tr("%s cannot be written: %s."), name.c_str(), words)
+		     : format_text(tr("%s cannot be written (code %d)."), name.c_str(), code);
 }
 
 } // namespace velmor

@@ -144,7 +144,7 @@ static std::string value_text(const form_table_row &row, const field_value &held
 // A label without its colon and line feeds.
 static std::string plain_label(const form_table_row &row)
 {
-	std::string label = row.label;
+	std::string label = tr(row.label);
 	return label.substr(0, label.find_last_not_of(":\n") + 1);
 }
 
@@ -176,7 +176,7 @@ static form_row make_row(const form_table &table, const form_table_row &row, con
 		.kind = row.kind,
 		.id = row.id || !table.first_id ? row.id : number,
 		.field_id = row.field_id || !table.first_id ? row.field_id : number + 1,
-		.label = row.label,
+		.label = tr(row.label),
 		.unit = row.unit ? row.unit->word : "",
 		.low = row.bar.low,
 		.high = row.bar.high,
@@ -379,14 +379,14 @@ static std::string where_of(const row_event &e)
 	const any_field &field = e.row->field;
 	if (std::holds_alternative<named_field<_program>>(field))
 		return plain_label(*e.row);
-	const std::string label = plain_label(*e.row) + " of ";
+	const std::string label = plain_label(*e.row);
 	if (std::holds_alternative<named_field<_keygroup>>(field))
-		return label + (to_all(e) ? std::string("all keygroups")
-					  : format_text("keygroup %d", e.kg + 1));
-	return label +
-	       (to_all(e) ? std::string("all keyzones")
-			  : format_text("keyzone %d", e.at().at.keyzone + 1)) +
-	       format_text(" of keygroup %d", e.kg + 1);
+		return to_all(e) ? format_text(tr("%s of all keygroups"), label.c_str())
+				 : format_text(tr("%s of keygroup %d"), label.c_str(), e.kg + 1);
+	return to_all(e) ? format_text(
+				   tr("%s of all keyzones of keygroup %d"), label.c_str(), e.kg + 1)
+			 : format_text(tr("%s of keyzone %d of keygroup %d"), label.c_str(),
+				   e.at().at.keyzone + 1, e.kg + 1);
 }
 
 static void mark_changed(const row_event &e)
@@ -561,7 +561,8 @@ std::string put_back_words(int window, int control, int row)
 	if (!exists(place) || !field_changed(*place.program, place.at))
 		return "";
 	const auto read = value_as_read(*place.program, place.at);
-	return read ? "Put back " + value_text(shown, *read) + ", as read" : "";
+	return read ? format_text(tr("Put back %s, as read"), value_text(shown, *read).c_str())
+		    : "";
 }
 
 void form_changed(int window, int control, int row, form_event event, int value)

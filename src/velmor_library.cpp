@@ -181,7 +181,7 @@ struct program_reader {
 static bool open_program(program_reader *r)
 {
 	if (!r->section.empty())
-		return r->refuse("The section [program] comes a second time.");
+		return r->refuse(tr("The section [program] comes a second time."));
 	r->section = "program";
 	return true;
 }
@@ -189,11 +189,12 @@ static bool open_program(program_reader *r)
 static bool open_keygroup(program_reader *r, int number)
 {
 	if (r->section.empty())
-		return r->refuse("A keygroup stands in front of the section [program].");
+		return r->refuse(tr("A keygroup stands in front of the section [program]."));
 	if (number > max_keygroups)
-		return r->refuse(format_text("A program has at most %d keygroups.", max_keygroups));
+		return r->refuse(
+			format_text(tr("A program has at most %d keygroups."), max_keygroups));
 	if (number != r->program->keygroups + 1)
-		return r->refuse(format_text("The next keygroup is number %d, and this is %d.",
+		return r->refuse(format_text(tr("The next keygroup is number %d, and this is %d."),
 			r->program->keygroups + 1, number));
 	r->program->keygroups = number;
 	r->keygroup = number - 1;
@@ -205,12 +206,12 @@ static bool open_keygroup(program_reader *r, int number)
 static bool open_zone(program_reader *r, int number)
 {
 	if (r->keygroup < 0)
-		return r->refuse("A zone stands in front of the first keygroup.");
+		return r->refuse(tr("A zone stands in front of the first keygroup."));
 	_keygroup &keygroup = r->program->keygroup[r->keygroup];
 	if (number > max_keyzones)
-		return r->refuse(format_text("A keygroup has at most %d zones.", max_keyzones));
+		return r->refuse(format_text(tr("A keygroup has at most %d zones."), max_keyzones));
 	if (number != keygroup.keyzones + 1)
-		return r->refuse(format_text("The next zone is number %d, and this is %d.",
+		return r->refuse(format_text(tr("The next zone is number %d, and this is %d."),
 			keygroup.keyzones + 1, number));
 	keygroup.keyzones = number;
 	r->zone = number - 1;
@@ -240,7 +241,8 @@ static bool open_section(program_reader *r, std::string_view line)
 		if (inside.substr(0, blank) == "zone")
 			return open_zone(r, n);
 	}
-	return r->refuse(std::string(line) + " is no section of a program.");
+	return r->refuse(
+		format_text(tr("%s is no section of a program."), std::string(line).c_str()));
 }
 
 static int hex_digit(char c)
@@ -251,7 +253,6 @@ static int hex_digit(char c)
 				      : -1;
 }
 
-// False for a text that is none.
 bool unquoted(std::string_view text, std::string *out)
 {
 	if (text.size() < 2 || text.front() != '"' || text.back() != '"')
@@ -297,19 +298,20 @@ static bool take_value(
 	if (const auto *text = std::get_if<typename member<record>::text>(&field.at.field)) {
 		std::string words;
 		if (!unquoted(value, &words))
-			return r->refuse(name + " is no text in quotation marks.");
+			return r->refuse(
+				format_text(tr("%s is no text in quotation marks."), name.c_str()));
 		if (words.size() >= name_size)
-			return r->refuse(format_text(
-				"%s is longer than %d characters.", name.c_str(), name_size - 1));
+			return r->refuse(format_text(tr("%s is longer than %d characters."),
+				name.c_str(), name_size - 1));
 		copy_text(to->*(*text), words);
 		return true;
 	}
 	long long number = 0;
 	if (!whole_number(value, &number))
-		return r->refuse(name + " is no whole number.");
+		return r->refuse(format_text(tr("%s is no whole number."), name.c_str()));
 	const number_range range = range_of(field.at);
 	if (number < range.low || number > range.high)
-		return r->refuse(format_text("%s is %lld, and goes from %lld to %lld.",
+		return r->refuse(format_text(tr("%s is %lld, and goes from %lld to %lld."),
 			name.c_str(), number, range.low, range.high));
 	field.at.set(to, static_cast<i32>(static_cast<u32>(number)));
 	return true;
@@ -335,14 +337,14 @@ static bool take_model(program_reader *r, std::string_view value)
 			r->has_model = true;
 			return true;
 		}
-	return r->refuse("No model is called '" + std::string(value) + "'.");
+	return r->refuse(format_text(tr("No model is called '%s'."), std::string(value).c_str()));
 }
 
 static bool take_parameter(program_reader *r, std::string_view line)
 {
 	const std::size_t sign = line.find('=');
 	if (sign == line.npos)
-		return r->refuse("This is neither a section nor a parameter with its value.");
+		return r->refuse(tr("This is neither a section nor a parameter with its value."));
 	const std::string_view name = trimmed(line.substr(0, sign)),
 			       value = trimmed(line.substr(sign + 1));
 	_program &p = *r->program;
@@ -386,9 +388,9 @@ std::unique_ptr<_program> read_program_text(
 		text.remove_prefix(std::min(end + 1, text.size()));
 	}
 	if (!r.has_model)
-		why->reason = "The model of the program is missing.";
+		why->reason = tr("The model of the program is missing.");
 	else if (r.section.empty())
-		why->reason = "The section [program] is missing.";
+		why->reason = tr("The section [program] is missing.");
 	return why->reason.empty() ? std::move(r.program) : nullptr;
 }
 

@@ -41,6 +41,9 @@ struct kept_line {
 using kept_lines = std::vector<kept_line>;
 
 std::string program_text(const _program &program, const kept_lines &kept = {});
+// A text in quotation marks, and back; false for what is none.
+std::string quoted_text(std::string_view text);
+bool unquoted(std::string_view text, std::string *out);
 // Null, and line and reason of what is refused, or the program.
 struct program_refusal {
 	int line = 0;

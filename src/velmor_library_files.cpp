@@ -87,7 +87,9 @@ static read_program read_file(const std::string &path)
 	if (code)
 		return { nullptr, {}, read_failure(path, code) };
 	if (file.size > largest_file)
-		return { nullptr, {}, "[" + shown_path(path) + "] is too large for a program." };
+		return { nullptr, {},
+			format_text(
+				tr("[%s] is too large for a program."), shown_path(path).c_str()) };
 	std::string text(static_cast<std::size_t>(file.size), '\0');
 	if ((code = file.read(0, text.data(), text.size())))
 		return { nullptr, {}, read_failure(path, code) };
@@ -95,7 +97,7 @@ static read_program read_file(const std::string &path)
 	program_refusal why;
 	result.program = read_program_text(text, &result.kept, &why);
 	if (!result.program)
-		result.refused = format_text("[%s], line %d: %s It was not loaded.",
+		result.refused = format_text(tr("[%s], line %d: %s It was not loaded."),
 			shown_path(path).c_str(), why.line, why.reason.c_str());
 	return result;
 }
@@ -186,7 +188,7 @@ outcome load_local_programs()
 		return {};
 	return { .how = ending::local_failed,
 		.words = refused,
-		.line = "Not every program of this computer could be loaded." };
+		.line = tr("Not every program of this computer could be loaded.") };
 }
 
 // ---- Writing ----------------------------------------------------------------------------------
@@ -206,11 +208,13 @@ outcome save_local_program(const _program &program)
 		return { .how = ending::local_failed,
 			.words = write_failure(path, code),
 			.caption = "ERROR",
-			.line = quoted(program.name) + " was not saved." };
+			.line = format_text(
+				tr("%s was not saved."), quoted(program.name).c_str()) };
 	}
 	file.path = path;
 	edits_sent(program);
-	return { .line = "Saved " + quoted(program.name) + " as [" + shown_path(path) + "]." };
+	return { .line = format_text(tr("Saved %s as [%s]."), quoted(program.name).c_str(),
+			 shown_path(path).c_str()) };
 }
 
 outcome keep_program(const _program &program)
@@ -218,8 +222,8 @@ outcome keep_program(const _program &program)
 	program_pointer copy = std::make_unique<_program>(program);
 	outcome saved = save_local_program(*copy);
 	if (saved.done())
-		saved.words = quoted(program.name) + " was kept on this computer as [" +
-			      shown_path(file_of_program(*copy)) + "].";
+		saved.words = format_text(tr("%s was kept on this computer as [%s]."),
+			quoted(program.name).c_str(), shown_path(file_of_program(*copy)).c_str());
 	local_pgm.push_back(std::move(copy));
 	local_pgms = static_cast<int>(local_pgm.size());
 	return saved;
@@ -233,7 +237,7 @@ static bool is_listed(int index)
 outcome delete_local_program(int index)
 {
 	if (!is_listed(index))
-		return { .how = ending::refused, .words = "There is no such program." };
+		return { .how = ending::refused, .words = tr("There is no such program.") };
 	const auto at = local_pgm.begin() + index;
 	const std::string path = file_of_program(**at), name = (*at)->name;
 	const std::string folder = current_config_path + "\\deleted";
@@ -244,18 +248,18 @@ outcome delete_local_program(int index)
 		return { .how = ending::local_failed,
 			.words = write_failure(path, code),
 			.caption = "ERROR",
-			.line = quoted(name) + " was not deleted." };
+			.line = format_text(tr("%s was not deleted."), quoted(name).c_str()) };
 	forget_program(**at);
 	local_pgm.erase(at);
 	local_pgms = static_cast<int>(local_pgm.size());
-	return { .line = "Deleted " + quoted(name) + " from this computer: its file is [" +
-			 shown_path(place) + "] now." };
+	return { .line = format_text(tr("Deleted %s from this computer: its file is [%s] now."),
+			 quoted(name).c_str(), shown_path(place).c_str()) };
 }
 
 outcome rename_local_program(int index, const std::string &new_name)
 {
 	if (!is_listed(index))
-		return { .how = ending::refused, .words = "There is no such program." };
+		return { .how = ending::refused, .words = tr("There is no such program.") };
 	if (new_name.empty())
 		return { .how = ending::refused, .words = "Choose a new name!" };
 	_program &program = *local_pgm[static_cast<std::size_t>(index)];
@@ -271,7 +275,8 @@ outcome rename_local_program(int index, const std::string &new_name)
 	}
 	if (!path.empty())
 		host.files->remove(path.c_str());
-	saved.line = quoted(before) + " on this computer is now " + quoted(program.name) + ".";
+	saved.line = format_text(tr("%s on this computer is now %s."), quoted(before).c_str(),
+		quoted(program.name).c_str());
 	return saved;
 }
 

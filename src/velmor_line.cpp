@@ -70,52 +70,57 @@ static std::string input_name()
 std::string way_text(const reached &to)
 {
 	if (on_usb(to))
-		return "USB '" + to.usb_name + "'";
+		return format_text(tr("USB '%s'"), to.usb_name.c_str());
 	if (use_tcp)
 		return format_text("TCP %s:%d", tcp_address, tcp_port);
 	const std::string port = output_name();
-	return port.empty() ? "no MIDI port" : "MIDI '" + port + "'";
+	return port.empty() ? tr("no MIDI port") : format_text(tr("MIDI '%s'"), port.c_str());
 }
 
 // "through 'USB MIDI 1'", with both ports where they have different names.
 static std::string through(const reached &to)
 {
 	if (on_usb(to))
-		return "on the USB";
+		return tr("on the USB");
 	if (use_tcp)
-		return format_text("through the TCP bridge at %s:%d", tcp_address, tcp_port);
+		return format_text(tr("through the TCP bridge at %s:%d"), tcp_address, tcp_port);
 	const std::string in = input_name(), out = output_name();
 	if (out.empty())
-		return "over MIDI";
-	return in == out ? "through '" + out + "'" : "through '" + out + "' and '" + in + "'";
+		return tr("over MIDI");
+	return in == out ? format_text(tr("through '%s'"), out.c_str())
+			 : format_text(tr("through '%s' and '%s'"), out.c_str(), in.c_str());
 }
 
 std::string silence_words(const reached &to)
 {
 	if (on_usb(to))
-		return "No answer from '" + to.usb_name +
-		       "' on the USB. Is the sampler on, and its cable plugged in?";
+		return format_text(tr("No answer from '%s' on the USB. Is the sampler on, and its "
+				      "cable plugged in?"),
+			to.usb_name.c_str());
 	if (!use_tcp && (output_name().empty() || input_name().empty()))
-		return "No MIDI port is chosen for the way to the sampler or back. Choose MIDI-Out "
-		       "and MIDI-In in Basic settings.";
-	return format_text("No answer on exclusive channel %d %s. Is the sampler on? Its channel "
-			   "stands on its own MIDI page.",
+		return tr("No MIDI port is chosen for the way to the sampler or back. Choose "
+			  "MIDI-Out "
+			  "and MIDI-In in Basic settings.");
+	return format_text(
+		tr("No answer on exclusive channel %d %s. Is the sampler on? Its channel "
+		   "stands on its own MIDI page."),
 		to.exclusive_channel, through(to).c_str());
 }
 
 std::string answer_words(const reached &to, const std::string &version)
 {
-	return format_text("%s answered on exclusive channel %d %s%s.",
+	return format_text(tr("%s answered on exclusive channel %d %s%s."),
 		to.model ? to.model->sampler_brand : "", to.exclusive_channel, through(to).c_str(),
-		version.empty() ? "" : (": version " + version).c_str());
+		version.empty() ? "" : format_text(tr(": version %s"), version.c_str()).c_str());
 }
 
 std::string stranger_words(const reached &to)
 {
-	return format_text("Something answered on exclusive channel %d %s, but not as %s does. Is "
-			   "the right model chosen?",
+	return format_text(
+		tr("Something answered on exclusive channel %d %s, but not as %s does. Is "
+		   "the right model chosen?"),
 		to.exclusive_channel, through(to).c_str(),
-		to.model ? to.model->sampler_brand : "this model");
+		to.model ? to.model->sampler_brand : tr("this model"));
 }
 
 std::string way_key()
@@ -139,15 +144,17 @@ std::string clock_text(double time_of_day)
 line_report report_line()
 {
 	if (!current_sampler)
-		return { "No sampler loaded", text_role::quiet };
+		return { tr("No sampler loaded"), text_role::quiet };
 	const reached to = loaded_reached();
-	std::string text = std::string(current_sampler->sampler_description) + " · " +
-			   way_text(to) + format_text(" · channel %d · ", to.exclusive_channel);
+	std::string text = format_text(tr("%s · %s · channel %d · "),
+		std::string(current_sampler->sampler_description).c_str(), way_text(to).c_str(),
+		to.exclusive_channel);
 	if (the_line.failing)
-		return { text + "no answer " + clock_text(the_line.failed_at), text_role::careful };
+		return { text + tr("no answer ") + clock_text(the_line.failed_at),
+			text_role::careful };
 	if (the_line.answered_at > 0)
 		return { text + "answered " + clock_text(the_line.answered_at), text_role::good };
-	return { text + "not asked yet", text_role::quiet };
+	return { text + tr("not asked yet"), text_role::quiet };
 }
 
 } // namespace velmor

@@ -91,8 +91,8 @@ static outcome judge(const known_list &list, const line_watch &watch)
 		return { .how = ending::no_answer, .words = silence_words(loaded_reached()) };
 	if (watch.failed())
 		return { .how = ending::no_answer,
-			.words = "An answer was lost while the list was read. Refresh reads it "
-				 "again." };
+			.words = tr("An answer was lost while the list was read. Refresh reads it "
+				    "again.") };
 	return {};
 }
 
@@ -101,7 +101,7 @@ static outcome read_list(const list_reading &reading)
 	_dev_status *dev = require_dev_status();
 	if (!dev)
 		return { .how = ending::local_failed,
-			.words = "There is no memory for what the sampler holds." };
+			.words = tr("There is no memory for what the sampler holds.") };
 	box_keeper keeper;
 	const line_watch watch;
 	known_list *list = reading.list;
@@ -185,13 +185,14 @@ outcome read_program_list()
 
 outcome nothing_sent(outcome read)
 {
-	read.words =
-		"Nothing was sent, because the sampler's list could not be read.\n" + read.words;
+	read.words = format_text(
+		tr("Nothing was sent, because the sampler's list could not be read.\n%s"),
+		read.words.c_str());
 	// One trouble, one box.
 	if (!read.told.empty())
 		read.words += "\n" + read.told.front().text;
 	read.told.clear();
-	read.line = "Nothing was sent: the sampler's list could not be read.";
+	read.line = tr("Nothing was sent: the sampler's list could not be read.");
 	return read;
 }
 

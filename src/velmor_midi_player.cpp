@@ -57,7 +57,7 @@ static u64 counter()
 static bool port_failed(const char *told, const char *port, outcome *why)
 {
 	*why = { .how = ending::no_answer,
-		.line = format_text("The MIDI output failed: %s", port),
+		.line = format_text(tr("The MIDI output failed: %s"), port),
 		.told = { { "FATAL", told } } };
 	// The next send opens whatever is there then.
 	close_midi_output();
@@ -77,10 +77,10 @@ static bool wait_until_left(int handle, int length, outcome *why)
 			return false;
 		if (left < 0)
 			return port_failed(
-				failed, host.midi->error_text(static_cast<int>(-left)), why);
+				failed, tr(host.midi->error_text(static_cast<int>(-left))), why);
 		if (waits_since >= end)
-			return port_failed(
-				failed, "It does not send. Is the interface still connected?", why);
+			return port_failed(failed,
+				tr("It does not send. Is the interface still connected?"), why);
 		// The port wakes the interface; one that is late is asked when the wire is free.
 		const double milliseconds = static_cast<double>(left) * byte_seconds * 1000;
 		host.ui->pump(static_cast<int>(std::ceil(std::clamp(milliseconds, 1.0, 100.0))));
@@ -93,13 +93,13 @@ bool play_midi_data(const u8 *data, int length, outcome *why)
 	int code = open_midi_output();
 	if (code)
 		return port_failed(
-			"MIDI-PLAY midiOutPrepare failed!", host.midi->error_text(code), why);
+			"MIDI-PLAY midiOutPrepare failed!", tr(host.midi->error_text(code)), why);
 	const int handle = the_outHandle;
 	waits_since = host.clock->counter();
 	code = host.midi->write(handle, data, static_cast<std::size_t>(std::max(length, 0)));
 	if (code)
 		return port_failed(
-			"MIDI-PLAY midiOutLongMsg failed!", host.midi->error_text(code), why);
+			"MIDI-PLAY midiOutLongMsg failed!", tr(host.midi->error_text(code)), why);
 	return wait_until_left(handle, length, why);
 }
 
@@ -284,8 +284,8 @@ static void write_dump(const _midif &file)
 
 static void show_buttons(int window, bool plays)
 {
-	host.ui->set_reason(window, player_play, plays ? "The file plays" : nullptr);
-	host.ui->set_reason(window, player_stop, plays ? nullptr : "Nothing plays");
+	host.ui->set_reason(window, player_play, plays ? tr("The file plays") : nullptr);
+	host.ui->set_reason(window, player_stop, plays ? nullptr : tr("Nothing plays"));
 }
 
 bool song_plays()
@@ -298,7 +298,7 @@ std::string why_output_is_taken()
 	if (!playing)
 		return {};
 	const auto port = static_cast<std::size_t>(std::max(selected_midi_out_interface, 0));
-	return format_text("The player is using %s; stop it first.",
+	return format_text(tr("The player is using %s; stop it first."),
 		port < midi_out_interface.size() ? midi_out_interface[port].c_str()
 						 : "the MIDI output");
 }
@@ -378,7 +378,7 @@ static void end_in_words(const outcome &why)
 {
 	log_line("[F] %s\r\n", why.line.c_str());
 	outcome shown = why;
-	shown.line = "The song has ended. " + why.line;
+	shown.line = format_text(tr("The song has ended. %s"), why.line.c_str());
 	stop_really_all(player_window);
 	show_outcome(shown);
 }
@@ -497,7 +497,7 @@ void timer_playback()
 	log_line("Song Completed!\r\n");
 	stop_really_all(player_window);
 	if (!playing)
-		show_outcome({ .line = "The song has been played to its end." });
+		show_outcome({ .line = tr("The song has been played to its end.") });
 }
 
 // ---- Step by step -----------------------------------------------------------------------------

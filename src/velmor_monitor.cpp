@@ -194,17 +194,17 @@ static void port_failed(int code, call_site at = call_site::current())
 
 static void show_monitor_state()
 {
-	std::string words = "The monitor is off.";
+	std::string words = tr("The monitor is off.");
 	if (monitor_runs())
-		words = format_text("Listening to '%s': %lu received, %lu passed on.",
+		words = format_text(tr("Listening to '%s': %lu received, %lu passed on."),
 			monitor.port.c_str(), monitor.received, monitor.sent);
 	host.ui->set_text(window_sampler, sampler_monitor_state, words.c_str());
 	host.ui->set_role(window_sampler, sampler_monitor_state,
 		monitor_runs() ? text_role::good : text_role::quiet);
 	host.ui->set_reason(window_sampler, sampler_monitor_on,
-		monitor_runs() ? "The monitor is running" : nullptr);
+		monitor_runs() ? tr("The monitor is running") : nullptr);
 	host.ui->set_reason(window_sampler, sampler_monitor_off,
-		monitor_runs() ? nullptr : "The monitor is off");
+		monitor_runs() ? nullptr : tr("The monitor is off"));
 }
 
 static void close_monitor_input()

@@ -15,7 +15,7 @@ static constexpr list_controls multi_controls = {
 	.list = multis_list,
 	.heading = multis_heading,
 	.retry = multis_retry,
-	.what = "multi",
+	.what = noun::multi,
 };
 
 static std::vector<std::string> multi_names()
@@ -60,7 +60,7 @@ void show_multi_setup()
 {
 	open_window(window_multis);
 	host.ui->set_reason(window_multis, multis_download,
-		"Multis stay in the sampler: there is nothing here that could keep one");
+		tr("Multis stay in the sampler: there is nothing here that could keep one"));
 	const outcome offered = current_sampler
 					? offers_list(&_sampler_type::getmultilist)
 					: outcome{ .how = ending::refused,
@@ -79,7 +79,7 @@ void show_multi_setup()
 	show_multis(names);
 	// What could not be read is told in place of the list.
 	read.words.clear();
-	read.line = read.done() ? "" : "The sampler's multis were not read.";
+	read.line = read.done() ? "" : tr("The sampler's multis were not read.");
 	show_outcome(read);
 }
 
@@ -92,12 +92,12 @@ static void download_nothing() {}
 static constexpr caption_row multis_captions[] = {
 	// window        control         caption, tooltip, empty
 	{ window_multis, 0,              "VELMOR Manage Multis", nullptr, nullptr },
-	{ window_multis, multis_list,    "Multis", "The multis in the sampler's memory", "No multis. Only an S5000 or S6000 tells what multis it holds." },
-	{ window_multis, multis_heading, "State of the list", "How many multis, and when they were read", nullptr },
-	{ window_multis, multis_retry,   "Try again", "Ask the sampler once more", nullptr },
+	{ window_multis, multis_list,    own("Multis"), own("The multis in the sampler's memory"), own("No multis. Only an S5000 or S6000 tells what multis it holds.") },
+	{ window_multis, multis_heading, own("State of the list"), own("How many multis, and when they were read"), nullptr },
+	{ window_multis, multis_retry,   own("Try again"), own("Ask the sampler once more"), nullptr },
 	{ window_multis, multis_download, "Download this Multi", nullptr, nullptr },
-	{ window_multis, multis_refresh, "&Refresh", "Read the sampler anew", nullptr },
-	{ window_multis, control_cancel, "&Cancel", "Close this window", nullptr },
+	{ window_multis, multis_refresh, "&Refresh", own("Read the sampler anew"), nullptr },
+	{ window_multis, control_cancel, "&Cancel", own("Close this window"), nullptr },
 };
 static constexpr command_row multis_commands[] = {
 	{ window_multis, multis_refresh, show_multi_setup,           alone  },

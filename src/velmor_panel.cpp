@@ -51,7 +51,8 @@ static void say(const std::string &words)
 {
 	host.ui->set_text(window_panel, panel_state, words.c_str());
 	host.ui->show(window_panel, panel_state, !words.empty());
-	const char *why_not = words.empty() ? nullptr : "There is no picture of the screen now.";
+	const char *why_not =
+		words.empty() ? nullptr : tr("There is no picture of the screen now.");
 	for (const int control : { panel_copy, panel_save })
 		host.ui->set_reason(window_panel, control, why_not);
 }
@@ -62,13 +63,14 @@ static std::string words_of(lcd_answer answer)
 	case lcd_answer::picture:
 		return "";
 	case lcd_answer::busy:
-		return "The sampler is busy. Its screen comes back by itself.";
+		return tr("The sampler is busy. Its screen comes back by itself.");
 	case lcd_answer::absent:
-		return silence_words(loaded_reached()) + " Its screen comes back by itself.";
+		return format_text(tr("%s Its screen comes back by itself."),
+			silence_words(loaded_reached()).c_str());
 	case lcd_answer::failed:
 		break;
 	}
-	return "The sampler does not send its screen. It is asked again and again.";
+	return tr("The sampler does not send its screen. It is asked again and again.");
 }
 
 static void tell_answer(lcd_answer answer)
@@ -89,7 +91,8 @@ static void say_instead(const char *words)
 void stop_panel()
 {
 	timer_active = -1;
-	say_instead("The picture stands still. \"View LCD-Display\" in the main window goes on.");
+	say_instead(
+		tr("The picture stands still. \"View LCD-Display\" in the main window goes on."));
 }
 
 void empty_panel()
@@ -100,8 +103,8 @@ void empty_panel()
 		return;
 	host.ui->set_bitmap(window_panel, panel_picture, nullptr);
 	host.ui->build_panel(window_panel, nullptr);
-	say_instead("A sampler was loaded. \"View LCD-Display\" in the main window shows its "
-		    "screen.");
+	say_instead(tr("A sampler was loaded. \"View LCD-Display\" in the main window shows its "
+		       "screen."));
 }
 
 // ---- Places ----------------------------------------------------------------------------------
@@ -182,8 +185,8 @@ static _sampler_type *model_to_view()
 	else if (!model)
 		show_box("INFO", "Invalid sampler type");
 	else
-		show_box(
-			"INFO", "The screen of %s cannot be seen from here.", model->sampler_brand);
+		show_box("INFO", tr("The screen of %s cannot be seen from here."),
+			model->sampler_brand);
 	return nullptr;
 }
 
@@ -231,7 +234,7 @@ void view_lcd_display()
 	build_keys(*model);
 	if (timer_active == 0 || !panel.open) {
 		open_panel_window();
-		say_instead("Asking the sampler for its screen ...");
+		say_instead(tr("Asking the sampler for its screen ..."));
 	}
 	fetch_picture(*model);
 	const bitmap_view view = shown_bits();
@@ -261,8 +264,9 @@ static void view_panel()
 	if (panel.open && has_picture())
 		show_outcome(
 			{ .line = panel.model->ctrl
-					  ? "Keys typed on this computer go to the sampler."
-					  : "This sampler shows its screen and takes no keys." });
+					  ? tr("Keys typed on this computer go to the sampler.")
+					  : tr("This sampler shows its screen and takes no "
+					       "keys.") });
 }
 
 // ---- Messages --------------------------------------------------------------------------------
@@ -284,8 +288,9 @@ static void command_came(const _sampler_type &model, int id, int steps, int)
 		handle = c->win;
 		work_panel_control(*c, steps);
 		show_outcome({ .line = c->ctrl_type == ctrl_wheel
-					       ? "The wheel was turned."
-					       : std::string(c->name) + " was pressed." });
+					       ? tr("The wheel was turned.")
+					       : format_text(tr("%s was pressed."),
+							 std::string(c->name).c_str()) });
 	}
 	log_line("WM_COMMAND FOR LCDWIN RECEIVED: %d, LPARAM: %d\r\n", id, handle);
 }
@@ -418,7 +423,7 @@ static void copy_picture()
 		return;
 	const bitmap_view view = shown_bits();
 	host.ui->copy_bitmap(&view, chosen_scale());
-	show_outcome({ .line = "The picture is on the clipboard." });
+	show_outcome({ .line = tr("The picture is on the clipboard.") });
 }
 
 // What is shown when the button is pressed, whatever the sampler shows when the name is chosen.
@@ -431,18 +436,20 @@ static void save_picture()
 	view.bits = kept;
 	const std::string name = file_name_of(current_sampler->sampler_description) + ".png";
 	std::string path =
-		host.ui->choose_new_file("Save picture", "Pictures (*.png)", name.c_str());
+		host.ui->choose_new_file(tr("Save picture"), tr("Pictures (*.png)"), name.c_str());
 	if (path.empty())
 		return;
 	if (path.find('.', path.find_last_of('\\') + 1) == path.npos)
 		path += ".png";
 	const std::string told = host.files->host_path(path.c_str());
 	if (host.ui->save_bitmap(path.c_str(), &view, chosen_scale()))
-		show_outcome({ .line = "The picture was saved as " + told + "." });
+		show_outcome(
+			{ .line = format_text(tr("The picture was saved as %s."), told.c_str()) });
 	else
 		show_outcome({ .how = ending::local_failed,
-			.words = "The picture could not be saved as " + told +
-				 ". Is there room, and may files be made there?",
+			.words = format_text(tr("The picture could not be saved as %s. Is there "
+						"room, and may files be made there?"),
+				told.c_str()),
 			.caption = "ERROR" });
 }
 
@@ -452,13 +459,13 @@ static void save_picture()
 static constexpr caption_row panel_captions[] = {
 	// window         control          caption, tooltip, empty
 	{ window_panel,   0,               "Sampler Panel", nullptr, nullptr },
-	{ window_panel,   panel_picture,   "Screen of the sampler", nullptr, nullptr },
-	{ window_panel,   panel_state,     "State of the screen", nullptr, nullptr },
-	{ window_panel,   panel_copy,      "&Copy picture", "Put the picture on the clipboard, as large as it is shown", nullptr },
-	{ window_panel,   panel_save,      "&Save picture...", "Keep the picture as a file, as large as it is shown", nullptr },
-	{ window_panel,   panel_scale_1,   "1", "Show the screen as large as it is", nullptr },
-	{ window_panel,   panel_scale_2,   "2", "Show the screen twice as large", nullptr },
-	{ window_panel,   panel_scale_3,   "3", "Show the screen three times as large", nullptr },
+	{ window_panel,   panel_picture,   own("Screen of the sampler"), nullptr, nullptr },
+	{ window_panel,   panel_state,     own("State of the screen"), nullptr, nullptr },
+	{ window_panel,   panel_copy,      own("&Copy picture"), own("Put the picture on the clipboard, as large as it is shown"), nullptr },
+	{ window_panel,   panel_save,      own("&Save picture..."), own("Keep the picture as a file, as large as it is shown"), nullptr },
+	{ window_panel,   panel_scale_1,   "1", own("Show the screen as large as it is"), nullptr },
+	{ window_panel,   panel_scale_2,   "2", own("Show the screen twice as large"), nullptr },
+	{ window_panel,   panel_scale_3,   "3", own("Show the screen three times as large"), nullptr },
 };
 static constexpr command_row window_commands[] = {
 	{ window_panel,   control_cancel,  close_panel,     always },

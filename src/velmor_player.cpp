@@ -6,6 +6,7 @@
 // Knows nothing of: the events of a file, toolkits.
 
 #include "src/velmor_player.h"
+#include "src/velmor_counts.h"
 #include "src/velmor_midi.h"
 #include "src/waveqx.h"
 #include <algorithm>
@@ -38,29 +39,31 @@ static std::string song_name()
 static std::string where_to()
 {
 	const auto place = static_cast<std::size_t>(std::max(selected_midi_out_interface, 0));
-	return place < midi_out_interface.size() ? " · to '" + midi_out_interface[place] + "'"
-						 : " · no MIDI port to play it to";
+	return place < midi_out_interface.size()
+		       ? format_text(tr(" · to '%s'"), midi_out_interface[place].c_str())
+		       : tr(" · no MIDI port to play it to");
 }
 
 static std::string file_words()
 {
 	if (!have_midi_file)
-		return "No file is loaded";
+		return tr("No file is loaded");
 	const int count = current_midi_file.ntrks;
-	return song_name() + format_text(" · %d track%s · ", count, count == 1 ? "" : "s") +
-	       song_time(song_length()) + " at this speed" + where_to();
+	return format_text(tr("%s · %s · %s at this speed%s"), song_name().c_str(),
+		counted(count, noun::track).c_str(), song_time(song_length()).c_str(),
+		where_to().c_str());
 }
 
 void show_player()
 {
 	const bool loaded = have_midi_file, plays = song_plays();
-	constexpr const char *none = "No file is loaded";
+	const char *const none = tr("No file is loaded");
 	const auto reason = [](int control, const char *why_not) {
 		host.ui->set_reason(window_midi_files, control, why_not);
 	};
 	reason(player_unload, loaded ? nullptr : none);
-	reason(player_play, !loaded ? none : plays ? "The file plays" : nullptr);
-	reason(player_stop, plays ? nullptr : "Nothing plays");
+	reason(player_play, !loaded ? none : plays ? tr("The file plays") : nullptr);
+	reason(player_stop, plays ? nullptr : tr("Nothing plays"));
 	host.ui->set_text(window_midi_files, player_file, file_words().c_str());
 	host.ui->set_role(
 		window_midi_files, player_file, loaded ? text_role::plain : text_role::quiet);
@@ -115,19 +118,19 @@ static void load_midi_file(const std::string &path)
 	const bool loaded = open_midi_file(window_midi_files, path.c_str());
 	show_player();
 	if (loaded)
-		show_outcome({ .line = "Loaded '" + song_name() + "'." });
+		show_outcome({ .line = format_text(tr("Loaded '%s'."), song_name().c_str()) });
 	else
 		show_outcome({ .how = ending::local_failed,
 			.words = "File cannot be opened (invalid midi-file?)",
 			.caption = "ERROR",
-			.line = "'" + last_part(path) + "' was not loaded." });
+			.line = format_text(tr("'%s' was not loaded."), last_part(path).c_str()) });
 }
 
 // Of several, the first.
 static void choose_midi_file()
 {
-	const std::vector<std::string> paths = host.ui->choose_files(
-		"Load Midi-File", "Standard MIDI Files (*.mid *.MID *.midi *.kar);;All files (*)");
+	const std::vector<std::string> paths = host.ui->choose_files("Load Midi-File",
+		tr("Standard MIDI Files (*.mid *.MID *.midi *.kar);;All files (*)"));
 	if (paths.empty())
 		show_box("ERROR", "No file(s) selected!");
 	else
@@ -157,7 +160,7 @@ static void unload_midi_file()
 	have_midi_file = 0;
 	host.ui->set_text(window_midi_files, 0, "Midi-Files");
 	show_player();
-	show_outcome({ .line = "Unloaded '" + name + "'." });
+	show_outcome({ .line = format_text(tr("Unloaded '%s'."), name.c_str()) });
 }
 
 static void play_midi_file()
@@ -167,7 +170,7 @@ static void play_midi_file()
 	play_really_all(window_midi_files, &current_midi_file);
 	show_player();
 	if (song_plays())
-		show_outcome({ .line = "Playing '" + song_name() + "'." });
+		show_outcome({ .line = format_text(tr("Playing '%s'."), song_name().c_str()) });
 }
 
 static void end_song()
@@ -176,7 +179,7 @@ static void end_song()
 	play_the_file = track_stopped;
 	stop_really_all(window_midi_files);
 	if (played && !song_plays())
-		show_outcome({ .line = "Stopped '" + song_name() + "'." });
+		show_outcome({ .line = format_text(tr("Stopped '%s'."), song_name().c_str()) });
 }
 
 static void stop_playing()
@@ -241,15 +244,15 @@ void forget_player_page()
 static constexpr caption_row player_captions[] = {
 	// window            control          caption, tooltip, empty
 	{ window_midi_files, 0,               "Midi-Files", nullptr, nullptr },
-	{ window_midi_files, player_load,     "Load Midi-File", "Open a Standard MIDI File", nullptr },
-	{ window_midi_files, player_unload,   "Unload current Midi-File", "Stop, and put the file away", nullptr },
-	{ window_midi_files, player_play,     "Play Midi-File", "Play it to the sampler from its beginning", nullptr },
-	{ window_midi_files, player_stop,     "Stop Midi-File", "Stop, and end all notes", nullptr },
-	{ window_midi_files, player_tracks,   "Tracks", nullptr, "No file is loaded. Load a Standard MIDI File, or drop one here." },
-	{ window_midi_files, player_file,     "File", nullptr, nullptr },
-	{ window_midi_files, player_clock,    "Time", nullptr, nullptr },
-	{ window_midi_files, player_sounding, "Sounding now:", nullptr, nullptr },
-	{ window_midi_files, control_cancel,  "&Cancel", "Stop, and close this window", nullptr },
+	{ window_midi_files, player_load,     "Load Midi-File", own("Open a Standard MIDI File"), nullptr },
+	{ window_midi_files, player_unload,   "Unload current Midi-File", own("Stop, and put the file away"), nullptr },
+	{ window_midi_files, player_play,     "Play Midi-File", own("Play it to the sampler from its beginning"), nullptr },
+	{ window_midi_files, player_stop,     "Stop Midi-File", own("Stop, and end all notes"), nullptr },
+	{ window_midi_files, player_tracks,   own("Tracks"), nullptr, own("No file is loaded. Load a Standard MIDI File, or drop one here.") },
+	{ window_midi_files, player_file,     own("File"), nullptr, nullptr },
+	{ window_midi_files, player_clock,    own("Time"), nullptr, nullptr },
+	{ window_midi_files, player_sounding, own("Sounding now:"), nullptr, nullptr },
+	{ window_midi_files, control_cancel,  "&Cancel", own("Stop, and close this window"), nullptr },
 };
 // The commands of midifileDialog.
 static constexpr command_row player_commands[] = {

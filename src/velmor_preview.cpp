@@ -1,110 +1,18 @@
-// velmor_preview.cpp - what an import gives, what an upload sends, and the waveform
-//
-// Reads files of the user as they are, which may be anything. What cannot be imported is
-// named by the words of why_not_wave, so that preview and import say the same.
-//
-// An upload over MIDI sends the words of 16-bit mono files; of all others it would send
-// silence or noise, of another length. An upload over USB sends the file as it is.
+// velmor_preview.cpp - the waveform of a sample, and what an import gives and an upload sends
 //
 // Knows nothing of: models (but what their rows say), toolkits.
 
+#include "src/velmor_fit.h"
+#include "src/velmor_shape.h"
+#include "src/velmor_transfer.h"
 #include "src/velmor_wave_edit.h"
 #include "src/velmor_window.h"
 #include "src/waveqx.h"
-#include "src/waveqx_chunks.h"
 #include <algorithm>
-#include <cstring>
+#include <set>
 
 namespace velmor
 {
-
-// ---- Reading a WAV file ---------------------------------------------------------------------
-
-// Kinds of audio in the head of a WAV file.
-enum : u16 {
-	tag_pcm = 1,
-	tag_float = 3,
-	tag_extensible = 0xFFFE, // the real one stands in the extension of fmt
-};
-
-struct wave_shape {
-	u16 tag = 0;
-	u32 rate = 0;
-	unsigned bits = 0, channels = 0, frame_bytes = 0;
-	u64 frames = 0;
-	u64 data_at = 0, data_bytes = 0;
-	u64 loop_start = 0, loop_end = 0; // no loop where both are 0
-	std::string kind = {};            // of a file that is made a plain WAV file first
-	bool exact = true;                // and loses nothing by it
-};
-
-static void read_loop(input_file &wave, const wave_chunk &smpl, wave_shape *shape)
-{
-	u8 chunk[smpl_loop_end + 4];
-	constexpr int loops = 36, whole_loop = 36 + 24;
-	if (smpl.size < whole_loop || wave.read(smpl.at, chunk, sizeof chunk) ||
-		wave_read_32bit(chunk + loops) == 0)
-		return;
-	shape->loop_start = wave_read_32bit(chunk + smpl_loop_start);
-	shape->loop_end = wave_read_32bit(chunk + smpl_loop_end);
-}
-
-static u16 read_tag(input_file &wave, const wave_head &head)
-{
-	constexpr u64 at_subformat = 44;
-	u8 bytes[2];
-	const bool extension = head.version == tag_extensible && head.fmt_length >= 40;
-	return extension && !wave.read(at_subformat, bytes, sizeof bytes) ? wave_read_16bit(bytes)
-									  : head.version;
-}
-
-// "" or why the file has no shape.
-static std::string read_shape(const std::string &path, input_file &wave, wave_shape *shape)
-{
-	const std::string why = why_not_wave(path.c_str());
-	wave_head head;
-	if (!why.empty() || wave.measure(path.c_str()) || wave.open(path.c_str()) ||
-		read_wave_head(wave, &head))
-		return why.empty() ? "It cannot be read." : why;
-	*shape = { .tag = read_tag(wave, head),
-		.rate = head.sample_rate,
-		.bits = head.bitspersample,
-		.channels = head.channels,
-		.frame_bytes = head.bytespersample };
-	auto look = [&](const wave_chunk &chunk, u64) {
-		if (chunk.is("smpl"))
-			read_loop(wave, chunk, shape);
-		if (!chunk.is("data"))
-			return true;
-		shape->data_at = chunk.at + 8;
-		shape->data_bytes = wave_bytes_held(wave, chunk);
-		shape->frames = shape->data_bytes / shape->frame_bytes;
-		return false;
-	};
-	return walk_chunks(wave, head, look) ? "It cannot be read." : "";
-}
-
-// What an import reads of a file: itself, or the plain WAV file that is made of it.
-static std::string read_import_shape(const std::string &path, wave_shape *shape)
-{
-	input_file wave;
-	sound_shape sound;
-	if (!foreign_sound(path.c_str(), &sound)) {
-		const std::string why = why_not_sound(path.c_str());
-		return why.empty() ? read_shape(path, wave, shape) : why;
-	}
-	const unsigned frame = sound.bits / 8 * sound.channels;
-	*shape = { .tag = tag_pcm,
-		.rate = sound.rate,
-		.bits = sound.bits,
-		.channels = sound.channels,
-		.frame_bytes = frame,
-		.frames = sound.frames,
-		.data_bytes = sound.frames * frame,
-		.kind = sound.kind,
-		.exact = sound.exact };
-	return "";
-}
 
 // ---- Waveform -------------------------------------------------------------------------------
 
@@ -232,146 +140,55 @@ import_options chosen_import_options()
 		.mixing = chosen_value(mixing_choices) };
 }
 
-// ---- What an import gives -----------------------------------------------------------------------
-
-struct conversion {
-	int files = 0; // 0: these options do not convert this file
-	unsigned channels = 0;
-};
-
-// The same choice of cases as import_wave makes.
-static conversion conversion_of(const wave_shape &file, const import_options &options)
-{
-	const unsigned channels = static_cast<unsigned>(options.channels);
-	const int mixing = options.mixing;
-	if (!channels)
-		return { 1, file.channels };
-	if (mixing & import_split) {
-		if (file.channels == 1)
-			return { 1, channels };
-		if (file.channels == 2)
-			return { 2, 1 };
-	} else if (file.channels == 2) {
-		const bool one =
-			mixing == import_left || mixing == import_right || mixing == import_mix;
-		return { one ? 1 : 0, channels };
-	}
-	const bool two = mixing == import_left || mixing == import_right || mixing == import_both;
-	return { channels == 2 && two ? 1 : 0, channels };
-}
-
-static u64 frames_after(const wave_shape &file, u32 rate)
-{
-	if (rate == file.rate)
-		return file.frames;
-	const double factor = static_cast<double>(file.rate) / rate;
-	return static_cast<u64>(static_cast<double>(file.frames) / factor);
-}
-
-// ---- What an upload sends ------------------------------------------------------------------------
-
-// An upload sends the Sample Dump Standard's packets: 127 bytes, each answered by 6, and one
-// for every 40 bytes of the file's data. MIDI carries ten bits a byte.
-double transfer_seconds(const _sampler_type &model, u64 bytes)
-{
-	constexpr double usb_bytes_per_second = 1000000;
-	constexpr double midi_bytes_per_second = 3125;
-	constexpr u64 packet = 127, answer = 6, packet_words = 40;
-	if (model.sampler_flags & flag_usb)
-		return static_cast<double>(bytes) / usb_bytes_per_second;
-	const u64 packets = (bytes + packet_words - 1) / packet_words;
-	return static_cast<double>(packets * (packet + answer)) / midi_bytes_per_second;
-}
-
-// The S900 takes files of another kind, and its driver refuses all others itself.
-static bool sends_words(const _sampler_type &model)
-{
-	return !(model.sampler_flags & flag_usb) && model.sampler_type != model_s900;
-}
-
-static bool linear(const wave_shape &file)
-{
-	return file.tag == tag_pcm || file.tag == tag_extensible;
-}
-
-// A conversion of this program makes 16 bit mono of it.
-static bool convertible(const wave_shape &file)
-{
-	if (!file.kind.empty())
-		return file.channels <= 2;
-	const unsigned width = file.bits == 24 ? 3 : 2;
-	return linear(file) && (file.bits == 12 || file.bits == 16 || file.bits == 24) &&
-	       (file.channels == 1 || file.channels == 2) &&
-	       file.frame_bytes == width * file.channels;
-}
-
-static std::string advice_for(const wave_shape &file)
-{
-	if (!convertible(file))
-		return "Convert it to 16 bit mono with another program first.";
-	const char *depth = file.bits == 16 && file.kind.empty() ? "" : "Convert to 16 bit";
-	if (file.channels == 1)
-		return format_text("Import it with %s.", depth);
-	return format_text("Import it with %s%s1 Channel and Mix Channels, or Create L/R files for "
-			   "both.",
-		depth, *depth ? ", " : "");
-}
-
-static const char *kind_of_words(const wave_shape &file)
-{
-	return file.tag == tag_float ? " float" : linear(file) ? "" : " compressed";
-}
-
-// The reader takes words out of frames of two or three bytes, and nothing out of others; the
-// sampler is told of as many words as the file has bytes.
-static upload_verdict verdict_of(const _sampler_type &model, const wave_shape &file)
-{
-	upload_verdict out = {
-		.sends = true, .helps = convertible(file), .conversion = {}, .words = {}
-	};
-	if (!sends_words(model))
-		return out;
-	const double seconds = static_cast<double>(file.data_bytes) / file.rate;
-	if (linear(file) && file.bits == 16 && file.channels == 1 && file.frame_bytes == 2) {
-		out.words = format_text("arrives as %.02f s, the second half silent", seconds);
-		return out;
-	}
-	out.sends = false;
-	out.conversion = { .bits = file.bits == 16 && file.kind.empty() ? 0 : 16,
-		.rate = 0,
-		.channels = file.channels == 1 ? 0 : 1,
-		.mixing = file.channels == 1 ? 0 : import_mix };
-	const bool words = file.frame_bytes == 2 || file.frame_bytes == 3;
-	const std::string arrival = words ? "noise" : format_text("%.02f s of silence", seconds);
-	out.words = format_text("A file of %u bit%s and %u channel%s would arrive as %s. %s",
-		file.bits, kind_of_words(file), file.channels, file.channels == 1 ? "" : "s",
-		arrival.c_str(), advice_for(file).c_str());
-	return out;
-}
-
-upload_verdict upload_check(const _sampler_type &model, const std::string &path)
-{
-	input_file wave;
-	wave_shape file;
-	// What is no WAV file at all has words of its own in the driver.
-	if (!read_shape(path, wave, &file).empty())
-		return { .sends = true, .helps = false, .conversion = {}, .words = {} };
-	sound_shape sound;
-	if (foreign_sound(path.c_str(), &sound))
-		file.kind = sound.kind;
-	return verdict_of(model, file);
-}
+// ---- Words --------------------------------------------------------------------------------------
 
 static std::string duration(double seconds)
 {
 	const long whole = static_cast<long>(seconds + 0.5);
 	if (whole < 1)
-		return "less than a second";
+		return tr("less than a second");
 	if (whole < 60)
-		return format_text("about %ld s", whole);
+		return format_text(tr("about %ld s"), whole);
 	if (whole < 3600)
-		return format_text("about %ld min %ld s", whole / 60, whole % 60);
-	return format_text("about %ld h %ld min", whole / 3600, whole / 60 % 60);
+		return format_text(tr("about %ld min %ld s"), whole / 60, whole % 60);
+	return format_text(tr("about %ld h %ld min"), whole / 3600, whole / 60 % 60);
+}
+
+static std::string size_text(u64 bytes)
+{
+	if (bytes < 1000)
+		return format_text("%llu bytes", static_cast<unsigned long long>(bytes));
+	return bytes < 1000000 ? format_text("%.0f kB", static_cast<double>(bytes) / 1000)
+			       : format_text("%.1f MB", static_cast<double>(bytes) / 1000000);
+}
+
+static std::string shape_text(const wave_shape &file)
+{
+	return format_text("%u Hz, %u bit%s, %u channel%s, %.02f s", file.rate, file.bits,
+		kind_of_words(file), file.channels, file.channels == 1 ? "" : "s", file.seconds());
+}
+
+// Without its folder, and without its extension.
+static std::string name_of(const std::string &path)
+{
+	const std::string name = path.substr(path.rfind('\\') + 1);
+	return name.substr(0, name.rfind('.'));
+}
+
+static std::string listed(const std::vector<std::string> &words)
+{
+	std::string text;
+	for (std::size_t i = 0; i < words.size(); i++)
+		text += (!i ? "" : i + 1 < words.size() ? ", " : " and ") + words[i];
+	return text;
+}
+
+// ---- The preview ---------------------------------------------------------------------------------
+
+double transfer_seconds(const _sampler_type &model, u64 bytes)
+{
+	return static_cast<double>(carried_up(model, bytes, exact_uploads())) /
+	       rate_of(model, transfer_way::up).bytes_per_second;
 }
 
 static const _sampler_type *uploading_model()
@@ -382,132 +199,234 @@ static const _sampler_type *uploading_model()
 	return model && model->uploadsample ? model : nullptr;
 }
 
-// ---- The preview ---------------------------------------------------------------------------------
-
-static std::string name_of(const std::string &path)
-{
-	return path.substr(path.rfind('\\') + 1);
-}
-
-static const char *plural(unsigned long count)
-{
-	return count == 1 ? "" : "s";
-}
-
-// What all files together mean for the upload.
-struct upload_sum {
-	const _sampler_type *model;
-	u64 bytes = 0; // of those that arrive
-	int files = 0, refused = 0;
-	std::string words; // of the first that arrives
-	std::string first_refusal;
+// What all files together mean.
+struct preview_sum {
+	const _sampler_type *model; // null: none that takes samples
+	import_options options;
+	bool in_spool;
+	int results = 0, refused = 0;
+	u64 bytes = 0;                            // of audio, of those that arrive
+	std::string words = {}, refusal = {};     // of the first that arrives, and does not
+	std::string file = {}, becomes = {};      // of the first
+	std::vector<std::string> lost = {};       // of the first that loses anything
+	std::vector<std::string> on_sampler = {}; // names
+	bool unreadable = false;
 };
 
-static void add_upload(upload_sum *sum, const wave_shape &file, int files)
+static std::string name_for(const preview_sum &sum, const std::string &name)
 {
+	return sum.model ? name_on_sampler(*sum.model, name) : name;
+}
+
+static void add_upload(preview_sum *sum, const wave_shape &file, int files)
+{
+	sum->results += files;
 	if (!sum->model)
 		return;
 	const upload_verdict verdict = verdict_of(*sum->model, file);
-	sum->files += files;
-	if (verdict.sends) {
+	const std::string too_long = length_trouble(*sum->model, file);
+	if (verdict.sends && too_long.empty()) {
 		sum->bytes += file.data_bytes * static_cast<u64>(files);
-		sum->words = verdict.words;
-	} else {
-		sum->refused += files;
-		if (sum->first_refusal.empty())
-			sum->first_refusal = verdict.words;
+		sum->words = sum->words.empty() ? verdict.words : sum->words;
+		return;
 	}
+	sum->refused += files;
+	if (sum->refusal.empty())
+		sum->refusal = too_long.empty() ? verdict.words : too_long;
 }
 
-static std::string upload_text(const upload_sum &sum)
+// The part of two channels that one does not hold, and what chose so.
+static const char *lost_channel(int mixing)
 {
-	std::string text;
-	if (sum.model && sum.bytes)
-		text = format_text("\nUpload to %s: %s%s%s.", sum.model->sampler_brand,
-			sum.files == 1 ? sum.words.c_str() : "",
-			sum.files == 1 && !sum.words.empty() ? ", in " : "",
-			duration(transfer_seconds(*sum.model, sum.bytes)).c_str());
-	if (sum.refused)
-		text += format_text("\nUpload to %s refused: %s", sum.model->sampler_brand,
-			sum.first_refusal.c_str());
-	return text;
+	if (mixing == import_left)
+		return tr("the right channel (Left Channel is chosen)");
+	if (mixing == import_right)
+		return tr("the left channel (Right Channel is chosen)");
+	return tr("what differs between the channels (Mix Channels is chosen)");
 }
 
-// What import loses, or "".
-static const char *loss_of(const wave_shape &file, unsigned channels)
+static std::vector<std::string> losses_of(
+	const wave_shape &from, const wave_shape &to, const import_options &options, int files)
 {
-	if (!file.exact)
-		return "\nIt is deeper than 24 bits: the rest is rounded off.";
-	if (file.channels == channels && channels > 1)
-		return "\nOnly its left channel is kept. Choose 1 Channel and Create L/R files for "
-		       "both.";
-	return "";
+	std::vector<std::string> lost;
+	if (from.channels > 1 && to.channels == from.channels)
+		lost.push_back("all but the left channel (choose 1 Channel and Create L/R files "
+			       "for both)");
+	else if (from.channels > to.channels && files == 1)
+		lost.push_back(lost_channel(options.mixing));
+	if (!from.exact)
+		lost.push_back(tr("what is finer than 24 bits"));
+	if (to.bits < from.bits)
+		lost.push_back(format_text(tr("the lower %u bits (Convert to %u bit is chosen)"),
+			from.bits - to.bits, to.bits));
+	if (to.rate < from.rate)
+		lost.push_back(
+			format_text("what is above %u Hz (%u Hz is chosen)", to.rate / 2, to.rate));
+	return lost;
 }
 
-// The words about what the options make of a file, which goes into the sum.
-static std::string import_text(
-	const wave_shape &file, const import_options &options, upload_sum *sum)
+static std::string kept_text(const wave_shape &file)
 {
-	const conversion to = conversion_of(file, options);
-	if (!to.files)
-		return "\nThese options do not convert it. Choose Keep original for the channels.";
+	const bool looped = file.loop_end > file.loop_start;
+	if (!looped && file.root < 0)
+		return "";
+	const std::string root = file.root < 0
+					 ? ""
+					 : std::string("its root note ") +
+						   midi_note[static_cast<std::size_t>(file.root)];
+	return " · keeps " + (looped ? "its loop" + (root.empty() ? "" : " and " + root) : root);
+}
+
+static wave_shape result_of(
+	const wave_shape &file, const import_options &options, const conversion &to)
+{
 	wave_shape result = file;
+	result.tag = tag_pcm;
+	result.kind.clear();
 	result.rate = options.rate ? static_cast<u32>(options.rate) : file.rate;
 	result.bits = options.bits ? static_cast<unsigned>(options.bits) : file.bits;
 	result.channels = to.channels;
 	result.frames = frames_after(file, result.rate);
 	result.frame_bytes = (result.bits + 7) / 8 * to.channels;
 	result.data_bytes = result.frames * result.frame_bytes;
+	return result;
+}
+
+// What the options make of a file. "" where they do not convert it.
+static std::string add_import(preview_sum *sum, const std::string &name, const wave_shape &file)
+{
+	const conversion to = conversion_of(file, sum->options);
+	if (!to.files)
+		return "";
+	const wave_shape result = result_of(file, sum->options, to);
 	add_upload(sum, result, to.files);
-	return format_text("\nbecomes %s%u Hz, %u bit, %u channel%s, %.02f s, %llu bytes%s",
-		to.files == 2 ? "two files: " : "", result.rate, result.bits, to.channels,
-		plural(to.channels), static_cast<double>(result.frames) / result.rate,
-		static_cast<unsigned long long>(result.data_bytes), loss_of(file, to.channels));
+	if (sum->lost.empty())
+		sum->lost = losses_of(file, result, sum->options, to.files);
+	std::vector<std::string> names = { name };
+	if (to.files == 2)
+		names = { name + "-L", name + "-R" };
+	for (std::string &each : names)
+		sum->on_sampler.push_back(each = name_for(*sum, each));
+	return (to.files == 2 ? "two files: " : "") + listed(names) + " · " + shape_text(result) +
+	       ", " + size_text(result.data_bytes) + kept_text(result);
 }
 
 // A file that is in the spool already is uploaded as it stands, unless the options are to
 // change it first.
-static std::string preview_of(
-	const std::string &path, bool in_spool, const import_options &options, upload_sum *sum)
+static void add_file(preview_sum *sum, const std::string &path)
 {
 	input_file wave;
 	wave_shape file;
-	const bool as_it_is = in_spool && !options.bits && !options.rate && !options.channels;
-	const std::string name = name_of(path);
+	const import_options &options = sum->options;
+	const bool as_it_is = sum->in_spool && !options.bits && !options.rate && !options.channels;
 	const std::string why =
 		as_it_is ? read_shape(path, wave, &file) : read_import_shape(path, &file);
-	if (!why.empty())
-		return name + ": " + why;
-	const std::string text = format_text("%s: %s%u Hz, %u bit%s, %u channel%s", name.c_str(),
-		file.kind.empty() ? "" : (file.kind + ", ").c_str(), file.rate, file.bits,
-		kind_of_words(file), file.channels, plural(file.channels));
+	const std::string name = name_of(path), shown = path.substr(path.rfind('\\') + 1);
+	const bool first = sum->file.empty();
+	if (!why.empty()) {
+		sum->unreadable = sum->unreadable || first;
+		sum->file = first ? shown + ": " + why : sum->file;
+		return;
+	}
+	std::string becomes;
 	if (as_it_is) {
 		add_upload(sum, file, 1);
-		return text;
+		if (sum->refused && plan_fit(*sum->model, file).possible)
+			sum->refusal += tr(" Or press Fit to the Sampler.");
+		sum->on_sampler.push_back(name_for(*sum, name));
+		becomes = sum->model ? sum->on_sampler.back() + " on the sampler" : "";
+	} else {
+		becomes = add_import(sum, name, file);
+		if (becomes.empty())
+			becomes = "These options do not convert it. Choose Keep original for the "
+				  "channels.";
 	}
-	return text + import_text(file, options, sum);
+	if (!first)
+		return;
+	sum->file = shown + " · " + (file.kind.empty() ? "" : file.kind + ", ") + shape_text(file);
+	sum->becomes = becomes;
 }
 
-// A drop of many files: what the first ones become, and the sum.
-static constexpr std::size_t shown_files = 2;
+// ---- Its lines ------------------------------------------------------------------------------------
+
+static void say(int control, const std::string &text, text_role role)
+{
+	host.ui->set_text(window_samples, control, text.c_str());
+	host.ui->set_role(window_samples, control, role);
+}
+
+// Seconds and what they were reckoned with; below, what arrives, and the other way.
+static std::string arrival_text(const preview_sum &sum)
+{
+	const transfer_rate rate = rate_of(*sum.model, transfer_way::up);
+	const bool exact = exact_uploads();
+	const auto lasts = [&](bool exactly) {
+		return duration(static_cast<double>(carried_up(*sum.model, sum.bytes, exactly)) /
+				rate.bytes_per_second);
+	};
+	std::string text = lasts(exact) + " at " +
+			   (rate.measured ? "the " + rate_text(rate.bytes_per_second) +
+						    " measured on this connection"
+					  : "about " + rate_text(rate.bytes_per_second) +
+						    ", not measured yet on this connection");
+	std::string arrival = sum.results == 1 ? sum.words : "";
+	if (has_exact_uploads(*sum.model))
+		arrival += (arrival.empty() ? "" : " · ") +
+			   std::string(
+				   exact ? tr("without exact length ") : tr("with exact length ")) +
+			   lasts(!exact);
+	return text + (arrival.empty() ? "" : "\n") + arrival;
+}
+
+static void show_upload(const preview_sum &sum)
+{
+	std::string text = sum.model && sum.bytes ? arrival_text(sum) : "";
+	if (sum.refused) {
+		text = text.substr(0, text.find('\n')) + (text.empty() ? "" : "\n");
+		text += sum.results > 1
+				? format_text("%d of %d refused: ", sum.refused, sum.results)
+				: "refused: ";
+		text += sum.refusal;
+		// The reason, and below it what helps.
+		const std::size_t end = text.find('\n') == text.npos ? text.find(". ") : text.npos;
+		if (end != text.npos)
+			text.replace(end, 2, ".\n");
+	}
+	const bool all = sum.refused && sum.refused == sum.results;
+	say(samples_preview_upload, text,
+		all           ? text_role::failed
+		: sum.refused ? text_role::careful
+			      : text_role::plain);
+}
+
+static void show_lines(const preview_sum &sum, std::size_t files)
+{
+	const std::string more = files > 1 ? format_text(" · and %zu more", files - 1) : "";
+	const bool converts = sum.unreadable || sum.results;
+	std::string lost = listed(sum.lost);
+	const std::string clash = same_names(sum.on_sampler);
+	if (!clash.empty())
+		lost += (lost.empty() ? "" : " · ") + clash;
+	say(samples_import_preview, sum.file.empty() ? "" : sum.file + more,
+		sum.unreadable ? text_role::failed : text_role::plain);
+	say(samples_preview_becomes, sum.becomes.empty() ? "" : sum.becomes + more,
+		converts ? text_role::plain : text_role::failed);
+	say(samples_preview_lost, lost, text_role::careful);
+	show_upload(sum);
+}
 
 void show_import_preview(std::span<const std::string> paths)
 {
 	const std::string local = paths.empty() ? path_of_local() : "";
 	if (!local.empty())
 		paths = { &local, 1 };
-	const import_options options = chosen_import_options();
-	upload_sum sum = { .model = uploading_model(), .words = {}, .first_refusal = {} };
-	std::string text;
-	for (std::size_t i = 0; i < paths.size(); i++) {
-		const std::string words = preview_of(paths[i], !local.empty(), options, &sum);
-		if (i < shown_files)
-			text += (i ? "\n" : "") + words;
-	}
-	if (paths.size() > shown_files)
-		text += format_text("\nand %zu more", paths.size() - shown_files);
-	text += upload_text(sum);
-	host.ui->set_text(window_samples, samples_import_preview, text.c_str());
+	preview_sum sum = { .model = uploading_model(),
+		.options = chosen_import_options(),
+		.in_spool = !local.empty() };
+	for (const std::string &path : paths)
+		add_file(&sum, path);
+	show_lines(sum, paths.size());
+	show_transfer_choices();
 }
 
 } // namespace velmor

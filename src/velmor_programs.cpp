@@ -12,7 +12,9 @@
 #include "src/velmor_programs.h"
 #include "src/akaiprograms.h"
 #include "src/akais900.h"
+#include "src/velmor_counts.h"
 #include "src/velmor_edits.h"
+#include "src/velmor_history.h"
 #include "src/velmor_library.h"
 #include "src/velmor_verify.h"
 #include "src/waveqx.h"
@@ -97,8 +99,10 @@ static void give_back(kept_edit *kept, bool read, outcome *result)
 	if (at < 0) {
 		forget_edits(*kept->program);
 		const outcome saved = keep_program(*kept->program);
-		result->words += (result->words.empty() ? "" : "\n") + quoted(kept->was.name) +
-				 " is not on the sampler any more, but had edits. " + saved.words;
+		result->words += result->words.empty() ? "" : "\n";
+		result->words +=
+			format_text(tr("%s is not on the sampler any more, but had edits. %s"),
+				quoted(kept->was.name).c_str(), saved.words.c_str());
 		return;
 	}
 	_program &place = current_sampler->status->program[at];
@@ -145,8 +149,10 @@ struct ready_program {
 };
 
 // A fresh list that holds the program, and a model that has the operation.
+// What the operation goes over is kept by then.
 template <typename slot>
-static ready_program prepare(const program_entry &which, slot _sampler_type::*operation)
+static ready_program prepare(
+	const program_entry &which, slot _sampler_type::*operation, const machine_change &kept)
 {
 	ready_program r;
 	r.model = loaded_model(&r.why);
@@ -156,13 +162,14 @@ static ready_program prepare(const program_entry &which, slot _sampler_type::*op
 		r.why = { .how = ending::refused, .words = not_supported, .caption = "FATAL" };
 		return r;
 	}
-	r.why = have_program_list();
+	r.why = kept.may_go_on() ? have_program_list() : kept.why();
 	if (!r.why.done())
 		return r;
 	r.index = place_of(which);
 	if (r.index < 0) {
 		r.why = { .how = ending::refused,
-			.words = quoted(which.name) + " is not on the sampler any more." };
+			.words = format_text(tr("%s is not on the sampler any more."),
+				quoted(which.name).c_str()) };
 		return r;
 	}
 	// Models search their own list by the name, which has no blanks at its end there.
@@ -223,34 +230,44 @@ static bool sends_the_count(const _sampler_type &model)
 	return model.saveprogram == akai_s900_save_program;
 }
 
-outcome save_program(const program_entry &which)
+static outcome save_kept(const program_entry &which, const machine_change &kept)
 {
-	const ready_program r = prepare(which, &_sampler_type::saveprogram);
+	const ready_program r = prepare(which, &_sampler_type::saveprogram, kept);
 	if (!r.why.done())
 		return r.why;
 	outcome result = send_record(*r.model, r.index, nullptr, r.program);
 	if (result.done()) {
 		const int surplus = edits_sent(*r.program, !sends_the_count(*r.model));
-		result.line = "Sent " + quoted(which.name) + " to the sampler.";
+		result.line =
+			format_text(tr("Sent %s to the sampler."), quoted(which.name).c_str());
 		if (surplus && result.words.empty() && result.told.empty())
-			result.words = format_text("The program on the sampler keeps %s that this "
-						   "one does not have.",
-				counted(surplus, "keygroup").c_str());
+			result.words =
+				format_text(tr("The program on the sampler keeps %s that this "
+					       "one does not have."),
+					counted(surplus, noun::keygroup).c_str());
 	} else {
-		result.line = result.how == ending::stopped
-				      ? "Sending " + quoted(which.name) + " was stopped."
-				      : quoted(which.name) + " was not sent.";
+		result.line =
+			result.how == ending::stopped
+				? format_text(
+					  tr("Sending %s was stopped."), quoted(which.name).c_str())
+				: format_text(tr("%s was not sent."), quoted(which.name).c_str());
 		if (result.words.empty() && result.told.empty() && result.how != ending::stopped)
 			result.words = result.line;
 	}
 	return one_box(result);
 }
 
+outcome save_program(const program_entry &which)
+{
+	machine_change kept({ step_kind::change_program, which.name, "", which.index, -1 });
+	return kept.ended(save_kept(which, kept));
+}
+
 // ---- Deleting and renaming ------------------------------------------------------------------------------
 
-outcome delete_program(const program_entry &which)
+static outcome delete_kept(const program_entry &which, const machine_change &kept)
 {
-	const ready_program r = prepare(which, &_sampler_type::deleteprogram);
+	const ready_program r = prepare(which, &_sampler_type::deleteprogram, kept);
 	if (!r.why.done())
 		return r.why;
 	log_line("[D] Deleting Program-Info for [%s] (INDEX: %d)\r\n", r.program->name, r.index);
@@ -267,25 +284,36 @@ outcome delete_program(const program_entry &which)
 		_program &place = current_sampler->status->program[r.index];
 		place = *copy;
 		move_edits(*copy, place);
-		outcome unknown = unknown_end(read, quoted(which.name) + " was deleted");
+		outcome unknown = unknown_end(
+			read, format_text(tr("%s was deleted"), quoted(which.name).c_str()));
 		unknown.told = end.told;
 		return unknown;
 	}
 	const int place = place_of(which);
 	if (times_listed(which.name) < before)
-		return { .line = "Deleted " + quoted(which.name) + " on the sampler." };
+		return { .line = format_text(
+				 tr("Deleted %s on the sampler."), quoted(which.name).c_str()) };
 	if (place >= 0 && unsent_changes(*copy).all()) {
 		current_sampler->status->program[place] = *copy;
 		move_edits(*copy, current_sampler->status->program[place]);
 	}
 	outcome result = { .how = end.done() ? ending::refused : end.how,
-		.words = end.words.empty() ? "The sampler did not do it: " + quoted(which.name) +
-						     " is still in its list."
-					   : end.words,
-		.line = quoted(which.name) + " was not deleted.",
+		.words =
+			end.words.empty()
+				? format_text(
+					  tr("The sampler did not do it: %s is still in its list."),
+					  quoted(which.name).c_str())
+				: end.words,
+		.line = format_text(tr("%s was not deleted."), quoted(which.name).c_str()),
 		.told = end.told };
 	forget_edits(*copy);
 	return one_box(result);
+}
+
+outcome delete_program(const program_entry &which)
+{
+	machine_change kept({ step_kind::delete_program, which.name, "", which.index });
+	return kept.ended(delete_kept(which, kept));
 }
 
 // A machine may keep a name in other letters, cut, and with blanks.
@@ -338,11 +366,10 @@ static void give_edits_back(_program *copy, int place)
 	move_edits(*copy, to);
 }
 
-outcome rename_program(const program_entry &which, const std::string &new_name)
+static outcome rename_kept(
+	const program_entry &which, const std::string &new_name, const machine_change &kept)
 {
-	if (new_name.empty())
-		return { .how = ending::refused, .words = "Choose a new name!" };
-	const ready_program r = prepare(which, &_sampler_type::renameprogram);
+	const ready_program r = prepare(which, &_sampler_type::renameprogram, kept);
 	if (!r.why.done())
 		return r.why;
 	log_line("[D] Renaming Program-Info for [%s] (INDEX: %d) --> [%s]\r\n", r.program->name,
@@ -358,7 +385,7 @@ outcome rename_program(const program_entry &which, const std::string &new_name)
 	outcome result = end_of_operation(&keeper, watch);
 	const outcome read = read_programs_again();
 	const bool looked = can_look(read);
-	const std::string kept = keep_endangered(looked);
+	const std::string rescued = keep_endangered(looked);
 	const bool gone = looked && (times_listed(which.name) < before ||
 					    may_be_called(new_name, which.name));
 	const int now = looked ? find_renamed(new_name, r.index) : -1;
@@ -368,21 +395,31 @@ outcome rename_program(const program_entry &which, const std::string &new_name)
 	forget_edits(*copy);
 	if (!looked && result.done()) {
 		const auto told = result.told;
-		result = unknown_end(read, quoted(which.name) + " was renamed");
+		result = unknown_end(
+			read, format_text(tr("%s was renamed"), quoted(which.name).c_str()));
 		result.told = told;
 	} else if (result.done() && (!gone || now < 0)) {
 		result.how = ending::refused;
-		result.words = "The sampler did not do it: " + quoted(which.name) +
-			       (gone ? " is gone, and no program has the new name."
-				     : " is still in its list.");
+		result.words = tr("The sampler did not do it: ") + quoted(which.name) +
+			       (gone ? tr(" is gone, and no program has the new name.")
+				     : tr(" is still in its list."));
 	}
-	result.line = result.done() ? quoted(which.name) + " on the sampler is now " +
-					      quoted(new_name) + "."
-				    : quoted(which.name) + " was not renamed.";
-	result = kept.empty() ? one_box(result) : result;
-	if (!kept.empty())
-		result.words += (result.words.empty() ? "" : "\n") + kept;
+	result.line = result.done()
+			      ? format_text(tr("%s on the sampler is now %s."),
+					quoted(which.name).c_str(), quoted(new_name).c_str())
+			      : format_text(tr("%s was not renamed."), quoted(which.name).c_str());
+	result = rescued.empty() ? one_box(result) : result;
+	if (!rescued.empty())
+		result.words += (result.words.empty() ? "" : "\n") + rescued;
 	return result;
+}
+
+outcome rename_program(const program_entry &which, const std::string &new_name)
+{
+	if (new_name.empty())
+		return { .how = ending::refused, .words = "Choose a new name!" };
+	machine_change kept({ step_kind::rename_program, which.name, new_name, which.index });
+	return kept.ended(rename_kept(which, new_name, kept));
 }
 
 // ---- Keygroups ------------------------------------------------------------------------------------------
@@ -407,21 +444,28 @@ static outcome tell_deletion(const ready_program &r, int keygroup)
 	return end_of_operation(&keeper, watch);
 }
 
-outcome delete_keygroup(const program_entry &which, int keygroup)
+static outcome delete_keygroup_kept(
+	const program_entry &which, int keygroup, const machine_change &kept)
 {
-	const ready_program r = prepare(which, &_sampler_type::del_keygroup);
+	const ready_program r = prepare(which, &_sampler_type::del_keygroup, kept);
 	if (!r.why.done())
 		return r.why;
 	if (keygroup < 0 || keygroup >= r.program->keygroups)
-		return { .how = ending::refused, .words = "There is no such keygroup." };
+		return { .how = ending::refused, .words = tr("There is no such keygroup.") };
 	log_line("[D] Deleting from PROG: %d Keygroup: %d !\r\n", r.index, keygroup);
 	outcome result = tell_deletion(r, keygroup);
 	if (result.done())
 		remove_keygroup(r.program, keygroup, true);
-	result.line = result.done() ? format_text("Deleted keygroup %d of ", keygroup + 1) +
-					      quoted(which.name) + "."
-				    : format_text("Keygroup %d was not deleted.", keygroup + 1);
+	result.line = result.done() ? format_text(tr("Deleted keygroup %d of %s."), keygroup + 1,
+					      quoted(which.name).c_str())
+				    : format_text(tr("Keygroup %d was not deleted."), keygroup + 1);
 	return one_box(result);
+}
+
+outcome delete_keygroup(const program_entry &which, int keygroup)
+{
+	machine_change kept({ step_kind::change_program, which.name, "", which.index });
+	return kept.ended(delete_keygroup_kept(which, keygroup, kept));
 }
 
 static bool step_over(_program &program, bool forward, bool sampler_told)
@@ -436,7 +480,8 @@ outcome step_edit(const program_entry &which, bool forward)
 	const int place = place_of(which);
 	if (!model || place < 0)
 		return model ? outcome{ .how = ending::refused,
-			.words = quoted(which.name) + " is not on the sampler any more." }
+			.words = format_text(tr("%s is not on the sampler any more."),
+				quoted(which.name).c_str()) }
 			     : result;
 	_program &program = current_sampler->status->program[place];
 	const int goes = keygroup_that_goes(program, forward);
@@ -444,7 +489,8 @@ outcome step_edit(const program_entry &which, bool forward)
 		(void)step_over(program, forward, false);
 		return {};
 	}
-	const ready_program r = prepare(which, &_sampler_type::del_keygroup);
+	machine_change kept({ step_kind::change_program, which.name, "", which.index });
+	const ready_program r = prepare(which, &_sampler_type::del_keygroup, kept);
 	// The list may have been read anew, and the edits with it.
 	const bool same = r.why.done() && keygroup_that_goes(*r.program, forward) == goes;
 	result = same ? tell_deletion(r, goes) : r.why;
@@ -452,11 +498,12 @@ outcome step_edit(const program_entry &which, bool forward)
 		(void)step_over(*r.program, forward, true);
 	else if (!same && result.done())
 		result = { .how = ending::refused,
-			.words = "The programs were read anew, and what was edited before is known "
-				 "no more." };
+			.words = tr(
+				"The programs were read anew, and what was edited before is known "
+				"no more.") };
 	else if (result.line.empty())
-		result.line = format_text("Keygroup %d was not deleted.", goes + 1);
-	return one_box(result);
+		result.line = format_text(tr("Keygroup %d was not deleted."), goes + 1);
+	return kept.ended(one_box(result));
 }
 
 // ---- To the sampler -----------------------------------------------------------------------------------------
@@ -468,7 +515,7 @@ std::string first_of(const std::vector<std::string> &names)
 	std::string text;
 	for (std::size_t i = 0; i < std::min(names.size(), shown); i++)
 		text += (i ? ", " : "") + names[i];
-	return names.size() > shown ? text + format_text(" and %zu more", names.size() - shown)
+	return names.size() > shown ? text + format_text(tr(" and %zu more"), names.size() - shown)
 				    : text;
 }
 
@@ -478,8 +525,8 @@ static bool may_carry(const _program &program, const _sampler_type &model)
 	const std::vector<std::string> lost = not_carried(program, model);
 	return lost.empty() ||
 	       ask_box("WARNING",
-		       "'%s' holds what an %s does not know, and what would stay behind: %s.\n"
-		       "Upload it all the same?",
+		       tr("'%s' holds what an %s does not know, and what would stay behind: %s.\n"
+			  "Upload it all the same?"),
 		       program.name, model.sampler_brand, first_of(lost).c_str());
 }
 
@@ -496,9 +543,10 @@ static outcome upload_over_its_own(const _sampler_type &model, const _program &p
 	const auto found = std::find(names.begin(), names.end(), name);
 	if (found == names.end())
 		return { .how = ending::refused,
-			.words = "This sampler takes a program only over one that it holds. Make a "
-				 "program called " +
-				 quoted(name) + " on its own panel, then try again." };
+			.words = format_text(
+				tr("This sampler takes a program only over one that it holds. Make "
+				   "a program called %s on its own panel, then try again."),
+				quoted(name).c_str()) };
 	const int index = static_cast<int>(found - names.begin());
 	_program &held = current_sampler->status->program[index];
 	const auto before = std::make_unique<_program>(held);
@@ -509,8 +557,8 @@ static outcome upload_over_its_own(const _sampler_type &model, const _program &p
 	outcome result = send_record(model, index, nullptr, &held);
 	if (!result.done())
 		held = *before;
-	result.line =
-		result.done() ? "Uploaded " + quoted(name) + "." : quoted(name) + " was not sent.";
+	result.line = result.done() ? format_text(tr("Uploaded %s."), quoted(name).c_str())
+				    : format_text(tr("%s was not sent."), quoted(name).c_str());
 	return one_box(verified_program(std::move(result), program, false));
 }
 
@@ -525,32 +573,35 @@ outcome upload_program(const _program &program)
 		return { .how = ending::refused, .words = not_supported, .caption = "FATAL" };
 	const std::string name = without_end_blanks(program.name);
 	if (!may_carry(program, *model))
-		return { .how = ending::stopped, .line = quoted(name) + " was not sent." };
-	const outcome ready = have_program_list();
+		return { .how = ending::stopped,
+			.line = format_text(tr("%s was not sent."), quoted(name).c_str()) };
+	machine_change kept({ step_kind::change_program, name, "", -1, program.keygroups });
+	const outcome ready = kept.may_go_on() ? have_program_list() : kept.why();
 	if (!ready.done())
 		return ready;
 	if (takes_only_its_own(*model))
-		return upload_over_its_own(*model, program);
+		return kept.ended(upload_over_its_own(*model, program));
 	const std::size_t before = loaded_programs().size();
 	const auto copy = std::make_unique<_program>(program); // sending changes it
 	copy_text(copy->name, name);
 	outcome result = send_record(*model, 0, copy.get(), copy.get());
 	const outcome read = read_programs_again();
 	if (result.done() && !can_look(read))
-		result = unknown_end(read, quoted(name) + " has arrived");
+		result = unknown_end(read, format_text(tr("%s has arrived"), quoted(name).c_str()));
 	else if (result.done() && loaded_programs().size() <= before && find_renamed(name, -1) < 0)
 		result = { .how = ending::refused,
-			.words = "The sampler does not list " + quoted(name) +
-				 ", so it did not keep it." };
+			.words = format_text(
+				tr("The sampler does not list %s, so it did not keep it."),
+				quoted(name).c_str()) };
 	if (result.done() && result.line.empty())
-		result.line = "Uploaded " + quoted(name) + ".";
-	return one_box(verified_program(std::move(result), program, true));
+		result.line = format_text(tr("Uploaded %s."), quoted(name).c_str());
+	return one_box(verified_program(kept.ended(std::move(result)), program, true));
 }
 
 // ---- Queues ---------------------------------------------------------------------------------------------
 
 // Ends at a dead line, at Stop, and at the same trouble twice in a row.
-static outcome run_queue(const std::vector<std::string> &names, const char *done_word,
+static outcome run_queue(const std::vector<std::string> &names, const char *verdict_words,
 	const std::function<outcome(const std::string &)> &work)
 {
 	outcome last;
@@ -575,7 +626,7 @@ static outcome run_queue(const std::vector<std::string> &names, const char *done
 				   : last.done() ? ending::refused
 						 : last.how,
 		.caption = done == all ? "INFO" : "WARNING",
-		.line = format_text("%d of %d samples were %s.", done, all, done_word) };
+		.line = format_text(tr(verdict_words), done, all) };
 	if (!failed.empty() || done < all)
 		verdict.words = verdict.line + failed;
 	return verdict;
@@ -585,9 +636,10 @@ outcome upload_files(const std::vector<std::string> &paths)
 {
 	if (paths.empty())
 		return {};
-	return run_queue(paths, "uploaded", [](const std::string &path) {
-		return upload_sample(path.substr(0, path.size() - 4));
-	});
+	return run_queue(
+		paths, own("%d of %d samples were uploaded."), [](const std::string &path) {
+			return upload_sample(path.substr(0, path.size() - 4));
+		});
 }
 
 outcome download_program(const program_entry &which)
@@ -596,7 +648,8 @@ outcome download_program(const program_entry &which)
 	const int at = ready.done() ? place_of(which) : -1;
 	if (ready.done() && at < 0)
 		ready = { .how = ending::refused,
-			.words = quoted(which.name) + " is not on the sampler any more." };
+			.words = format_text(tr("%s is not on the sampler any more."),
+				quoted(which.name).c_str()) };
 	if (!ready.done())
 		return ready;
 	auto copy = std::make_unique<_program>(current_sampler->status->program[at]);
@@ -619,8 +672,11 @@ outcome download_program(const program_entry &which)
 	outcome verdict = queue.empty() ? outcome{} : download_samples(&queue);
 	verdict.words = kept.words + (verdict.words.empty() ? "" : "\n" + verdict.words);
 	if (!missing.empty())
-		verdict.words += "\nNot on the sampler: " + first_of(missing);
-	verdict.line = verdict.done() ? "Downloaded " + quoted(which.name) + "." : verdict.line;
+		verdict.words +=
+			format_text(tr("\nNot on the sampler: %s"), first_of(missing).c_str());
+	verdict.line = verdict.done()
+			       ? format_text(tr("Downloaded %s."), quoted(which.name).c_str())
+			       : verdict.line;
 	return verdict;
 }
 

@@ -24,18 +24,18 @@ static bool nothing_chosen(const program_entry &entry, const char *words)
 
 static bool no_loaded(const program_entry &entry)
 {
-	return nothing_chosen(entry, "Choose a program on the sampler first!");
+	return nothing_chosen(entry, tr("Choose a program on the sampler first!"));
 }
 
 static bool no_local(const program_entry &entry)
 {
-	return nothing_chosen(entry, "Choose a program on this computer first!");
+	return nothing_chosen(entry, tr("Choose a program on this computer first!"));
 }
 
 static bool nothing_shown()
 {
 	if (!shown_program())
-		show_outcome({ .how = ending::refused, .words = "Choose a program first!" });
+		show_outcome({ .how = ending::refused, .words = tr("Choose a program first!") });
 	return !shown_program();
 }
 
@@ -91,7 +91,7 @@ static void choose_zone_sample()
 		item ? without_end_blanks(loaded[static_cast<std::size_t>(item - 1)]) : "";
 	log_line("[D] New Sample-Name: [%s]\r\n", name.c_str());
 	const field_change change = { at, text_value(name) };
-	const edit_words words = { format_text("Sample of keyzone %d of keygroup %d",
+	const edit_words words = { format_text(tr("Sample of keyzone %d of keygroup %d"),
 					   current_keyzone_index + 1, current_keygroup_index + 1),
 		text_at(*program, at), name };
 	(void)edit_fields(*program, words, { &change, 1 });
@@ -133,6 +133,8 @@ static void show_change(const outcome &result, const program_entry &loaded, int 
 
 static void delete_chosen()
 {
+	if (delete_several_programs())
+		return;
 	const program_entry chosen = chosen_on_sampler();
 	if (no_loaded(chosen))
 		return;
@@ -161,6 +163,8 @@ static void show_information()
 
 static void download_chosen()
 {
+	if (download_several_programs())
+		return;
 	const program_entry chosen = chosen_on_sampler();
 	if (no_loaded(chosen))
 		return;
@@ -176,8 +180,9 @@ static void live_update(const char *where)
 		return;
 	if (shown_is_local()) {
 		show_outcome({ .how = ending::refused,
-			.words = "This program is on this computer: Save Changes writes it to its "
-				 "file, Upload selected Prog sends it." });
+			.words = tr(
+				"This program is on this computer: Save Changes writes it to its "
+				"file, Upload selected Prog sends it.") });
 		return;
 	}
 	log_line("[D] LIVE UPDATE PRESSED! NEW KEYGROUPS: %d%s\r\n", shown_program()->keygroups,
@@ -211,7 +216,7 @@ static void add_keygroup()
 	if (added < 0) {
 		show_outcome({ .how = ending::refused,
 			.words = format_text(
-				"A program has at most %d keygroups.", max_keygroups) });
+				tr("A program has at most %d keygroups."), max_keygroups) });
 		return;
 	}
 	log_line("[D] New count of Keygroups: %d\r\n", program->keygroups);
@@ -225,7 +230,7 @@ static void delete_chosen_keygroup()
 	_program *program = shown_program();
 	const int keygroup = current_keygroup_index;
 	if (keygroup < 0 || keygroup >= program->keygroups) {
-		show_outcome({ .how = ending::refused, .words = "Choose a keygroup first!" });
+		show_outcome({ .how = ending::refused, .words = tr("Choose a keygroup first!") });
 		return;
 	}
 	outcome result;
@@ -274,7 +279,8 @@ static void step_back_or_on(bool forward)
 	if (!close_requested())
 		show_step(!result.done() || program->keygroups != before);
 	if (result.done())
-		say_edit((forward ? "Done again: " : "Undone: ") + sentence_of(step));
+		say_edit(format_text(forward ? tr("Done again: %s") : tr("Undone: %s"),
+			sentence_of(step).c_str()));
 	else
 		show_outcome(result);
 }
@@ -341,8 +347,9 @@ static void save_changes()
 		return;
 	if (!shown_is_local()) {
 		show_outcome({ .how = ending::refused,
-			.words = "This program is on the sampler: Life Update sends it, Download "
-				 "this Program keeps it on this computer." });
+			.words =
+				tr("This program is on the sampler: Life Update sends it, Download "
+				   "this Program keeps it on this computer.") });
 		return;
 	}
 	show_outcome(save_local_program(*shown_program()));
@@ -351,6 +358,8 @@ static void save_changes()
 
 static void delete_local_chosen()
 {
+	if (delete_several_local_programs())
+		return;
 	const program_entry chosen = chosen_on_computer();
 	if (no_local(chosen))
 		return;
@@ -371,6 +380,8 @@ static void rename_local_chosen()
 
 void upload_selected_local_program()
 {
+	if (upload_several_local_programs())
+		return;
 	const program_entry chosen = chosen_on_computer();
 	if (no_local(chosen))
 		return;
@@ -425,7 +436,7 @@ static bool import_one(const std::string &path, int taken, outcome *result, bool
 static void import_akp()
 {
 	const std::vector<std::string> paths =
-		host.ui->choose_files("Import AKP-File", "AKP (*.akp *.AKP);;All files (*)");
+		host.ui->choose_files("Import AKP-File", tr("AKP (*.akp *.AKP);;All files (*)"));
 	outcome result;
 	int taken = 0, tried = 0;
 	bool in_log = false;
@@ -440,14 +451,15 @@ static void import_akp()
 	if (!all)
 		return;
 	if (taken > most_summaries)
-		result.words +=
-			format_text("\nAnd %d more, which the log names.", taken - most_summaries);
+		result.words += format_text(
+			tr("\nAnd %d more, which the log names."), taken - most_summaries);
 	if (in_log)
-		result.words += "\nThe log names the parameters that cannot go, and those that no "
-				"AKP file tells and that are sent as 0.";
+		result.words +=
+			tr("\nThe log names the parameters that cannot go, and those that no "
+			   "AKP file tells and that are sent as 0.");
 	if (taken < all && result.done())
 		result.how = tried < all ? ending::stopped : ending::local_failed;
-	result.line = format_text("%d of %d AKP files were imported.", taken, all);
+	result.line = format_text(tr("%d of %d AKP files were imported."), taken, all);
 	if (taken)
 		show_local_side();
 	show_spool();
@@ -469,54 +481,54 @@ static void hide_programs()
 static constexpr caption_row programs_captions[] = {
 	// window          control                   caption, tooltip, empty
 	{ window_programs, 0,                        "VELMOR Manage Programs", nullptr, nullptr },
-	{ window_programs, programs_loaded_list,     "On the sampler", "The programs in the sampler's memory", "The sampler holds no programs" },
-	{ window_programs, programs_loaded_search,   "Search programs on the sampler", "Show only names that contain these letters", "Search" },
-	{ window_programs, programs_loaded_delete,   "Delete this Program", "Delete the chosen program from the sampler's memory", nullptr },
-	{ window_programs, programs_loaded_rename,   "Rename this Program", "Give the chosen program the name in the field", nullptr },
-	{ window_programs, programs_loaded_new_name, "New name on the sampler", "The name for Rename this Program", "New name" },
-	{ window_programs, programs_information,     "Program Information", "Show the chosen program", nullptr },
-	{ window_programs, programs_download,        "Download this Program", "Bring the chosen program and every sample it names to this computer", nullptr },
-	{ window_programs, programs_local_list,      "On this computer", "The programs of this computer", "No programs on this computer yet" },
-	{ window_programs, programs_local_search,    "Search programs on this computer", "Show only names that contain these letters", "Search" },
-	{ window_programs, programs_upload,          "Upload selected Prog", "Send the chosen program of this computer to the sampler", nullptr },
-	{ window_programs, programs_import_akp,      "Import AKP-File", "Choose AKP program files and bring them to this computer", nullptr },
-	{ window_programs, programs_local_delete,    "Delete Program File", "Move the chosen program of this computer to the folder of deleted files", nullptr },
-	{ window_programs, programs_local_rename,    "Rename Program File", "Give the chosen program of this computer the name in the field", nullptr },
-	{ window_programs, programs_local_new_name,  "New name on this computer", "The name for Rename Program File", "New name" },
-	{ window_programs, programs_keygroup_list,   "Keygroup", "The keygroups of the program", "No keygroup" },
-	{ window_programs, programs_keyzone_list,    "Keyzone", "The velocity zones of the keygroup", "No keyzone" },
-	{ window_programs, programs_keygroup_facts,  "Key range", "The keys of the chosen keygroup", nullptr },
-	{ window_programs, programs_zone_sample,     "Sample", "The sample that the keyzone plays", nullptr },
-	{ window_programs, programs_find_sample,     "Find in the spool and upload", "Send the spool's file of that name to the sampler", nullptr },
-	{ window_programs, programs_voice_form,      "Keygroup Specials Management", "Show every parameter of the keygroup", nullptr },
-	{ window_programs, programs_zone_form,       "Keyzone Special Parameters", "Show every parameter of the keyzone", nullptr },
-	{ window_programs, programs_program_form,    "Program-Specials Management", "Show every parameter of the program", nullptr },
-	{ window_programs, programs_adsr,            "ADSR Management", "Show the envelopes of the keygroup", nullptr },
-	{ window_programs, programs_life_update,     "Life Update", "Send the program as it stands here to the sampler", nullptr },
-	{ window_programs, programs_save_changes,    "Save Changes", "Write the edited program of this computer to its file", nullptr },
-	{ window_programs, programs_add_keygroup,    "Add Keygroup", "Add a keygroup; the sampler learns of it with the next Life Update", nullptr },
-	{ window_programs, programs_delete_keygroup, "Delete selected Keygroup", "Delete the chosen keygroup; the sampler is told at once", nullptr },
-	{ window_programs, programs_undo,            "Undo Edit", "Take the last edit of this program back", nullptr },
-	{ window_programs, programs_redo,            "Redo Edit", "Make the edit again that was taken back last", nullptr },
-	{ window_programs, programs_key_map,         "Key map", "Each keygroup over its keys; drag an edge to change its range, press a key to hear it", nullptr },
-	{ window_programs, programs_amp_envelope,    "Amplifier envelope", "Drag a point to change it", nullptr },
-	{ window_programs, programs_second_envelope, "Envelope 2", "Drag a point to change it", nullptr },
-	{ window_programs, programs_filter_envelope, "Filter envelope", "Drag a point to change it", nullptr },
-	{ window_programs, programs_aux_envelope,    "Auxiliary envelope", "Drag a point to change it", nullptr },
-	{ window_programs, programs_adsr_form,       "Envelopes", nullptr, nullptr },
+	{ window_programs, programs_loaded_list,     own("On the sampler"), own("The programs in the sampler's memory"), own("The sampler holds no programs") },
+	{ window_programs, programs_loaded_search,   own("Search programs on the sampler"), own("Show only names that contain these letters"), own("Search") },
+	{ window_programs, programs_loaded_delete,   "Delete this Program", own("Delete the chosen program from the sampler's memory"), nullptr },
+	{ window_programs, programs_loaded_rename,   "Rename this Program", own("Give the chosen program the name in the field"), nullptr },
+	{ window_programs, programs_loaded_new_name, own("New name on the sampler"), own("The name for Rename this Program"), own("New name") },
+	{ window_programs, programs_information,     "Program Information", own("Show the chosen program"), nullptr },
+	{ window_programs, programs_download,        "Download this Program", own("Bring the chosen program and every sample it names to this computer"), nullptr },
+	{ window_programs, programs_local_list,      own("On this computer"), own("The programs of this computer"), own("No programs on this computer yet") },
+	{ window_programs, programs_local_search,    own("Search programs on this computer"), own("Show only names that contain these letters"), own("Search") },
+	{ window_programs, programs_upload,          "Upload selected Prog", own("Send the chosen program of this computer to the sampler"), nullptr },
+	{ window_programs, programs_import_akp,      "Import AKP-File", own("Choose AKP program files and bring them to this computer"), nullptr },
+	{ window_programs, programs_local_delete,    own("Delete Program File"), own("Move the chosen program of this computer to the folder of deleted files"), nullptr },
+	{ window_programs, programs_local_rename,    own("Rename Program File"), own("Give the chosen program of this computer the name in the field"), nullptr },
+	{ window_programs, programs_local_new_name,  own("New name on this computer"), own("The name for Rename Program File"), own("New name") },
+	{ window_programs, programs_keygroup_list,   "Keygroup", own("The keygroups of the program"), own("No keygroup") },
+	{ window_programs, programs_keyzone_list,    "Keyzone", own("The velocity zones of the keygroup"), own("No keyzone") },
+	{ window_programs, programs_keygroup_facts,  own("Key range"), own("The keys of the chosen keygroup"), nullptr },
+	{ window_programs, programs_zone_sample,     "Sample", own("The sample that the keyzone plays"), nullptr },
+	{ window_programs, programs_find_sample,     own("Find in the spool and upload"), own("Send the spool's file of that name to the sampler"), nullptr },
+	{ window_programs, programs_voice_form,      "Keygroup Specials Management", own("Show every parameter of the keygroup"), nullptr },
+	{ window_programs, programs_zone_form,       "Keyzone Special Parameters", own("Show every parameter of the keyzone"), nullptr },
+	{ window_programs, programs_program_form,    "Program-Specials Management", own("Show every parameter of the program"), nullptr },
+	{ window_programs, programs_adsr,            "ADSR Management", own("Show the envelopes of the keygroup"), nullptr },
+	{ window_programs, programs_life_update,     "Life Update", own("Send the program as it stands here to the sampler"), nullptr },
+	{ window_programs, programs_save_changes,    "Save Changes", own("Write the edited program of this computer to its file"), nullptr },
+	{ window_programs, programs_add_keygroup,    "Add Keygroup", own("Add a keygroup; the sampler learns of it with the next Life Update"), nullptr },
+	{ window_programs, programs_delete_keygroup, "Delete selected Keygroup", own("Delete the chosen keygroup; the sampler is told at once"), nullptr },
+	{ window_programs, programs_undo,            own("Undo Edit"), own("Take the last edit of this program back"), nullptr },
+	{ window_programs, programs_redo,            own("Redo Edit"), own("Make the edit again that was taken back last"), nullptr },
+	{ window_programs, programs_key_map,         own("Key map"), own("Each keygroup over its keys; drag an edge to change its range, press a key to hear it"), nullptr },
+	{ window_programs, programs_amp_envelope,    own("Amplifier envelope"), own("Drag a point to change it"), nullptr },
+	{ window_programs, programs_second_envelope, own("Envelope 2"), own("Drag a point to change it"), nullptr },
+	{ window_programs, programs_filter_envelope, own("Filter envelope"), own("Drag a point to change it"), nullptr },
+	{ window_programs, programs_aux_envelope,    own("Auxiliary envelope"), own("Drag a point to change it"), nullptr },
+	{ window_programs, programs_adsr_form,       own("Envelopes"), nullptr, nullptr },
 	{ window_programs, form_of_program,          "Program", nullptr, nullptr },
-	{ window_programs, form_of_keygroup,         "Keygroup parameters", nullptr, nullptr },
-	{ window_programs, form_of_keyzone,          "Keyzone parameters", nullptr, nullptr },
-	{ window_programs, apply_to_keygroups,       "Apply to all Keygroups", "A value that is changed goes to every keygroup", nullptr },
-	{ window_programs, apply_to_keyzones,        "Apply to all Keyzones", "A value that is changed goes to every keyzone", nullptr },
-	{ window_programs, programs_tabs,            "Parameters", nullptr, nullptr },
-	{ window_programs, programs_unsent,          "Unsent changes", nullptr, nullptr },
-	{ window_programs, programs_title,           "What is shown", nullptr, nullptr },
-	{ window_programs, programs_loaded_heading,  "State of the sampler's list", "How many programs, and when they were read", nullptr },
-	{ window_programs, programs_local_heading,   "State of this computer's list", "How many programs there are on this computer", nullptr },
-	{ window_programs, programs_retry,           "Try again", "Ask the sampler once more", nullptr },
-	{ window_programs, programs_refresh,         "&Refresh", "Read the sampler and this computer anew", nullptr },
-	{ window_programs, control_cancel,           "&Close", "Close this window", nullptr },
+	{ window_programs, form_of_keygroup,         own("Keygroup parameters"), nullptr, nullptr },
+	{ window_programs, form_of_keyzone,          own("Keyzone parameters"), nullptr, nullptr },
+	{ window_programs, apply_to_keygroups,       "Apply to all Keygroups", own("A value that is changed goes to every keygroup"), nullptr },
+	{ window_programs, apply_to_keyzones,        "Apply to all Keyzones", own("A value that is changed goes to every keyzone"), nullptr },
+	{ window_programs, programs_tabs,            own("Parameters"), nullptr, nullptr },
+	{ window_programs, programs_unsent,          own("Unsent changes"), nullptr, nullptr },
+	{ window_programs, programs_title,           own("What is shown"), nullptr, nullptr },
+	{ window_programs, programs_loaded_heading,  own("State of the sampler's list"), own("How many programs, and when they were read"), nullptr },
+	{ window_programs, programs_local_heading,   own("State of this computer's list"), own("How many programs there are on this computer"), nullptr },
+	{ window_programs, programs_retry,           own("Try again"), own("Ask the sampler once more"), nullptr },
+	{ window_programs, programs_refresh,         "&Refresh", own("Read the sampler and this computer anew"), nullptr },
+	{ window_programs, control_cancel,           "&Close", own("Close this window"), nullptr },
 };
 static constexpr command_row programs_commands[] = {
 	// window          control                   what it does            when

@@ -22,7 +22,7 @@ static constexpr list_controls loaded_controls = {
 	.list = programs_loaded_list,
 	.heading = programs_loaded_heading,
 	.retry = programs_retry,
-	.what = "program",
+	.what = noun::program,
 };
 static const char *const window_title = "VELMOR Manage Programs";
 
@@ -87,11 +87,11 @@ const char *why_not_find()
 	const field_place at = { field_of<&_keyzone::samplename>, current_keygroup_index,
 		current_keyzone_index };
 	if (!program || !place_exists(*program, at))
-		return "No keyzone is chosen.";
+		return tr("No keyzone is chosen.");
 	const std::string name = without_end_blanks(text_at(*program, at));
 	if (name.empty() || !sample_missing(name))
-		return "The sample of the chosen keyzone is there, or it names none.";
-	return local_side ? "Samples of a program of this computer are sent with the program."
+		return tr("The sample of the chosen keyzone is there, or it names none.");
+	return local_side ? tr("Samples of a program of this computer are sent with the program.")
 			  : nullptr;
 }
 
@@ -101,6 +101,25 @@ static program_entry chosen_of(int list, const std::vector<std::string> &names)
 	if (index < 0 || index >= static_cast<int>(names.size()))
 		return {};
 	return { names[static_cast<std::size_t>(index)], index };
+}
+
+static std::vector<program_entry> all_chosen_of(int list, const std::vector<std::string> &names)
+{
+	std::vector<program_entry> all;
+	for (const int index : host.ui->selections(window_programs, list))
+		if (index >= 0 && index < static_cast<int>(names.size()))
+			all.push_back({ names[static_cast<std::size_t>(index)], index });
+	return all;
+}
+
+std::vector<program_entry> all_chosen_on_sampler()
+{
+	return all_chosen_of(programs_loaded_list, names_loaded);
+}
+
+std::vector<program_entry> all_chosen_on_computer()
+{
+	return all_chosen_of(programs_local_list, names_local);
 }
 
 program_entry chosen_on_sampler()
@@ -145,14 +164,15 @@ void show_title()
 
 static std::string or_none(const std::string &value)
 {
-	return value.empty() ? "none" : value;
+	return value.empty() ? tr("none") : value;
 }
 
 std::string sentence_of(const edit_words &edit)
 {
 	const bool values = !edit.from.empty() || !edit.to.empty();
-	return edit.what +
-	       (values ? " from " + or_none(edit.from) + " to " + or_none(edit.to) : "");
+	return edit.what + (values ? format_text(tr(" from %s to %s"), or_none(edit.from).c_str(),
+					     or_none(edit.to).c_str())
+				   : "");
 }
 
 void say_edit(const std::string &sentence)
@@ -160,14 +180,14 @@ void say_edit(const std::string &sentence)
 	const _program *program = shown_program();
 	const bool unsent = program && unsent_changes(*program).all();
 	say_line(sentence + (!unsent             ? ""
-				    : local_side ? "; not saved yet"
-						 : "; not sent yet"),
+				    : local_side ? tr("; not saved yet")
+						 : tr("; not sent yet")),
 		text_role::plain);
 }
 
 static std::string changes_words(int count)
 {
-	return count ? format_text("%d change%s unsent", count, count == 1 ? "" : "s") : "";
+	return count ? format_text(tr("%s unsent"), counted(count, noun::change).c_str()) : "";
 }
 
 // The name, how many keygroups, and how many changes wait, where some do.
@@ -215,9 +235,9 @@ static void show_unsent()
 		(all ? std::string(window_title) + " - " + changes_words(all) : window_title)
 			.c_str());
 	host.ui->set_reason(window_programs, programs_undo,
-		program && undo_words(*program) ? nullptr : "There is no edit to undo.");
+		program && undo_words(*program) ? nullptr : tr("There is no edit to undo."));
 	host.ui->set_reason(window_programs, programs_redo,
-		program && redo_words(*program) ? nullptr : "No edit was undone.");
+		program && redo_words(*program) ? nullptr : tr("No edit was undone."));
 }
 
 // Also from inside an event of a row: forms are left alone.
@@ -238,7 +258,7 @@ static void edited(const _program *program)
 	if (!was_opened(window_programs) || !program || program != shown_program())
 		return;
 	const edit_words *last = undo_words(*program);
-	say_edit(last ? sentence_of(*last) : "Nothing is edited");
+	say_edit(last ? sentence_of(*last) : tr("Nothing is edited"));
 }
 
 // ---- Showing a program, a keygroup, a zone --------------------------------------------------------
@@ -261,7 +281,7 @@ static void choose_entry(int list, const std::vector<std::string> &items, int in
 // Nothing, the sampler's samples, and at the end a sample that is not among them.
 void show_zone_sample(const _program &program, int keygroup, int keyzone)
 {
-	std::vector<std::string> items = { "no sample" };
+	std::vector<std::string> items = { tr("no sample") };
 	for (const std::string &name : loaded_names())
 		items.push_back(without_end_blanks(name));
 	const field_place at = { field_of<&_keyzone::samplename>, keygroup, keyzone };
@@ -290,7 +310,7 @@ void edit_keyzone(_program *program, int keygroup, int keyzone)
 {
 	current_keyzone_index = keyzone;
 	const _sampler_type *model = get_sampler(edited_model());
-	show_no_form(form_of_keyzone, "Of a keyzone of this model only the sample is edited.");
+	show_no_form(form_of_keyzone, tr("Of a keyzone of this model only the sample is edited."));
 	if (model && model->assignvelocity)
 		model->assignvelocity(window_programs, current_pgm_index, keygroup, keyzone);
 	show_zone_sample(*program, keygroup, keyzone);
@@ -300,18 +320,19 @@ void edit_keyzone(_program *program, int keygroup, int keyzone)
 std::string facts_of(const _program &program, int keygroup)
 {
 	if (keygroup < 0 || keygroup >= program.keygroups)
-		return "No keygroup";
+		return tr("No keygroup");
 	const _keygroup &group = program.keygroup[keygroup];
-	return format_text("Keygroup %d of %d: ", keygroup + 1, program.keygroups) +
-	       note_item(group.low_note) + " to " + note_item(group.high_note);
+	return format_text(tr("Keygroup %d of %d: %s to %s"), keygroup + 1, program.keygroups,
+		note_item(group.low_note).c_str(), note_item(group.high_note).c_str());
 }
 
 void edit_keygroup(_program *program, int keygroup, int keyzone)
 {
 	current_keygroup_index = keygroup;
 	const _sampler_type *model = get_sampler(edited_model());
-	show_no_form(form_of_keygroup, "Of a keygroup of this model only the keys are edited: drag "
-				       "its edges in the key map.");
+	show_no_form(
+		form_of_keygroup, tr("Of a keygroup of this model only the keys are edited: drag "
+				     "its edges in the key map."));
 	if (model && model->assignvoice)
 		model->assignvoice(window_programs, current_pgm_index, keygroup, keyzone);
 	open_adsr_form();
@@ -336,7 +357,7 @@ void edit_program(_program *program, int index, int keygroup)
 	const int count = std::clamp(program->keygroups, 0, max_keygroups);
 	current_keygroup_index = std::clamp(keygroup, 0, std::max(count - 1, 0));
 	close_forms(window_programs);
-	show_no_form(form_of_program, "This model has no values of the program to edit.");
+	show_no_form(form_of_program, tr("This model has no values of the program to edit."));
 	if (model && model->assignprog)
 		model->assignprog(window_programs, index, current_keygroup_index, 0);
 	choose_entry(programs_keygroup_list, numbered("Keygroup", count), current_keygroup_index);
@@ -432,7 +453,7 @@ void fill_lists(const program_entry &loaded, const program_entry &local)
 	if (at_local >= 0)
 		host.ui->select(window_programs, programs_local_list, at_local);
 	host.ui->set_text(window_programs, programs_local_heading,
-		format_text("%d program%s", local_pgms, local_pgms == 1 ? "" : "s").c_str());
+		counted(local_pgms, noun::program).c_str());
 	local_side = local_side && at_local >= 0;
 	const int shown = local_side ? at_local : at_loaded;
 	const bool same = shown == current_pgm_index;
@@ -448,8 +469,15 @@ void update_program_page()
 	const bool silent = known.silent && known.way == way_key();
 	for (const int control : needs_the_list)
 		host.ui->set_reason(window_programs, control,
-			silent ? "Not now: the sampler's list could not be read. Try again first."
+			silent ? tr("Not now: the sampler's list could not be read. Try again "
+				    "first.")
 			       : nullptr);
+	const char *one = tr("This is for one program, and several are chosen.");
+	if (all_chosen_on_sampler().size() > 1)
+		for (const int control : { programs_loaded_rename, programs_information })
+			host.ui->set_reason(window_programs, control, one);
+	host.ui->set_reason(window_programs, programs_local_rename,
+		all_chosen_on_computer().size() > 1 ? one : nullptr);
 	show_unsent();
 }
 
@@ -474,9 +502,11 @@ bool may_lose_edits(bool all)
 		unsent += unsent_changes(dev->program[i]).all();
 	return !unsent ||
 	       ask_box("WARNING",
-		       "%d change%s of programs would be lost, because %s not sent or "
-		       "saved. Go on all the same?",
-		       unsent, unsent == 1 ? "" : "s", unsent == 1 ? "it is" : "they are");
+		       unsent == 1 ? tr("%d change of programs would be lost, because it is not "
+					"sent or saved. Go on all the same?")
+				   : tr("%d changes of programs would be lost, because they are "
+					"not sent or saved. Go on all the same?"),
+		       unsent);
 }
 
 static void read_all(const program_entry &loaded, const program_entry &local, bool keeping_edits)
@@ -489,7 +519,8 @@ static void read_all(const program_entry &loaded, const program_entry &local, bo
 	fill_lists(loaded, local);
 	// What could not be read is told in place of the list.
 	if (!read.done())
-		kept.line = "The sampler's list was not read. The computer's list is up to date.";
+		kept.line =
+			tr("The sampler's list was not read. The computer's list is up to date.");
 	kept.how = read.done() ? kept.how : read.how;
 	kept.told.insert(kept.told.end(), read.told.begin(), read.told.end());
 	if (!kept.done() || !kept.told.empty())

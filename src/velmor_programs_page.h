@@ -24,6 +24,8 @@ void forget_program_page();
 // What is chosen in the lists; index -1 for nothing.
 program_entry chosen_on_sampler();
 program_entry chosen_on_computer();
+std::vector<program_entry> all_chosen_on_sampler();
+std::vector<program_entry> all_chosen_on_computer();
 // Show an entry of a list.
 void choose_program(bool local, int index);
 // The shown program once more, with another number of keygroups.
@@ -59,5 +61,13 @@ template <int control> void change_envelope(envelope_event event, int index, int
 {
 	drag_envelope(control, event, index, value);
 }
+
+// ---- On several programs (velmor_programs_several.cpp) ------------------------------------------
+
+// False, and nothing was done, where no more than one is chosen.
+bool download_several_programs();
+bool delete_several_programs();
+bool delete_several_local_programs();
+bool upload_several_local_programs();
 
 } // namespace velmor

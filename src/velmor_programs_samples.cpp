@@ -102,19 +102,21 @@ outcome find_and_upload(const std::string &named)
 {
 	const std::string name = without_end_blanks(named);
 	if (name.empty())
-		return { .how = ending::refused, .words = "This keyzone names no sample." };
+		return { .how = ending::refused, .words = tr("This keyzone names no sample.") };
 	const std::string path = find_in_spool(name);
 	if (path.empty())
 		return { .how = ending::refused,
-			.words = "The spool holds no file called '" + name +
-				 "'. Import it in the sample manager, or choose another sample for "
-				 "the keyzone.",
-			.line = "'" + name + "' is not in the spool." };
+			.words = format_text(
+				tr("The spool holds no file called '%s'. Import it in the sample "
+				   "manager, or choose another sample for the keyzone."),
+				name.c_str()),
+			.line = format_text(tr("'%s' is not in the spool."), name.c_str()) };
 	log_line("[I] Found [%s] for the missing sample [%s]\r\n", path.c_str(), name.c_str());
 	outcome result = upload_sample(path);
 	if (result.done() && !is_loaded_sample(name))
-		result.words = result.line + " The sampler does not call it '" + name +
-			       "', so choose it in the sample list of the keyzone.";
+		result.words = format_text(tr("%s The sampler does not call it '%s', so choose it "
+					      "in the sample list of the keyzone."),
+			result.line.c_str(), name.c_str());
 	return result;
 }
 

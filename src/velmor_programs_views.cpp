@@ -107,13 +107,13 @@ struct map_edge {
 };
 static const map_edge edges[] = {
 	{ key_map_event::low_note, field_of<&_keygroup::low_note>, field_of<&_keygroup::high_note>,
-		true, false, "Low note" },
+		true, false, own("Low note") },
 	{ key_map_event::high_note, field_of<&_keygroup::high_note>, field_of<&_keygroup::low_note>,
-		false, false, "High note" },
+		false, false, own("High note") },
 	{ key_map_event::low_velocity, field_of<&_keyzone::low_velocity>,
-		field_of<&_keyzone::high_velocity>, true, true, "Velocity low" },
+		field_of<&_keyzone::high_velocity>, true, true, own("Velocity low") },
 	{ key_map_event::high_velocity, field_of<&_keyzone::high_velocity>,
-		field_of<&_keyzone::low_velocity>, false, true, "Velocity high" },
+		field_of<&_keyzone::low_velocity>, false, true, own("Velocity high") },
 };
 
 static void drag_edge(const map_edge &edge, int group, int zone, int value)
@@ -128,9 +128,11 @@ static void drag_edge(const map_edge &edge, int group, int zone, int value)
 		return;
 	log_line("[D] New %s-Value: %d\r\n", edge.low ? "Low" : "High", to);
 	const std::string where =
-		edge.of_zone ? format_text(" of keyzone %d", zone + 1) : std::string();
-	const edit_words words = { edge.what + where + format_text(" of keygroup %d", group + 1),
-		format_text("%d", number_at(program, at)), format_text("%d", to) };
+		edge.of_zone ? format_text(tr("%s of keyzone %d of keygroup %d"), tr(edge.what),
+				       zone + 1, group + 1)
+			     : format_text(tr("%s of keygroup %d"), tr(edge.what), group + 1);
+	const edit_words words = { where, format_text("%d", number_at(program, at)),
+		format_text("%d", to) };
 	const field_change change = { at, to };
 	const gesture movement = { window_programs, programs_key_map, static_cast<int>(edge.event),
 		group + 1, zone + 1, 1 };

@@ -3,11 +3,12 @@
 // Long operations run on the main thread, so set_progressbar also lets waiting
 // interface events run: that is what keeps the windows alive meanwhile. The other
 // windows are disabled from show to hide, which keeps the user from starting a
-// second operation inside the first.
+// second operation inside the first. A queue keeps the window between its items, and what
+// the user wants of it is not taken back by the next one.
 //
 // Knows nothing of: what is being done, what the window looks like.
 
-#include "src/velmor.h"
+#include "src/velmor_queue.h"
 #include <cmath>
 
 namespace velmor
@@ -22,7 +23,9 @@ static double shown_at = 0; // counter, when the window was shown
 void show_progressbar(int, int range, const char *caption)
 {
 	progressbar_range = range > 0 ? range : 100;
-	stopped = false;
+	forget_stop();
+	if (!queue_keeps_window())
+		leave_verdict();
 	shown_at = host.clock->counter();
 	host.ui->progress_show(caption ? caption : "Progress", progressbar_range);
 }
@@ -38,8 +41,8 @@ static std::string time_left(double done)
 		return "";
 	const int left = static_cast<int>(seconds);
 	if (left >= 3600)
-		return format_text("%d:%02d:%02d left", left / 3600, left / 60 % 60, left % 60);
-	return format_text("%d:%02d left", left / 60, left % 60);
+		return format_text(tr("%d:%02d:%02d left"), left / 3600, left / 60 % 60, left % 60);
+	return format_text(tr("%d:%02d left"), left / 60, left % 60);
 }
 
 void set_progressbar(int val)
@@ -48,12 +51,14 @@ void set_progressbar(int val)
 	const double done = part > 1 ? 1 : part;
 	const std::string info = format_text("%.02f %%", done * 100);
 	host.ui->progress_set(val, info.c_str(), time_left(done).c_str());
+	queue_moved(done);
 	host.ui->pump(0);
 }
 
 void hide_progressbar(int)
 {
-	host.ui->progress_hide();
+	if (!queue_keeps_window())
+		host.ui->progress_hide();
 }
 
 bool progress_stopped()
@@ -74,11 +79,13 @@ bool close_requested()
 void stop_progress()
 {
 	stopped = true;
+	if (running_queue)
+		running_queue->stop = true;
 }
 
 void forget_stop()
 {
-	stopped = false;
+	stopped = running_queue && running_queue->stop;
 }
 
 } // namespace velmor

@@ -7,6 +7,8 @@
 //
 // Knows nothing of: models, windows.
 
+#include "src/velmor_history.h"
+#include "src/velmor_transfer.h"
 #include "src/velmor_verify.h"
 #include "src/velmor_work.h"
 #include "src/waveqx.h"
@@ -98,14 +100,15 @@ static const _sampler_type &row_of_loaded()
 	return *get_sampler(static_cast<i32>(current_sampler->sampler_type));
 }
 
-// One sample, from a list that is fresh. What the driver told comes with it.
-static outcome fetch(const std::string &name)
+// What the driver told comes with it.
+outcome fetch_sample(const std::string &name)
 {
 	if (!is_listed(name))
 		return gone(name);
 	box_keeper keeper;
 	const line_watch watch;
 	forget_stop(); // of earlier work
+	const transfer_clock measured(transfer_way::down);
 	row_of_loaded().downloadsample(control_channel(), exclusive_channel(), name.c_str());
 	outcome result = { .line = "Downloaded " + quoted(name) + "." };
 	result.told = keeper.take();
@@ -117,6 +120,8 @@ static outcome fetch(const std::string &name)
 		result.how = ending::refused;
 	else if (!troubles(result.told).empty())
 		result.how = ending::local_failed;
+	else
+		measured.arrived(wave_path_of(spool_filebase(name.c_str())));
 	if (result.done())
 		return verified_download(result, name);
 	result.told = troubles(result.told);
@@ -132,104 +137,10 @@ outcome download_sample(const std::string &name)
 	const outcome ready = offered.done() ? have_sample(name) : offered;
 	if (!ready.done())
 		return ready;
-	outcome result = fetch(name);
+	outcome result = fetch_sample(name);
 	if (!result.done() && result.how != ending::stopped && result.told.empty())
 		result.words = result.line;
 	return result;
-}
-
-// ---- Many from the sampler ------------------------------------------------------------------------
-
-static std::string reason_of(const outcome &one)
-{
-	if (one.how == ending::stopped)
-		return "stopped";
-	if (one.how == ending::no_answer)
-		return "no answer";
-	if (!one.told.empty())
-		return one.told.back().text;
-	return one.words.empty() ? "the sampler did not send it" : one.words;
-}
-
-static int count_of(const work_queue &queue, item_state state)
-{
-	return static_cast<int>(std::count_if(queue.begin(), queue.end(),
-		[&](const work_item &item) { return item.state == state; }));
-}
-
-// "A, B and 7 more", of the items of that state.
-static std::string names_of(const work_queue &queue, item_state state)
-{
-	constexpr int shown = 10;
-	const int count = count_of(queue, state);
-	std::string text;
-	int named = 0;
-	for (const work_item &item : queue) {
-		if (item.state != state || named == shown)
-			continue;
-		text += (named++ ? ", " : "") + item.name;
-		if (!item.words.empty())
-			text += " (" + item.words + ")";
-	}
-	return count > shown ? text + format_text(" and %d more", count - shown) : text;
-}
-
-// What was done and what was not, told once.
-static outcome verdict_of(const work_queue &queue, const outcome &last)
-{
-	const int done = count_of(queue, item_state::done);
-	const int all = static_cast<int>(queue.size()) - count_of(queue, item_state::skipped);
-	outcome verdict = { .how = last.how,
-		.words = format_text("%d/%d samples downloaded!", done, all) };
-	verdict.line = format_text("%d of %d samples were downloaded.", done, all);
-	if (done < all && last.how == ending::done)
-		verdict.how = ending::refused;
-	if (done < all && last.how != ending::stopped)
-		verdict.caption = "WARNING";
-	if (last.how == ending::no_answer)
-		verdict.words += "\n" + silence_words(loaded_reached());
-	struct line {
-		item_state state;
-		const char *words;
-	};
-	static constexpr line lines[] = {
-		{ item_state::failed, "Not downloaded: " },
-		{ item_state::waiting, "Not asked for: " },
-	};
-	for (const line &row : lines)
-		if (count_of(queue, row.state))
-			verdict.words += std::string("\n") + row.words + names_of(queue, row.state);
-	return verdict;
-}
-
-// A line that is dead, a wish of the user, and the same trouble twice in a row end the whole.
-static bool ends_queue(const outcome &last, const std::string &trouble, const std::string &before)
-{
-	return last.how == ending::no_answer || last.how == ending::stopped ||
-	       (!last.done() && trouble == before);
-}
-
-outcome download_samples(work_queue *queue)
-{
-	const outcome offered = offers_download();
-	outcome last = offered.done() ? have_sample_list() : offered;
-	if (!last.done())
-		return last;
-	const int all = count_of(*queue, item_state::waiting);
-	int number = 0;
-	std::string before;
-	for (work_item &item : *queue) {
-		if (item.state != item_state::waiting)
-			continue;
-		log_line("[I] Downloading [%s] (%d/%d)\r\n", item.name.c_str(), ++number, all);
-		last = fetch(item.name);
-		item.state = last.done() ? item_state::done : item_state::failed;
-		item.words = last.done() ? "" : reason_of(last);
-		if (ends_queue(last, item.words, before))
-			break;
-		before = item.words;
-	}
-	return verdict_of(*queue, last);
 }
 
 // ---- Information ----------------------------------------------------------------------------------
@@ -285,7 +196,9 @@ static outcome change(const std::string &name, const char *new_name, const std::
 		return why;
 	if (!model->renamesample)
 		return { .how = ending::refused, .words = not_supported, .caption = "FATAL" };
-	const outcome ready = have_sample(name);
+	machine_change kept({ new_name ? step_kind::rename_sample : step_kind::delete_sample, name,
+		new_name ? new_name : "" });
+	const outcome ready = kept.may_go_on() ? have_sample(name) : kept.why();
 	if (!ready.done())
 		return ready;
 	const int before = times_listed(name);
@@ -300,7 +213,7 @@ static outcome change(const std::string &name, const char *new_name, const std::
 			.words = "The sampler did not do it: " + quoted(name) +
 				 " is still in its list." };
 	result.told = troubles(keeper.take());
-	return result;
+	return kept.ended(result);
 }
 
 outcome rename_sample(const std::string &name, const std::string &new_name)
@@ -364,18 +277,24 @@ outcome upload_sample(const std::string &path)
 	const upload_verdict check = upload_check(row_of_loaded(), wave_path_of(path));
 	if (!check.sends)
 		return { .how = ending::refused, .words = check.words, .caption = "WARNING" };
-	const outcome ready = have_sample_list();
+	const std::string name = path.substr(path.rfind('\\') + 1);
+	forget_stop(); // of earlier work
+	machine_change kept({ .kind = step_kind::upload_sample, .name = name });
+	const outcome ready = kept.may_go_on() ? have_sample_list() : kept.why();
 	if (!ready.done())
 		return ready;
+	if (progress_stopped())
+		return { .how = ending::stopped, .line = quoted(name) + " was not sent: stopped." };
 	const int before = static_cast<int>(loaded_names().size());
 	box_keeper keeper;
-	forget_stop(); // of earlier work
+	const transfer_clock measured(transfer_way::up);
 	row_of_loaded().uploadsample(path.c_str());
 	const bool stopped = progress_stopped();
 	const std::vector<kept_box> told = keeper.take();
+	if (!stopped && troubles(told).empty())
+		measured.arrived(wave_path_of(path));
 	const outcome read = read_sample_list();
-	return verified_upload(
-		judge_upload(path.substr(path.rfind('\\') + 1), before, read, told, stopped), path);
+	return verified_upload(kept.ended(judge_upload(name, before, read, told, stopped)), path);
 }
 
 } // namespace velmor

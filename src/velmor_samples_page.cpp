@@ -1,4 +1,4 @@
-// velmor_samples_page.cpp - the sample manager: two lists, what is chosen in them, and the buttons
+// velmor_samples_page.cpp - the sample manager: two lists, and what is chosen in them
 //
 // Each button reads the selection, calls a workflow (velmor_work.h), and shows how it ended.
 // Names are taken from what the list shows, not from the record behind it, which another view
@@ -8,8 +8,8 @@
 //
 // Knows nothing of: models (but what their rows say), toolkits.
 
+#include "src/velmor_samples_page.h"
 #include "src/velmor_verify.h"
-#include "src/velmor_window.h"
 #include "src/waveqx.h"
 #include <algorithm>
 #include <cstring>
@@ -25,29 +25,42 @@ static constexpr list_controls loaded_controls = {
 	.list = samples_loaded_list,
 	.heading = samples_loaded_heading,
 	.retry = samples_retry,
-	.what = "sample",
+	.what = noun::sample,
 };
 
 static constexpr int detail_fields[] = { samples_detail_origin, samples_detail_name,
 	samples_detail_pitch, samples_detail_rate, samples_detail_seconds, samples_detail_channels,
 	samples_detail_bits, samples_detail_playmode };
 
-// What needs the sampler's list.
-static constexpr int needs_the_list[] = { samples_download, samples_download_all,
-	samples_loaded_delete, samples_loaded_rename, samples_loaded_info, samples_upload };
+// What a command needs before it can do something.
+struct need_row {
+	int control;
+	bool known_list;     // of the sampler
+	int list;            // something chosen in it; 0: nothing
+	const char *nothing; // is chosen there
+	bool one;            // and not several
+};
+// clang-format off
+static constexpr const char *no_loaded_words = own("Choose a sample on the sampler first.");
+static constexpr const char *no_local_words = own("Choose a sample on this computer first.");
+static constexpr need_row needs[] = {
+	{ samples_download,      true,  samples_loaded_list, no_loaded_words, false },
+	{ samples_download_all,  true,  0,                   nullptr,         false },
+	{ samples_loaded_delete, true,  samples_loaded_list, no_loaded_words, false },
+	{ samples_loaded_rename, true,  samples_loaded_list, no_loaded_words, true  },
+	{ samples_loaded_info,   true,  samples_loaded_list, no_loaded_words, true  },
+	{ samples_upload,        true,  samples_local_list,  no_local_words,  false },
+	{ samples_local_delete,  false, samples_local_list,  no_local_words,  false },
+	{ samples_local_rename,  false, samples_local_list,  no_local_words,  true  },
+	{ samples_local_info,    false, samples_local_list,  no_local_words,  true  },
+};
+// clang-format on
 
-// The names as the list shows them.
-static std::vector<std::string> shown_loaded;
+std::vector<std::string> shown_loaded;
 
 using list_rows = std::vector<std::vector<std::string>>;
 
-// An entry of a list, by its name and place; -1 for none.
-struct chosen_entry {
-	std::string name;
-	int index;
-};
-
-static chosen_entry chosen_loaded()
+chosen_entry chosen_loaded()
 {
 	const int index = host.ui->selection(window_samples, samples_loaded_list);
 	if (index < 0 || index >= static_cast<int>(shown_loaded.size()))
@@ -55,12 +68,40 @@ static chosen_entry chosen_loaded()
 	return { shown_loaded[static_cast<std::size_t>(index)], index };
 }
 
-static chosen_entry chosen_local()
+chosen_entry chosen_local()
 {
 	const int index = host.ui->selection(window_samples, samples_local_list);
 	if (index < 0 || index >= local_samples)
 		return { "", -1 };
 	return { local_sample[static_cast<std::size_t>(index)].displayname, index };
+}
+
+chosen_entries all_chosen_loaded()
+{
+	chosen_entries all;
+	for (const int index : host.ui->selections(window_samples, samples_loaded_list))
+		if (index >= 0 && index < static_cast<int>(shown_loaded.size()))
+			all.push_back({ shown_loaded[static_cast<std::size_t>(index)], index });
+	return all;
+}
+
+chosen_entries all_chosen_local()
+{
+	chosen_entries all;
+	for (const int index : host.ui->selections(window_samples, samples_local_list))
+		if (index >= 0 && index < local_samples)
+			all.push_back({ local_sample[static_cast<std::size_t>(index)].displayname,
+				index });
+	return all;
+}
+
+std::vector<std::string> chosen_files()
+{
+	std::vector<std::string> paths;
+	for (const chosen_entry &entry : all_chosen_local())
+		paths.push_back(
+			wave_path_of(local_sample[static_cast<std::size_t>(entry.index)].pathname));
+	return paths;
 }
 
 static bool nothing_chosen(const chosen_entry &entry, const char *words)
@@ -70,34 +111,48 @@ static bool nothing_chosen(const chosen_entry &entry, const char *words)
 	return entry.index < 0;
 }
 
-static bool no_loaded(const chosen_entry &entry)
+bool no_loaded(const chosen_entry &entry)
 {
 	return nothing_chosen(entry, "Choose a sample on the sampler first!");
 }
 
-static bool no_local(const chosen_entry &entry)
+bool no_local(const chosen_entry &entry)
 {
 	return nothing_chosen(entry, "Choose a sample on this computer first!");
 }
 
-// Fill a list, and choose what was chosen before: the name where it was, the name elsewhere, or
-// what stands in its place now.
+// Where an entry stands now: the name where it was, the name elsewhere; -1: nowhere.
+static int place_now(const std::vector<std::string> &names, const chosen_entry &entry)
+{
+	if (entry.index >= 0 && entry.index < static_cast<int>(names.size()) &&
+		names[static_cast<std::size_t>(entry.index)] == entry.name)
+		return entry.index;
+	const auto found = std::find(names.begin(), names.end(), entry.name);
+	return found == names.end() ? -1 : static_cast<int>(found - names.begin());
+}
+
+// Fill a list, and choose what was chosen before, or what stands in the place of the first now.
 static void refill(int control, const list_rows &rows, const std::vector<std::string> &names,
-	const chosen_entry &before)
+	const chosen_entries &before)
 {
 	host.ui->set_rows(window_samples, control, rows);
 	const int count = static_cast<int>(names.size());
 	if (!count)
 		return;
-	const int place = std::clamp(before.index, 0, count - 1);
-	const auto found = std::find(names.begin(), names.end(), before.name);
-	const bool elsewhere =
-		names[static_cast<std::size_t>(place)] != before.name && found != names.end();
-	host.ui->select(window_samples, control,
-		elsewhere ? static_cast<int>(found - names.begin()) : place);
+	std::vector<int> places;
+	for (const chosen_entry &entry : before)
+		if (const int place = place_now(names, entry); place >= 0)
+			places.push_back(place);
+	if (places.size() > 1)
+		host.ui->select_several(window_samples, control, places);
+	else if (places.empty())
+		host.ui->select(window_samples, control,
+			before.empty() ? 0 : std::clamp(before.front().index, 0, count - 1));
+	else
+		host.ui->select(window_samples, control, places.front());
 }
 
-static void clear_details()
+void clear_details()
 {
 	for (const int field : detail_fields)
 		host.ui->set_text(window_samples, field, "");
@@ -119,7 +174,7 @@ static std::vector<std::string> loaded_row(const _sample &sample)
 	return row;
 }
 
-static void fill_loaded(const chosen_entry &before)
+void fill_loaded(const chosen_entries &before)
 {
 	shown_loaded = loaded_names();
 	list_rows rows;
@@ -162,13 +217,12 @@ static void read_more_heads()
 	if (!read_heads())
 		return;
 	stop_reading_heads();
-	const int chosen = host.ui->selection(window_samples, samples_local_list);
+	const std::vector<int> chosen = host.ui->selections(window_samples, samples_local_list);
 	host.ui->set_rows(window_samples, samples_local_list, local_rows);
-	if (chosen >= 0)
-		host.ui->select(window_samples, samples_local_list, chosen);
+	host.ui->select_several(window_samples, samples_local_list, chosen);
 }
 
-static void fill_local(const chosen_entry &before)
+void fill_local(const chosen_entries &before)
 {
 	load_local_samples(nullptr);
 	std::vector<std::string> names;
@@ -191,13 +245,27 @@ static void fill_local(const chosen_entry &before)
 void show_spool()
 {
 	if (was_opened(window_samples))
-		fill_local(chosen_local());
+		fill_local(all_chosen_local());
 }
 
 void show_loaded_samples()
 {
 	if (was_opened(window_samples) && shown_loaded != loaded_names())
-		fill_loaded(chosen_loaded());
+		fill_loaded(all_chosen_loaded());
+}
+
+// Null: it can be done.
+static const char *why_not(const need_row &need, bool silent)
+{
+	if (need.known_list && silent)
+		return tr("Not now: the sampler's list could not be read. Try again first.");
+	if (!need.list)
+		return nullptr;
+	const std::size_t chosen = host.ui->selections(window_samples, need.list).size();
+	if (!chosen)
+		return tr(need.nothing);
+	return need.one && chosen > 1 ? tr("This is for one sample, and several are chosen.")
+				      : nullptr;
 }
 
 void update_sample_page()
@@ -207,10 +275,8 @@ void update_sample_page()
 	const known_list &known = the_lists.samples;
 	show_list_knowledge(loaded_controls, known, static_cast<int>(shown_loaded.size()));
 	const bool silent = known.silent && known.way == way_key();
-	for (const int control : needs_the_list)
-		host.ui->set_reason(window_samples, control,
-			silent ? "Not now: the sampler's list could not be read. Try again first."
-			       : nullptr);
+	for (const need_row &need : needs)
+		host.ui->set_reason(window_samples, need.control, why_not(need, silent));
 }
 
 void empty_sample_page()
@@ -223,8 +289,7 @@ void empty_sample_page()
 	update_sample_page();
 }
 
-// Read the sampler anew and show both sides.
-static void read_anew(const chosen_entry &loaded, const chosen_entry &local)
+void read_anew(const chosen_entries &loaded, const chosen_entries &local)
 {
 	outcome read = read_sample_list();
 	if (close_requested())
@@ -241,7 +306,7 @@ static void read_anew(const chosen_entry &loaded, const chosen_entry &local)
 
 void show_sample_setup()
 {
-	const chosen_entry loaded = chosen_loaded(), local = chosen_local();
+	const chosen_entries loaded = all_chosen_loaded(), local = all_chosen_local();
 	const outcome offered = current_sampler
 					? offers_list(&_sampler_type::getsamplelist)
 					: outcome{ .how = ending::refused,
@@ -315,239 +380,6 @@ void display_sample_information(const _sample *sample, const char *origin)
 		play_mode_text(row_of_play_modes(model, origin), sample->playback_mode));
 }
 
-static void show_loaded_information()
-{
-	const chosen_entry chosen = chosen_loaded();
-	if (no_loaded(chosen))
-		return;
-	const _sample *record = nullptr;
-	clear_details();
-	const outcome asked = ask_sample(chosen.name, &record);
-	if (record)
-		display_sample_information(record, "LOADED");
-	else if (shown_loaded != loaded_names())
-		fill_loaded(chosen);
-	show_outcome(asked);
-}
-
-static void show_local_information()
-{
-	const chosen_entry chosen = chosen_local();
-	if (no_local(chosen))
-		return;
-	_sample sample = {};
-	const std::string path = local_sample[static_cast<std::size_t>(chosen.index)].pathname;
-	if (create_sample_from_file(path.c_str(), &sample)) {
-		display_sample_information(&sample, "LOCAL");
-	} else {
-		clear_details();
-		show_box("INFO", "Sample corrupted...cannot read information!");
-	}
-	free_sample_data(&sample);
-}
-
-// ---- From the sampler ---------------------------------------------------------------------------
-
-static void download_selected_sample()
-{
-	const outcome offered = offers_download();
-	if (!offered.done()) {
-		show_outcome(offered);
-		return;
-	}
-	const chosen_entry chosen = chosen_loaded(), local = chosen_local();
-	if (no_loaded(chosen))
-		return;
-	if (in_spool(chosen.name) && !ask_box("WARNING", "Overwrite existing sample?")) {
-		show_outcome({ .how = ending::stopped, .words = "Skipped download of sample!" });
-		return;
-	}
-	const outcome result = download_sample(chosen.name);
-	if (!close_requested())
-		read_anew(chosen, result.done()
-					  ? chosen_entry{ file_name_of(chosen.name), local.index }
-					  : local);
-	show_outcome(result);
-	host.ui->focus(window_samples, samples_loaded_list);
-}
-
-// One question for all, since a sampler holds hundreds; who keeps what is there may still want
-// the others. False: nothing is wanted.
-static bool may_download(work_queue *queue)
-{
-	const int all = static_cast<int>(queue->size());
-	const int existing = static_cast<int>(std::count_if(queue->begin(), queue->end(),
-		[](const work_item &item) { return in_spool(item.name); }));
-	if (!existing ||
-		ask_box("WARNING", "Overwrite existing samples? (%d of %d)", existing, all))
-		return true;
-	if (existing == all ||
-		!ask_box("WARNING", "Download the other samples? (%d of %d)", all - existing, all))
-		return false;
-	for (work_item &item : *queue)
-		if (in_spool(item.name))
-			item.state = item_state::skipped;
-	return true;
-}
-
-static void download_all_samples()
-{
-	work_queue queue;
-	for (const std::string &name : shown_loaded)
-		queue.push_back({ .name = name });
-	outcome result = { .how = ending::stopped, .line = "Nothing was downloaded." };
-	const chosen_entry loaded = chosen_loaded(), local = chosen_local();
-	if (may_download(&queue)) {
-		result = download_samples(&queue);
-		if (!close_requested())
-			read_anew(loaded, local);
-	}
-	show_outcome(result);
-	host.ui->focus(window_samples, samples_loaded_list);
-}
-
-// Show what a change on the sampler has left, tell it, and go on in the list.
-static void show_change(
-	const outcome &result, const chosen_entry &loaded, const chosen_entry &local)
-{
-	if (!close_requested()) {
-		fill_loaded(loaded);
-		fill_local(local);
-	}
-	if (result.done())
-		host.ui->set_text(window_samples, samples_loaded_new_name, "");
-	show_outcome(result);
-}
-
-static void delete_loaded_sample()
-{
-	const chosen_entry chosen = chosen_loaded();
-	if (no_loaded(chosen))
-		return;
-	const outcome result = delete_sample(chosen.name);
-	// The neighbour, not another sample of that name.
-	show_change(result, { result.done() ? "" : chosen.name, chosen.index }, chosen_local());
-	host.ui->focus(window_samples, samples_loaded_list);
-}
-
-static void rename_loaded_sample()
-{
-	const std::string new_name = host.ui->get_text(window_samples, samples_loaded_new_name);
-	if (new_name.empty()) {
-		show_outcome({ .how = ending::refused, .words = "Choose a new name!" });
-		return;
-	}
-	const chosen_entry chosen = chosen_loaded();
-	if (no_loaded(chosen))
-		return;
-	const outcome result = rename_sample(chosen.name, new_name);
-	show_change(result, { result.done() ? "" : chosen.name, chosen.index }, chosen_local());
-	host.ui->focus(window_samples, samples_loaded_list);
-}
-
-// ---- To the sampler, and the files of the spool -----------------------------------------------
-
-// What would arrive as silence is converted first, if the user wants it. False: nothing is sent,
-// and the user has read why.
-static bool make_audible(const std::string &path)
-{
-	const upload_verdict check = upload_check(
-		*get_sampler(static_cast<i32>(current_sampler->sampler_type)), wave_path_of(path));
-	if (check.sends || !check.helps)
-		return true; // the workflow has the words
-	if (!ask_box("WARNING", "%s\nConvert it now, and upload what it becomes?",
-		    check.words.c_str()))
-		return false;
-	const std::string file[] = { wave_path_of(path) };
-	const outcome converted = import_files(
-		file, [&] { return check.conversion; }, window_samples);
-	if (!converted.done())
-		show_outcome(converted);
-	return converted.done();
-}
-
-static void upload_selected_sample()
-{
-	const outcome offered = offers_upload();
-	if (!offered.done()) {
-		show_outcome(offered);
-		return;
-	}
-	const chosen_entry chosen = chosen_local(), loaded = chosen_loaded();
-	if (no_local(chosen))
-		return;
-	const std::string path = local_sample[static_cast<std::size_t>(chosen.index)].pathname;
-	if (!make_audible(path))
-		return;
-	const outcome result = upload_sample(path);
-	show_change(result, { result.done() ? chosen.name : loaded.name, loaded.index }, chosen);
-	host.ui->focus(window_samples, samples_local_list);
-}
-
-static void show_local_change(const outcome &result, const chosen_entry &chosen)
-{
-	fill_local(chosen);
-	if (result.done())
-		host.ui->set_text(window_samples, samples_local_new_name, "");
-	show_outcome(result);
-	host.ui->focus(window_samples, samples_local_list);
-}
-
-static void delete_local_sample()
-{
-	const chosen_entry chosen = chosen_local();
-	if (!no_local(chosen))
-		show_local_change(delete_local(chosen.name), chosen);
-}
-
-static void rename_local_sample()
-{
-	const chosen_entry chosen = chosen_local();
-	if (no_local(chosen))
-		return;
-	const std::string typed = host.ui->get_text(window_samples, samples_local_new_name);
-	const outcome result = rename_local(chosen.name, typed);
-	show_local_change(
-		result, { result.done() ? file_name_of(typed) : chosen.name, chosen.index });
-}
-
-static void export_spool()
-{
-	const std::string target = host.ui->choose_folder("Select target folder for samples");
-	log_line("[D] SHBrowse returned with: [%s]\r\n", target.c_str());
-	if (!target.empty())
-		show_outcome(export_spool_to(target));
-}
-
-static void clear_spool()
-{
-	const outcome result = clear_spool_folder();
-	fill_local({ "", -1 });
-	show_outcome(result);
-}
-
-static void import_paths(std::span<const std::string> paths)
-{
-	const outcome result = import_files(paths, chosen_import_options, window_samples);
-	const bool failed = result.how == ending::local_failed;
-	if (failed)
-		fill_local(chosen_local());
-	show_outcome(result);
-	if (!failed)
-		show_sample_setup();
-}
-
-static void import_samples()
-{
-	const std::vector<std::string> paths = host.ui->choose_files("Import Sample",
-		"Sound files (*.wav *.WAV *.aif *.aiff *.aifc *.flac *.ogg *.opus *.mp3 *.au *.caf "
-		"*.w64 *.rf64);;All files (*)");
-	if (paths.empty())
-		show_box("ERROR", "No file(s) selected!");
-	else
-		import_paths(paths);
-}
-
 static void preview_options()
 {
 	show_import_preview({});
@@ -559,57 +391,57 @@ static void preview_options()
 static constexpr caption_row samples_captions[] = {
 	// window          control                  caption, tooltip, empty
 	{ window_samples,  0,                       "VELMOR Manage current Samples", nullptr, nullptr },
-	{ window_samples,  samples_loaded_list,     "On the sampler", "The samples in the sampler's memory", "The sampler holds no samples" },
-	{ window_samples,  samples_loaded_search,   "Search samples on the sampler", "Show only names that contain these letters", "Search" },
-	{ window_samples,  samples_download,        "Download this Sample", "Copy the chosen sample from the sampler to this computer", nullptr },
-	{ window_samples,  samples_download_all,    "Download all Samples", "Copy every sample of the sampler to this computer", nullptr },
-	{ window_samples,  samples_loaded_delete,   "Delete this Sample", "Remove the chosen sample from the sampler's memory", nullptr },
-	{ window_samples,  samples_loaded_rename,   "Rename this Sample", "Give the chosen sample on the sampler the name in the field", nullptr },
-	{ window_samples,  samples_loaded_new_name, "New name on the sampler", "The name for Rename this Sample", "New name" },
-	{ window_samples,  samples_loaded_info,     "Sample Information", "Ask the sampler about the chosen sample", nullptr },
-	{ window_samples,  samples_refresh,         "Refresh", "Read the sampler and the spool anew", nullptr },
-	{ window_samples,  samples_local_list,      "On this computer", "The samples in the spool; drop sound files here to import them", "The spool is empty: download samples, or drop sound files here" },
-	{ window_samples,  samples_local_search,    "Search samples on this computer", "Show only names that contain these letters", "Search" },
-	{ window_samples,  samples_upload,          "Upload this Sample", "Send the chosen sample to the sampler", nullptr },
-	{ window_samples,  samples_local_delete,    "Delete this Sample", "Delete the chosen sample from this computer", nullptr },
-	{ window_samples,  samples_local_rename,    "Rename this Sample", "Give the chosen sample on this computer the name in the field", nullptr },
-	{ window_samples,  samples_local_new_name,  "New name on this computer", "The name for Rename this Sample", "New name" },
-	{ window_samples,  samples_local_info,      "Sample Information", "Show what the file says about the chosen sample", nullptr },
-	{ window_samples,  samples_waveform,        "Waveform", "The chosen sample on this computer; its loop is shaded", "No local sample chosen" },
-	{ window_samples,  samples_detail_origin,   "Origin:", nullptr, nullptr },
+	{ window_samples,  samples_loaded_list,     "On the sampler", own("The samples in the sampler's memory"), own("The sampler holds no samples") },
+	{ window_samples,  samples_loaded_search,   own("Search samples on the sampler"), own("Show only names that contain these letters"), own("Search") },
+	{ window_samples,  samples_download,        "Download this Sample", own("Copy the chosen sample from the sampler to this computer"), nullptr },
+	{ window_samples,  samples_download_all,    own("Download all Samples"), own("Copy every sample of the sampler to this computer"), nullptr },
+	{ window_samples,  samples_loaded_delete,   "Delete this Sample", own("Remove the chosen sample from the sampler's memory"), nullptr },
+	{ window_samples,  samples_loaded_rename,   "Rename this Sample", own("Give the chosen sample on the sampler the name in the field"), nullptr },
+	{ window_samples,  samples_loaded_new_name, own("New name on the sampler"), own("The name for Rename this Sample"), own("New name") },
+	{ window_samples,  samples_loaded_info,     "Sample Information", own("Ask the sampler about the chosen sample"), nullptr },
+	{ window_samples,  samples_refresh,         "Refresh", own("Read the sampler and the spool anew"), nullptr },
+	{ window_samples,  samples_local_list,      own("On this computer"), own("The samples in the spool; drop sound files here to import them"), own("The spool is empty: download samples, or drop sound files here") },
+	{ window_samples,  samples_local_search,    own("Search samples on this computer"), own("Show only names that contain these letters"), own("Search") },
+	{ window_samples,  samples_upload,          "Upload this Sample", own("Send the chosen sample to the sampler"), nullptr },
+	{ window_samples,  samples_local_delete,    "Delete this Sample", own("Delete the chosen sample from this computer"), nullptr },
+	{ window_samples,  samples_local_rename,    "Rename this Sample", own("Give the chosen sample on this computer the name in the field"), nullptr },
+	{ window_samples,  samples_local_new_name,  own("New name on this computer"), own("The name for Rename this Sample"), own("New name") },
+	{ window_samples,  samples_local_info,      "Sample Information", own("Show what the file says about the chosen sample"), nullptr },
+	{ window_samples,  samples_waveform,        own("Waveform"), own("The chosen sample on this computer; its loop is shaded"), own("No local sample chosen") },
+	{ window_samples,  samples_detail_origin,   own("Origin:"), nullptr, nullptr },
 	{ window_samples,  samples_detail_name,     "Name:", nullptr, nullptr },
-	{ window_samples,  samples_detail_pitch,    "Original pitch:", nullptr, nullptr },
-	{ window_samples,  samples_detail_rate,     "Rate (Hz):", nullptr, nullptr },
-	{ window_samples,  samples_detail_seconds,  "Length (s):", nullptr, nullptr },
+	{ window_samples,  samples_detail_pitch,    own("Original pitch:"), nullptr, nullptr },
+	{ window_samples,  samples_detail_rate,     own("Rate (Hz):"), nullptr, nullptr },
+	{ window_samples,  samples_detail_seconds,  own("Length (s):"), nullptr, nullptr },
 	{ window_samples,  samples_detail_channels, "Channels:", nullptr, nullptr },
 	{ window_samples,  samples_detail_bits,     "Bits:", nullptr, nullptr },
-	{ window_samples,  samples_detail_playmode, "Play mode:", nullptr, nullptr },
-	{ window_samples,  samples_import,          "Import Sample", "Choose sound files and convert them into the spool", nullptr },
-	{ window_samples,  samples_export,          "Export Spool", "Copy every sample of the spool to a folder of your choice", nullptr },
-	{ window_samples,  samples_clear,           "Clear Spool", "Delete every sample of the spool from this computer", nullptr },
-	{ window_samples,  samples_bits_keep,       "Keep original", "Leave the bits of a value as they are", nullptr },
-	{ window_samples,  samples_bits_16,         "Convert to 16 bit", "What most samplers take", nullptr },
-	{ window_samples,  samples_bits_12,         "Convert to 12 bit", "For the S900/950", nullptr },
+	{ window_samples,  samples_detail_playmode, own("Play mode:"), nullptr, nullptr },
+	{ window_samples,  samples_import,          "Import Sample", own("Choose sound files and convert them into the spool"), nullptr },
+	{ window_samples,  samples_export,          "Export Spool", own("Copy every sample of the spool to a folder of your choice"), nullptr },
+	{ window_samples,  samples_clear,           "Clear Spool", own("Delete every sample of the spool from this computer"), nullptr },
+	{ window_samples,  samples_bits_keep,       "Keep original", own("Leave the bits of a value as they are"), nullptr },
+	{ window_samples,  samples_bits_16,         "Convert to 16 bit", own("What most samplers take"), nullptr },
+	{ window_samples,  samples_bits_12,         "Convert to 12 bit", own("For the S900/950"), nullptr },
 	{ window_samples,  samples_bits_24,         "Convert to 24 bit", nullptr, nullptr },
-	{ window_samples,  samples_rate_keep,       "Keep original", "Leave the sampling rate as it is", nullptr },
+	{ window_samples,  samples_rate_keep,       "Keep original", own("Leave the sampling rate as it is"), nullptr },
 	{ window_samples,  samples_rate_16000,      "16000 Hz", nullptr, nullptr },
 	{ window_samples,  samples_rate_22000,      "22000 Hz", nullptr, nullptr },
 	{ window_samples,  samples_rate_32000,      "32000 Hz", nullptr, nullptr },
 	{ window_samples,  samples_rate_44100,      "44100 Hz", nullptr, nullptr },
 	{ window_samples,  samples_rate_48000,      "48000 Hz", nullptr, nullptr },
 	{ window_samples,  samples_rate_96000,      "96000 Hz", nullptr, nullptr },
-	{ window_samples,  samples_channels_keep,   "Keep original", "Leave mono mono and stereo stereo", nullptr },
-	{ window_samples,  samples_channels_1,      "1 Channel", "Make every sample mono", nullptr },
-	{ window_samples,  samples_channels_2,      "2 Channel", "Make every sample stereo", nullptr },
-	{ window_samples,  samples_mix_left,        "Left Channel", "From a stereo file take the left channel; put a mono file on the left", nullptr },
-	{ window_samples,  samples_mix_right,       "Right Channel", "From a stereo file take the right channel; put a mono file on the right", nullptr },
-	{ window_samples,  samples_mix_both_to_one, "Mix Channels", "From a stereo file take the average of both channels", nullptr },
-	{ window_samples,  samples_mix_both,        "Both Channels", "Put a mono file on both channels", nullptr },
-	{ window_samples,  samples_mix_files,       "Create L/R files", "Make two mono samples of a stereo file, with -L and -R behind their names", nullptr },
-	{ window_samples,  samples_import_preview,  "Import preview", "What the options above make of a file, and how long the sampler takes to receive it", nullptr },
-	{ window_samples,  samples_loaded_heading,  "State of the sampler's list", "How many samples, and when they were read", nullptr },
-	{ window_samples,  samples_local_heading,   "State of the spool", "How many samples there are on this computer", nullptr },
-	{ window_samples,  samples_retry,           "Try again", "Ask the sampler once more", nullptr },
+	{ window_samples,  samples_channels_keep,   "Keep original", own("Leave mono mono and stereo stereo"), nullptr },
+	{ window_samples,  samples_channels_1,      "1 Channel", own("Make every sample mono"), nullptr },
+	{ window_samples,  samples_channels_2,      "2 Channel", own("Make every sample stereo"), nullptr },
+	{ window_samples,  samples_mix_left,        "Left Channel", own("From a stereo file take the left channel; put a mono file on the left"), nullptr },
+	{ window_samples,  samples_mix_right,       "Right Channel", own("From a stereo file take the right channel; put a mono file on the right"), nullptr },
+	{ window_samples,  samples_mix_both_to_one, "Mix Channels", own("From a stereo file take the average of both channels"), nullptr },
+	{ window_samples,  samples_mix_both,        "Both Channels", own("Put a mono file on both channels"), nullptr },
+	{ window_samples,  samples_mix_files,       "Create L/R files", own("Make two mono samples of a stereo file, with -L and -R behind their names"), nullptr },
+	{ window_samples,  samples_import_preview,  "File", own("The chosen sample, or the files that hover over the list"), nullptr },
+	{ window_samples,  samples_loaded_heading,  own("State of the sampler's list"), own("How many samples, and when they were read"), nullptr },
+	{ window_samples,  samples_local_heading,   own("State of the spool"), own("How many samples there are on this computer"), nullptr },
+	{ window_samples,  samples_retry,           own("Try again"), own("Ask the sampler once more"), nullptr },
 };
 static constexpr command_row samples_commands[] = {
 	// window          control                  what it does               when

@@ -202,7 +202,7 @@ static void ask_device_info()
 		brand_id, control + 1, exclusive);
 	char result[1024] = {};
 	int limit = sizeof result;
-	show_verdict("Asking ...", text_role::quiet);
+	show_verdict(tr("Asking ..."), text_role::quiet);
 	const outcome asked = get_device_info(
 		static_cast<u8>(control + 1), brand_id, static_cast<u8>(exclusive), result, &limit);
 	show_verdict(asked.words, asked.done() ? text_role::good : text_role::failed);
@@ -283,22 +283,24 @@ void set_up_windows()
 static constexpr caption_row main_captions[] = {
 	// window          control                  caption, tooltip, empty
 	{ window_main,     0,                       "VELMOR Sysex-Tools", nullptr, nullptr },
-	{ window_main,     menu_midi_files,         "Manage MIDI-Files", "Play a Standard MIDI File to the sampler", nullptr },
-	{ window_main,     menu_exit,               "E&xit", "Close the program", nullptr },
-	{ window_main,     menu_settings,           "Basic settings", "Choose the MIDI ports and the folder for your samples", nullptr },
-	{ window_main,     menu_midi_samplers,      "Manage MIDI &Samplers", "Tell the program about a sampler that is connected by MIDI", nullptr },
-	{ window_main,     menu_usb_samplers,       "Manage &USB &Samplers", "Tell the program about a sampler that is connected by USB", nullptr },
-	{ window_main,     main_log,                "Log", "What the program and the sampler have done so far", nullptr },
-	{ window_main,     main_sampler_list,       "Samplers", "The samplers you have set up; choose one and load it", "No sampler configured yet: Settings, Manage MIDI Samplers" },
-	{ window_main,     main_load,               "Load Sampler", "Work with the chosen sampler", nullptr },
-	{ window_main,     main_samples,            "Manage Samples", "Fetch, send, rename, delete and import samples", nullptr },
-	{ window_main,     main_programs,           "Manage Programs", "See, edit, send, keep, rename and delete programs", nullptr },
-	{ window_main,     main_multis,             "Manage Multis", "See the multis on the sampler", nullptr },
-	{ window_main,     main_lcd,                "View LCD-Display", "See the sampler's screen and press its keys from here", nullptr },
+	{ window_main,     menu_midi_files,         "Manage MIDI-Files", own("Play a Standard MIDI File to the sampler"), nullptr },
+	{ window_main,     menu_history,            own("History..."), own("See what was changed on the sampler, and put it back"), nullptr },
+	{ window_main,     menu_exit,               "E&xit", own("Close the program"), nullptr },
+	{ window_main,     menu_settings,           "Basic settings", own("Choose the MIDI ports and the folder for your samples"), nullptr },
+	{ window_main,     menu_midi_samplers,      "Manage MIDI &Samplers", own("Tell the program about a sampler that is connected by MIDI"), nullptr },
+	{ window_main,     menu_usb_samplers,       "Manage &USB &Samplers", own("Tell the program about a sampler that is connected by USB"), nullptr },
+	{ window_main,     main_log,                own("Log"), own("What the program and the sampler have done so far"), nullptr },
+	{ window_main,     main_sampler_list,       own("Samplers"), own("The samplers you have set up; choose one and load it"), own("No sampler configured yet: Settings, Manage MIDI Samplers") },
+	{ window_main,     main_load,               "Load Sampler", own("Work with the chosen sampler"), nullptr },
+	{ window_main,     main_samples,            "Manage Samples", own("Fetch, send, rename, delete and import samples"), nullptr },
+	{ window_main,     main_programs,           "Manage Programs", own("See, edit, send, keep, rename and delete programs"), nullptr },
+	{ window_main,     main_multis,             "Manage Multis", own("See the multis on the sampler"), nullptr },
+	{ window_main,     main_lcd,                "View LCD-Display", own("See the sampler's screen and press its keys from here"), nullptr },
 };
 static constexpr command_row main_commands[] = {
 	// window          control                  what it does               when
 	{ window_main,     menu_midi_files,         midi_files_win_show,       alone  },
+	{ window_main,     menu_history,            show_history,              alone  },
 	{ window_main,     menu_exit,               without_panel<leave>, always },
 	{ window_main,     menu_settings,           without_panel<show_midi_setup>, alone  },
 	{ window_main,     menu_midi_samplers,      without_panel<show_sampler_setup>, alone  },
@@ -311,13 +313,13 @@ static constexpr command_row main_commands[] = {
 
 static constexpr caption_row settings_captions[] = {
 	{ window_settings, 0,                       "VELMOR General Setup", nullptr, nullptr },
-	{ window_settings, settings_midi_in,        "MIDI-In:", "The port on which the sampler answers", nullptr },
-	{ window_settings, settings_midi_in_mon,    "MIDI-In (Monitor):", "The port whose messages the monitor shows", nullptr },
-	{ window_settings, settings_midi_out,       "MIDI-Out:", "The port to which the sampler listens", nullptr },
-	{ window_settings, settings_found,          "Interfaces:", "The MIDI ports of this computer", "No MIDI ports found" },
-	{ window_settings, settings_config_path,    "Config-Path:", "The folder of your samplers and, in its folder sample, of your samples", nullptr },
-	{ window_settings, control_ok,              "&Save settings", "Keep these settings", nullptr },
-	{ window_settings, control_cancel,          "&Cancel", "Close without saving", nullptr },
+	{ window_settings, settings_midi_in,        own("MIDI-In:"), own("The port on which the sampler answers"), nullptr },
+	{ window_settings, settings_midi_in_mon,    own("MIDI-In (Monitor):"), own("The port whose messages the monitor shows"), nullptr },
+	{ window_settings, settings_midi_out,       own("MIDI-Out:"), own("The port to which the sampler listens"), nullptr },
+	{ window_settings, settings_found,          own("Interfaces:"), own("The MIDI ports of this computer"), own("No MIDI ports found") },
+	{ window_settings, settings_config_path,    "Config-Path:", own("The folder of your samplers and, in its folder sample, of your samples"), nullptr },
+	{ window_settings, control_ok,              "&Save settings", own("Keep these settings"), nullptr },
+	{ window_settings, control_cancel,          "&Cancel", own("Close without saving"), nullptr },
 };
 static constexpr command_row settings_commands[] = {
 	{ window_settings, control_ok,              keep_settings,             alone  },
@@ -332,31 +334,31 @@ static constexpr command_row settings_selections[] = {
 
 static constexpr caption_row sampler_captions[] = {
 	{ window_sampler,  0,                       "VELMOR Manage current Sampler", nullptr, nullptr },
-	{ window_sampler,  sampler_name,            "Name:", "Any name by which you know this sampler", "For example S3000 in the rack" },
-	{ window_sampler,  sampler_brand_list,      "Brand:", "The model of the sampler", nullptr },
-	{ window_sampler,  sampler_midi_list,       "Midi-Ch(1-16):", "The channel on which the sampler plays notes", nullptr },
-	{ window_sampler,  sampler_control_list,    "CTRL-Ch(1-16):", "The basic channel of the sampler", nullptr },
-	{ window_sampler,  sampler_exclusive_list,  "Sysex-Ch (1-127):", "The exclusive channel, as the sampler's own MIDI page shows it", nullptr },
-	{ window_sampler,  sampler_device_info,     "Get Device Info", "Ask the sampler who it is", nullptr },
-	{ window_sampler,  control_ok,              "&Save", "Keep this sampler in the list", nullptr },
-	{ window_sampler,  control_cancel,          "&Cancel", "Close without saving", nullptr },
+	{ window_sampler,  sampler_name,            "Name:", own("Any name by which you know this sampler"), own("For example S3000 in the rack") },
+	{ window_sampler,  sampler_brand_list,      "Brand:", own("The model of the sampler"), nullptr },
+	{ window_sampler,  sampler_midi_list,       "Midi-Ch(1-16):", own("The channel on which the sampler plays notes"), nullptr },
+	{ window_sampler,  sampler_control_list,    "CTRL-Ch(1-16):", own("The basic channel of the sampler"), nullptr },
+	{ window_sampler,  sampler_exclusive_list,  "Sysex-Ch (1-127):", own("The exclusive channel, as the sampler's own MIDI page shows it"), nullptr },
+	{ window_sampler,  sampler_device_info,     "Get Device Info", own("Ask the sampler who it is"), nullptr },
+	{ window_sampler,  control_ok,              "&Save", own("Keep this sampler in the list"), nullptr },
+	{ window_sampler,  control_cancel,          "&Cancel", own("Close without saving"), nullptr },
 	{ window_sampler,  sampler_tcp_group,       "TCP bridge", nullptr, nullptr },
-	{ window_sampler,  sampler_tcp_address,     "Address:", "Address of the device that passes the messages on to the sampler", nullptr },
-	{ window_sampler,  sampler_tcp_port,        "Port:", "Its port", nullptr },
-	{ window_sampler,  sampler_tcp_on,          "Use TCP instead of MIDI", "Send the messages over the network", nullptr },
-	{ window_sampler,  sampler_tcp_off,         "Use MIDI instead of TCP", "Send the messages to the MIDI port again", nullptr },
-	{ window_sampler,  sampler_tcp_status,      "Status:", "Which way the messages go now", "USING MIDI" },
-	{ window_sampler,  sampler_verdict,         "Answer of the sampler", nullptr, nullptr },
-	{ window_sampler,  sampler_pitch_list,      "Note:", "The note that is played; 60 is middle C", nullptr },
-	{ window_sampler,  sampler_velocity_list,   "Velocity:", "How hard it is played", nullptr },
-	{ window_sampler,  sampler_note_on,         "Note on", "Play the note on the MIDI channel above", nullptr },
-	{ window_sampler,  sampler_note_off,        "Note off", "End the note", nullptr },
-	{ window_sampler,  sampler_all_notes_off,   "All Note Off", "End all notes of the MIDI channel above", nullptr },
-	{ window_sampler,  sampler_monitor_on,      "Mon. on", "Pass on what comes in to the sampler, and tell it in the log", nullptr },
-	{ window_sampler,  sampler_monitor_off,     "Mon. off", "End the monitor", nullptr },
-	{ window_sampler,  sampler_monitor_state,   "Monitor:", nullptr, nullptr },
-	{ window_sampler,  sampler_midi_in_text,    "MIDI-In (Monitor):", "Where the monitor listens; Basic settings choose it", nullptr },
-	{ window_sampler,  sampler_midi_out_text,   "MIDI-Out:", "Where notes go; Basic settings choose it", nullptr },
+	{ window_sampler,  sampler_tcp_address,     own("Address:"), own("Address of the device that passes the messages on to the sampler"), nullptr },
+	{ window_sampler,  sampler_tcp_port,        own("Port:"), own("Its port"), nullptr },
+	{ window_sampler,  sampler_tcp_on,          "Use TCP instead of MIDI", own("Send the messages over the network"), nullptr },
+	{ window_sampler,  sampler_tcp_off,         "Use MIDI instead of TCP", own("Send the messages to the MIDI port again"), nullptr },
+	{ window_sampler,  sampler_tcp_status,      own("Status:"), own("Which way the messages go now"), "USING MIDI" },
+	{ window_sampler,  sampler_verdict,         own("Answer of the sampler"), nullptr, nullptr },
+	{ window_sampler,  sampler_pitch_list,      "Note:", own("The note that is played; 60 is middle C"), nullptr },
+	{ window_sampler,  sampler_velocity_list,   "Velocity:", own("How hard it is played"), nullptr },
+	{ window_sampler,  sampler_note_on,         "Note on", own("Play the note on the MIDI channel above"), nullptr },
+	{ window_sampler,  sampler_note_off,        "Note off", own("End the note"), nullptr },
+	{ window_sampler,  sampler_all_notes_off,   "All Note Off", own("End all notes of the MIDI channel above"), nullptr },
+	{ window_sampler,  sampler_monitor_on,      "Mon. on", own("Pass on what comes in to the sampler, and tell it in the log"), nullptr },
+	{ window_sampler,  sampler_monitor_off,     "Mon. off", own("End the monitor"), nullptr },
+	{ window_sampler,  sampler_monitor_state,   own("Monitor:"), nullptr, nullptr },
+	{ window_sampler,  sampler_midi_in_text,    own("MIDI-In (Monitor):"), own("Where the monitor listens; Basic settings choose it"), nullptr },
+	{ window_sampler,  sampler_midi_out_text,   own("MIDI-Out:"), own("Where notes go; Basic settings choose it"), nullptr },
 };
 static constexpr command_row sampler_commands[] = {
 	{ window_sampler,  control_ok,              keep_sampler,              alone  },

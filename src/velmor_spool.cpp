@@ -121,10 +121,27 @@ void forget_undo()
 	undo_steps.clear();
 }
 
+std::size_t undo_steps_kept()
+{
+	return undo_steps.size();
+}
+
+void join_undo(std::size_t since, const std::string &line)
+{
+	if (undo_steps.size() <= since + 1)
+		return;
+	undo_step all = { .line = line, .moves = {} };
+	for (std::size_t i = since; i < undo_steps.size(); i++)
+		all.moves.insert(
+			all.moves.end(), undo_steps[i].moves.begin(), undo_steps[i].moves.end());
+	undo_steps.resize(since);
+	undo_steps.push_back(all);
+}
+
 outcome undo_last()
 {
 	if (undo_steps.empty())
-		return { .how = ending::refused, .words = "There is nothing to put back." };
+		return { .how = ending::refused, .words = tr("There is nothing to put back.") };
 	const undo_step step = undo_steps.back();
 	undo_steps.pop_back();
 	for (const undo_step::move &move : step.moves)
@@ -134,13 +151,14 @@ outcome undo_last()
 									other.now, move.before);
 							}))
 			return { .how = ending::refused,
-				.words = "There is a file called [" + shown_path(move.before) +
-					 "] again, so nothing was put back." };
+				.words = format_text(tr("There is a file called [%s] again, so "
+							"nothing was put back."),
+					shown_path(move.before).c_str()) };
 	log_line("[I] Putting back: %s\r\n", step.line.c_str());
 	const int code = move_back(step.moves);
 	if (step.show)
 		step.show();
-	return code ? local_failure(code, "Not everything could be put back.")
+	return code ? local_failure(code, tr("Not everything could be put back."))
 		    : outcome{ .line = step.line };
 }
 
@@ -149,14 +167,16 @@ outcome undo_last()
 outcome delete_local(const std::string &name)
 {
 	log_line("[I] Deleting [%s]  PATH: [%s]\r\n", name.c_str(), spool_folder().c_str());
-	undo_step step = { .line = "Put " + quoted(name) + " back.", .moves = {} };
+	undo_step step = { .line = format_text(tr("Put %s back."), quoted(name).c_str()),
+		.moves = {} };
 	const int code =
 		move_sample(spool_folder() + "\\" + name, place_among_deleted(name), &step.moves);
 	if (code)
-		return local_failure(code, quoted(name) + " was not deleted.");
+		return local_failure(
+			code, format_text(tr("%s was not deleted."), quoted(name).c_str()));
 	undo_steps.push_back(step);
 	return { .words = "Local sample successfully deleted",
-		.line = "Deleted " + quoted(name) + " from this computer." };
+		.line = format_text(tr("Deleted %s from this computer."), quoted(name).c_str()) };
 }
 
 // True if path names the file of before under other letters: a disk that does not tell cases
@@ -238,20 +258,27 @@ outcome rename_local(const std::string &old_name, const std::string &typed)
 		spool_folder().c_str());
 	if (new_name == old_name)
 		return { .how = ending::refused,
-			.words = "The sample is called " + quoted(old_name) + " already." };
+			.words = format_text(
+				tr("The sample is called %s already."), quoted(old_name).c_str()) };
 	if (!file_exists(wave_path_of(work.from)))
 		return { .how = ending::local_failed,
-			.words = "[" + shown_path(wave_path_of(work.from)) +
-				 "] is not there any more. Refresh reads the spool again." };
+			.words = format_text(
+				tr("[%s] is not there any more. Refresh reads the spool again."),
+				shown_path(wave_path_of(work.from)).c_str()) };
 	if (!may_take_name(work))
-		return { .how = ending::stopped, .line = quoted(old_name) + " keeps its name." };
+		return { .how = ending::stopped,
+			.line = format_text(tr("%s keeps its name."), quoted(old_name).c_str()) };
 	log_line("[D] renaming sample [%s] --> [%s]\r\n", old_name.c_str(), new_name.c_str());
-	undo_step step = { .line = quoted(old_name) + " has its old name again.", .moves = {} };
+	undo_step step = { .line = format_text(
+				   tr("%s has its old name again."), quoted(old_name).c_str()),
+		.moves = {} };
 	if (const int code = take_name(work, &step.moves))
-		return local_failure(code, quoted(old_name) + " keeps its name.");
+		return local_failure(
+			code, format_text(tr("%s keeps its name."), quoted(old_name).c_str()));
 	undo_steps.push_back(step);
 	return { .words = "Local sample successfully renamed",
-		.line = quoted(old_name) + " on this computer is now " + quoted(new_name) + "." };
+		.line = format_text(tr("%s on this computer is now %s."), quoted(old_name).c_str(),
+			quoted(new_name).c_str()) };
 }
 
 // ---- Editing ------------------------------------------------------------------------------------------
@@ -277,8 +304,8 @@ static void forget_oldest_edit()
 static outcome edit_failed(const std::string &words, const std::string &name)
 {
 	return { .how = ending::local_failed,
-		.words = words + " Nothing was changed.",
-		.line = quoted(name) + " stays as it was." };
+		.words = format_text(tr("%s Nothing was changed."), words.c_str()),
+		.line = format_text(tr("%s stays as it was."), quoted(name).c_str()) };
 }
 
 // A copy beside what was deleted; "" or why there is none.
@@ -321,6 +348,30 @@ outcome replace_local(const std::string &name, std::span<const u8> file, const s
 	return {};
 }
 
+outcome convert_local(const std::string &name, const import_options &options, undo_step *undo)
+{
+	const std::string path = wave_path_of(spool_folder() + "\\" + name);
+	(void)host.files->make_folder(deleted_folder().c_str()); // shows at the copy
+	const std::string folder = deleted_folder() + "\\undo";
+	const std::string place = free_place(folder, name), copy = place + ".wav";
+	if (const std::string why = keep_copy(path, copy); !why.empty())
+		return edit_failed(why, name);
+	if (!import_sound(path.c_str(), window_samples, static_cast<unsigned>(options.bits),
+		    options.rate, static_cast<unsigned>(options.channels),
+		    static_cast<unsigned>(options.mixing), import_pitch)) {
+		host.files->remove(copy.c_str());
+		if (progress_stopped())
+			return { .how = ending::stopped };
+		return edit_failed(
+			import_failure.empty() ? "It was not converted." : import_failure, name);
+	}
+	const std::string before =
+		free_place(folder, place.substr(place.rfind('\\') + 1) + ", edited") + ".wav";
+	undo->moves.push_back({ copy, path });
+	undo->moves.push_back({ path, before });
+	return {};
+}
+
 // ---- The whole spool ----------------------------------------------------------------------------------
 
 // Why the last import or export failed, on a line of its own.
@@ -343,11 +394,11 @@ outcome clear_spool_folder()
 	const std::string folder = spool_folder();
 	if (!ask_box("INFO", "Are you sure, you want to clear spooldir (%s)?",
 		    shown_path(folder).c_str()))
-		return { .how = ending::stopped, .line = "The spool was left as it is." };
+		return { .how = ending::stopped, .line = tr("The spool was left as it is.") };
 	log_line("[I] Cleaning [%s]\r\n", folder.c_str());
 	cleanup_dir(folder.c_str());
 	forget_undo();
-	return { .line = "The spool was cleared." };
+	return { .line = tr("The spool was cleared.") };
 }
 
 // ---- Import ---------------------------------------------------------------------------------------------
@@ -388,7 +439,7 @@ outcome import_files(std::span<const std::string> paths,
 					 reason_of_failure(),
 				.caption = "ERROR",
 				.line = format_text(
-					"%d of %d files were converted.", done, count) };
+					tr("%d of %d files were converted."), done, count) };
 		}
 		done++;
 		set_progressbar(done);

@@ -5,6 +5,7 @@
 //
 // Knows nothing of: toolkits, models.
 
+#include "src/velmor_history.h"
 #include "src/velmor_window.h"
 
 namespace velmor
@@ -12,7 +13,7 @@ namespace velmor
 
 static constexpr int windows_with_status[] = { window_main, window_settings, window_sampler,
 	window_usb, window_multis, window_samples, window_programs, window_panel, window_midi_files,
-	window_backup };
+	window_history, window_backup };
 
 // The last outcome, as every window shows it.
 struct last_outcome {
@@ -37,10 +38,12 @@ void update_status()
 		host.ui->set_text(window, status_outcome, shown_outcome.text.c_str());
 		host.ui->set_role(window, status_outcome, shown_outcome.role);
 		host.ui->show(window, status_undo, can_undo());
+		host.ui->show(window, status_undo_sampler, undoable_step() != nullptr);
 	}
 	update_sample_page();
 	update_program_page();
 	update_multi_page();
+	update_history_page();
 }
 
 static text_role role_of(ending how)
@@ -82,12 +85,14 @@ static std::string heading_of(const list_controls &where, const known_list &know
 {
 	const std::string at = clock_text(known.asked_at);
 	const std::string many =
-		format_text("%d %s%s · read ", count, where.what, count == 1 ? "" : "s") + at;
+		format_text(tr("%s · read %s"), counted(count, where.what).c_str(), at.c_str());
 	if (known.silent)
-		return "not read · asked " + at;
+		return format_text(tr("not read · asked %s"), at.c_str());
 	if (known.state() == freshness::never)
-		return "not read yet";
-	return known.state() == freshness::read ? many : many + ", may have changed";
+		return tr("not read yet");
+	return known.state() == freshness::read
+		       ? many
+		       : format_text(tr("%s, may have changed"), many.c_str());
 }
 
 void show_list_knowledge(const list_controls &where, const known_list &known, int count)
@@ -98,10 +103,11 @@ void show_list_knowledge(const list_controls &where, const known_list &known, in
 	std::string words;
 	if (silent) {
 		state = list_state::silent;
-		words = known.words + " What it holds is not known, so nothing is sent to it.";
+		words = format_text(tr("%s What it holds is not known, so nothing is sent to it."),
+			known.words.c_str());
 	} else if (known.silent || known.state() == freshness::never) {
 		state = list_state::unread;
-		words = "Not read yet from this sampler. Refresh reads it.";
+		words = tr("Not read yet from this sampler. Refresh reads it.");
 	} else if (known.state() == freshness::stale) {
 		state = list_state::stale;
 	} else if (!count) {
@@ -127,12 +133,14 @@ static void undo()
 // clang-format off
 static constexpr caption_row status_captions[] = {
 	// window, control, caption, tooltip, empty
-	{ 0, status_line,    "Sampler and connection", "How the sampler is reached, and whether it answered last", nullptr },
-	{ 0, status_outcome, "Last outcome", nullptr, nullptr },
-	{ 0, status_undo,    "Undo", "Put back what was deleted, renamed or edited on this computer last", nullptr },
+	{ 0, status_line,    own("Sampler and connection"), own("How the sampler is reached, and whether it answered last"), nullptr },
+	{ 0, status_outcome, own("Last outcome"), nullptr, nullptr },
+	{ 0, status_undo,    own("Undo"), own("Put back what was deleted, renamed or edited on this computer last"), nullptr },
+	{ 0, status_undo_sampler, own("Undo on the sampler"), own("Put back what was deleted, renamed or changed on the sampler last"), nullptr },
 };
 static constexpr command_row status_commands[] = {
 	{ 0, status_undo, undo, alone },
+	{ 0, status_undo_sampler, undo_last_on_sampler, alone },
 };
 // clang-format on
 

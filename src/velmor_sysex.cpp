@@ -66,7 +66,7 @@ static void port_failed(const char *words, call_site at = call_site::current())
 
 static void port_failed(int code, call_site at = call_site::current())
 {
-	port_failed(host.midi->error_text(code), at);
+	port_failed(tr(host.midi->error_text(code)), at);
 }
 
 // Every exchange that wanted an answer ends here, over MIDI as over the bridge. Whether the S900
@@ -76,9 +76,9 @@ static void report_exchange(const u8 *answer, int length, bool ends = true)
 	if (!failure.empty())
 		line_silent(failure.c_str());
 	else if (length < 1)
-		line_silent("No answer came.");
+		line_silent(tr("No answer came."));
 	else if (ends && answer[length - 1] != end_byte)
-		line_silent("The answer broke off.");
+		line_silent(tr("The answer broke off."));
 	else
 		line_answered();
 }
@@ -148,8 +148,8 @@ static bool wait_until_left(int handle, int count)
 			return false;
 		}
 		if (host.clock->counter() >= deadline) {
-			port_failed("The MIDI output does not send. Is the interface still "
-				    "connected?");
+			port_failed(tr("The MIDI output does not send. Is the interface still "
+				       "connected?"));
 			return false;
 		}
 		log_line("[D] Still waiting for sending of midi-buffer\r\n");
@@ -386,7 +386,7 @@ static void exchange_over_tcp(const u8 *output, int output_len, u8 *input, int *
 	}
 	failure = why_tcp_failed();
 	if (!sent && failure.empty())
-		failure = "The TCP bridge is busy with another message.";
+		failure = tr("The TCP bridge is busy with another message.");
 }
 
 static void exchange_over_midi(

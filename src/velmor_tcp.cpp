@@ -49,17 +49,18 @@ static std::string wait_until_connected(int handle)
 		state = host.net->connected(handle);
 	}
 	if (state == 0)
-		return format_text("There was no answer within %d seconds. Is the far end switched "
-				   "on, and on this network?",
+		return format_text(
+			tr("There was no answer within %d seconds. Is the far end switched "
+			   "on, and on this network?"),
 			static_cast<int>(connect_seconds));
-	return state > 0 ? "" : host.net->error_text(-state);
+	return state > 0 ? "" : tr(host.net->error_text(-state));
 }
 
 static bool connect_tcp(int *handle)
 {
 	std::string wrong;
 	if (const int code = host.net->connect(tcp_address, tcp_port, handle)) {
-		wrong = host.net->error_text(code);
+		wrong = tr(host.net->error_text(code));
 	} else {
 		log_line("[D] Starting TCP (%s:%d) SOCKET DONE...\r\n", tcp_address, tcp_port);
 		wrong = wait_until_connected(*handle);
@@ -151,7 +152,7 @@ bool send_tcp(std::span<const u8> bytes)
 	sending = false;
 	if (!sent) {
 		log_line("[W] TCP: message not taken by %s:%d\r\n", tcp_address, tcp_port);
-		failure = "The far end of the TCP bridge does not take the message.";
+		failure = tr("The far end of the TCP bridge does not take the message.");
 	}
 	return sent;
 }
@@ -166,7 +167,7 @@ static int receive_before_deadline(u8 *input, int capacity)
 	while (use_tcp && count < capacity) {
 		const long got = host.net->receive(tcp_socket, input + count, 1);
 		if (got < 0) {
-			failure = host.net->error_text(static_cast<int>(-got));
+			failure = tr(host.net->error_text(static_cast<int>(-got)));
 			log_line("[W] TCP (%s:%d): %s\r\n", tcp_address, tcp_port, failure.c_str());
 			return count;
 		}
@@ -212,8 +213,8 @@ int take_tcp(u8 *bytes, int capacity)
 				 : -1;
 	if (got >= 0)
 		return static_cast<int>(got);
-	failure = use_tcp ? host.net->error_text(static_cast<int>(-got))
-			  : "The TCP bridge was switched off.";
+	failure = use_tcp ? tr(host.net->error_text(static_cast<int>(-got)))
+			  : tr("The TCP bridge was switched off.");
 	return -1;
 }
 

@@ -150,19 +150,19 @@ void choose_usb_device()
 	if (open && !fill_fields(usb))
 		return;
 	clear_fields();
-	show_box("ERROR", "[%s] did not say what it is. Is it switched on?", usb->usb_name);
+	show_box("ERROR", tr("[%s] did not say what it is. Is it switched on?"), usb->usb_name);
 }
 
 void update_usb_sampler_name()
 {
 	_usbdev *usb = selected_device();
 	if (!usb) {
-		show_box("INFO", "No USB sampler selected!");
+		show_box("INFO", tr("No USB sampler selected!"));
 		return;
 	}
 	const std::string name = host.ui->get_text(window_usb, usb_name);
 	if (name.empty()) {
-		show_box("INFO", "Please enter a name for the sampler.");
+		show_box("INFO", tr("Please enter a name for the sampler."));
 		return;
 	}
 	open_usbdev open = open_or_end(usb);
@@ -190,7 +190,7 @@ void save_usb_sampler()
 {
 	const _usbdev *usb = selected_device();
 	if (!usb) {
-		show_box("INFO", "No USB sampler selected!");
+		show_box("INFO", tr("No USB sampler selected!"));
 		return;
 	}
 	_sampler record = {};
@@ -251,12 +251,14 @@ static void ask_usb_device()
 	fill_usb_info();
 	auto text = [](int field) { return host.ui->get_text(window_usb, field); };
 	if (selected_device())
-		show_usb_verdict("'" + text(usb_name) + "' answered: " + text(usb_hardware) +
-					 ", version " + text(usb_version) + ".",
+		show_usb_verdict(
+			format_text(tr("'%s' answered: %s, version %s."), text(usb_name).c_str(),
+				text(usb_hardware).c_str(), text(usb_version).c_str()),
 			text_role::good);
 	else
-		show_usb_verdict("No sampler was found on the USB. Is it on, and its cable plugged "
-				 "in? Open this window again to look again.",
+		show_usb_verdict(
+			tr("No sampler was found on the USB. Is it on, and its cable plugged "
+			   "in? Open this window again to look again."),
 			text_role::failed);
 }
 
@@ -276,18 +278,18 @@ static void rename_usb_sampler()
 static constexpr caption_row usb_captions[] = {
 	// window          control                  caption, tooltip, empty
 	{ window_usb,      0,                       "VELMOR Manage USB Samplers", nullptr, nullptr },
-	{ window_usb,      usb_device_list,         "Device:", "The samplers found on the USB", "No sampler found on the USB" },
-	{ window_usb,      usb_hardware,            "Hardware:", "What the sampler says it is", nullptr },
-	{ window_usb,      usb_version,             "OS-Version:", "The version of its system", nullptr },
-	{ window_usb,      usb_name,                "Sampler-Name:", "The sampler's own name; Update stores it in the sampler", nullptr },
-	{ window_usb,      usb_exclusive_channel,   "Sysex-Ch:", "The exclusive channel", nullptr },
-	{ window_usb,      usb_midi_channel,        "MIDI-Ch:", "The channel on which the sampler plays notes", nullptr },
-	{ window_usb,      usb_control_channel,     "CTRL-Ch:", "The control channel", nullptr },
-	{ window_usb,      usb_device_info,         "Get Device Info", "Ask the chosen sampler who it is", nullptr },
-	{ window_usb,      usb_update,              "&Update", "Give the sampler the name in the field", nullptr },
-	{ window_usb,      control_ok,              "&Save", "Keep this sampler in the list", nullptr },
-	{ window_usb,      control_cancel,          "&Cancel", "Close without saving", nullptr },
-	{ window_usb,      usb_verdict,             "Answer of the sampler", nullptr, nullptr },
+	{ window_usb,      usb_device_list,         "Device:", own("The samplers found on the USB"), own("No sampler found on the USB") },
+	{ window_usb,      usb_hardware,            own("Hardware:"), own("What the sampler says it is"), nullptr },
+	{ window_usb,      usb_version,             own("OS-Version:"), own("The version of its system"), nullptr },
+	{ window_usb,      usb_name,                "Sampler-Name:", own("The sampler's own name; Update stores it in the sampler"), nullptr },
+	{ window_usb,      usb_exclusive_channel,   own("Sysex-Ch:"), own("The exclusive channel"), nullptr },
+	{ window_usb,      usb_midi_channel,        own("MIDI-Ch:"), own("The channel on which the sampler plays notes"), nullptr },
+	{ window_usb,      usb_control_channel,     own("CTRL-Ch:"), own("The control channel"), nullptr },
+	{ window_usb,      usb_device_info,         "Get Device Info", own("Ask the chosen sampler who it is"), nullptr },
+	{ window_usb,      usb_update,              "&Update", own("Give the sampler the name in the field"), nullptr },
+	{ window_usb,      control_ok,              "&Save", own("Keep this sampler in the list"), nullptr },
+	{ window_usb,      control_cancel,          "&Cancel", own("Close without saving"), nullptr },
+	{ window_usb,      usb_verdict,             own("Answer of the sampler"), nullptr, nullptr },
 };
 static constexpr command_row usb_commands[] = {
 	{ window_usb,      control_ok,              keep_usb_sampler,          alone  },

@@ -184,14 +184,14 @@ static void fade_seam()
 // clang-format off
 static constexpr caption_row wave_captions[] = {
 	// window          control                 caption, tooltip, empty
-	{ window_samples,  wave_trim,              "Trim", "Cut the chosen sample of this computer to what lies between start and end", nullptr },
-	{ window_samples,  wave_loop_here,         "Loop here", "Loop from start to end, which can be dragged in the picture", nullptr },
-	{ window_samples,  wave_no_loop,           "No Loop", "Take the loop away; the sound stays", nullptr },
-	{ window_samples,  wave_gain,              "Volume", "Make the sample louder or softer by the decibels in the field", nullptr },
-	{ window_samples,  wave_gain_decibels,     "Decibels", "6 is twice as loud, -6 half as loud", "dB" },
-	{ window_samples,  wave_normalise,         "Normalise", "Make the sample so loud that its loudest value is full scale", nullptr },
-	{ window_samples,  wave_fade,              "Fade Seam", "Turn the end of the loop slowly into what stands in front of it, so that it comes round without a click", nullptr },
-	{ window_samples,  wave_fade_milliseconds, "Milliseconds of the fade", "How long the fade of the seam is", "ms" },
+	{ window_samples,  wave_trim,              "Trim", own("Cut the chosen sample of this computer to what lies between start and end"), nullptr },
+	{ window_samples,  wave_loop_here,         own("Loop here"), own("Loop from start to end, which can be dragged in the picture"), nullptr },
+	{ window_samples,  wave_no_loop,           "No Loop", own("Take the loop away; the sound stays"), nullptr },
+	{ window_samples,  wave_gain,              "Volume", own("Make the sample louder or softer by the decibels in the field"), nullptr },
+	{ window_samples,  wave_gain_decibels,     own("Decibels"), own("6 is twice as loud, -6 half as loud"), own("dB") },
+	{ window_samples,  wave_normalise,         own("Normalise"), own("Make the sample so loud that its loudest value is full scale"), nullptr },
+	{ window_samples,  wave_fade,              own("Fade Seam"), own("Turn the end of the loop slowly into what stands in front of it, so that it comes round without a click"), nullptr },
+	{ window_samples,  wave_fade_milliseconds, own("Milliseconds of the fade"), own("How long the fade of the seam is"), own("ms") },
 };
 static constexpr command_row wave_commands[] = {
 	{ window_samples,  wave_trim,              trim,                      alone },

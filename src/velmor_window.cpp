@@ -15,6 +15,7 @@
 #include "src/lcd.h"
 #include "src/usbqx.h"
 #include "src/velmor_forms.h"
+#include "src/velmor_history.h"
 #include "src/velmor_programs_page.h"
 #include "src/velmor_wave_edit.h"
 #include <deque>
@@ -23,39 +24,12 @@
 namespace velmor
 {
 
-// ---- The progress window ------------------------------------------------------------------
-
-static int commands_running;
-
-// A transfer that failed leaves its bar on screen; then there is nothing to stop, and the
-// button puts the bar away.
-static void stop_work()
-{
-	if (commands_running)
-		stop_progress();
-	else
-		hide_progressbar(0);
-}
-
-// clang-format off
-static constexpr caption_row progress_captions[] = {
-	{ window_progress, 0,             "Progress", nullptr, nullptr },
-	{ window_progress, progress_stop, "Stop", "End this work at the next point where the sampler stays usable", nullptr },
-};
-static constexpr command_row progress_commands[] = {
-	{ window_progress, progress_stop,  stop_work, always },
-	{ window_progress, control_cancel, stop_work, always },
-};
-// clang-format on
-
 // ---- Rows -----------------------------------------------------------------------------------
 
-static const window_rows progress_rows = { progress_captions, progress_commands };
-
 static const window_rows *const all_rows[] = { &main_rows, &entry_rows, &settings_rows,
-	&sampler_rows, &usb_rows, &samples_rows, &programs_rows, &multis_rows, &panel_rows,
-	&player_rows, &progress_rows, &status_rows, &wave_rows, &backup_rows,
-	&verify_rows };
+	&sampler_rows, &usb_rows, &samples_rows, &fit_rows, &programs_rows, &multis_rows,
+	&panel_rows, &player_rows, &progress_rows, &status_rows, &wave_rows, &history_rows,
+	&backup_rows, &verify_rows };
 
 static std::vector<caption_row> all_captions()
 {
@@ -115,6 +89,8 @@ bool was_opened(int window)
 }
 
 // ---- The gate ---------------------------------------------------------------------------------
+
+static int commands_running;
 
 // Counts the commands that run, also when exit_process leaves one of them.
 struct running_command {
@@ -313,10 +289,12 @@ void forget_commands()
 	kept_work.clear();
 	request_close(false);
 	forget_stop();
+	leave_verdict();
 	opened_windows.clear();
 	forget_lists();
 	forget_line();
 	forget_undo();
+	forget_history();
 	forget_status();
 	forget_program_page();
 	forget_panel();

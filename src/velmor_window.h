@@ -14,6 +14,7 @@
 
 #pragma once
 #include "src/controls.h"
+#include "src/velmor_counts.h"
 #include "src/velmor_work.h"
 #include <functional>
 #include <span>
@@ -63,13 +64,16 @@ extern const window_rows main_rows, settings_rows, sampler_rows; // velmor_setup
 extern const window_rows entry_rows;                             // velmor_entries.cpp
 extern const window_rows usb_rows;                               // velmor_usb.cpp
 extern const window_rows samples_rows;                           // velmor_samples_page.cpp
+extern const window_rows fit_rows;                               // velmor_fit.cpp
 extern const window_rows programs_rows;                          // velmor_programs_commands.cpp
 extern const window_rows multis_rows;                            // velmor_multis.cpp
 extern const window_rows panel_rows;                             // velmor_panel.cpp
 extern const window_rows player_rows;                            // velmor_player.cpp
+extern const window_rows history_rows;                           // velmor_history_page.cpp
 extern const window_rows backup_rows;                            // velmor_backup_page.cpp
 extern const window_rows verify_rows;                            // velmor_verify_page.cpp
 extern const window_rows status_rows;                            // velmor_status.cpp
+extern const window_rows progress_rows;                          // velmor_queue_page.cpp
 
 // ---- The engine (velmor_window.cpp) ------------------------------------------------------------
 
@@ -164,7 +168,7 @@ void forget_status();
 // State and heading of a list of the sampler, and its retry button where it could not be read.
 struct list_controls {
 	int window, list, heading, retry;
-	const char *what; // of one entry: "sample"
+	noun what; // of its entries
 };
 void show_list_knowledge(const list_controls &where, const known_list &known, int count);
 
@@ -204,6 +208,14 @@ void take_track(track_event event, int track, int value);
 void change_speed(int row, form_event event, int value);
 // As at the start; for tests.
 void forget_player_page();
+
+// ---- The history (velmor_history_page.cpp) ---------------------------------------------------------
+
+void show_history();
+// Its steps, or the loaded sampler, may have changed.
+void update_history_page();
+// Put the last change of the sampler back, and show what it holds then.
+void undo_last_on_sampler();
 
 // ---- Pages ---------------------------------------------------------------------------------------------
 
@@ -249,8 +261,8 @@ std::vector<std::string> wave_columns(const std::string &path);
 // Say what the import options make of these files. None: of the selected local sample.
 void show_import_preview(std::span<const std::string> paths);
 
-// Seconds that an upload of so many bytes takes to a sampler of that model: over MIDI from the
-// wire's 31250 baud, over USB from full speed.
+// Seconds that an upload of a file with so many bytes of audio takes to a sampler of that model, as
+// the choice of exact uploads stands.
 double transfer_seconds(const _sampler_type &model, u64 bytes);
 
 } // namespace velmor

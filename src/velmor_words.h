@@ -2,12 +2,13 @@
 //
 // What is shown to a person goes through tr(). The words that the system has always had - titles,
 // buttons, boxes, log lines - stay as they are in every language: they are what owners of these
-// machines search for and quote. Log lines are not translated at all.
+// machines search for and quote. A sentence of ours that is logged as well is logged as shown.
 //
 // A translator finds the words in translations/velmor_de.ts, which lupdate keeps (make words).
 
 #pragma once
 #include "platform/host.h"
+#include "platform/words.h"
 
 namespace velmor
 {
@@ -19,10 +20,6 @@ inline const char *tr(const char *words)
 	return host.ui->translate ? host.ui->translate(words) : words;
 }
 
-// Marks words of ours in a table, whose reader passes them through tr().
-constexpr const char *own(const char *words)
-{
-	return words;
-}
+// In a table whose reader passes its words through tr(), own() marks them (platform/words.h).
 
 } // namespace velmor

@@ -13,6 +13,7 @@
 #pragma once
 #include "src/resource.h"
 #include "src/velmor_outcome.h"
+#include "src/velmor_queue.h"
 #include <functional>
 #include <span>
 #include <string>
@@ -130,6 +131,8 @@ outcome offers_download();
 outcome offers_upload();
 // Fetch a sample into the spool, over one of its name.
 outcome download_sample(const std::string &name);
+// The same from a list that is known to be fresh.
+outcome fetch_sample(const std::string &name);
 // Send a file of the spool; path is without extension. What would arrive as silence is refused
 // in front of the transfer. The list is read again behind it.
 outcome upload_sample(const std::string &path);
@@ -139,22 +142,17 @@ outcome delete_sample(const std::string &name);
 // Ask about a sample, and give its record.
 outcome ask_sample(const std::string &name, const _sample **record);
 
-// Work on many names, one after the other.
-enum class item_state {
-	waiting, // not tried
-	done,
-	skipped,
-	failed
-};
-struct work_item {
-	std::string name;
-	item_state state = item_state::waiting;
-	std::string words = {}; // why it failed
-};
-using work_queue = std::vector<work_item>;
-// Fetch every waiting sample. Items change as the work goes; a line that is dead, and a trouble
-// that comes twice in a row, ends it. One verdict for all.
-outcome download_samples(work_queue *queue);
+// ---- Many samples (velmor_sample_queues.cpp) --------------------------------------------------
+
+// Each of them runs the waiting items of a queue and gives one verdict.
+// Fetch samples of these names, over those of the spool.
+outcome download_samples(work_queue *queue, const queue_view *view = nullptr);
+// Send files of the spool, by their paths without extension. What would arrive as silence is
+// refused, or converted first where that helps and is wanted.
+outcome upload_samples(work_queue *queue, bool convert, const queue_view *view = nullptr);
+// From the sampler, and from the spool, where one undo puts all of them back.
+outcome delete_samples(work_queue *queue, const queue_view *view = nullptr);
+outcome delete_locals(work_queue *queue, const queue_view *view = nullptr);
 
 // ---- Samples of the spool (velmor_spool.cpp) --------------------------------------------------
 
@@ -183,8 +181,13 @@ struct undo_step {
 	void (*show)() = nullptr; // what came back, where the spool's pages do not
 };
 void remember_undo(const undo_step &step);
+// Convert a sample of the spool in its place; the way back is added to a step.
+outcome convert_local(const std::string &name, const import_options &options, undo_step *undo);
 bool can_undo();
 outcome undo_last();
 void forget_undo();
+// Make one step of all that came since there were so many.
+std::size_t undo_steps_kept();
+void join_undo(std::size_t since, const std::string &line);
 
 } // namespace velmor

@@ -42,8 +42,9 @@ std::string error_words(const char *file, int line, int code)
 
 std::string read_failure(const std::string &path, int code)
 {
-	return host.files->host_path(path.c_str()) +
-	       " cannot be read: " + error_words(__FILE_NAME__, __LINE__, code) + ".";
+	return format_text(tr("%s cannot be read: %s."),
+		host.files->host_path(path.c_str()).c_str(),
+		error_words(__FILE_NAME__, __LINE__, code).c_str());
 }
 
 input_file::~input_file()

@@ -97,11 +97,12 @@ static import_case case_of(u32 wanted, u32 present, u32 mixing_mode)
 
 static std::string no_way_words(u32 channels)
 {
-	return channels == 1 ? "It has one channel, and these options make nothing of it. Choose "
-			       "Keep original for the channels."
-			     : format_text("It has %u channels, and these options make nothing of "
-					   "them. Choose Keep original for the channels.",
-				       channels);
+	return channels == 1
+		       ? tr("It has one channel, and these options make nothing of it. Choose "
+			    "Keep original for the channels.")
+		       : format_text(tr("It has %u channels, and these options make nothing of "
+					"them. Choose Keep original for the channels."),
+				 channels);
 }
 
 static std::string spool_name(const std::string &name)
@@ -123,16 +124,16 @@ static std::string reason_of(
 	case conversion_end::unfinished:
 		return write_failure(target, result.code);
 	case conversion_end::too_large:
-		return "The result would be larger than a WAV file, or this computer's memory, "
-		       "can hold.";
+		return tr("The result would be larger than a WAV file, or this computer's memory, "
+			  "can hold.");
 	case conversion_end::no_order:
-		return "Its new rate or depth cannot be told in a file of the spool. Choose "
-		       "another one.";
+		return tr("Its new rate or depth cannot be told in a file of the spool. Choose "
+			  "another one.");
 	case conversion_end::no_wave:
 		break;
 	}
 	const std::string why = why_not_wave(job.source.c_str());
-	return why.empty() ? "The rate asked for is none." : why;
+	return why.empty() ? tr("The rate asked for is none.") : why;
 }
 
 struct shown_end {
@@ -369,8 +370,9 @@ static std::string copy_entries(int dialog, const std::vector<std::string> &name
 		if (progress_stopped())
 			return "Stopped!";
 		if (taken_in_another_case(names, static_cast<std::size_t>(i), target)) {
-			import_failure = "The folder does not tell " + name +
-					 " from another sample whose name differs by case alone.";
+			import_failure = format_text(tr("The folder does not tell %s from another "
+							"sample whose name differs by case alone."),
+				name.c_str());
 			return "Cannot open [" + to + "] for writing";
 		}
 		const copy_failure failure = copy_file(from, to);
@@ -395,7 +397,7 @@ bool copy_folder(int dialog, const char *source, const char *target)
 	const std::string from = plain(source), to = plain(target);
 	import_failure.clear();
 	if (from == to) {
-		import_failure = "The export folder is the spool itself. Choose another one.";
+		import_failure = tr("The export folder is the spool itself. Choose another one.");
 		show_text(dialog, samples_work_outcome, "Export Folder is Spool-Directory!");
 		return false;
 	}

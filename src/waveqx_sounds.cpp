@@ -186,14 +186,14 @@ bool count_frames(plain_copy *copy, bool shown)
 	while (const std::size_t got = copy->read()) {
 		copy->frames += got;
 		if (copy->frames * frame > most) {
-			import_failure = "It is longer than a WAV file can be.";
+			import_failure = tr("It is longer than a WAV file can be.");
 			return false;
 		}
 		if (!go_on(shown))
 			return false;
 	}
 	if (!copy->frames)
-		import_failure = "It holds no sound that can be read.";
+		import_failure = tr("It holds no sound that can be read.");
 	return copy->frames != 0;
 }
 
@@ -234,7 +234,7 @@ static bool make_plain_wave(const char *path, const char *target, int window)
 	sound_shape again;
 	const closes_sound second = { copy.sound = open_sound(path, &again) };
 	if (copy.sound < 0 || again.channels != shape.channels) {
-		import_failure = "It changed while it was read.";
+		import_failure = tr("It changed while it was read.");
 		return false;
 	}
 	fresh_file file;
@@ -258,9 +258,10 @@ std::string why_not_sound(const char *path)
 	if (plain_wave(path) || foreign_sound(path, &shape))
 		return "";
 	const std::string why = why_not_wave(path);
-	return why.empty() ? "This WAV file holds sound of a kind that this program cannot read. "
-			     "Save it as a plain WAV file first."
-			   : why;
+	return why.empty()
+		       ? tr("This WAV file holds sound of a kind that this program cannot read. "
+			    "Save it as a plain WAV file first.")
+		       : why;
 }
 
 // Where a plain copy of that file lies for a moment, away from what somebody keeps in the folder

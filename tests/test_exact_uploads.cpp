@@ -4,6 +4,7 @@
 
 #include "src/akais1000_exact.h"
 #include "src/velmor_transfer.h"
+#include "src/velmor_work.h"
 #include "src/waveqx.h"
 #include "tests/support/transcript_midi.h"
 #include "virtual/akai_codec.h"
@@ -101,6 +102,26 @@ TEST_F(exact_uploads_test, a_sample_goes_down_and_up_unchanged)
 		EXPECT_EQ(sampler.samples[1].header[2], 60);
 		unplug_all_midi();
 	}
+}
+
+// 4000 words, told twice and once, and down: packets of 127 bytes of which 80 are sound, at 3125
+// bytes a second, with 6 bytes of answer or 18 of request and 50 ms of pause.
+TEST_F(exact_uploads_test, transfers_measure_the_wire)
+{
+	s1000_machine sampler(s1000_model::s3000, 5);
+	sampler.add_sample("LONG", 44100, std::vector<std::int16_t>(4000, 7));
+	plug(sampler, model_s3000);
+	EXPECT_TRUE(download_sample("LONG").done());
+	EXPECT_NEAR(rate_of(*row, transfer_way::down).bytes_per_second, 830, 40);
+	for (const bool exact : { false, true }) {
+		set_exact_uploads(exact);
+		h.settings.erase("rate up 1007 MIDI 'virtual'");
+		EXPECT_TRUE(upload_sample(spool("LONG")).done());
+		EXPECT_EQ(sampler.samples[0].words.size(), exact ? 4000u : 8000u);
+		EXPECT_NEAR(rate_of(*row, transfer_way::up).bytes_per_second, exact ? 1530 : 1705,
+			60); // the headers take their time
+	}
+	EXPECT_TRUE(connection_text().ends_with("kB/s up, 0.8 kB/s down\non this connection"));
 }
 
 // What the machine made of a dump, and what it is told: three words, note 3D, NO LOOPING, fine 5,

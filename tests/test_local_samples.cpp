@@ -32,7 +32,15 @@ struct local_samples_page : host_test {
 		host.ui->select(window_samples, samples_local_list, 0);
 		velmor_selection(window_samples, samples_local_list);
 	}
-	std::string preview() { return h.texts[{ window_samples, samples_import_preview }]; }
+	// File, Becomes, Lost and Upload.
+	strings preview()
+	{
+		strings lines;
+		for (int control = samples_import_preview; control <= samples_preview_upload;
+			control++)
+			lines.push_back(h.texts[{ window_samples, control }]);
+		return lines;
+	}
 };
 
 // ---- What an upload sends ------------------------------------------------------------------
@@ -106,20 +114,36 @@ TEST_F(local_samples_page, an_upload_that_would_arrive_as_silence_is_told)
 TEST_F(local_samples_page, the_preview_of_a_sample_says_what_its_upload_sends)
 {
 	open({ "A.wav" }, spool_file_of(mono_16, 1, 88200));
-	// 88200 bytes: 2205 packets of 133 bytes, at 3125 bytes a second.
-	EXPECT_EQ(preview(), "A.wav: 44100 Hz, 16 bit, 1 channel\nUpload to Akai S3000/S3000XL: "
-			     "arrives as 2.00 s, the second half silent, in about 1 min 34 s.");
+	const std::string file = "A.wav · 44100 Hz, 16 bit, 1 channel, 1.00 s";
+	const std::string rate = " at about 1.9 kB/s, not measured yet on this connection";
+	// 88200 bytes: 2205 packets of 133 bytes, at 3125 bytes a second, or half of them.
+	EXPECT_EQ(preview(),
+		(strings{ file, "A on the sampler", "",
+			"about 1 min 34 s" + rate +
+				"\narrives as 2.00 s, the second half silent · with exact length "
+				"about 47 s" }));
+	h.checks[{ window_samples, samples_exact }] = true;
+	velmor_selection(window_samples, samples_exact);
+	EXPECT_EQ(h.settings["exact_uploads"], "1");
+	EXPECT_EQ(preview().back(), "about 47 s" + rate +
+					    "\narrives as long as it is · without exact length "
+					    "about 1 min 34 s");
 	h.checks[{ window_samples, samples_bits_24 }] = true;
 	show_import_preview({});
 	EXPECT_EQ(preview(),
-		"A.wav: 44100 Hz, 16 bit, 1 channel\n"
-		"becomes 44100 Hz, 24 bit, 1 channel, 1.00 s, 132300 bytes\n"
-		"Upload to Akai S3000/S3000XL refused: A file of 24 bit and 1 channel would arrive "
-		"as noise. Import it with Convert to 16 bit.");
+		(strings{ file,
+			"A · 44100 Hz, 24 bit, 1 channel, 1.00 s, 132 kB · keeps its root note C-2",
+			"",
+			"refused: A file of 24 bit and 1 channel would arrive as noise.\nImport it "
+			"with Convert to 16 bit." }));
+	EXPECT_EQ((h.roles[{ window_samples, samples_preview_upload }]), text_role::failed);
+	EXPECT_EQ((h.reasons[{ window_samples, samples_exact }]), "");
 	h.use_sampler(model_s5000, 0);
 	show_import_preview({});
-	EXPECT_NE(preview().find("\nUpload to Akai S5000/6000: less than a second."),
-		std::string::npos);
+	EXPECT_TRUE(preview().back().starts_with("less than a second at about 1.0 MB/s"));
+	EXPECT_EQ((h.reasons[{ window_samples, samples_exact }]),
+		"Akai S5000/6000 takes samples at their own length.");
+	EXPECT_FALSE((h.checks[{ window_samples, samples_exact }]));
 }
 
 TEST_F(local_samples_page, a_loop_beyond_the_data_stays_inside_the_picture)

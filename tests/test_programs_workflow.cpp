@@ -526,6 +526,49 @@ TEST_F(s3000_programs, a_local_program_goes_with_the_samples_that_are_here)
 	EXPECT_EQ(h.boxes.size(), 1u);
 }
 
+TEST_F(s3000_programs, several_programs_are_one_queue)
+{
+	machine.add_sample("SNARE", 44100, std::vector<std::int16_t>(64, 500));
+	machine::put_name(machine.programs[1].keygroups[1], 34, "SNARE");
+	machine::put_name(machine.programs[2].keygroups[0], 34, "KICK");
+	open();
+	const auto choose_two = [](int of, int one, int other) {
+		host.ui->select_several(window_programs, of, std::vector{ one, other });
+		velmor_selection(window_programs, of);
+	};
+	const auto told = [&] { return h.texts[{ window_progress, progress_title }]; };
+	choose_two(programs_loaded_list, 1, 2);
+	EXPECT_EQ((h.reasons[{ window_programs, programs_loaded_rename }]),
+		"This is for one program, and several are chosen.");
+	h.on_pump = [] { velmor_command(window_progress, progress_stop_after); };
+	press(programs_download);
+	h.on_pump = nullptr;
+	EXPECT_EQ(list(programs_local_list), lines{ "TARGET" });
+	EXPECT_TRUE(in_spool("KICK") && in_spool("SNARE")) << "they are part of this one";
+	velmor_command(window_progress, progress_again);
+	EXPECT_EQ(list(programs_local_list), (lines{ "TARGET", "LAST" }));
+	EXPECT_EQ(told(), "2 of 2 programs were downloaded");
+	EXPECT_TRUE(h.boxes.empty());
+	choose_two(programs_loaded_list, 0, 2);
+	h.answers = { false };
+	press(programs_loaded_delete);
+	EXPECT_EQ(names(), "FIRST,TARGET,LAST,");
+	press(programs_loaded_delete);
+	EXPECT_EQ(names(), "TARGET,");
+	EXPECT_EQ(told(), "2 of 2 programs were deleted");
+	// The samples of both stand behind them in the same queue.
+	choose_two(programs_local_list, 0, 1);
+	h.boxes.clear();
+	press(programs_upload);
+	EXPECT_EQ(h.boxes, (boxes{ { "Also upload required samples (2 Samples)?", "INFO" } }));
+	EXPECT_EQ(names(), "TARGET,LAST,");
+	EXPECT_EQ(told(), "4 of 4 programs and samples were uploaded");
+	choose_two(programs_local_list, 0, 1);
+	press(programs_local_delete);
+	EXPECT_TRUE(list(programs_local_list).empty());
+	EXPECT_TRUE(h.content(h.config + "\\deleted\\LAST.program"));
+}
+
 TEST_F(s3000_programs, a_download_brings_the_program_and_its_samples_and_edits_go_to_the_file)
 {
 	open();

@@ -4,6 +4,7 @@
 // protocol says. Every fault of the wire is tried at every exchange of every operation.
 
 #include "src/akais1000.h"
+#include "src/velmor_transfer.h"
 #include "src/velmor_window.h"
 #include "src/waveqx.h"
 #include "tests/support/test_host.h"
@@ -270,6 +271,11 @@ const struct {
 	{ "info", [](conversation &c) { c.row->infosample(1, 5, "KICK"); } },
 	{ "download", [](conversation &c) { c.row->downloadsample(1, 5, "KICK"); } },
 	{ "upload", [](conversation &c) { c.row->uploadsample(c.spool("LOCAL").c_str()); } },
+	{ "exact",
+		[](conversation &c) {
+			set_exact_uploads(true);
+			c.row->uploadsample(c.spool("LOCAL").c_str());
+		} },
 	{ "rename", [](conversation &c) { c.row->renamesample(1, 5, "KICK", "TOM"); } },
 	{ "delete", [](conversation &c) { c.row->renamesample(1, 5, "KICK", nullptr); } },
 };
@@ -316,6 +322,7 @@ bool try_fault(test_host &h, const model_row &model, std::size_t operation, wire
 	conversation c(h, model.model, model.id);
 	c.list();
 	write_local(c);
+	set_exact_uploads(false);
 	h.boxes.clear();
 	c.machine.heard.clear();
 	port_wire(c.port).set_fault(fault);

@@ -442,29 +442,37 @@ TEST_F(samples, the_preview_tells_what_an_import_gives)
 	open();
 	const lines stereo = { user_file("pad.wav", 2, 2 * 44100) };
 	velmor_hover(window_samples, samples_local_list, stereo);
+	const auto lines_are = [&](const char *becomes, const char *lost, const char *upload) {
+		EXPECT_EQ(shown(samples_import_preview),
+			"pad.wav · 44100 Hz, 16 bit, 2 channels, 1.00 s");
+		EXPECT_EQ(shown(samples_preview_becomes), becomes);
+		EXPECT_EQ(shown(samples_preview_lost), lost);
+		EXPECT_TRUE(shown(samples_preview_upload).starts_with(upload))
+			<< shown(samples_preview_upload);
+	};
 	// Stereo frames have four bytes, of which no words are made: 176400 words of silence.
-	EXPECT_EQ(shown(samples_import_preview),
-		"pad.wav: 44100 Hz, 16 bit, 2 channels\n"
-		"becomes 44100 Hz, 16 bit, 2 channels, 1.00 s, 176400 bytes\n"
-		"Only its left channel is kept. Choose 1 Channel and Create L/R files for both.\n"
-		"Upload to Akai S3000/S3000XL refused: A file of 16 bit and 2 channels would "
-		"arrive "
-		"as 4.00 s of silence. Import it with 1 Channel and Mix Channels, or Create L/R "
-		"files for both.");
+	lines_are("PAD · 44100 Hz, 16 bit, 2 channels, 1.00 s, 176 kB · keeps its root note C3",
+		"all but the left channel (choose 1 Channel and Create L/R files for both)",
+		"refused: A file of 16 bit and 2 channels would arrive as 4.00 s of silence.");
 	h.checks[{ window_samples, samples_channels_1 }] = true;
 	h.checks[{ window_samples, samples_rate_22000 }] = true;
 	velmor_hover(window_samples, samples_local_list, stereo);
-	EXPECT_EQ(shown(samples_import_preview),
-		"pad.wav: 44100 Hz, 16 bit, 2 channels\n"
-		"These options do not convert it. Choose Keep original for the channels.");
+	lines_are(
+		"These options do not convert it. Choose Keep original for the channels.", "", "");
+	h.checks[{ window_samples, samples_mix_left }] = true;
+	velmor_hover(window_samples, samples_local_list, stereo);
+	lines_are("PAD · 22000 Hz, 16 bit, 1 channel, 1.00 s, 44 kB · keeps its root note C3",
+		"the right channel (Left Channel is chosen) and what is above 11000 Hz (22000 Hz "
+		"is chosen)",
+		"about 47 s at about 1.9 kB/s");
 	h.checks[{ window_samples, samples_mix_files }] = true;
 	velmor_hover(window_samples, samples_local_list, stereo);
-	EXPECT_EQ(shown(samples_import_preview),
-		"pad.wav: 44100 Hz, 16 bit, 2 channels\n"
-		"becomes two files: 22000 Hz, 16 bit, 1 channel, 1.00 s, 44000 bytes\n"
-		"Upload to Akai S3000/S3000XL: about 1 min 34 s.");
+	lines_are("two files: PAD-L and PAD-R · 22000 Hz, 16 bit, 1 channel, 1.00 s, 44 kB · keeps "
+		  "its root note C3",
+		"what is above 11000 Hz (22000 Hz is chosen)", "about 1 min 34 s at about");
 	velmor_hover(window_samples, samples_local_list, {});
 	EXPECT_EQ(shown(samples_import_preview), "");
+	EXPECT_EQ(shown(samples_preview_upload), "");
 }
 
 TEST_F(samples, the_preview_bears_any_file)

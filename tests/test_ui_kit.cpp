@@ -205,7 +205,8 @@ TEST_F(kit, every_control_has_a_name_and_no_two_of_a_window_are_alike)
 {
 	std::size_t counted = 0;
 	for (const int window : { window_main, window_settings, window_sampler, window_usb,
-		     window_multis, window_samples, window_programs, window_progress }) {
+		     window_multis, window_samples, window_programs, window_progress,
+		     window_history }) {
 		host.ui->show(window, 0, true);
 		for (auto *fold : at(window, 0)->findChildren<QToolButton *>())
 			fold->setChecked(true);
@@ -256,7 +257,7 @@ TEST_F(kit, values_are_read_not_only_their_names)
 TEST_F(kit, no_two_buttons_of_a_window_have_the_same_letter)
 {
 	for (const int window : { window_main, window_settings, window_sampler, window_usb,
-		     window_multis, window_samples }) {
+		     window_multis, window_samples, window_history }) {
 		std::set<QString> letters;
 		for (const auto *button : at(window, 0)->findChildren<QPushButton *>()) {
 			if (button->window() != at(window, 0))

@@ -27,12 +27,12 @@ struct way_row {
 
 // clang-format off
 static constexpr way_row ways[] = {
-	{ menu_midi_samplers, icon::midi, "A sampler on MIDI",
-	  "S900 to S3200, with MIDI IN and MIDI OUT both connected to this computer. You name the model and the exclusive channel that its own MIDI page shows.",
-	  { "OUT to IN", "IN from OUT" } },
-	{ menu_usb_samplers, icon::usb, "A sampler on USB",
-	  "S5000, S6000, Z4, Z8 or MPC 4000 on a USB cable. Switch it on; it is found by itself, and its name and version are read.",
-	  { "USB cable", nullptr } },
+	{ menu_midi_samplers, icon::midi, own("A sampler on MIDI"),
+	  own("S900 to S3200, with MIDI IN and MIDI OUT both connected to this computer. You name the model and the exclusive channel that its own MIDI page shows."),
+	  { own("OUT to IN"), own("IN from OUT") } },
+	{ menu_usb_samplers, icon::usb, own("A sampler on USB"),
+	  own("S5000, S6000, Z4, Z8 or MPC 4000 on a USB cable. Switch it on; it is found by itself, and its name and version are read."),
+	  { own("USB cable"), nullptr } },
 };
 // clang-format on
 
@@ -64,7 +64,8 @@ void wiring::paint_end(QPainter *painter, const QRect &place, icon which, const 
 	paint_icon(painter, which, QRectF(place.center().x() - 16, place.top() + 16, 32, 32),
 		palette().color(QPalette::Dark));
 	painter->setPen(palette().color(QPalette::Text));
-	painter->drawText(place.adjusted(0, 0, 0, -12), Qt::AlignHCenter | Qt::AlignBottom, name);
+	painter->drawText(
+		place.adjusted(0, 0, 0, -12), Qt::AlignHCenter | Qt::AlignBottom, qtr(name));
 }
 
 void wiring::paint_cable(
@@ -81,7 +82,7 @@ void wiring::paint_cable(
 	painter->setPen(palette().color(QPalette::Text));
 	const double left = std::min(from.x(), to.x());
 	painter->drawText(QRectF(left, from.y() - 22, std::abs(to.x() - from.x()), 18),
-		Qt::AlignCenter, name);
+		Qt::AlignCenter, qtr(name));
 }
 
 void wiring::paintEvent(QPaintEvent *)
@@ -89,8 +90,8 @@ void wiring::paintEvent(QPaintEvent *)
 	QPainter painter(this);
 	painter.setRenderHint(QPainter::Antialiasing);
 	const int end = 76;
-	paint_end(&painter, QRect(0, 0, end, height()), icon::computer, "computer");
-	paint_end(&painter, QRect(width() - end, 0, end, height()), icon::sampler, "sampler");
+	paint_end(&painter, QRect(0, 0, end, height()), icon::computer, own("computer"));
+	paint_end(&painter, QRect(width() - end, 0, end, height()), icon::sampler, own("sampler"));
 	const double left = end + 8, right = width() - end - 8;
 	if (way.cables[1]) {
 		paint_cable(&painter, { left, 36 }, { right, 36 }, false, way.cables[0]);
@@ -111,11 +112,11 @@ static QWidget *make_way(top_window *window, const way_row &way, bool main)
 	auto *head = new QHBoxLayout;
 	head->setSpacing(12);
 	head->addWidget(new icon_label(way.picture, big_icon_size, QPalette::Link, box));
-	head->addWidget(make_title(way.title, 1.3, true, box), 1);
+	head->addWidget(make_title(qtr(way.title), 1.3, true, box), 1);
 	column->addLayout(head);
 	column->addWidget(new wiring(way, box));
 	auto *words = new told_label(box);
-	words->say(way.words);
+	words->say(qtr(way.words));
 	words->setWordWrap(true);
 	words->setAlignment(Qt::AlignLeft | Qt::AlignTop);
 	column->addWidget(words, 1);
@@ -137,10 +138,10 @@ static QWidget *make_page(top_window *window)
 	auto *column = new QVBoxLayout(all);
 	column->setContentsMargins(0, 0, 0, 0);
 	column->setSpacing(between_controls);
-	column->addWidget(make_title("How is your sampler connected?", 1.3, true, all));
+	column->addWidget(make_title(qtr("How is your sampler connected?"), 1.3, true, all));
 	auto *words = new told_label(all);
 	words->set_role(text_role::quiet);
-	words->say("Choose one way. More samplers can be added later, of either kind.");
+	words->say(qtr("Choose one way. More samplers can be added later, of either kind."));
 	column->addWidget(words);
 	auto *cards = new QHBoxLayout;
 	cards->setSpacing(between_panels);

@@ -9,6 +9,7 @@
 #include "src/resource.h"
 #include "src/velmor_window.h"
 #include "ui/parts/style.h"
+#include "ui/parts/words.h"
 #include <QHelpEvent>
 #include <QMenu>
 #include <QMouseEvent>
@@ -627,25 +628,24 @@ static QString name_of(int note)
 QString key_map::words_of(const place &at) const
 {
 	const key_group_view &group = view.groups[static_cast<std::size_t>(at.group)];
-	QString words = QString("Keygroup %1, %2 to %3")
+	QString words = qtr("Keygroup %1, %2 to %3")
 				.arg(at.group + 1)
 				.arg(name_of(group.low_note), name_of(group.high_note));
 	if (at.zone < 0 || static_cast<std::size_t>(at.zone) >= group.zones.size())
 		return words;
 	const key_zone_view &zone = group.zones[static_cast<std::size_t>(at.zone)];
-	words += QString(", Keyzone %1: ").arg(at.zone + 1);
-	words += zone.name.empty() ? "no sample" : QString::fromUtf8(zone.name.c_str());
-	words += zone.missing ? " (not loaded)" : "";
-	return words +
-	       QString(", velocity %1 to %2").arg(zone.low_velocity).arg(zone.high_velocity);
+	words += qtr(", Keyzone %1: ").arg(at.zone + 1);
+	words += zone.name.empty() ? qtr("no sample") : QString::fromUtf8(zone.name.c_str());
+	words += zone.missing ? qtr(" (not loaded)") : "";
+	return words + qtr(", velocity %1 to %2").arg(zone.low_velocity).arg(zone.high_velocity);
 }
 
 void key_map::say_chosen()
 {
 	const QString words = chosen_group() ? words_of({ view.group, view.zone })
 			      : empty        ? empty_text
-					     : QString("no keygroup chosen");
-	setAccessibleName("Key map: " + words);
+					     : qtr("no keygroup chosen");
+	setAccessibleName(qtr("Key map: ") + words);
 }
 
 QString key_map::short_name(const std::string &name) const

@@ -7,6 +7,7 @@
 #include "ui/key_map.h"
 #include "ui/parts/palette.h"
 #include "ui/parts/style.h"
+#include "ui/parts/words.h"
 #include <QPainter>
 #include <algorithm>
 
@@ -139,8 +140,8 @@ void key_map::paint_band(QPainter *painter, const place &at, bool chosen) const
 		return;
 	painter->setFont(small_font(false));
 	const QString second =
-		zone.missing ? QString("(not loaded)")
-			     : QString("%1 to %2").arg(zone.low_velocity).arg(zone.high_velocity);
+		zone.missing ? qtr("(not loaded)")
+			     : qtr("%1 to %2").arg(zone.low_velocity).arg(zone.high_velocity);
 	painter->drawText(words.adjusted(0, metrics.height(), 0, 0), Qt::AlignLeft | Qt::AlignTop,
 		QFontMetricsF(painter->font()).elidedText(second, Qt::ElideRight, words.width()));
 }

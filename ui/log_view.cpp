@@ -86,10 +86,10 @@ struct level_row {
 };
 
 static constexpr level_row levels[log_levels] = {
-	{ log_told, "[I]", "I", "what was done", log_look::plain },
-	{ log_careful, "[W]", "W", "warnings", log_look::careful },
-	{ log_failed, "[F]", "F", "failures", log_look::failed },
-	{ log_debug, "[D]", "D", "details for finding faults", log_look::plain },
+	{ log_told, "[I]", "I", own("what was done"), log_look::plain },
+	{ log_careful, "[W]", "W", own("warnings"), log_look::careful },
+	{ log_failed, "[F]", "F", own("failures"), log_look::failed },
+	{ log_debug, "[D]", "D", own("details for finding faults"), log_look::plain },
 };
 
 // Behind "12.3456: " or "12.3456 [file.cpp:12]: ", or the line itself where it has no stamp.
@@ -362,7 +362,7 @@ protected:
 static void say_count(QToolButton *button, const level_row &row, int count)
 {
 	button->setText(QString("%1 %2").arg(row.letter, short_count(count)));
-	button->setAccessibleName(QString("Show %1, %2 lines").arg(row.name).arg(count));
+	button->setAccessibleName(qtr("Show %1, %2 lines").arg(qtr(row.name)).arg(count));
 }
 
 static void add_levels(QBoxLayout *head, log_view *log, QWidget *parent)
@@ -373,7 +373,7 @@ static void add_levels(QBoxLayout *head, log_view *log, QWidget *parent)
 		button->setCheckable(true);
 		button->setFocusPolicy(Qt::TabFocus);
 		button->setChecked(log->shows(row.level));
-		button->setToolTip(QString("Show %1").arg(row.name));
+		button->setToolTip(qtr("Show %1").arg(qtr(row.name)));
 		button->setFixedSize(
 			button->fontMetrics().horizontalAdvance(QString(row.letter) + " 9999") +
 				between_controls,
@@ -396,8 +396,8 @@ static QToolButton *make_step(log_view *log, const char *words, bool earlier, QW
 	step->setAutoRaise(true);
 	step->setFocusPolicy(Qt::TabFocus);
 	step->setIcon(make_icon(earlier ? icon::fold_up : icon::fold_open));
-	step->setToolTip(words);
-	step->setAccessibleName(words);
+	step->setToolTip(qtr(words));
+	step->setAccessibleName(qtr(words));
 	QObject::connect(
 		step, &QToolButton::clicked, log, [log, earlier] { log->search_on(earlier); });
 	return step;
@@ -415,14 +415,14 @@ static void add_search(QBoxLayout *head, log_view *log, QToolButton *fold, top_w
 {
 	QLineEdit *field = make_search_field(window);
 	auto *none = new told_label(field);
-	none->set_spoken("Outcome of the search");
+	none->set_spoken(qtr("Outcome of the search"));
 	none->set_role(text_role::careful);
 	field->layout()->addWidget(none);
-	field->setPlaceholderText("Search");
-	field->setAccessibleName("Search in the log");
+	field->setPlaceholderText(qtr("Search"));
+	field->setAccessibleName(qtr("Search in the log"));
 	field->setMinimumWidth(96);
 	field->setMaximumWidth(180);
-	const auto tell = [none](bool found) { none->say(found ? "" : "none"); };
+	const auto tell = [none](bool found) { none->say(found ? QString() : qtr("none")); };
 	QObject::connect(field, &QLineEdit::textChanged, log,
 		[=](const QString &letters) { tell(log->search(letters)); });
 	for (const int enter : { Qt::Key_Return, Qt::Key_Enter }) {
@@ -441,18 +441,19 @@ static void add_search(QBoxLayout *head, log_view *log, QToolButton *fold, top_w
 		field->selectAll();
 	});
 	head->addWidget(field, 1);
-	head->addWidget(make_step(log, "Earlier place in the log", true, window));
-	head->addWidget(make_step(log, "Later place in the log", false, window));
+	head->addWidget(make_step(log, own("Earlier place in the log"), true, window));
+	head->addWidget(make_step(log, own("Later place in the log"), false, window));
 }
 
 // What is chosen in the log, or all that it shows.
 static QPushButton *make_copy(log_view *log, QWidget *parent)
 {
-	auto *copy = new QPushButton("Copy", parent);
+	auto *copy = new QPushButton(qtr("Copy"), parent);
 	copy->setAutoDefault(false);
 	copy->setFlat(true);
 	copy->setIcon(make_icon(icon::copy));
-	copy->setToolTip("Put what is chosen in the log on the clipboard, or all that it shows");
+	copy->setToolTip(
+		qtr("Put what is chosen in the log on the clipboard, or all that it shows"));
 	copy->setAccessibleDescription(copy->toolTip());
 	QObject::connect(copy, &QPushButton::clicked, log, [log] {
 		const QString chosen = log->textCursor().selectedText();
@@ -469,7 +470,7 @@ static QLayout *make_head(top_window *window, log_view *log, QWidget *part, QWid
 	auto *head = new QHBoxLayout;
 	head->setContentsMargins(8, 0, 8, 0);
 	head->setSpacing(4);
-	QToolButton *fold = make_fold(part, "the log", restore_setting(log), box);
+	QToolButton *fold = make_fold(part, qtr("the log"), restore_setting(log), box);
 	log->when_looked_at = [log, fold] {
 		(void)host.settings->save_key("log", setting_of(log, fold->isChecked()).c_str());
 	};

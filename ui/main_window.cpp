@@ -35,6 +35,7 @@ static QMenuBar *make_menu(top_window *window)
 	auto *bar = new QMenuBar(window);
 	QMenu *file = bar->addMenu("&File");
 	make_entry(window, file, menu_midi_files);
+	make_entry(window, file, menu_history);
 	make_entry(window, file, menu_backup);
 	make_entry(window, file, menu_exit);
 	QMenu *settings = bar->addMenu("&Settings");
@@ -49,7 +50,10 @@ static void show_folder()
 {
 	const std::string folder = host.files->host_path(current_config_path.c_str());
 	if (!QDesktopServices::openUrl(QUrl::fromLocalFile(QString::fromStdString(folder))))
-		host.ui->message(("The folder of your samplers is " + folder).c_str(), "INFO");
+		host.ui->message(
+			format_text(tr("The folder of your samplers is %s"), folder.c_str())
+				.c_str(),
+			"INFO");
 }
 
 static QAction *add_own_entry(QMenu *menu, int control, std::function<void()> work)
@@ -117,9 +121,9 @@ struct view_row {
 };
 
 static constexpr view_row views[] = {
-	{ main_samples, main_card_samples, "Samples" },
-	{ main_programs, main_card_programs, "Programs" },
-	{ main_multis, main_card_multis, "Multis" },
+	{ main_samples, main_card_samples, own("Samples") },
+	{ main_programs, main_card_programs, own("Programs") },
+	{ main_multis, main_card_multis, own("Multis") },
 	{ main_lcd, 0, nullptr },
 };
 
@@ -138,7 +142,7 @@ static QLayout *make_views(top_window *window)
 		button->hide();
 		if (row.count) {
 			told_label *count = make_text(window, row.count);
-			count->set_spoken(row.spoken);
+			count->set_spoken(qtr(row.spoken));
 			count->set_role(text_role::quiet);
 			grid->addWidget(count, 0, place);
 		}
@@ -160,10 +164,10 @@ static QWidget *make_loaded_card(top_window *window)
 	words->setSpacing(2);
 	told_label *name = make_title({}, 1.55, true, box);
 	enroll(window_main, main_card_name, name);
-	name->set_spoken("Loaded sampler");
+	name->set_spoken(qtr("Loaded sampler"));
 	name->set_cut();
 	told_label *way = make_text(window, main_card_way);
-	way->set_spoken("Way to it");
+	way->set_spoken(qtr("Way to it"));
 	way->set_role(text_role::quiet);
 	way->set_cut();
 	add_to(words, { name, way });

@@ -59,10 +59,11 @@ public:
 		setCheckable(true);
 		leave_focus(this);
 		enroll(window_panel, key.id, this);
-		setAccessibleName(text() + (key.wheel ? ", one step" : " key"));
+		setAccessibleName(text() + (key.wheel ? qtr(", one step") : qtr(" key")));
 		if (key.wheel)
-			setToolTip("One step of the wheel. The mouse wheel over the screen turns "
-				   "it too.");
+			setToolTip(
+				qtr("One step of the wheel. The mouse wheel over the screen turns "
+				    "it too."));
 		connect(this, &QPushButton::clicked, this,
 			[id = key.id] { velmor_command(window_panel, id); });
 	}
@@ -297,14 +298,14 @@ void panel_window::make_head()
 	head->addWidget(facts);
 	head->addStretch();
 	auto *size = new told_label(this);
-	size->say("Size");
+	size->say(qtr("Size"));
 	size->set_role(text_role::quiet);
 	head->addWidget(size);
 	for (const int control : scale_controls) {
 		QPushButton *button = make_button(this, control);
 		button->setCheckable(true);
 		leave_focus(button);
-		tell_apart(button, "size of the screen");
+		tell_apart(button, qtr("size of the screen"));
 		connect(button, &QPushButton::toggled, this, [this, control](bool on) {
 			if (on)
 				fit(control - panel_scale_1 + 1);
@@ -369,7 +370,7 @@ void panel_window::build(const panel_view *view)
 	board->build(view);
 	if (!view)
 		return;
-	facts->say(QString("%1 × %2 pixels").arg(view->picture_width).arg(view->picture_height));
+	facts->say(qtr("%1 × %2 pixels").arg(view->picture_width).arg(view->picture_height));
 	if (scale)
 		fit(scale);
 	else

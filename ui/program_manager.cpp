@@ -127,7 +127,8 @@ static void add_shortcut(QWidget *where, const QList<QKeySequence> &keys,
 static entry_list *make_side_list(top_window *window, const side &s)
 {
 	entry_list *list = make_list(window, s.list);
-	list->set_columns({ "Name", "Keygroups", "Unsent" });
+	list->set_columns({ qtr("Name"), qtr("Keygroups"), qtr("Unsent") });
+	list->take_several();
 	list->setMinimumHeight(header_height + row_height * 2);
 	if (QPushButton *retry = s.retry ? make_button(window, s.retry) : nullptr)
 		list->set_retry(retry);
@@ -228,9 +229,9 @@ struct tab_row {
 
 static constexpr tab_row tabs[] = {
 	{ "Program", icon::keys },
-	{ "Keygroup", icon::layers },
-	{ "Keyzone", icon::wave },
-	{ "Envelopes", icon::envelope },
+	{ own("Keygroup"), icon::layers },
+	{ own("Keyzone"), icon::wave },
+	{ own("Envelopes"), icon::envelope },
 };
 
 static constexpr unsigned on(std::initializer_list<tab> shown)
@@ -280,7 +281,7 @@ static QTabBar *make_tabs(top_window *window)
 	bar->setUsesScrollButtons(true);
 	bar->setElideMode(Qt::ElideNone);
 	for (const tab_row &row : tabs)
-		bar->addTab(make_icon(row.picture), row.name);
+		bar->addTab(make_icon(row.picture), qtr(row.name));
 	enroll(window->id, programs_tabs, bar);
 	QObject::connect(bar, &QTabBar::currentChanged, bar, [](int tab) {
 		show_program_tab(tab);
@@ -439,7 +440,8 @@ static QWidget *make_envelopes(top_window *window)
 		     programs_filter_envelope, programs_aux_envelope }) {
 		told_label *title = make_title(caption_of(window->id, control), 1.1, true, all);
 		column->addWidget(title);
-		auto *curve = new envelope_curve(window->id, control, "No keygroup chosen", all);
+		auto *curve =
+			new envelope_curve(window->id, control, qtr("No keygroup chosen"), all);
 		curve->set_title(title);
 		enroll(window->id, control, curve);
 		column->addWidget(curve);
@@ -518,7 +520,7 @@ static QBoxLayout *make_below(top_window *window, QMenu *menu)
 	auto *column = new QVBoxLayout;
 	column->setContentsMargins(margin_side, 0, margin_side, margin_above);
 	column->setSpacing(between_controls);
-	auto *map = new key_map(window->id, programs_key_map, "No program chosen", window);
+	auto *map = new key_map(window->id, programs_key_map, qtr("No program chosen"), window);
 	enroll(window->id, programs_key_map, map);
 	map->set_menu(menu);
 	column->addWidget(map, 1);

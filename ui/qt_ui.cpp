@@ -20,6 +20,7 @@
 #include "ui/parts/told.h"
 #include "ui/parts/window.h"
 #include "ui/track_strip_list.h"
+#include "ui/translation.h"
 #include "ui/waveform.h"
 #include <QAbstractButton>
 #include <QAbstractEventDispatcher>
@@ -148,6 +149,20 @@ static void set_list_state(int window, int control, list_state state, const char
 		list->set_state(state, QString::fromUtf8(words));
 }
 
+static void set_marks(int window, int control, std::span<const entry_mark> marks)
+{
+	if (auto *list = dynamic_cast<entry_list *>(find_control(window, control)))
+		list->set_marks(marks);
+}
+
+static void set_bar(int window, int control, int value, int range)
+{
+	if (auto *bar = qobject_cast<QProgressBar *>(find_control(window, control))) {
+		bar->setRange(0, range);
+		bar->setValue(std::min(value, range));
+	}
+}
+
 static void set_role(int window, int control, text_role role)
 {
 	if (not_made_yet(window))
@@ -179,6 +194,20 @@ static int selection(int window, int control)
 		return tabs->currentIndex();
 	auto *box = qobject_cast<QComboBox *>(object);
 	return box ? box->currentIndex() : -1;
+}
+
+static std::vector<int> selections(int window, int control)
+{
+	if (auto *list = dynamic_cast<entry_list *>(find_control(window, control)))
+		return list->all_chosen();
+	const int one = selection(window, control);
+	return one < 0 ? std::vector<int>{} : std::vector<int>{ one };
+}
+
+static void select_several(int window, int control, std::span<const int> places)
+{
+	if (auto *list = dynamic_cast<entry_list *>(find_control(window, control)))
+		list->choose_several(places);
 }
 
 static void set_checked(int window, int control, bool checked)
@@ -462,7 +491,10 @@ static void progress_show(const char *caption, int range)
 		bar->setAccessibleDescription(QString::fromUtf8(caption));
 	}
 	show_control(window_progress, 0, true);
-	if (QWidget *stop = find_widget(window_progress, progress_stop))
+	// Between the items of a queue the focus stays where the user has put it.
+	QWidget *stop = find_widget(window_progress, progress_stop);
+	const QWidget *focus = QApplication::focusWidget();
+	if (stop && !(focus && focus->window() == stop->window()))
 		stop->setFocus();
 }
 
@@ -625,6 +657,10 @@ const ui_service qt_ui = {
 	.exists        = exists,
 	.set_rows      = set_rows,
 	.set_list_state = set_list_state,
+	.selections    = selections,
+	.select_several = select_several,
+	.set_marks     = set_marks,
+	.set_bar       = set_bar,
 	.set_role      = set_role,
 	.set_reason    = set_reason,
 	.focus         = focus_control,
@@ -645,6 +681,7 @@ const ui_service qt_ui = {
 	.set_track     = set_track,
 	.set_strip     = set_strip,
 	.set_play_position = set_play_position,
+	.translate     = translate_words,
 	.message       = message,
 	.ask           = ask,
 	.choose_files  = choose_files,

@@ -1,6 +1,6 @@
 // sample_manager.cpp - the samples of the sampler beside those of this computer
 
-#include "src/velmor_window.h"
+#include "src/velmor_samples_page.h"
 #include "ui/parts/entry_list.h"
 #include "ui/parts/parts.h"
 #include "ui/parts/style.h"
@@ -11,6 +11,7 @@
 #include <QBoxLayout>
 #include <QCheckBox>
 #include <QButtonGroup>
+#include <QCheckBox>
 #include <QFormLayout>
 #include <QLineEdit>
 #include <QPushButton>
@@ -24,6 +25,7 @@ namespace velmor
 struct side {
 	int list, heading, search;
 	int remove, information, rename, new_name;
+	int transfer;       // to the other side
 	int refresh, retry; // 0: none
 	icon picture;
 	QStringList columns;
@@ -38,6 +40,7 @@ static side loaded_side()
 		.information = samples_loaded_info,
 		.rename = samples_loaded_rename,
 		.new_name = samples_loaded_new_name,
+		.transfer = samples_download,
 		.refresh = samples_refresh,
 		.retry = samples_retry,
 		.picture = icon::sampler,
@@ -53,6 +56,7 @@ static side local_side()
 		.information = samples_local_info,
 		.rename = samples_local_rename,
 		.new_name = samples_local_new_name,
+		.transfer = samples_upload,
 		.refresh = 0,
 		.retry = 0,
 		.picture = icon::computer,
@@ -70,7 +74,33 @@ static entry_list *make_side_list(top_window *window, const side &s)
 		list->set_retry(make_button(window, s.retry));
 	if (s.list == samples_local_list)
 		list->take_files();
+	list->take_several();
+	list->set_commands({ { s.transfer, { Qt::Key_Return, Qt::Key_Enter } },
+		{ s.information, {} }, { s.rename, { Qt::Key_F2 }, s.new_name },
+		{ s.remove, { Qt::Key_Delete } } });
 	return list;
+}
+
+static QLineEdit *make_name_field(top_window *window, const side &s)
+{
+	QLineEdit *field = make_field(window, s.new_name);
+	QObject::connect(field, &QLineEdit::returnPressed, field, [id = window->id, s] {
+		if (find_widget(id, s.rename)->isEnabled())
+			velmor_command(id, s.rename);
+	});
+	return field;
+}
+
+// Dragging is another way to press the buttons between the lists.
+static void let_entries_be_dragged()
+{
+	auto *loaded = static_cast<entry_list *>(find_widget(window_samples, samples_loaded_list));
+	auto *local = static_cast<entry_list *>(find_widget(window_samples, samples_local_list));
+	loaded->set_drag(local, { samples_download, own("Download this sample to this computer"),
+					own("Download these %1 samples to this computer") });
+	local->set_drag(loaded, { samples_upload, own("Upload this sample to the sampler"),
+					own("Upload these %1 samples to the sampler") });
+	local->set_drag_files(chosen_files);
 }
 
 static QPushButton *make_side_button(top_window *window, const side &s, int control)
@@ -97,7 +127,7 @@ static QBoxLayout *make_side(top_window *window, const side &s)
 	column->addLayout(finding);
 	column->addWidget(list, 1);
 	auto *renaming = new QHBoxLayout;
-	renaming->addWidget(make_field(window, s.new_name), 1);
+	renaming->addWidget(make_name_field(window, s), 1);
 	renaming->addWidget(make_side_button(window, s, s.rename));
 	column->addLayout(renaming);
 	auto *more = new QHBoxLayout;
@@ -112,7 +142,7 @@ static QBoxLayout *make_transfers(top_window *window)
 {
 	auto *column = new QVBoxLayout;
 	column->setSpacing(between_controls);
-	column->addSpacing(button_height + field_height + header_height + 3 * between_controls);
+	column->addSpacing(button_height + field_height);
 	for (const int control : { samples_download, samples_download_all, samples_upload }) {
 		QPushButton *button = make_button(window, control);
 		button->setProperty("icon_right", control != samples_upload);
@@ -121,6 +151,13 @@ static QBoxLayout *make_transfers(top_window *window)
 			column->addSpacing(between_panels);
 		column->addWidget(button);
 	}
+	column->addWidget(make_button(window, samples_fit));
+	column->addWidget(make_check(window, samples_exact));
+	told_label *rate = make_text(window, samples_rate);
+	rate->set_role(text_role::quiet);
+	rate->setAlignment(Qt::AlignHCenter | Qt::AlignTop);
+	rate->setMinimumHeight(2 * rate->fontMetrics().lineSpacing());
+	column->addWidget(rate);
 	column->addStretch();
 	add_to(column, { make_button(window, samples_compare), make_check(window, samples_verify) });
 	return column;
@@ -241,6 +278,29 @@ static QBoxLayout *make_work_line(top_window *window)
 	return row;
 }
 
+// What a file is, becomes, loses, and how long it takes; each keeps its room.
+static QLayout *make_preview(top_window *window)
+{
+	auto *form = new QFormLayout;
+	form->setContentsMargins(28, 0, 0, 0);
+	form->setVerticalSpacing(0);
+	form->setHorizontalSpacing(between_panels);
+	for (int control : { samples_import_preview, samples_preview_becomes, samples_preview_lost,
+		     samples_preview_upload }) {
+		told_label *line = make_text(window, control);
+		line->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+		const int lines = control == samples_preview_upload ? 2 : 1;
+		line->setMinimumHeight(line->fontMetrics().lineSpacing() * lines);
+		line->set_cut();
+		line->setAlignment(Qt::AlignLeft | Qt::AlignTop);
+		add_row(form, window->id, control, line);
+		auto *label = static_cast<told_label *>(form->labelForField(line));
+		label->set_role(text_role::quiet);
+		label->setAlignment(Qt::AlignLeft | Qt::AlignTop);
+	}
+	return form;
+}
+
 static QWidget *make_import(top_window *window)
 {
 	auto *box = new card(window);
@@ -259,12 +319,7 @@ static QWidget *make_import(top_window *window)
 	column->addLayout(head);
 	column->addWidget(options);
 	column->addWidget(make_line(box));
-	told_label *preview = make_text(window, samples_import_preview);
-	preview->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
-	preview->setMinimumHeight(preview->fontMetrics().lineSpacing() * 4);
-	preview->setAlignment(Qt::AlignLeft | Qt::AlignTop);
-	preview->setContentsMargins(28, 0, 0, 0);
-	column->addWidget(preview);
+	column->addLayout(make_preview(window));
 	column->addLayout(make_work_line(window));
 	return box;
 }
@@ -282,6 +337,7 @@ void create_sample_manager(QWidget *owner)
 	column->addLayout(sides, 1);
 	column->addWidget(make_chosen(window));
 	column->addWidget(make_import(window));
+	let_entries_be_dragged();
 	window->finish();
 	// A list was made before what stands over it.
 	const auto tab = [](int from, int to) {

@@ -45,7 +45,7 @@ static QFormLayout *make_group(const QString &title, QWidget **box, top_window *
 static QWidget *make_test_notes(top_window *window)
 {
 	QWidget *box;
-	QFormLayout *form = make_group("Test note", &box, window);
+	QFormLayout *form = make_group(qtr("Test note"), &box, window);
 	auto *choices = new QHBoxLayout;
 	QComboBox *pitch = make_choice(window, sampler_pitch_list);
 	QComboBox *velocity = make_choice(window, sampler_velocity_list);
@@ -70,7 +70,7 @@ static QWidget *make_test_notes(top_window *window)
 static QWidget *make_monitor(top_window *window)
 {
 	QWidget *box;
-	QFormLayout *form = make_group("Monitor and thru", &box, window);
+	QFormLayout *form = make_group(qtr("Monitor and thru"), &box, window);
 	told_label *port = make_text(window, sampler_midi_in_text);
 	port->set_cut();
 	add_row(form, window_sampler, sampler_midi_in_text, port);

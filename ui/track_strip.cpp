@@ -2,6 +2,7 @@
 
 #include "ui/track_strip.h"
 #include "ui/parts/palette.h"
+#include "ui/parts/words.h"
 #include <QEvent>
 #include <QPainter>
 #include <algorithm>
@@ -39,7 +40,7 @@ void track_strip::show_view(const strip_view &view)
 	const int missing = std::max(least_pitches - (high - low), 0);
 	low -= missing / 2;
 	high += missing - missing / 2;
-	setAccessibleName(QString("Notes over time, %1 of them").arg(notes.size()));
+	setAccessibleName(qtr("Notes over time, %1 of them").arg(notes.size()));
 	forget_pictures();
 }
 

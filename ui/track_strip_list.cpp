@@ -42,26 +42,26 @@ static void place(QWidget *widget, int id, const QRect &where, const QString &na
 
 void track_frame::make_controls(int window, int control, int track)
 {
-	const QString which = QString(", track %1").arg(track);
+	const QString which = qtr(", track %1").arg(track);
 	channel = new QComboBox(this);
-	place(channel, player_channel + track, { 116, 32, 76, 26 }, "Forced Channel" + which);
+	place(channel, player_channel + track, { 116, 32, 76, 26 }, qtr("Forced Channel") + which);
 	connect(channel, &QComboBox::activated, this, [=](int entry) {
 		velmor_track(window, control, track_event::channel, track, entry);
 	});
 	volume = new QSlider(Qt::Horizontal, this);
 	volume->setRange(0, 127);
-	place(volume, 0, { 254, 32, 60, 26 }, "Volume" + which);
+	place(volume, 0, { 254, 32, 60, 26 }, qtr("Volume") + which);
 	volume->setEnabled(false);
-	volume->setToolTip("Every note is played as loud as the file has it");
+	volume->setToolTip(qtr("Every note is played as loud as the file has it"));
 	mute = new QCheckBox("Mute", this);
 	place(mute, player_mute + track, { 330, 32, 72, 26 }, "Mute" + which);
 	connect(mute, &QCheckBox::clicked, this,
 		[=] { velmor_track(window, control, track_event::mute, track, 0); });
 	stack = new QToolButton(this);
-	stack->setText("Sounding:");
+	stack->setText(qtr("Sounding:"));
 	stack->setAutoRaise(true);
-	place(stack, player_stack + track, { 2, 61, 74, 22 }, "Sounding notes" + which);
-	stack->setToolTip("Write the sounding notes of this track to the log");
+	place(stack, player_stack + track, { 2, 61, 74, 22 }, qtr("Sounding notes") + which);
+	stack->setToolTip(qtr("Write the sounding notes of this track to the log"));
 	connect(stack, &QToolButton::clicked, this,
 		[=] { velmor_track(window, control, track_event::sounding, track, 0); });
 }
@@ -195,7 +195,7 @@ track_list::track_list(top_window *window, int control)
 	setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
 	setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
 	ruler->installEventFilter(this);
-	ruler->setAccessibleName("Time");
+	ruler->setAccessibleName(qtr("Time"));
 	connect(verticalScrollBar(), &QScrollBar::actionTriggered, this,
 		[this](int action) { tell_step(action); });
 	setMinimumHeight(ruler_tall + row_tall + 2 * row_gap);

@@ -8,6 +8,7 @@
 
 #include "platform/alsa/ports.h"
 #include "platform/midi.h"
+#include "platform/words.h"
 #include <algorithm>
 #include <alsa/asoundlib.h>
 #include <cerrno>
@@ -410,18 +411,20 @@ struct code_words {
 };
 
 static constexpr code_words words_of[] = {
-	{ input_overrun, "MIDI bytes came faster than they could be read; some are lost" },
-	{ port_not_listed, "There is no such MIDI port. Choose one in the settings" },
-	{ receiver_too_slow, "The program at the other end does not take its MIDI data" },
-	{ EBUSY, "The MIDI port is in use by another program. Close that program and try again" },
-	{ EAGAIN, "The MIDI port is in use by another program. Close that program and try again" },
-	{ EACCES, "You may not open the MIDI port. Add yourself to the group \"audio\", "
-		  "log out and in again" },
-	{ EPERM, "The program at the other end does not let others connect" },
-	{ ENODEV, "The MIDI port is gone. Plug the interface in again, then choose it again" },
-	{ ENOENT, "The MIDI port is gone. Plug the interface in again, then choose it again" },
-	{ ENXIO, "The MIDI port is gone. Plug the interface in again, then choose it again" },
-	{ EBADF, "The MIDI port is not open" },
+	{ input_overrun, own("MIDI bytes came faster than they could be read; some are lost") },
+	{ port_not_listed, own("There is no such MIDI port. Choose one in the settings") },
+	{ receiver_too_slow, own("The program at the other end does not take its MIDI data") },
+	{ EBUSY, own("The MIDI port is in use by another program. Close that program and try "
+		     "again") },
+	{ EAGAIN, own("The MIDI port is in use by another program. Close that program and try "
+		      "again") },
+	{ EACCES, own("You may not open the MIDI port. Add yourself to the group \"audio\", "
+		      "log out and in again") },
+	{ EPERM, own("The program at the other end does not let others connect") },
+	{ ENODEV, own("The MIDI port is gone. Plug the interface in again, then choose it again") },
+	{ ENOENT, own("The MIDI port is gone. Plug the interface in again, then choose it again") },
+	{ ENXIO, own("The MIDI port is gone. Plug the interface in again, then choose it again") },
+	{ EBADF, own("The MIDI port is not open") },
 };
 
 static const char *error_text(int code)

@@ -173,6 +173,18 @@ const ui_service headless_ui = {
 	.exists = exists,
 	.set_rows = set_rows,
 	.set_list_state = [](int, int, list_state, const char *) {},
+	.selections =
+		[](int w, int c) {
+			const bool any = exists(w, c) && controls[{ w, c }].selected >= 0;
+			return any ? std::vector<int>{ controls[{ w, c }].selected }
+				   : std::vector<int>{};
+		},
+	.select_several =
+		[](int w, int c, std::span<const int> places) {
+			select_item(w, c, places.empty() ? -1 : places.front());
+		},
+	.set_marks = [](int, int, std::span<const entry_mark>) {},
+	.set_bar = [](int, int, int, int) {},
 	.set_role = [](int, int, text_role) {},
 	.set_reason = [](int, int, const char *) {},
 	.focus = [](int, int) {},

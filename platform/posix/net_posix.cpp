@@ -8,6 +8,7 @@
 // Codes are errno values, and one more for a far end that closed in good order.
 
 #include "platform/net.h"
+#include "platform/words.h"
 #include <arpa/inet.h>
 #include <atomic>
 #include <cerrno>
@@ -161,15 +162,16 @@ struct code_words {
 };
 
 static constexpr code_words words_of[] = {
-	{ far_end_closed, "The far end closed the connection." },
-	{ EINVAL, "The address is no IPv4 address such as 192.168.0.10." },
-	{ ECONNREFUSED,
-		"The far end refuses the connection. Does the bridge run there, on this port?" },
-	{ ECONNRESET, "The far end broke the connection off." },
-	{ EPIPE, "The far end broke the connection off." },
-	{ ETIMEDOUT, "The far end does not answer. Is it switched on, and on this network?" },
-	{ EHOSTUNREACH, "The far end does not answer. Is it switched on, and on this network?" },
-	{ ENETUNREACH, "There is no network that leads to this address." },
+	{ far_end_closed, own("The far end closed the connection.") },
+	{ EINVAL, own("The address is no IPv4 address such as 192.168.0.10.") },
+	{ ECONNREFUSED, own("The far end refuses the connection. Does the bridge run there, on "
+			    "this port?") },
+	{ ECONNRESET, own("The far end broke the connection off.") },
+	{ EPIPE, own("The far end broke the connection off.") },
+	{ ETIMEDOUT, own("The far end does not answer. Is it switched on, and on this network?") },
+	{ EHOSTUNREACH,
+		own("The far end does not answer. Is it switched on, and on this network?") },
+	{ ENETUNREACH, own("There is no network that leads to this address.") },
 };
 
 static const char *error_text(int code)

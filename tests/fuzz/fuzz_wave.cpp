@@ -3,6 +3,7 @@
 // The first byte chooses what is done, its highest bit whether it is logged. Results of the
 // converters are compared with the slow telling of the rules.
 
+#include "src/akais1000_exact.h"
 #include "src/velmor_window.h"
 #include "src/waveqx.h"
 #include "tests/support/test_host.h"
@@ -52,6 +53,10 @@ void read_and_write(const bytes &)
 			sum = sum + sample.sample_data[i];
 		for (u64 i = 0; i < sample.sample_bytes; i++)
 			sum = sum + sample.sample_byte[i];
+		const akai_sample_facts facts = akai_facts_of_file(in, sample);
+		require(facts.playback_mode <= 3 && facts.pitch <= 127 &&
+			(!facts.looped || facts.loop_end <= sample.sample_length) &&
+			(!facts.ranged || facts.end < sample.sample_length));
 		sample.sample_length = sample.sample_bytes / 4;
 		require(write_sample(&sample, out.substr(0, out.size() - 4).c_str()) == 0 &&
 			h->content(out)->size() == 144 + 2 * sample.sample_length);

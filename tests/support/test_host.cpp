@@ -121,6 +121,23 @@ static const clock_service test_clock = {
 
 using spot = std::pair<int, int>;
 
+static void select_in(int window, int control, int index)
+{
+	the_test_host->selections[spot(window, control)] = index;
+	the_test_host->several.erase(spot(window, control));
+}
+
+static std::vector<int> selections_in(int window, int control)
+{
+	if (const auto found = the_test_host->several.find(spot(window, control));
+		found != the_test_host->several.end())
+		return found->second;
+	const auto one = the_test_host->selections.find(spot(window, control));
+	return one == the_test_host->selections.end() || one->second < 0
+		       ? std::vector<int>{}
+		       : std::vector<int>{ one->second };
+}
+
 // The row of a form; a test that names one that is not there is wrong.
 static form_row &form_row_of(int window, int form, int row)
 {
@@ -133,9 +150,9 @@ static const ui_service test_ui = {
 	.set_list =
 		[](int w, int c, std::span<const std::string> items) {
 			the_test_host->lists[spot(w, c)].assign(items.begin(), items.end());
-			the_test_host->selections[spot(w, c)] = -1;
+			select_in(w, c, -1);
 		},
-	.select = [](int w, int c, int index) { the_test_host->selections[spot(w, c)] = index; },
+	.select = select_in,
 	.selection =
 		[](int w, int c) {
 			auto found = the_test_host->selections.find(spot(w, c));
@@ -153,11 +170,25 @@ static const ui_service test_ui = {
 			for (const std::vector<std::string> &row : rows)
 				names.push_back(row.empty() ? "" : row.front());
 			the_test_host->rows[spot(w, c)].assign(rows.begin(), rows.end());
-			the_test_host->selections[spot(w, c)] = -1;
+			select_in(w, c, -1);
 		},
 	.set_list_state =
 		[](int w, int c, list_state state, const char *words) {
 			the_test_host->states[spot(w, c)] = { state, words };
+		},
+	.selections = selections_in,
+	.select_several =
+		[](int w, int c, std::span<const int> places) {
+			select_in(w, c, places.empty() ? -1 : places.front());
+			the_test_host->several[spot(w, c)].assign(places.begin(), places.end());
+		},
+	.set_marks =
+		[](int w, int c, std::span<const entry_mark> marks) {
+			the_test_host->marks[spot(w, c)].assign(marks.begin(), marks.end());
+		},
+	.set_bar =
+		[](int w, int c, int value, int range) {
+			the_test_host->bars[spot(w, c)] = { value, range };
 		},
 	.set_role = [](int w, int c, text_role role) { the_test_host->roles[spot(w, c)] = role; },
 	.set_reason =

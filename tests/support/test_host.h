@@ -86,7 +86,10 @@ public:
 	shown_progress progress;
 	std::map<std::pair<int, int>, std::string> texts;
 	std::map<std::pair<int, int>, std::vector<std::string>> lists;
-	std::map<std::pair<int, int>, int> selections;
+	std::map<std::pair<int, int>, int> selections;           // the current one of each list
+	std::map<std::pair<int, int>, std::vector<int>> several; // where more than one is chosen
+	std::map<std::pair<int, int>, std::vector<entry_mark>> marks;
+	std::map<std::pair<int, int>, std::pair<int, int>> bars; // value and range
 	std::map<std::pair<int, int>, bool> visible, enabled, checks;
 	std::map<std::pair<int, int>, std::vector<std::vector<std::string>>> rows;
 	std::map<std::pair<int, int>, std::pair<list_state, std::string>> states;

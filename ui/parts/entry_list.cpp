@@ -1,7 +1,6 @@
 // entry_list.cpp - a list that knows what it shows: entries, silence, nothing, or old news
 
 #include "ui/parts/entry_list.h"
-#include "platform/host.h"
 #include "src/velmor_window.h"
 #include "ui/parts/palette.h"
 #include "ui/parts/parts.h"
@@ -9,9 +8,7 @@
 #include "ui/parts/told.h"
 #include "ui/parts/window.h"
 #include <QBoxLayout>
-#include <QDropEvent>
 #include <QHeaderView>
-#include <QMimeData>
 #include <QPainter>
 #include <QPushButton>
 #include <QStyledItemDelegate>
@@ -94,8 +91,21 @@ entry_list::entry_list(top_window *window, int control)
 	setColumnCount(1);
 	header()->hide();
 	header()->setSectionResizeMode(0, QHeaderView::Stretch);
-	connect(this, &QTreeWidget::currentItemChanged, this,
-		[this] { velmor_selection(window_id, control_id); });
+	connect(this, &QTreeWidget::currentItemChanged, this, &entry_list::tell_choice);
+}
+
+// Numbers stand at the right.
+Qt::Alignment entry_list::alignment_of(int column) const
+{
+	return (column && column != wide_column ? Qt::AlignRight : Qt::AlignLeft) |
+	       Qt::AlignVCenter;
+}
+
+void entry_list::set_wide(int column)
+{
+	wide_column = column;
+	header()->setSectionResizeMode(column, QHeaderView::Stretch);
+	headerItem()->setTextAlignment(column, alignment_of(column));
 }
 
 void entry_list::set_columns(const QStringList &titles)
@@ -106,8 +116,7 @@ void entry_list::set_columns(const QStringList &titles)
 	for (int column = 0; column < columnCount(); column++) {
 		header()->setSectionResizeMode(
 			column, column ? QHeaderView::Fixed : QHeaderView::Stretch);
-		headerItem()->setTextAlignment(
-			column, (column ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignVCenter);
+		headerItem()->setTextAlignment(column, alignment_of(column));
 	}
 	header()->setSectionsClickable(true);
 	connect(header(), &QHeaderView::sectionClicked, this, &entry_list::sort_by_title);
@@ -144,7 +153,7 @@ void entry_list::fit_columns(std::size_t texts)
 	for (int column = 1; column < columnCount() && !two_lines; column++) {
 		const bool empty = static_cast<std::size_t>(column) >= texts;
 		setColumnHidden(column, empty);
-		if (!empty)
+		if (!empty && column != wide_column)
 			header()->resizeSection(column, width_for(column));
 	}
 }
@@ -224,6 +233,8 @@ bool entry_list::match(const QTreeWidgetItem *item) const
 void entry_list::fill(const std::vector<QStringList> &rows)
 {
 	const QSignalBlocker quiet(this);
+	if (keeps_places && fill_again(rows))
+		return;
 	entries.clear();
 	clear();
 	std::size_t texts = 1;
@@ -233,7 +244,7 @@ void entry_list::fill(const std::vector<QStringList> &rows)
 		texts = std::max(texts, static_cast<std::size_t>(row.size()));
 		item->setIcon(0, picture);
 		for (int column = 1; column < row.size(); column++)
-			item->setTextAlignment(column, Qt::AlignRight | Qt::AlignVCenter);
+			item->setTextAlignment(column, alignment_of(column));
 		entries.push_back(item);
 	}
 	addTopLevelItems({ entries.begin(), entries.end() });
@@ -243,7 +254,28 @@ void entry_list::fill(const std::vector<QStringList> &rows)
 	for (QTreeWidgetItem *item : entries)
 		if (!letters_sought.isEmpty())
 			item->setHidden(!match(item));
+	told_choice = {};
 	viewport()->update();
+}
+
+// The same entries with other texts: nothing moves on the screen. False: they are others.
+bool entry_list::fill_again(const std::vector<QStringList> &rows)
+{
+	if (rows.size() != entries.size() || rows.empty())
+		return false;
+	for (int i = 0; i < count(); i++)
+		if (name_of(i) != rows[static_cast<std::size_t>(i)].value(0))
+			return false;
+	qsizetype texts = 1;
+	for (int i = 0; i < count(); i++) {
+		const QStringList &row = rows[static_cast<std::size_t>(i)];
+		texts = std::max(texts, row.size());
+		for (int column = 1; column < columnCount(); column++)
+			if (entry(i)->text(column) != row.value(column))
+				entry(i)->setText(column, row.value(column));
+	}
+	fit_columns(static_cast<std::size_t>(texts));
+	return true;
 }
 
 void entry_list::choose(int index)
@@ -252,6 +284,8 @@ void entry_list::choose(int index)
 	setCurrentItem(index >= 0 && index < count() ? entry(index) : nullptr);
 	if (index < 0)
 		clearSelection();
+	told_choice = all_chosen();
+	told_choice.insert(told_choice.begin(), chosen());
 }
 
 bool entry_list::has_entries() const
@@ -262,6 +296,10 @@ bool entry_list::has_entries() const
 int entry_list::chosen() const
 {
 	QTreeWidgetItem *current = currentItem();
+	if (several && (!current || !current->isSelected() || current->isHidden())) {
+		const std::vector<int> all = all_chosen();
+		return all.empty() ? -1 : all.front();
+	}
 	const auto found = std::find(entries.begin(), entries.end(), current);
 	return found != entries.end() && !current->isHidden() && has_entries()
 		       ? static_cast<int>(found - entries.begin())
@@ -288,6 +326,8 @@ void entry_list::search(const QString &letters)
 	}
 	if (chosen() < 0 && first)
 		setCurrentItem(first);
+	if (several)
+		tell_choice(); // what is hidden is not chosen
 	viewport()->update();
 }
 
@@ -370,9 +410,13 @@ void entry_list::paintEvent(QPaintEvent *event)
 		any = !hidden(i);
 	if (any) {
 		QTreeWidget::paintEvent(event);
+		if (QPainter painter(viewport()); !drop_words.isEmpty())
+			paint_drop_words(&painter);
 		return;
 	}
 	QPainter painter(viewport());
+	if (!drop_words.isEmpty())
+		return paint_drop_words(&painter);
 	painter.setPen(palette().color(QPalette::PlaceholderText));
 	const int margin = fontMetrics().height();
 	painter.drawText(viewport()->rect().adjusted(margin, margin, -margin, -margin),
@@ -407,53 +451,6 @@ void entry_list::focusOutEvent(QFocusEvent *event)
 {
 	QTreeWidget::focusOutEvent(event);
 	update();
-}
-
-// ---- Files ------------------------------------------------------------------------------------
-
-std::vector<std::string> dropped_paths(const QMimeData *data)
-{
-	std::vector<std::string> paths;
-	for (const QUrl &url : data->urls())
-		if (url.isLocalFile())
-			paths.push_back(
-				host.files->system_path(url.toLocalFile().toUtf8().constData()));
-	return paths;
-}
-
-void take_drop(QObject *widget, QDropEvent *event, int window, int control)
-{
-	const std::vector<std::string> paths = dropped_paths(event->mimeData());
-	event->setDropAction(Qt::CopyAction);
-	event->accept();
-	QMetaObject::invokeMethod(
-		widget, [=] { velmor_drop(window, control, paths); }, Qt::QueuedConnection);
-}
-
-void entry_list::dragEnterEvent(QDragEnterEvent *event)
-{
-	const std::vector<std::string> paths = dropped_paths(event->mimeData());
-	if (!takes_files || paths.empty() || command_running())
-		return;
-	event->setDropAction(Qt::CopyAction);
-	event->accept();
-	velmor_hover(window_id, control_id, paths);
-}
-
-void entry_list::dragMoveEvent(QDragMoveEvent *event)
-{
-	event->setDropAction(Qt::CopyAction);
-	event->accept();
-}
-
-void entry_list::dragLeaveEvent(QDragLeaveEvent *)
-{
-	velmor_hover(window_id, control_id, {});
-}
-
-void entry_list::dropEvent(QDropEvent *event)
-{
-	take_drop(this, event, window_id, control_id);
 }
 
 } // namespace velmor

@@ -11,6 +11,7 @@
 #include "platform/ui.h"
 #include "ui/parts/icons.h"
 #include <QTreeWidget>
+#include <functional>
 
 class QMimeData;
 class QPushButton;
@@ -27,6 +28,21 @@ std::vector<std::string> dropped_paths(const QMimeData *data);
 // that the program the files come from is not kept waiting.
 void take_drop(QObject *widget, QDropEvent *event, int window, int control);
 
+// What can be done with the chosen entries: a button of the window, by keys and from the menu of
+// the entries too. One with a field begins there, with the name of the entry.
+struct entry_command {
+	int control;
+	QList<int> keys;
+	int field = 0;
+};
+
+// Entries that are dragged over another list are work for a button. The words say what would
+// happen to one, and to several ("%1").
+struct entry_drag {
+	int command;
+	const char *one, *several;
+};
+
 class entry_list : public QTreeWidget
 {
 public:
@@ -35,7 +51,18 @@ public:
 	// The titles of the columns; those that no entry has a text for are not shown.
 	void set_columns(const QStringList &titles);
 	void set_two_lines();
+	// A column that takes the room that is left, too, from the left.
+	void set_wide(int column);
 	void take_files();
+	// Several entries can be chosen at once.
+	void take_several();
+	// The first of them is the main action: Enter and a double click do it.
+	void set_commands(const std::vector<entry_command> &commands);
+	// Its entries can be dragged to that list; to other programs, as these files.
+	void set_drag(entry_list *to, const entry_drag &drag);
+	void set_drag_files(std::function<std::vector<std::string>()> files);
+	// Entries of the same names stay where they are when they are filled again.
+	void keep_places() { keeps_places = true; }
 	// The button that tries again stands in place of the entries when the sampler is silent.
 	void set_retry(QPushButton *button);
 
@@ -44,6 +71,15 @@ public:
 	void choose(int index);
 	// The chosen entry, -1 when it is none or not to be seen.
 	int chosen() const;
+	void choose_several(std::span<const int> places);
+	// As they stand on the screen.
+	std::vector<int> all_chosen() const;
+	// One for each entry, from the first on.
+	void set_marks(std::span<const entry_mark> marks);
+	// What is dragged: the chosen entries, and their files.
+	QMimeData *mimeData(const QList<QTreeWidgetItem *> &items = {}) const override;
+	// What would happen to the entries that hover over it.
+	QString words_of_drop() const { return drop_words; }
 	// Hide every entry whose name does not hold these letters.
 	void search(const QString &letters);
 	// Words for a person; "" for the list's own.
@@ -72,8 +108,18 @@ protected:
 	void dragMoveEvent(QDragMoveEvent *event) override;
 	void dragLeaveEvent(QDragLeaveEvent *event) override;
 	void dropEvent(QDropEvent *event) override;
+	void keyPressEvent(QKeyEvent *event) override;
+	void contextMenuEvent(QContextMenuEvent *event) override;
+	void startDrag(Qt::DropActions) override;
 
 private:
+	void tell_choice();
+	bool fill_again(const std::vector<QStringList> &rows);
+	void run_command(const entry_command &command);
+	QString words_for_drop(const QDropEvent *event, bool *possible) const;
+	void show_drop_words(const QString &words);
+	void paint_drop_words(QPainter *painter) const;
+	Qt::Alignment alignment_of(int column) const;
 	bool has_entries() const;
 	bool match(const QTreeWidgetItem *item) const;
 	void sort_by_title(int column);
@@ -87,7 +133,14 @@ private:
 	const icon entry_icon;
 	QString letters_sought, empty_text, state_words;
 	list_state shown_state = list_state::fresh;
-	bool two_lines = false, takes_files = false;
+	bool two_lines = false, takes_files = false, several = false, keeps_places = false;
+	int wide_column = 0;
+	std::vector<int> told_choice; // the current entry, then all
+	std::vector<entry_command> commands;
+	entry_list *drag_target = nullptr;
+	entry_drag drag = {};
+	std::function<std::vector<std::string>()> drag_files;
+	QString drop_words;                     // what would happen, while entries hover
 	std::vector<QTreeWidgetItem *> entries; // in the order in which they came
 	int sort_column = -1;
 	Qt::SortOrder sort_order = Qt::AscendingOrder;

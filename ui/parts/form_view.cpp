@@ -74,7 +74,7 @@ QLineEdit *form_view::make_field(const form_row &row, int place, const QString &
 	field->setAlignment(Qt::AlignRight);
 	field->setText(row.text.empty() ? QString::number(row.value)
 					: QString::fromUtf8(row.text.c_str()));
-	name_control(field, row.field_id, name + " value");
+	name_control(field, row.field_id, name + qtr(" value"));
 	connect(field, &QLineEdit::textEdited, this, [this, place](const QString &typed) {
 		const long number = std::strtol(typed.toUtf8().constData(), nullptr, 10);
 		tell(place, form_event::edit,
@@ -504,7 +504,7 @@ void form_view::set_changed(int row, bool changed)
 	if (shown.dot)
 		shown.dot->setVisible(changed);
 	if (l->field)
-		l->field->setAccessibleDescription(changed ? "Changed" : "");
+		l->field->setAccessibleDescription(changed ? qtr("Changed") : "");
 	set_bold(l->label, changed);
 	set_bold(l->field, changed);
 	set_bold(l->check, changed);

@@ -62,6 +62,7 @@ static constexpr picture_row pictures[] = {
 	{ icon::careful,      "M 8 1.8 L 14.8 13.8 L 1.2 13.8 Z M 8 6.2 L 8 9.6 D 8 11.7 0.9" },
 	{ icon::failed,       "O 8 8 6.5 M 5.6 5.6 L 10.4 10.4 M 10.4 5.6 L 5.6 10.4" },
 	{ icon::waiting,      "O 8 8 6.5 M 8 4.4 L 8 8 L 10.4 9.6" },
+	{ icon::skipped,      "O 8 8 6.5 M 5 8 L 11 8" },
 	{ icon::idle,         "O 8 8 6.5" },
 	{ icon::dot,          "D 8 8 6" },
 	{ icon::fold_open,    "M 3 5.5 L 8 10.5 L 13 5.5" },
@@ -111,6 +112,12 @@ static constexpr control_row controls[] = {
 	{ window_midi_files, player_unload,       icon::cancel },
 	{ window_midi_files, player_play,         icon::play },
 	{ window_midi_files, player_stop,         icon::stop },
+	{ window_main,     menu_history,          icon::undo },
+	{ window_history,  0,                     icon::undo },
+	{ window_history,  history_list,          icon::document },
+	{ window_history,  history_restore,       icon::undo },
+	{ window_history,  history_delete,        icon::trash },
+	{ window_history,  history_refresh,       icon::refresh },
 	{ window_main,     menu_backup,           icon::save },
 	{ window_backup,   0,                     icon::save },
 	{ window_backup,   backup_list,           icon::document },
@@ -156,12 +163,16 @@ static constexpr control_row controls[] = {
 	{ window_panel,    panel_save,            icon::save },
 	{ window_progress, 0,                     icon::right },
 	{ window_progress, progress_stop,         icon::stop },
+	{ window_progress, progress_stop_after,   icon::skipped },
+	{ window_progress, progress_copy,         icon::copy },
+	{ window_progress, progress_again,        icon::refresh },
 	{ window_samples,  0,                     icon::wave },
 	{ window_samples,  samples_loaded_list,   icon::wave },
 	{ window_samples,  samples_local_list,    icon::wave },
 	{ window_samples,  samples_download,      icon::right },
 	{ window_samples,  samples_download_all,  icon::all_right },
 	{ window_samples,  samples_upload,        icon::left },
+	{ window_samples,  samples_fit,           icon::good },
 	{ window_samples,  samples_loaded_rename, icon::pencil },
 	{ window_samples,  samples_local_rename,  icon::pencil },
 	{ window_samples,  samples_loaded_info,   icon::info },
@@ -178,7 +189,7 @@ static constexpr control_row controls[] = {
 
 icon icon_of(int window, int control)
 {
-	if (control == status_undo)
+	if (control == status_undo || control == status_undo_sampler)
 		return icon::undo;
 	for (const control_row &row : controls)
 		if (row.window == window && row.control == control)

@@ -45,6 +45,7 @@ enum class icon {
 	careful,
 	failed,
 	waiting,
+	skipped,
 	idle,
 	dot,
 	fold_open,

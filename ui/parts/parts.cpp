@@ -57,6 +57,7 @@ static constexpr dialog_maker dialogs[] = {
 	{ window_backup, create_backup_window },
 	{ window_panel, create_panel_window },
 	{ window_midi_files, create_player_window },
+	{ window_history, create_history_window },
 	{ window_progress, create_progress_window },
 };
 
@@ -109,7 +110,7 @@ QWidget *find_widget(int window, int control)
 QString caption_of(int window, int control)
 {
 	const caption_row *row = find_caption(window, control);
-	return row ? QString::fromUtf8(row->caption) : QString();
+	return row ? qtr(row->caption) : QString();
 }
 
 // As it is said, and in a menu as it is shown: one letter at most is marked.
@@ -132,15 +133,15 @@ void enroll(int window, int control, QObject *object)
 	auto *widget = qobject_cast<QWidget *>(object);
 	if (!row || !widget)
 		return;
-	const QString said = without_marks(QString::fromUtf8(row->caption));
+	const QString said = without_marks(qtr(row->caption));
 	if (auto *label = dynamic_cast<told_label *>(widget))
 		label->set_spoken(said);
 	else
 		widget->setAccessibleName(said);
 	if (!row->tooltip)
 		return;
-	widget->setToolTip(QString::fromUtf8(row->tooltip));
-	widget->setAccessibleDescription(QString::fromUtf8(row->tooltip));
+	widget->setToolTip(qtr(row->tooltip));
+	widget->setAccessibleDescription(qtr(row->tooltip));
 }
 
 void tell_apart(QWidget *widget, const QString &among)
@@ -175,7 +176,7 @@ void make_entry(top_window *window, QMenu *menu, int control)
 	enroll(id, control, entry);
 	const caption_row *row = find_caption(id, control);
 	if (row && row->tooltip)
-		entry->setStatusTip(QString::fromUtf8(row->tooltip));
+		entry->setStatusTip(qtr(row->tooltip));
 	QObject::connect(
 		entry, &QAction::triggered, entry, [id, control] { velmor_command(id, control); });
 }
@@ -191,7 +192,7 @@ static void set_empty_text(QLineEdit *field, int window, int control)
 {
 	const caption_row *row = find_caption(window, control);
 	if (row && row->empty)
-		field->setPlaceholderText(QString::fromUtf8(row->empty));
+		field->setPlaceholderText(qtr(row->empty));
 }
 
 QLineEdit *make_field(top_window *window, int control)
@@ -235,7 +236,7 @@ told_label *make_text(top_window *window, int control)
 told_label *make_verdict(top_window *window, int control)
 {
 	told_label *verdict = make_text(window, control);
-	verdict->set_spoken("Verdict");
+	verdict->set_spoken(qtr("Verdict"));
 	verdict->set_marked();
 	verdict->setWordWrap(true);
 	verdict->setAlignment(Qt::AlignLeft | Qt::AlignTop);
@@ -317,7 +318,7 @@ QToolButton *make_fold(QWidget *part, const QString &name, bool open, QWidget *p
 	fold->setCheckable(true);
 	const auto turn = [fold, part, name](bool shown) {
 		fold->setIcon(make_icon(shown ? icon::fold_open : icon::fold_closed));
-		fold->setToolTip((shown ? "Hide " : "Show ") + name);
+		fold->setToolTip((shown ? qtr("Hide ") : qtr("Show ")) + name);
 		part->setVisible(shown);
 	};
 	QObject::connect(fold, &QToolButton::toggled, part, turn);
@@ -336,7 +337,7 @@ QLayout *make_heading(top_window *window, int list, int told, icon picture, QPus
 	row->addWidget(title);
 	if (told) {
 		told_label *words = make_text(window, told);
-		words->set_spoken(title->text() + " heading");
+		words->set_spoken(title->text() + qtr(" heading"));
 		words->set_role(text_role::quiet);
 		words->set_cut();
 		row->addWidget(words, 1);

@@ -8,6 +8,7 @@
 #pragma once
 #include "src/controls.h"
 #include "ui/parts/icons.h"
+#include "ui/parts/words.h"
 #include <QString>
 #include <functional>
 #include <initializer_list>
@@ -90,6 +91,7 @@ void create_progress_window(QWidget *owner);
 void create_sample_manager(QWidget *owner);
 void create_program_manager(QWidget *owner);
 void create_player_window(QWidget *owner);
+void create_history_window(QWidget *owner);
 
 // What waits to be sent is told beside the tabs, and fills the button that sends it.
 void show_unsent(const QString &words);

@@ -3,6 +3,7 @@
 #pragma once
 #include "platform/ui.h"
 #include "ui/parts/icons.h"
+#include "ui/parts/words.h"
 #include <QFrame>
 #include <QLabel>
 

@@ -48,7 +48,7 @@ static told_label *make_told(top_window *window, int control, const char *spoken
 {
 	auto *label = new told_label(parent);
 	label->set_marked();
-	label->set_spoken(spoken);
+	label->set_spoken(qtr(spoken));
 	enroll(window->id, control, label);
 	return label;
 }
@@ -61,19 +61,20 @@ static QWidget *make_status_line(top_window *window)
 	row->setContentsMargins(margin_side, 0, margin_side, 0);
 	row->setSpacing(between_panels);
 	// Neither makes the window wider: nothing jumps when the words change.
-	told_label *connection = make_told(window, status_line, "Connection", foot);
+	told_label *connection = make_told(window, status_line, own("Connection"), foot);
 	connection->set_cut();
 	connection->setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Preferred);
 	row->addWidget(connection);
-	told_label *outcome = make_told(window, status_outcome, "Last outcome", foot);
+	told_label *outcome = make_told(window, status_outcome, own("Last outcome"), foot);
 	outcome->set_cut();
 	row->addWidget(outcome, 1);
-	if (QPushButton *undo = make_button(window, status_undo)) {
-		undo->setFlat(true);
-		undo->setProperty("link", true);
-		undo->hide();
-		row->addWidget(undo);
-	}
+	for (const int control : { status_undo_sampler, status_undo })
+		if (QPushButton *undo = make_button(window, control)) {
+			undo->setFlat(true);
+			undo->setProperty("link", true);
+			undo->hide();
+			row->addWidget(undo);
+		}
 	return foot;
 }
 

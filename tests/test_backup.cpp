@@ -80,6 +80,8 @@ TEST_F(backup, every_family_is_kept_piece_by_piece_and_comes_back)
 		EXPECT_EQ(broken.how,
 			machine->model == model_s3000 ? ending::stopped : ending::no_answer);
 		EXPECT_EQ(states().substr(0, 3), "ddd") << broken.words;
+		const std::string ended = states();
+		EXPECT_EQ(std::ranges::count(ended, 'f'), 1) << "nothing more was tried";
 		EXPECT_FALSE(manifest().complete);
 		EXPECT_TRUE(has("samples\\" + manifest().entries.back().file));
 		machine->recover();

@@ -12,6 +12,7 @@
 #include "src/akais1000.h"
 #include "src/akais900.h"
 #include "src/velmor_backup_parts.h"
+#include "src/velmor_history.h"
 #include "src/velmor_library.h"
 #include "src/velmor_transfer.h"
 #include "src/velmor_verify.h"
@@ -328,8 +329,11 @@ static outcome send_program(const restore_plan &plan, const restore_item &item)
 	if (!program)
 		return { .how = ending::local_failed, .words = why };
 	const _sampler_type &model = row_of_loaded();
-	const outcome ready = is_s900(model) ? upload_program(*program) : have_program_list();
-	if (is_s900(model) || !ready.done())
+	if (is_s900(model))
+		return upload_program(*program);
+	machine_change kept({ step_kind::change_program, item.name, "", -1, program->keygroups });
+	const outcome ready = kept.may_go_on() ? have_program_list() : kept.why();
+	if (!ready.done())
 		return ready;
 	auto copy = std::make_unique<_program>(*program); // sending changes it
 	box_keeper keeper;
@@ -348,7 +352,7 @@ static outcome send_program(const restore_plan &plan, const restore_item &item)
 		result.how = ending::no_answer;
 	else if (result.done() && !result.told.empty())
 		result.how = ending::refused;
-	return result;
+	return kept.ended(result);
 }
 
 static outcome remove(const restore_item &item)

@@ -59,14 +59,18 @@ TEST_F(backup, every_family_is_kept_piece_by_piece_and_comes_back)
 		const auto machine = make(h);
 		const _sampler_type &row = *get_sampler(machine->model);
 		const bool names_alone = row.sampler_flags & flag_usb;
-		for (const auto list :
-			{ row.getstatus, row.getsamplelist, row.getproglist, row.getmultilist })
-			list(control_channel(), exclusive_channel(), require_dev_status());
-		const auto lists = machine->heard();
+		const auto lists = [&] {
+			machine->forget_heard();
+			for (const auto list : { row.getstatus, row.getsamplelist, row.getproglist,
+				     row.getmultilist })
+				list(control_channel(), exclusive_channel(), require_dev_status());
+			return machine->heard();
+		};
+		const std::size_t begin = lists().size();
 		ASSERT_TRUE(read_sample_list().done());
 		machine->forget_heard();
 		ASSERT_TRUE(download_sample(current_sampler->status->sample[0].name).done());
-		machine->fall_silent(static_cast<int>(lists.size() + machine->heard().size()) + 4);
+		machine->fall_silent(static_cast<int>(begin + machine->heard().size()) + 4);
 		h.on_pump = [&, end = h.time.now() + 60] {
 			if (h.time.now() > end)
 				stop_progress();
@@ -76,17 +80,20 @@ TEST_F(backup, every_family_is_kept_piece_by_piece_and_comes_back)
 		EXPECT_EQ(broken.how,
 			machine->model == model_s3000 ? ending::stopped : ending::no_answer);
 		EXPECT_EQ(states().substr(0, 3), "ddd") << broken.words;
+		const std::string ended = states();
+		EXPECT_EQ(std::ranges::count(ended, 'f'), 1) << "nothing more was tried";
 		EXPECT_FALSE(manifest().complete);
 		EXPECT_TRUE(has("samples\\" + manifest().entries.back().file));
 		machine->recover();
 		EXPECT_TRUE(save().done());
-		EXPECT_EQ(states().substr(0, 5), "sssdd");
+		EXPECT_EQ(states().substr(0, 3) + states()[4], "sssd");
 		EXPECT_TRUE(manifest().complete);
 
 		const auto before = h.content(manifest_path(folder()));
+		const auto due_lists = lists();
 		machine->forget_heard();
 		const outcome again = save();
-		EXPECT_EQ(machine->heard(), lists) << "an unchanged one costs its lists";
+		EXPECT_TRUE(machine->heard() == due_lists) << "an unchanged one costs its lists";
 		EXPECT_EQ(h.content(manifest_path(folder())), before);
 		EXPECT_NE(again.line.find(": 0 came now, "), again.line.npos) << again.line;
 

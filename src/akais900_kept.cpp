@@ -39,6 +39,8 @@ static bool is_undamaged(const akai_answer &answer)
 
 bool akai_s900_read_kept_program(int index, _program *program, raw_blocks *blocks)
 {
+	if (index < 0 || index > s900_most_number)
+		return false;
 	const akai_answer answer =
 		ask_s900_program(s900_message(request_s900_program, wire_channel(), index));
 	const int keygroups = answer[s900_keygroup_count];

@@ -57,7 +57,8 @@ enum main_control : int {
 	menu_midi_files = 9005,
 	menu_history = 9006,
 	menu_backup = 9007,
-	menu_record = 9008, // "Record traffic", on or off
+	menu_record = 9008,       // "Record traffic", on or off
+	menu_record_names = 9009, // "Leave names out", of the next recording
 	main_log = 9900,
 	main_sampler_list = 9901,
 	main_load = 12000,

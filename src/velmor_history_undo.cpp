@@ -360,6 +360,10 @@ static outcome take_away(const history_step &step)
 static outcome send_all(const history_step &step)
 {
 	for (const kept_thing &thing : step.there) {
+		// What a renaming may have gone over, and has not.
+		const bool behind = renames(step) && thing.name != step.name;
+		if (behind && contains(listed(step), thing.name))
+			continue;
 		outcome sent = thing.program ? send_program(step, thing) : send_sample(step, thing);
 		if (!sent.done())
 			return sent;

@@ -9,6 +9,7 @@
 #include "src/usbqx.h"
 #include "src/velmor.h"
 #include "src/velmor_history.h"
+#include "src/velmor_record.h"
 #include "src/velmor_window.h"
 
 namespace velmor
@@ -50,6 +51,7 @@ void start_velmor()
 	load_settings();
 	load_history_settings();
 	load_sampler_list();
+	record_as_told();
 	// Only words: the drive is a program of its own.
 	log_line("[I] WINFSP started...\r\n");
 }

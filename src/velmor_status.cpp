@@ -13,7 +13,7 @@ namespace velmor
 
 static constexpr int windows_with_status[] = { window_main, window_settings, window_sampler,
 	window_usb, window_multis, window_samples, window_programs, window_panel, window_midi_files,
-	window_history, window_backup };
+	window_history, window_backup, window_self_test };
 
 // The last outcome, as every window shows it.
 struct last_outcome {

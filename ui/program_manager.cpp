@@ -199,6 +199,7 @@ static QBoxLayout *make_side(top_window *window, const side &s)
 	}
 	column->addWidget(list, 1);
 	column->addLayout(make_side_buttons(window, s));
+	set_order({ search, refresh, list });
 	return column;
 }
 

@@ -33,11 +33,25 @@ static int tell_items(const outcome &result, const work_queue &items)
 	return ctl_tell("", result);
 }
 
+// What became of each as it ends, beside the bar.
+static void say_item(const queue_run &run)
+{
+	const work_item &item = (*run.items)[run.at];
+	if (item.state == item_state::done || item.state == item_state::failed)
+		ctl_say(item.name + ": " + (item.words.empty() ? name_of(item.state) : item.words));
+}
+
+static constexpr queue_view said_view = {
+	.begun = [](queue_run *) {},
+	.changed = say_item,
+	.ended = [](const queue_run &, const outcome &) { host.ui->progress_hide(); },
+};
+
 int ctl_backup(const ctl_call &call)
 {
 	work_queue items;
-	const outcome result =
-		backup_sampler(folder_of(call), { .everything = call.has("--everything") }, &items);
+	const outcome result = backup_sampler(
+		folder_of(call), { .everything = call.has("--everything") }, &items, &said_view);
 	return tell_items(result, items);
 }
 
@@ -84,8 +98,8 @@ int ctl_restore(const ctl_call &call)
 		return exit_done;
 	if (!ask_box("WARNING", "Do it now?"))
 		return ctl_tell("", { .how = ending::refused, .words = "Nothing was sent." });
-	work_queue items;
-	const outcome result = carry_out(plan, &items);
+	work_queue items = items_of(plan);
+	const outcome result = carry_out(plan, &items, &said_view);
 	return tell_items(result, items);
 }
 

@@ -18,6 +18,7 @@
 #include "src/waveqx_file.h"
 #include <algorithm>
 #include <map>
+#include <utility>
 
 namespace velmor
 {
@@ -148,23 +149,12 @@ spool_elsewhere::~spool_elsewhere()
 	(void)host.files->remove_folder(folder.c_str());
 }
 
-std::string trouble_of(const outcome &result)
+void log_failures(const char *work, const work_queue &items)
 {
-	if (result.how == ending::stopped)
-		return tr("stopped");
-	if (result.how == ending::no_answer)
-		return tr("no answer");
-	std::string text = result.told.empty() ? result.words : result.told.front().text;
-	if (text.empty())
-		text = result.line.empty() ? tr("the sampler did not do it") : result.line;
-	std::ranges::replace(text, '\n', ' ');
-	return text;
-}
-
-bool ends_all(const outcome &last, const std::string &trouble, const std::string &before)
-{
-	return last.how == ending::no_answer || last.how == ending::stopped ||
-	       (!last.done() && trouble == before);
+	for (const work_item &item : items)
+		if (item.state == item_state::failed)
+			log_line("[I] %s of %s: %s\r\n", work, item.name.c_str(),
+				item.words.c_str());
 }
 
 // ---- Files of the folder ------------------------------------------------------------------------
@@ -228,7 +218,8 @@ struct backup_work {
 	bool everything = false;
 	backup_manifest manifest = {};
 	std::vector<listed_thing> things = {};
-	std::string remarks = {}; // sentences of what a person should know
+	work_queue remarks = {}; // what a person should know
+	bool unkept = false;     // the manifest could not be written
 };
 
 static std::vector<backup_entry>::iterator find_entry(backup_manifest &m, const listed_thing &thing)
@@ -334,8 +325,11 @@ static outcome open_folder(backup_work *w)
 	m = { .sampler = sampler, .model = model };
 	if (read.how == ending::refused)
 		return {};
-	w->remarks = read.words + " " +
-		     tr("It was put into the folder earlier, and everything was looked at anew.");
+	w->remarks.push_back({ .name = "manifest.txt",
+		.state = item_state::skipped,
+		.words = read.words + " " +
+			 tr("It was put into the folder earlier, and everything was looked at "
+			    "anew.") });
 	return put_aside(manifest_path(w->folder), w->folder + "\\earlier");
 }
 
@@ -390,80 +384,125 @@ static bool needs_closing(const backup_work &w)
 	return gone || !w.manifest.complete;
 }
 
-static std::string failures_of(const work_queue &items)
-{
-	std::vector<std::string> lines;
-	for (const work_item &item : items)
-		if (item.state == item_state::failed)
-			lines.push_back(item.name + ": " + item.words);
-	std::string text;
-	for (std::size_t i = 0; i < std::min<std::size_t>(lines.size(), 10); i++)
-		text += "\n" + lines[i];
-	return lines.size() > 10 ? text + format_text(tr("\nand %zu more"), lines.size() - 10)
-				 : text;
-}
-
-static outcome verdict_of(const backup_work &w, const work_queue &items, const outcome &last)
-{
-	const int came = count_of(items, item_state::done);
-	const int there = count_of(items, item_state::skipped);
-	const int all = static_cast<int>(items.size());
-	outcome verdict = { .how = last.how };
-	verdict.line =
-		format_text(tr("%d of %d are in the backup: %d came now, %d were as before."),
-			came + there, all, came, there);
-	if (came + there < all && last.done())
-		verdict.how = ending::refused;
-	if (!verdict.done()) {
-		verdict.caption = "WARNING";
-		verdict.line += std::string(" ") +
-				tr("What is there stays; the next backup goes on from here.");
-	}
-	verdict.words = verdict.line + failures_of(items);
-	if (last.how == ending::no_answer)
-		verdict.words += "\n" + silence_words(loaded_reached());
-	if (!w.remarks.empty())
-		verdict.words += "\n" + w.remarks;
-	return verdict;
-}
-
 static void remark_twins(backup_work *w)
 {
 	for (const listed_thing &thing : w->things)
 		if (thing.kind == backup_kind::sample && thing.number == 2)
-			w->remarks += format_text(
-				tr("%sThe sampler holds several samples called '%s' and gives the "
-				   "first alone. Rename the others on its panel."),
-				w->remarks.empty() ? "" : "\n", thing.name.c_str());
+			w->remarks.push_back({ .name = titled(thing.kind, thing.name),
+				.state = item_state::skipped,
+				.words = format_text(
+					tr("The sampler holds several samples called '%s' and "
+					   "gives the first alone. Rename the others on its "
+					   "panel."),
+					thing.name.c_str()) });
 	std::erase_if(w->things, [](const listed_thing &thing) {
 		return thing.kind == backup_kind::sample && thing.number > 1;
 	});
 }
 
-// What is not as it was, one after the other.
-static outcome bring_all(backup_work *w, work_queue *items)
+// ---- One after the other ----------------------------------------------------------------------------
+
+// A sample is as large as it was, as long as nobody knows better.
+static work_item item_of(backup_work *w, const listed_thing &thing)
 {
-	outcome last;
-	std::string before;
-	for (std::size_t i = 0; i < items->size(); i++) {
-		work_item &item = (*items)[i];
-		if (item.state != item_state::waiting)
-			continue;
-		last = bring(w, w->things[i]);
-		item.state = last.done() ? item_state::done : item_state::failed;
-		item.words = last.done() ? "" : trouble_of(last);
-		log_line("[I] Backup of %s: %s\r\n", item.name.c_str(),
-			last.done() ? "done" : item.words.c_str());
-		if (!last.done() && !write_manifest(w->folder, w->manifest).done())
-			break; // nothing that came could be kept
-		if (ends_all(last, item.words, before))
-			break;
-		before = item.words;
+	work_item item = { .name = titled(thing.kind, thing.name) };
+	const auto entry = find_entry(w->manifest, thing);
+	if (thing.kind == backup_kind::sample && entry != w->manifest.entries.end())
+		item.bytes = entry->size;
+	if (is_unchanged(w, thing)) {
+		item.state = item_state::skipped;
+		item.words = tr("as before");
 	}
-	return last;
+	return item;
 }
 
-outcome backup_sampler(const std::string &folder, const backup_wish &wish, work_queue *told)
+// What an earlier try brought is as it was since then.
+static void keep_brought(work_queue *items, const work_queue &earlier)
+{
+	for (work_item &item : *items) {
+		const auto brought = std::ranges::find_if(earlier, [&](const work_item &e) {
+			return e.name == item.name && e.state == item_state::done;
+		});
+		if (item.state == item_state::skipped && brought != earlier.end())
+			item = *brought;
+	}
+}
+
+static void list_items(backup_work *w, work_queue *items)
+{
+	const work_queue earlier = std::exchange(*items, {});
+	for (const listed_thing &thing : w->things)
+		items->push_back(item_of(w, thing));
+	keep_brought(items, earlier);
+	items->insert(items->end(), w->remarks.begin(), w->remarks.end());
+}
+
+// A folder that takes no manifest takes nothing else: the same trouble once more ends the work
+// before anything is transferred in vain.
+static outcome bring_item(backup_work *w, const listed_thing &thing, work_item *item)
+{
+	const outcome kept = w->unkept ? write_manifest(w->folder, w->manifest) : outcome{};
+	if (!kept.done())
+		return kept;
+	const outcome came = bring(w, thing);
+	const auto entry = find_entry(w->manifest, thing);
+	if (came.done() && thing.kind == backup_kind::sample)
+		item->bytes = entry->size;
+	const outcome written = came.how == ending::local_failed
+					? write_manifest(w->folder, w->manifest)
+					: outcome{};
+	w->unkept = !written.done();
+	return w->unkept ? written : came;
+}
+
+static outcome end_backup(backup_work *w, const work_queue &items)
+{
+	log_failures("Backup", items);
+	const bool whole =
+		!count_of(items, item_state::failed) && !count_of(items, item_state::waiting);
+	return whole && !w->manifest.complete ? close_folder(w) : outcome{};
+}
+
+static outcome bring_all(backup_work *w, work_queue *items, const queue_view *view)
+{
+	const queue_work work = {
+		.title = own("Backing up"),
+		.verdict = own("%d of %d came into the backup."),
+		.line = own("%d of %d came into the backup."),
+		.count = own("%d of %d are in the backup"),
+		.not_done = own("Not in the backup: "),
+		.not_tried = own("Not tried: "),
+		.kept = own("What is there stays; the next backup goes on from here."),
+		.ready = nullptr,
+		.run =
+			[&](work_item *item) {
+				return bring_item(w, w->things[item - items->data()], item);
+			},
+		.finish = [&](queue_run *) { return end_backup(w, *items); },
+	};
+	return run_queue(items, work, view);
+}
+
+// What was there before counts, too.
+static outcome verdict_of(const backup_work &w, const work_queue &items, outcome verdict)
+{
+	const int came = count_of(items, item_state::done);
+	const int there = count_of(items, item_state::skipped) - static_cast<int>(w.remarks.size());
+	verdict.line =
+		format_text(tr("%d of %d are in the backup: %d came now, %d were as before."),
+			came + there, static_cast<int>(w.things.size()), came, there);
+	if (!verdict.done())
+		verdict.line += std::string(" ") +
+				tr("What is there stays; the next backup goes on from here.");
+	const std::size_t rest = std::min(verdict.words.find('\n'), verdict.words.size());
+	verdict.words = verdict.line + verdict.words.substr(rest);
+	for (const work_item &remark : w.remarks)
+		verdict.words += "\n" + remark.words;
+	return verdict;
+}
+
+outcome backup_sampler(const std::string &folder, const backup_wish &wish, work_queue *told,
+	const queue_view *view)
 {
 	outcome last;
 	if (!loaded_model(&last))
@@ -475,22 +514,17 @@ outcome backup_sampler(const std::string &folder, const backup_wish &wish, work_
 	if (!last.done())
 		return last;
 	remark_twins(&w);
-	work_queue items;
-	for (const listed_thing &thing : w.things)
-		items.push_back({ titled(thing.kind, thing.name),
-			is_unchanged(&w, thing) ? item_state::skipped : item_state::waiting });
-	const bool moves = count_of(items, item_state::waiting) > 0;
+	work_queue own_items;
+	work_queue *items = told ? told : &own_items;
+	list_items(&w, items);
+	const bool moves = count_of(*items, item_state::waiting) > 0;
 	if (moves || needs_closing(w))
 		last = make_ready(&w);
-	if (last.done() && moves)
-		last = bring_all(&w, &items);
-	if (last.done() && !w.manifest.complete && !count_of(items, item_state::failed))
-		last = close_folder(&w);
-	if (told)
-		*told = items;
-	if (last.how == ending::local_failed && !count_of(items, item_state::failed))
+	if (last.done() && !moves)
+		last = end_backup(&w, *items);
+	if (!last.done())
 		return last;
-	return verdict_of(w, items, last);
+	return verdict_of(w, *items, moves ? bring_all(&w, items, view) : last);
 }
 
 } // namespace velmor

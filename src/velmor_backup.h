@@ -60,9 +60,11 @@ outcome write_manifest(const std::string &folder, const backup_manifest &manifes
 struct backup_wish {
 	bool everything = false; // also what looks as it did
 };
-// What became of everything that the sampler lists, in the order of the work. skipped: as it was.
-outcome backup_sampler(
-	const std::string &folder, const backup_wish &wish, work_queue *items = nullptr);
+// What became of everything that the sampler lists, in the order of the work. skipped: as it was,
+// or, behind all others, what a person should know. What an earlier try brought stays done in the
+// items; the lists are read anew each time.
+outcome backup_sampler(const std::string &folder, const backup_wish &wish,
+	work_queue *items = nullptr, const queue_view *view = nullptr);
 
 // ---- And back (velmor_backup_restore.cpp) ------------------------------------------------------
 
@@ -83,6 +85,7 @@ struct restore_item {
 };
 struct restore_plan {
 	std::string folder;
+	std::string way = {}; // to the sampler that it is for
 	bool complete = true; // false: the backup broke off
 	std::vector<restore_item> items;
 	int count(restore_step step) const;
@@ -95,8 +98,10 @@ struct restore_wish {
 outcome plan_restore(const std::string &folder, const restore_wish &wish, restore_plan *plan);
 // "Keep 8, send 3, replace 1." of a plan; a sentence for each thing worth to be known.
 std::string plan_words(const restore_plan &plan);
-// Do it, one after the other. Ends at a dead line and at Stop; the list is read again behind
-// the programs, and what arrived otherwise than it was sent counts as failed.
-outcome carry_out(const restore_plan &plan, work_queue *items = nullptr);
+// One for each of the plan. skipped: nothing is to be done.
+work_queue items_of(const restore_plan &plan);
+// Do those that wait, one after the other. Ends at a dead line and at Stop; the list is read again
+// behind the programs, and what arrived otherwise than it was sent counts as failed.
+outcome carry_out(const restore_plan &plan, work_queue *items, const queue_view *view = nullptr);
 
 } // namespace velmor

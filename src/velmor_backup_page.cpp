@@ -8,8 +8,10 @@
 #include "src/velmor_backup.h"
 #include "src/velmor_verify.h"
 #include "src/velmor_window.h"
+#include <algorithm>
 #include <cstring>
 #include <map>
+#include <utility>
 
 namespace velmor
 {
@@ -79,12 +81,20 @@ static const char *state_words(item_state state)
 	return tr(words[static_cast<std::size_t>(state)]);
 }
 
+// A line break would hide what stands behind it.
+static std::string one_line(std::string text)
+{
+	std::ranges::replace(text, '\n', ' ');
+	return text;
+}
+
 // What the folder holds, and of each thing what became of it, where that is known.
 static void show_folder(const work_queue &items = {})
 {
 	std::map<std::string, std::string> told;
 	for (const work_item &item : items)
-		told[item.name] = item.words.empty() ? state_words(item.state) : item.words;
+		told[item.name] =
+			item.words.empty() ? state_words(item.state) : one_line(item.words);
 	backup_manifest m;
 	const outcome read = read_manifest(folder, &m);
 	std::vector<std::vector<std::string>> rows;
@@ -164,18 +174,34 @@ static bool is_ready()
 	return false;
 }
 
+using work_of_items = std::function<outcome(work_queue *, const queue_view *)>;
+
+// In the window of the queues; also where it ends before its first item. The window may show
+// another folder when the rest is tried again.
+static void show_work(work_queue items, work_of_items work)
+{
+	show_queue({ .items = std::move(items),
+		.run =
+			[work = std::move(work), of = folder](
+				work_queue *queue, const queue_view *view) {
+				const outcome result = work(queue, view);
+				show_folder(of == folder ? *queue : work_queue());
+				tell_other_windows();
+				return result;
+			},
+		.after = [](outcome *result, const work_queue &) { show_outcome(*result); } });
+}
+
 static void begin_backup()
 {
 	if (!is_ready())
 		return;
 	(void)host.files->make_folder((current_config_path + "\\backup").c_str());
-	work_queue items;
 	const backup_wish wish = { .everything =
 					   host.ui->checked(window_backup, backup_everything) };
-	const outcome result = backup_sampler(folder, wish, &items);
-	show_folder(items);
-	tell_other_windows();
-	show_outcome(result);
+	show_work({}, [wish, into = folder](work_queue *items, const queue_view *view) {
+		return backup_sampler(into, wish, items, view);
+	});
 }
 
 static void restore_backup()
@@ -200,11 +226,9 @@ static void restore_backup()
 	if (!ask_box("INFO", "%s", (plan_words(plan) + "\n" + tr("Do it?")).c_str()))
 		return show_outcome(
 			{ .how = ending::stopped, .line = tr("The sampler was left as it is.") });
-	work_queue items;
-	const outcome result = carry_out(plan, &items);
-	show_folder(items);
-	tell_other_windows();
-	show_outcome(result);
+	show_work(items_of(plan), [plan](work_queue *items, const queue_view *view) {
+		return carry_out(plan, items, view);
+	});
 }
 
 // A plan is of the boxes as they were.

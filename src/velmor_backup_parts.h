@@ -42,9 +42,7 @@ private:
 	std::string before, folder;
 };
 
-// The boxes of a trouble, or its words, as one line.
-std::string trouble_of(const outcome &result);
-// Nothing more is to be tried: a dead line, Stop, or the same trouble twice in a row.
-bool ends_all(const outcome &last, const std::string &trouble, const std::string &before);
+// Why each of the items failed, for those who read the log.
+void log_failures(const char *work, const work_queue &items);
 
 } // namespace velmor

@@ -203,7 +203,9 @@ outcome plan_restore(const std::string &folder, const restore_wish &wish, restor
 		ready = read_machine(&p.things);
 	if (!ready.done())
 		return ready;
-	*plan = { .folder = folder, .complete = p.manifest.complete, .items = {} };
+	*plan = {
+		.folder = folder, .way = way_key(), .complete = p.manifest.complete, .items = {}
+	};
 	if (wish.remove_others)
 		for (const listed_thing &thing : p.things)
 			if (thing.kind != backup_kind::multi && !is_in_folder(p, thing))
@@ -371,12 +373,6 @@ static outcome do_step(const restore_plan &plan, const restore_item &item)
 
 // ---- What became of it ----------------------------------------------------------------------------------
 
-static bool is_program_sent(const restore_item &item, const work_item &result)
-{
-	return item.kind == backup_kind::program && item.step != restore_step::remove &&
-	       result.state == item_state::done;
-}
-
 static std::string what_became_of(
 	const restore_plan &plan, const restore_item &item, const std::vector<listed_thing> &things)
 {
@@ -391,80 +387,92 @@ static std::string what_became_of(
 		       : why;
 }
 
-// The programs are looked for in a list that is read anew, whose text tells what arrived.
-static outcome look_at_programs(const restore_plan &plan, work_queue *items)
+using places = std::vector<std::size_t>; // among the items of a plan
+
+// The programs are looked for in a list that is read anew, whose text tells what arrived. A line
+// that is dead is not asked.
+static outcome look_at_programs(
+	const restore_plan &plan, const places &sent, const outcome &last, work_queue *items)
 {
-	bool sent = false;
-	for (std::size_t i = 0; i < items->size(); i++)
-		sent = sent || is_program_sent(plan.items[i], (*items)[i]);
 	std::vector<listed_thing> things;
-	outcome read = sent ? read_machine(&things) : outcome{};
-	for (std::size_t i = 0; i < items->size(); i++) {
-		work_item &item = (*items)[i];
-		if (!is_program_sent(plan.items[i], item))
-			continue;
-		item.words = read.done() ? what_became_of(plan, plan.items[i], things)
-					 : tr("it is not known whether it arrived");
+	const bool dead = last.how == ending::no_answer;
+	const outcome read = sent.empty() || dead ? outcome{} : read_machine(&things);
+	for (const std::size_t place : sent) {
+		work_item &item = (*items)[place];
+		item.words = read.done() && !dead ? what_became_of(plan, plan.items[place], things)
+						  : tr("it is not known whether it arrived");
 		item.state = item.words.empty() ? item_state::done : item_state::failed;
 	}
+	log_failures("Restore", *items);
 	return read;
 }
 
-static outcome verdict_of(const work_queue &items, const outcome &last)
+// ---- One after the other --------------------------------------------------------------------------------
+
+work_queue items_of(const restore_plan &plan)
 {
-	const int done = count_of(items, item_state::done);
-	const int all = static_cast<int>(items.size()) - count_of(items, item_state::skipped);
-	outcome verdict = { .how = last.how };
-	verdict.line = all ? format_text(tr("%d of %d were brought to the sampler."), done, all)
-			   : tr("Nothing had to be brought to the sampler.");
-	if (done < all && (last.done() || last.how == ending::local_failed))
-		verdict.how = ending::refused;
-	else if (done == all)
-		verdict.how = ending::done;
-	verdict.caption = verdict.done() ? "INFO" : "WARNING";
-	verdict.words = verdict.line;
-	int named = 0;
-	for (const work_item &item : items)
-		if (item.state == item_state::failed && named++ < 10)
-			verdict.words += "\n" + item.name + ": " + item.words;
-	if (const int left = count_of(items, item_state::waiting))
-		verdict.words += format_text(tr("\nNot tried: %d."), left);
-	if (last.how == ending::no_answer)
-		verdict.words += "\n" + silence_words(loaded_reached());
-	return verdict;
+	work_queue items;
+	for (const restore_item &item : plan.items) {
+		work_item one = { .name = titled(item.kind, item.name), .words = item.words };
+		if (item.step == restore_step::keep || item.step == restore_step::cannot)
+			one.state = item_state::skipped;
+		if (item.step == restore_step::keep && item.words.empty())
+			one.words = tr("as before");
+		if (item.kind == backup_kind::sample)
+			one.bytes = item.entry.size;
+		items.push_back(std::move(one));
+	}
+	return items;
 }
 
-outcome carry_out(const restore_plan &plan, work_queue *told)
+static outcome run_item(const restore_plan &plan, std::size_t place, places *sent)
 {
-	outcome last;
-	if (!loaded_model(&last))
-		return last;
-	work_queue items;
-	for (const restore_item &item : plan.items)
-		items.push_back({ titled(item.kind, item.name),
-			item.step == restore_step::keep || item.step == restore_step::cannot
-				? item_state::skipped
-				: item_state::waiting,
-			item.words });
-	std::string before;
-	for (std::size_t i = 0; i < items.size(); i++) {
-		if (items[i].state != item_state::waiting)
-			continue;
-		last = do_step(plan, plan.items[i]);
-		items[i].state = last.done() ? item_state::done : item_state::failed;
-		items[i].words = last.done() ? "" : trouble_of(last);
-		log_line("[I] Restore of %s: %s\r\n", items[i].name.c_str(),
-			last.done() ? "done" : items[i].words.c_str());
-		if (ends_all(last, items[i].words, before))
-			break;
-		before = items[i].words;
-	}
-	const outcome looked = look_at_programs(plan, &items);
-	if (last.done() && !looked.done())
-		last = looked;
-	if (told)
-		*told = items;
-	return verdict_of(items, last);
+	const restore_item &item = plan.items[place];
+	const outcome result = do_step(plan, item);
+	if (result.done() && item.kind == backup_kind::program && item.step != restore_step::remove)
+		sent->push_back(place);
+	return result;
+}
+
+// A plan is for the sampler that it was made for.
+static outcome may_be_carried_out(const restore_plan &plan)
+{
+	outcome why;
+	if (loaded_model(&why) && plan.way != way_key())
+		why = { .how = ending::refused,
+			.words = tr("Another sampler is loaded than this restore is for."),
+			.caption = "WARNING" };
+	return why;
+}
+
+outcome carry_out(const restore_plan &plan, work_queue *items, const queue_view *view)
+{
+	const outcome ready = may_be_carried_out(plan);
+	if (!ready.done())
+		return ready;
+	if (!count_of(*items, item_state::waiting))
+		return { .words = tr("Nothing had to be brought to the sampler.") };
+	places sent;
+	const queue_work work = {
+		.title = own("Restoring"),
+		.verdict = own("%d of %d were brought to the sampler."),
+		.line = own("%d of %d were brought to the sampler."),
+		.count = own("%d of %d done"),
+		.not_done = own("Not brought to the sampler: "),
+		.not_tried = own("Not tried: "),
+		.kept = own("What has arrived stays. Nothing half sent is kept."),
+		.ready = nullptr,
+		.run =
+			[&](work_item *item) {
+				return run_item(plan,
+					static_cast<std::size_t>(item - items->data()), &sent);
+			},
+		.finish =
+			[&](queue_run *run) {
+				return look_at_programs(plan, sent, run->last, items);
+			},
+	};
+	return run_queue(items, work, view);
 }
 
 } // namespace velmor

@@ -65,6 +65,8 @@ static outcome verdict_of(const queue_run &run)
 		verdict.caption = "WARNING";
 	if (run.last.how == ending::no_answer)
 		verdict.words += "\n" + silence_words(loaded_reached());
+	if (!run.trouble.empty())
+		verdict.words += "\n" + run.trouble;
 	const std::pair<item_state, const char *> lines[] = { { item_state::failed, work.not_done },
 		{ item_state::waiting, work.not_tried } };
 	for (const auto &line : lines)
@@ -90,7 +92,7 @@ std::string why_ended(const queue_run &run)
 			       : format_text(tr("You stopped it after '%s'."), name.c_str());
 	return run.repeated && waiting
 		       ? tr("The same trouble came twice in a row, so the rest was not tried.")
-		       : "";
+		       : run.trouble;
 }
 
 // ---- Time -----------------------------------------------------------------------------------------
@@ -176,7 +178,10 @@ void queue_moved(double part)
 {
 	if (!running_queue)
 		return;
-	(*running_queue->items)[running_queue->at].part = part;
+	work_item &item = (*running_queue->items)[running_queue->at];
+	if (item.state != item_state::running) // behind the last one
+		return;
+	item.part = part;
 	tell_view(*running_queue);
 }
 
@@ -248,6 +253,20 @@ static void run_items(queue_run *run)
 	}
 }
 
+// A stop was of the items, so that what came of them is still looked after; another is of this.
+static void finish(queue_run *run)
+{
+	if (!run->work->finish)
+		return;
+	run->stop = false;
+	const outcome end = run->work->finish(run);
+	if (end.done() || !run->last.done())
+		return;
+	run->last = end;
+	if (end.how == ending::refused || end.how == ending::local_failed)
+		run->trouble = reason_of(end);
+}
+
 outcome run_queue(work_queue *queue, const queue_work &work, const queue_view *view)
 {
 	const outcome ready = work.ready ? work.ready() : outcome{};
@@ -258,6 +277,7 @@ outcome run_queue(work_queue *queue, const queue_work &work, const queue_view *v
 	if (view && guard.is_outer)
 		view->begun(&run);
 	run_items(&run);
+	finish(&run);
 	const outcome verdict = verdict_of(run);
 	if (view && guard.is_outer)
 		view->ended(run, verdict);

@@ -35,6 +35,8 @@ struct work_item {
 };
 using work_queue = std::vector<work_item>;
 
+struct queue_run;
+
 // What is done to each item, and its words. The formats take two numbers: done, and all.
 struct queue_work {
 	const char *title;     // "Downloading"
@@ -47,6 +49,8 @@ struct queue_work {
 	outcome (*ready)();    // in front of the first item; null: nothing to look at
 	// One item. What it leaves in another state than running stays so.
 	std::function<outcome(work_item *)> run;
+	// Behind the last item that was tried; may change what became of them. Null: nothing to do.
+	std::function<outcome(queue_run *)> finish = {};
 };
 
 // A queue that runs, or has ended.
@@ -58,6 +62,7 @@ struct queue_run {
 	bool stop = false, stop_after = false; // what the user wants
 	outcome last;                          // of one item
 	bool repeated = false;                 // the same trouble came twice
+	std::string trouble = {};              // of what stands behind the items
 };
 // Hears of it; called from within the work.
 struct queue_view {

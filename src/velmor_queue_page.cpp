@@ -277,8 +277,8 @@ static void end_view(const queue_run &run, const outcome &result)
 	const bool all_done = !count_open(*run.items);
 	set(0, tr(run.work->title));
 	set(progress_title, title);
-	host.ui->set_role(
-		window_progress, progress_title, all_done ? text_role::good : text_role::careful);
+	host.ui->set_role(window_progress, progress_title,
+		all_done && result.done() ? text_role::good : text_role::careful);
 	set(progress_reason, why);
 	set(progress_counts, counts_text(*run.items));
 	set(progress_again, again_caption(*run.items));

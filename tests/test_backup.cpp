@@ -19,6 +19,7 @@ protected:
 	std::string place; // one for each machine
 	outcome save(const backup_wish &wish = {})
 	{
+		items.clear();
 		return backup_sampler(folder(), wish, &items);
 	}
 	backup_manifest manifest()
@@ -33,7 +34,7 @@ protected:
 		const outcome planned = plan_restore(folder(), wish, &plan);
 		EXPECT_TRUE(planned.done()) << planned.words;
 		words = plan_words(plan);
-		return carry_out(plan, &items);
+		return carry_out(plan, &(items = items_of(plan)));
 	}
 	// What became of the items, a letter each in their order.
 	std::string states() const
@@ -249,7 +250,7 @@ TEST_F(backup, a_plan_is_told_and_done_and_deletes_nothing_unasked)
 	rack.wipe();
 	ASSERT_TRUE(plan_restore(folder(), {}, &plan).done());
 	rack.fall_silent(12);
-	const outcome broken = carry_out(plan, &items);
+	const outcome broken = carry_out(plan, &(items = items_of(plan)));
 	EXPECT_EQ(broken.how, ending::no_answer);
 	EXPECT_EQ(states().back(), '.');
 	EXPECT_NE(broken.words.find("\nNot tried: "), broken.words.npos) << broken.words;

@@ -44,7 +44,8 @@ private:
 
 // The boxes of a trouble, or its words, as one line.
 std::string trouble_of(const outcome &result);
-// Nothing more is to be tried: a dead line, Stop, or the same trouble twice in a row.
+// Nothing more is to be tried: a dead line, Stop, or the same trouble of this computer twice in a
+// row. What a sampler refuses says nothing of the next thing.
 bool ends_all(const outcome &last, const std::string &trouble, const std::string &before);
 
 } // namespace velmor

@@ -67,7 +67,7 @@ static bool send_back(const raw_blocks &blocks, int number)
 	std::vector<u8> message = blocks[0];
 	message[akai_channel] = static_cast<u8>(wire_channel());
 	message[akai_index] = static_cast<u8>(number);
-	return is_s900_message({ message, false }) && tell_akai(message);
+	return is_undamaged({ message, false }) && tell_akai(message);
 }
 
 // Under the number that it had, whatever the place in the list is now.

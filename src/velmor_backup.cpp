@@ -178,7 +178,8 @@ static outcome not_written(const std::string &path, int code)
 }
 
 // Under its own name, or the next one that is free, in a folder that keeps all it gets.
-static outcome put_aside(const std::string &path, const std::string &folder)
+static outcome put_aside(
+	const std::string &path, const std::string &folder, std::string *now = nullptr)
 {
 	if (!file_exists(path))
 		return {};
@@ -190,6 +191,8 @@ static outcome put_aside(const std::string &path, const std::string &folder)
 		place = folder + "\\" + file.substr(0, dot) + format_text(" (%d)", i) +
 			file.substr(dot);
 	const int code = host.files->rename(path.c_str(), place.c_str());
+	if (now && !code)
+		*now = place;
 	return code ? not_written(place, code) : outcome{};
 }
 
@@ -252,11 +255,15 @@ static outcome keep(backup_work *w, const listed_thing &thing, backup_entry fres
 	fresh.file = known ? old->file : free_file(w->folder, w->manifest, fresh);
 	const std::string path = path_of_entry(w->folder, fresh);
 	if (!is_intact(w->folder, fresh)) {
-		outcome aside = put_aside(path, w->folder + "\\earlier");
+		std::string earlier;
+		outcome aside = put_aside(path, w->folder + "\\earlier", &earlier);
 		if (!aside.done())
 			return aside;
-		if (const int code = store(path))
+		if (const int code = store(path)) {
+			if (!earlier.empty()) // or it stays where it is
+				(void)host.files->rename(earlier.c_str(), path.c_str());
 			return not_written(path, code);
+		}
 		(void)host.files->sync_folder(path.substr(0, path.rfind('\\')).c_str());
 	}
 	if (known)
@@ -479,6 +486,7 @@ static outcome bring_all(backup_work *w, work_queue *items, const queue_view *vi
 				return bring_item(w, w->things[item - items->data()], item);
 			},
 		.finish = [&](queue_run *) { return end_backup(w, *items); },
+		.outlives_refusals = true,
 	};
 	return run_queue(items, work, view);
 }

@@ -35,6 +35,7 @@ namespace velmor
 
 static constexpr const char *first_line = "VELMOR backup 1";
 static constexpr u64 largest_manifest = 8u << 20; // 1536 entries take less than 2 MB
+static constexpr std::size_t most_entries = 8192;
 static constexpr std::size_t sum_digits = 64;
 
 struct kind_row {
@@ -179,6 +180,8 @@ static const char *take_line(backup_manifest *m, std::string_view line)
 		const char *why = check_entry(*m);
 		if (*why)
 			return why;
+		if (m->entries.size() >= most_entries)
+			return tr("No sampler holds so much.");
 		for (const backup_kind kind :
 			{ backup_kind::program, backup_kind::sample, backup_kind::multi })
 			if (line == std::string("[") + kind_name(kind) + "]") {

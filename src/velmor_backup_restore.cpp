@@ -58,8 +58,13 @@ struct planning {
 static std::unique_ptr<_program> read_entry(
 	const std::string &folder, const backup_entry &entry, std::string *why)
 {
+	constexpr u64 largest_program = 8u << 20;
 	const std::string path = path_of_entry(folder, entry);
 	input_file file;
+	if (entry.size > largest_program) {
+		*why = tr("It is too large.");
+		return nullptr;
+	}
 	std::string text(static_cast<std::size_t>(entry.size), '\0');
 	int code = file.measure(path.c_str());
 	code = code ? code : file.open(path.c_str());
@@ -159,9 +164,11 @@ static restore_item plan_removal(const listed_thing &thing)
 	const _sampler_type &model = row_of_loaded();
 	const bool can = thing.kind == backup_kind::sample ? model.renamesample != nullptr
 							   : model.deleteprogram != nullptr;
-	if (!can) {
+	const bool hidden = thing.kind == backup_kind::sample && thing.number > 1;
+	if (!can || hidden) {
 		item.step = restore_step::cannot;
-		item.words = tr("this sampler deletes it on its own panel alone");
+		item.words = can ? tr("another one has the same name, and would be deleted")
+				 : tr("this sampler deletes it on its own panel alone");
 	}
 	return item;
 }
@@ -206,10 +213,10 @@ outcome plan_restore(const std::string &folder, const restore_wish &wish, restor
 	*plan = {
 		.folder = folder, .way = way_key(), .complete = p.manifest.complete, .items = {}
 	};
-	if (wish.remove_others)
-		for (const listed_thing &thing : p.things)
-			if (thing.kind != backup_kind::multi && !is_in_folder(p, thing))
-				plan->items.push_back(plan_removal(thing));
+	if (wish.remove_others) // from the end, so that the others keep their places
+		for (auto thing = p.things.rbegin(); thing != p.things.rend(); ++thing)
+			if (thing->kind != backup_kind::multi && !is_in_folder(p, *thing))
+				plan->items.push_back(plan_removal(*thing));
 	for (const backup_kind kind :
 		{ backup_kind::sample, backup_kind::program, backup_kind::multi })
 		for (std::size_t i = 0; i < p.manifest.entries.size(); i++)
@@ -309,9 +316,28 @@ private:
 	const bool wanted;
 };
 
+// Where a name cannot be a file's, the sample goes to the sampler under another one, which no
+// sample there has.
+static std::string name_on_the_way(const std::string &name)
+{
+	const std::string plain = file_name_of(name);
+	const std::vector<std::string> names = loaded_names();
+	const auto is_taken = [&](const std::string &file) {
+		return std::ranges::any_of(
+			names, [&](const auto &other) { return equal_but_for_case(other, file); });
+	};
+	std::string file = plain;
+	for (int i = 2; plain != name && is_taken(file); i++)
+		file = plain.substr(0, 8) + format_text(" %d", i);
+	return file;
+}
+
 static outcome send_sample(const restore_plan &plan, const restore_item &item)
 {
-	const std::string file = file_name_of(item.name);
+	const outcome ready = have_sample_list();
+	if (!ready.done())
+		return ready;
+	const std::string file = name_on_the_way(item.name);
 	outgoing_file outgoing(file);
 	const std::string why = outgoing.copy(path_of_entry(plan.folder, item.entry));
 	if (!why.empty())
@@ -320,7 +346,9 @@ static outcome send_sample(const restore_plan &plan, const restore_item &item)
 	outcome sent = upload_sample(outgoing.base);
 	if (!sent.done() || file == item.name)
 		return sent;
-	return rename_sample(file, item.name);
+	if (item.step == restore_step::replace) // now that the new one is there
+		sent = delete_sample(item.name);
+	return sent.done() ? rename_sample(file, item.name) : sent;
 }
 
 // The list behind all programs decides; until then it is stale.
@@ -367,6 +395,9 @@ static outcome do_step(const restore_plan &plan, const restore_item &item)
 {
 	if (item.step == restore_step::remove)
 		return remove(item);
+	if (!is_intact(plan.folder, item.entry))
+		return { .how = ending::local_failed,
+			.words = tr("its file is missing, or was changed since the backup") };
 	return item.kind == backup_kind::sample ? send_sample(plan, item)
 						: send_program(plan, item);
 }
@@ -471,6 +502,7 @@ outcome carry_out(const restore_plan &plan, work_queue *items, const queue_view 
 			[&](queue_run *run) {
 				return look_at_programs(plan, sent, run->last, items);
 			},
+		.outlives_refusals = true,
 	};
 	return run_queue(items, work, view);
 }

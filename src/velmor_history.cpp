@@ -36,7 +36,7 @@ history_settings the_history;
 
 static constexpr const char *manifest = "step.txt";
 static constexpr u64 largest_manifest = 1u << 20;
-static constexpr int most_things = 999;
+static constexpr int most_things = 999, largest_number = 1000000000;
 
 // ---- Words ---------------------------------------------------------------------------------------
 
@@ -60,6 +60,7 @@ struct state_row {
 static constexpr state_row states[] = {
 	{ step_state::begun, "begun" },
 	{ step_state::done, "done" },
+	{ step_state::half, "half put back" },
 	{ step_state::undone, "undone" },
 	{ step_state::put_back, "put back" },
 };
@@ -141,7 +142,7 @@ static bool take_number(step_reader *r, std::string_view key, std::string_view v
 		r->has_version = number == 1;
 	else
 		r->step.number = number;
-	return number > 0;
+	return number > 0 && number <= largest_number;
 }
 
 static bool take_work(step_reader *r, const std::string &value)
@@ -466,6 +467,8 @@ void trim_history()
 	u64 bytes = history_bytes();
 	std::vector<std::string> oldest;
 	for (std::size_t i = 0; i + 1 < steps.size() && bytes > limit; i++) {
+		if (steps[i].folder == step_in_work())
+			continue;
 		oldest.push_back(steps[i].folder);
 		bytes -= steps[i].bytes;
 	}

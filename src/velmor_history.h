@@ -41,6 +41,7 @@ enum class step_kind {
 enum class step_state {
 	begun,    // how the work ended was not written down
 	done,     // and can be put back
+	half,     // putting it back began and did not end
 	undone,   // was put back
 	put_back, // what an undo replaced
 };
@@ -98,7 +99,7 @@ extern history_settings the_history;
 void load_history_settings();
 void save_history_settings();
 u64 history_bytes();
-// Remove the oldest steps beyond the limit, the newest stays.
+// Remove the oldest steps beyond the limit; the newest stays, and one that is being put back.
 void trim_history();
 
 // ---- Keeping (velmor_history_keep.cpp) --------------------------------------------------------------
@@ -150,14 +151,16 @@ private:
 };
 // Nothing was asked yet in this session; for tests.
 void forget_history_answers();
-// While one lives, steps are those of an undo.
+// While one lives, steps are those of an undo, and the one that it puts back stays.
 class putting_back
 {
 public:
-	putting_back();
+	explicit putting_back(const std::string &folder);
 	~putting_back();
 	putting_back(const putting_back &) = delete;
 };
+// The folder of the step that is being put back, or "".
+const std::string &step_in_work();
 
 // ---- Putting back (velmor_history_undo.cpp) -----------------------------------------------------------
 

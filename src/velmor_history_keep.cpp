@@ -30,6 +30,7 @@ enum class answer {
 static answer about_long_samples = answer::none;
 static std::set<std::string> limits_told;
 static int undos_running;
+static std::string folder_in_work;
 
 void forget_history_answers()
 {
@@ -37,14 +38,21 @@ void forget_history_answers()
 	limits_told.clear();
 }
 
-putting_back::putting_back()
+putting_back::putting_back(const std::string &folder)
 {
 	undos_running++;
+	folder_in_work = folder;
 }
 
 putting_back::~putting_back()
 {
 	undos_running--;
+	folder_in_work.clear();
+}
+
+const std::string &step_in_work()
+{
+	return folder_in_work;
 }
 
 static std::string quoted(const std::string &name)

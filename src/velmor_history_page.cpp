@@ -41,6 +41,8 @@ static std::string state_text(const history_step &step)
 		return "Damaged: " + step.damage;
 	if (step.state == step_state::undone)
 		return "Put back";
+	if (step.state == step_state::half)
+		return tr("Put back in part; undo goes on with it");
 	if (step.state == step_state::put_back)
 		return "Replaced by an undo";
 	return step.cannot.empty() ? "Can be put back" : "Cannot be put back: " + step.cannot;

@@ -6,7 +6,8 @@
 // be another one afterwards.
 //
 // A step that does not fit what the sampler holds now is refused in words and counts as put back,
-// so that the next one can be.
+// so that the next one can be. One that broke off in the middle is the next again, and then goes
+// over what it sent before: half a sample of the name is not the sample.
 //
 // Knows nothing of: windows, models but through their rows.
 
@@ -201,8 +202,8 @@ static outcome send_sample(const history_step &step, const kept_thing &thing)
 	file_info info = {};
 	if (const int code = host.files->stat(file.c_str(), &info))
 		return local_failure(read_failure(file, code));
-	if (!family || !model->uploadsample)
-		return why;
+	if (!family || !(family->send_sample || model->uploadsample))
+		return why.done() ? offers_upload() : why;
 	machine_change change({ .kind = step_kind::upload_sample, .name = thing.name });
 	const outcome ready = change.may_go_on() ? have_sample_list() : change.why();
 	if (!ready.done())
@@ -317,6 +318,12 @@ static outcome does_not_fit(const std::string &words)
 		.line = "Nothing was put back." };
 }
 
+// The name is taken, and not by what an undo that did not end has sent.
+static bool is_in_the_way(const history_step &step)
+{
+	return step.state != step_state::half && contains(listed(step), step.name);
+}
+
 static outcome rename_back(const history_step &step)
 {
 	const std::string now = step.came.empty() ? step.new_name : step.came.front();
@@ -376,13 +383,13 @@ static outcome go_back(const history_step &step)
 	const outcome ready = about_programs(step) ? have_program_list() : have_sample_list();
 	if (!ready.done())
 		return ready;
-	if (deletes(step) && contains(listed(step), step.name))
+	if (deletes(step) && is_in_the_way(step))
 		return does_not_fit("The sampler has a " + quoted(step.name) + " again.");
 	if (!renames(step) && step.there.empty() && step.came.empty())
 		return does_not_fit("Of this step nothing was kept.");
 	if (renames(step) && !comes_whole(step))
 		return rename_back(step);
-	if (renames(step) && contains(listed(step), step.name))
+	if (renames(step) && is_in_the_way(step))
 		return does_not_fit("The sampler has a " + quoted(step.name) + " again.");
 	const outcome first = renames(step) ? send_all(step) : take_away(step);
 	if (!first.done())
@@ -406,6 +413,21 @@ static std::string beginning_small(std::string words)
 	return words;
 }
 
+// What it is from now on is written down.
+static void mark(history_step step, step_state state)
+{
+	step.state = state;
+	const std::string why = write_step(&step);
+	if (!why.empty())
+		log_line("[W] The history could not be written: %s\r\n", why.c_str());
+}
+
+static int newest_number()
+{
+	const std::vector<history_step> &steps = history_steps();
+	return steps.empty() ? 0 : steps.back().number;
+}
+
 outcome put_step_back(const history_step &given)
 {
 	history_step step = given; // the list changes meanwhile
@@ -419,15 +441,14 @@ outcome put_step_back(const history_step &given)
 	if (!step.cannot.empty() && step.there.empty())
 		return { .how = ending::refused, .words = step.cannot };
 	log_line("[I] Putting back on the sampler: %s\r\n", step_words(step).c_str());
-	const putting_back undo;
+	const putting_back undo(step.folder);
+	const int before = newest_number();
 	outcome result = go_back(step);
 	const bool over = result.done() || result.line == "Nothing was put back.";
-	if (over && step.state != step_state::put_back) {
-		step.state = step_state::undone;
-		const std::string why = write_step(&step);
-		if (!why.empty())
-			log_line("[W] The history could not be written: %s\r\n", why.c_str());
-	}
+	// Whatever changes the sampler is a step, where steps are kept.
+	const bool begun = !the_history.on || newest_number() > before;
+	if (step.state != step_state::put_back && (over || begun))
+		mark(step, over ? step_state::undone : step_state::half);
 	if (result.done()) {
 		result.words.clear();
 		result.line = "Put back on the sampler: " + beginning_small(step_words(step)) + ".";
@@ -439,8 +460,9 @@ const history_step *undoable_step()
 {
 	const std::vector<history_step> &steps = history_steps();
 	for (auto step = steps.rbegin(); step != steps.rend(); ++step) {
-		const bool open =
-			step->state == step_state::begun || step->state == step_state::done;
+		const bool open = step->state == step_state::begun ||
+				  step->state == step_state::done ||
+				  step->state == step_state::half;
 		const bool kept = !step->there.empty() || !step->came.empty() || renames(*step);
 		if (step->damage.empty() && step->cannot.empty() && open && kept &&
 			belongs_here(*step))

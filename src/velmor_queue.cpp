@@ -228,6 +228,12 @@ static bool ends_queue(const queue_run &run)
 	return run.last.how == ending::no_answer || run.last.how == ending::stopped || run.repeated;
 }
 
+static bool is_repeated(const queue_run &run, const std::string &before)
+{
+	const bool says_nothing = run.work->outlives_refusals && run.last.how == ending::refused;
+	return !run.last.done() && !says_nothing && (*run.items)[run.at].words == before;
+}
+
 static void run_items(queue_run *run)
 {
 	work_queue &queue = *run->items;
@@ -246,7 +252,7 @@ static void run_items(queue_run *run)
 		log_line("[I] %s [%s] (%d/%d)\r\n", run->work->title, queue[i].name.c_str(),
 			++number, all);
 		run_item(run);
-		run->repeated = !run->last.done() && queue[i].words == before;
+		run->repeated = is_repeated(*run, before);
 		if (ends_queue(*run))
 			return;
 		before = queue[i].words;

@@ -51,6 +51,8 @@ struct queue_work {
 	std::function<outcome(work_item *)> run;
 	// Behind the last item that was tried; may change what became of them. Null: nothing to do.
 	std::function<outcome(queue_run *)> finish = {};
+	// What the sampler refuses says nothing of the next item, however often.
+	bool outlives_refusals = false;
 };
 
 // A queue that runs, or has ended.

@@ -1,8 +1,10 @@
 // test_backup.cpp - a whole sampler into a folder and back, on machines of every family
 
-#include "src/velmor_backup.h"
+#include "src/velmor_backup_parts.h"
 #include "src/velmor_checksum.h"
 #include "src/velmor_files.h"
+#include "src/velmor_history.h"
+#include "src/velmor_window.h"
 #include "tests/support/racks.h"
 #include <algorithm>
 #include <cstring>
@@ -143,6 +145,16 @@ TEST_F(backup, names_of_a_sampler_stay_in_the_folder_and_apart)
 	for (const usb_sample &s : rack.machine.samples)
 		back += s.name + "|";
 	EXPECT_EQ(back, "Kick|KICK|Snare L/R|..|../../up|C:\\x|kick|manifest.txt|");
+
+	// The name on the way there is no other sample's.
+	rack.machine.add_sample("Snare L_R", rack.machine.samples[0].wave);
+	const auto other = rack.machine.samples.back().wave;
+	EXPECT_TRUE(restore({ .everything = true }).done());
+	back.clear();
+	for (const usb_sample &s : rack.machine.samples)
+		back += s.name + "|";
+	EXPECT_EQ(back, "Snare L_R|Kick|KICK|Snare L/R|..|../../up|C:\\x|kick|manifest.txt|");
+	EXPECT_EQ(rack.machine.samples[0].wave, other);
 }
 
 // What a manifest looks like, and that nothing of one is taken that does not fit.
@@ -216,6 +228,14 @@ TEST_F(backup, damage_costs_what_is_damaged_and_another_folder_nothing)
 	EXPECT_EQ(manifest().entries.size(), 5u);
 	EXPECT_EQ(h.temporary_files(), 0);
 
+	// What was to be replaced stays where it was.
+	const auto piano = h.content(folder() + "\\programs\\PIANO.program");
+	rack.change_program();
+	h.disk.space_left = h.content(manifest_path(folder())).value_or(hex("")).size() + 200;
+	EXPECT_FALSE(save().done());
+	h.disk.space_left.reset();
+	EXPECT_EQ(h.content(folder() + "\\programs\\PIANO.program"), piano);
+
 	copy_text(current_sampler->sampler_description, "Other");
 	EXPECT_EQ(save().how, ending::refused);
 }
@@ -238,13 +258,33 @@ TEST_F(backup, a_plan_is_told_and_done_and_deletes_nothing_unasked)
 	std::string told;
 	for (const restore_item &item : plan.items)
 		told += format_text("%d%s ", static_cast<int>(item.step), item.name.c_str());
-	EXPECT_EQ(told, "3EXTRA 3NEW 1KICK 0SNARE 0HAT 2PIANO 0BASS ");
+	EXPECT_EQ(told, "3NEW 3EXTRA 1KICK 0SNARE 0HAT 2PIANO 0BASS ");
 	EXPECT_TRUE(restore().done());
 	EXPECT_EQ(rack.machine.samples.size(), 4u);
 	EXPECT_EQ(rack.machine.programs.size(), 3u);
 	EXPECT_TRUE(restore({ .remove_others = true }).done());
 	EXPECT_EQ(rack.machine.samples.size(), 3u);
 	EXPECT_EQ(rack.machine.programs.size(), 2u);
+
+	// What it replaces is kept in the history, which keeps to its size.
+	the_history = { .on = true, .long_samples = true, .megabytes = 0 };
+	EXPECT_TRUE(restore({ .everything = true }).done());
+	EXPECT_EQ(history_steps().size(), 1u);
+	the_history = {};
+
+	// Of two of a name a request deletes the first one.
+	rack.machine.add_sample("KICK", 44100, ramp(7, 7));
+	rack.machine.add_program("PIANO", 1), rack.machine.add_program("EXTRA", 1);
+	EXPECT_TRUE(restore({ .remove_others = true }).done());
+	EXPECT_EQ(words, "Delete 2 on the sampler, keep 5 as they are, leave out 1, which "
+			 "cannot be sent.");
+	EXPECT_EQ(rack.machine.programs.size(), 2u);
+	EXPECT_EQ(rack.machine.programs[0].keygroups.size() +
+			  rack.machine.programs[1].keygroups.size(),
+		3u)
+		<< "the first one stays";
+	EXPECT_EQ(rack.machine.samples[3].words.size(), 7u);
+	rack.machine.samples.pop_back();
 
 	// A line that dies ends it with a verdict, and a second one goes on.
 	rack.wipe();
@@ -262,6 +302,43 @@ TEST_F(backup, a_plan_is_told_and_done_and_deletes_nothing_unasked)
 	EXPECT_EQ(plan_restore(folder(), {}, &plan).words,
 		"This is the backup of 'test sampler', an Akai S3000/S3000XL. An Akai S5000/6000 "
 		"cannot take it.");
+}
+
+// One window tells of all; what failed is tried again there, and what came stays done.
+TEST_F(backup, a_dead_line_leaves_a_verdict_in_the_window_and_the_rest_follows)
+{
+	forget_commands();
+	s1000_rack rack(h, s1000_model::s3000, model_s3000);
+	const auto told = [&](int control) { return h.texts[{ window_progress, control }]; };
+	const auto marks = [&] {
+		std::string text;
+		for (const entry_mark mark : h.marks[{ window_progress, progress_list }])
+			text += mark == entry_mark::done      ? 'd'
+				: mark == entry_mark::failed  ? 'f'
+				: mark == entry_mark::skipped ? 's'
+							      : '.';
+		return text;
+	};
+	velmor_command(window_main, menu_backup);
+	for (const int button : { backup_begin, backup_restore }) {
+		SCOPED_TRACE(button);
+		h.on_pump = [&] { // in the second sample
+			if (marks().find('d') != std::string::npos &&
+				told(progress_item) == "sample SNARE")
+				stop_progress();
+		};
+		velmor_command(window_backup, button);
+		h.on_pump = nullptr;
+		EXPECT_EQ(marks(), button == backup_begin ? "dddf." : "df...");
+		EXPECT_EQ(told(progress_reason), "You stopped it in the middle of 'sample SNARE'.");
+		velmor_command(window_progress, progress_again);
+		EXPECT_EQ(marks(), "ddddd");
+		EXPECT_EQ(told(progress_title), button == backup_begin
+							? "5 of 5 came into the backup"
+							: "5 of 5 were brought to the sampler");
+		rack.wipe();
+	}
+	forget_commands();
 }
 
 } // namespace velmor

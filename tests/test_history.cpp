@@ -229,6 +229,18 @@ TEST_F(history, and_an_s900)
 	current_sampler->sampler_sysex = 1;
 	for (const unsigned seed : { 4u, 5u })
 		go_there_and_back(m, seed);
+	// The machine says nothing to a message that is damaged.
+	(void)read_program_list();
+	current_sampler->status->program[0].keygroup[0].low_note ^= 1;
+	ASSERT_TRUE(save_program({ loaded_programs()[0] }).done());
+	const auto changed = held(m);
+	const std::string path = step_folder(history_steps().back()) + "\\1.blocks";
+	bytes kept = h.content(path).value_or(bytes());
+	ASSERT_GT(kept.size(), 100u);
+	kept[60] = kept[60] == '0' ? '1' : '0';
+	h.put_content(path, kept);
+	EXPECT_EQ(undo_on_sampler().how, ending::refused);
+	EXPECT_TRUE(held(m) == changed);
 }
 
 TEST_F(history, and_an_s5000_a_z8_and_an_mpc_4000)
@@ -245,6 +257,53 @@ TEST_F(history, and_an_s5000_a_z8_and_an_mpc_4000)
 		plug_on_usb(m, which == z4_model::z8 ? model_z4 : model_mpc4000);
 		go_there_and_back(m, 8);
 	}
+}
+
+TEST_F(history, an_undo_that_broke_off_anywhere_goes_on_and_its_step_stays)
+{
+	s1000_machine m(s1000_model::s3000, 0);
+	for (const char *name : { "KICK", "SNARE" })
+		m.add_sample(name, 44100, std::vector<std::int16_t>(100, 500));
+	for (const char *name : { "DRUMS", "BASS" })
+		m.add_program(name, 2);
+	plug_on_midi(m, model_s3000);
+	const auto grow = [&] {
+		(void)have_program_list();
+		const auto copy = std::make_unique<_program>(current_sampler->status->program[0]);
+		copy->keygroup[copy->keygroups++] = copy->keygroup[0];
+		return upload_program(*copy);
+	};
+	const std::function<outcome()> works[] = { grow, [] { return delete_sample("KICK"); },
+		[&] { return upload_sample(spool("KICK")); },
+		[] { return rename_program({ "DRUMS" }, "BEAT"); },
+		[] { return delete_program({ "DRUMS" }); } };
+	for (const auto &work : works) {
+		bool broken = true;
+		for (int exchange = 1; broken; exchange++) {
+			const auto before = held(m);
+			ASSERT_TRUE(work().done());
+			the_history.megabytes = 0; // the step in work stays all the same
+			port_wire(0).set_fault({ wire_fault_kind::silent, exchange, true });
+			broken = !undo_on_sampler().done();
+			port_wire(0).clear_faults();
+			the_history.megabytes = 500;
+			(void)read_program_list();
+			(void)read_sample_list();
+			const bool whole = !broken || undo_on_sampler().done();
+			EXPECT_TRUE(whole) << exchange;
+			ASSERT_TRUE(held(m) == before) << &work - works << " at " << exchange;
+			EXPECT_EQ(undoable_step(), nullptr);
+		}
+	}
+	// What stood behind a renamed program goes back from the same step.
+	(void)read_program_list();
+	const auto before = held(m);
+	ASSERT_TRUE(rename_program({ loaded_programs()[0] }, "BEAT").done());
+	m.programs.pop_back();
+	(void)read_program_list();
+	the_history.megabytes = 0;
+	EXPECT_TRUE(undo_on_sampler().done());
+	EXPECT_TRUE(held(m) == before);
 }
 
 namespace
@@ -398,6 +457,14 @@ TEST_F(s3000_history, the_window_lists_puts_back_and_lets_go)
 	const std::size_t steps = steps_on_disk().size();
 	velmor_command(window_history, history_delete);
 	EXPECT_EQ(steps_on_disk().size(), steps - 1);
+	for (const std::string &step : steps_on_disk())
+		h.put_content(h.config + "\\history\\Rack\\" + step + "\\x", bytes(400000));
+	read_history();
+	const std::string second = history_steps()[1].folder;
+	the_history.megabytes = 1; // of 1.2 the oldest goes
+	trim_history();
+	EXPECT_EQ(steps_on_disk().size(), 2u);
+	EXPECT_EQ(history_steps()[0].folder, second);
 	the_history.megabytes = 0; // the newest stays
 	trim_history();
 	EXPECT_EQ(steps_on_disk().size(), 1u);

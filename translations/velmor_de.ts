@@ -3246,10 +3246,6 @@ noch nicht gemessen</translation>
         <translation>%s wurde nicht gesendet: angehalten.</translation>
     </message>
     <message>
-        <source>%sThe sampler holds several samples called &apos;%s&apos; and gives the first alone. Rename the others on its panel.</source>
-        <translation>%sDer Sampler hat mehrere Samples namens &apos;%s&apos; und gibt nur das erste her. Benennen Sie die anderen an seinem Bedienfeld um.</translation>
-    </message>
-    <message>
         <source>%zu of %zu parameters differ, the first is %s</source>
         <translation>%zu von %zu Parametern weichen ab, der erste ist %s</translation>
     </message>
@@ -3576,18 +3572,6 @@ noch nicht gemessen</translation>
         <translation>[%s] enthält die Sicherung von &apos;%s&apos;, einem %s. Wählen Sie einen anderen Ordner für &apos;%s&apos;.</translation>
     </message>
     <message>
-        <source>
-Not tried: %d.</source>
-        <translation>
-Nicht versucht: %d.</translation>
-    </message>
-    <message>
-        <source>
-and %zu more</source>
-        <translation>
-und %zu weitere</translation>
-    </message>
-    <message>
         <source>another one has the same name, and would be replaced</source>
         <translation>ein anderes hat denselben Namen und würde ersetzt</translation>
     </message>
@@ -3660,10 +3644,6 @@ und %zu weitere</translation>
         <translation>gleich, soweit sein Kopf es sagt</translation>
     </message>
     <message>
-        <source>the sampler did not do it</source>
-        <translation>der Sampler hat es nicht getan</translation>
-    </message>
-    <message>
         <source>the sampler does not list it</source>
         <translation>der Sampler führt es nicht auf</translation>
     </message>
@@ -3682,6 +3662,58 @@ und %zu weitere</translation>
     <message>
         <source>too many.</source>
         <translation>überzählig.</translation>
+    </message>
+    <message>
+        <source>%d of %d are in the backup</source>
+        <translation>%d von %d sind in der Sicherung</translation>
+    </message>
+    <message>
+        <source>%d of %d came into the backup.</source>
+        <translation>%d von %d kamen in die Sicherung.</translation>
+    </message>
+    <message>
+        <source>%d of %d done</source>
+        <translation>%d von %d fertig</translation>
+    </message>
+    <message>
+        <source>Another sampler is loaded than this restore is for.</source>
+        <translation>Es ist ein anderer Sampler geladen als der, für den diese Wiederherstellung ist.</translation>
+    </message>
+    <message>
+        <source>Backing up</source>
+        <translation>Sichern</translation>
+    </message>
+    <message>
+        <source>No sampler holds so much.</source>
+        <translation>So viel fasst kein Sampler.</translation>
+    </message>
+    <message>
+        <source>Not brought to the sampler: </source>
+        <translation>Nicht zum Sampler gebracht: </translation>
+    </message>
+    <message>
+        <source>Not in the backup: </source>
+        <translation>Nicht in der Sicherung: </translation>
+    </message>
+    <message>
+        <source>Not tried: </source>
+        <translation>Nicht versucht: </translation>
+    </message>
+    <message>
+        <source>Put back in part; undo goes on with it</source>
+        <translation>Teilweise zurückgeholt; Rückgängig macht damit weiter</translation>
+    </message>
+    <message>
+        <source>Restoring</source>
+        <translation>Wiederherstellen</translation>
+    </message>
+    <message>
+        <source>The sampler holds several samples called &apos;%s&apos; and gives the first alone. Rename the others on its panel.</source>
+        <translation>Der Sampler hat mehrere Samples namens &apos;%s&apos; und gibt nur das erste heraus. Benennen Sie die anderen an seinem Bedienfeld um.</translation>
+    </message>
+    <message>
+        <source>another one has the same name, and would be deleted</source>
+        <translation>ein anderes heißt genauso und würde gelöscht</translation>
     </message>
 </context>
 </TS>

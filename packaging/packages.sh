@@ -3,8 +3,9 @@
 # Sourced by run, test, the Makefile, the package and the machine tests. The names hold on
 # Debian 12 and on Ubuntu 24.04. Elsewhere CMake says what it does not find.
 
-packages_build="g++ cmake ninja-build pkg-config qt6-base-dev qt6-l10n-tools libasound2-dev libusb-1.0-0-dev
-	libsndfile1-dev libfuse3-dev fuse3 fonts-dejavu-core fontconfig-config"
+packages_build="g++ cmake ninja-build pkg-config qt6-base-dev qt6-multimedia-dev qt6-l10n-tools
+	libasound2-dev libusb-1.0-0-dev libsndfile1-dev libfuse3-dev fuse3 fonts-dejavu-core
+	fontconfig-config"
 packages_test="libgtest-dev clang-format-14 libumockdev-dev umockdev libsamplerate0-dev libbenchmark-dev libsmf-dev sox"
 packages_deb="dpkg-dev"
 packages_package="$packages_deb mmdebstrap debian-archive-keyring lintian appstream

@@ -12,16 +12,18 @@ namespace velmor
 {
 
 struct played_sound {
-	std::span<const std::int16_t> words; // one channel; must live until stop
-	std::uint32_t sample_rate;           // Hz
-	std::uint64_t loop_start, loop_end;  // in words; no loop where loop_end is not above it
+	std::span<const std::int16_t> words; // the channels of a frame in turn; lives until stop
+	std::uint32_t sample_rate = 0;       // frames a second
+	std::uint32_t channels = 1;
+	// In frames; no loop where loop_end is not above it, or behind the sound.
+	std::uint64_t loop_start = 0, loop_end = 0;
 };
 
 struct audio_service {
 	// Ends what plays and begins this one. "", or a sentence that says why nothing is heard.
 	std::string (*play)(const played_sound &sound);
 	void (*stop)();
-	// The word that is heard now; -1: nothing plays.
+	// The frame that is heard now; -1: nothing plays.
 	std::int64_t (*position)();
 };
 

@@ -17,6 +17,7 @@ extern const net_service posix_net;
 extern const midi_service alsa_midi;
 extern const usb_service libusb_usb;
 extern const sound_service sndfile_sound;
+extern const audio_service qt_audio;
 extern const drive_service fuse_drive;
 // Boxes to standard error, questions answered with OK unless headless_answers says no.
 extern const ui_service headless_ui;

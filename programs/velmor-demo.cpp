@@ -4,20 +4,16 @@
 //	velmor-demo --journey [WAV ...] [--song MIDI] [--out FOLDER]
 //	                                                  the main job by itself, in seconds
 //
-// An S3000, an S1000 and an S900 hang on one MIDI cable and tell each other apart by their
-// exclusive channels, as in a rack; an S5000 and a Z8 are on the USB. Settings, configurations,
-// samples and programs lie in a folder of the demo's own, VELMOR-Demo beside the real VELMOR, so
-// nothing of the user's is ever touched.
+// The samplers, and the folder that it keeps to, are those of demo_rack.h.
 
 #include "platform/backends.h"
 #include "platform/signals.h"
+#include "programs/demo_rack.h"
 #include "programs/journey.h"
 #include "programs/options.h"
 #include "programs/windowed.h"
 #include "src/velmor.h"
 #include "ui/qt_ui.h"
-#include "virtual/demo_content.h"
-#include "virtual/demo_usb.h"
 #include "virtual/midi_ports.h"
 #include "virtual/usb_bus.h"
 #include <QApplication>
@@ -46,108 +42,15 @@ static const char help[] =
 	"  --version            show the version\n"
 	"  --help               show this text\n";
 
-// ---- What is plugged in -----------------------------------------------------------------------
-
-// The dump of an S900 begins as a message to exclusive channel 1 does, so nobody else is there.
-static constexpr std::size_t most_played = 1 << 20; // bytes; a demo may run for days
-static constexpr u8 s3000_channel = 0, s1000_channel = 2, s900_channel = 3;
-
-struct rack {
-	timeline time;
-	s1000_machine s3000{ s1000_model::s3000, s3000_channel };
-	s1000_machine s1000{ s1000_model::s1000, s1000_channel };
-	s900_machine s900{ s900_model::s900, s900_channel };
-	bool s3000_on = true;
-	machine::bytes played; // what reached the cable beside exclusive messages
-	int keyboard = 0;      // its port
-	s5000 usb_s5000;
-	z4 usb_z8{ z4_model::z8 };
-};
-
-static rack *the_rack;
-
-// A machine that is switched off takes nothing and says nothing.
-static midi_machine while_on(midi_machine machine, const bool *on)
-{
-	machine.answer = [hear = machine.answer, on](machine::byte_view message) {
-		return *on ? hear(message) : machine::bytes();
-	};
-	return machine;
-}
-
-static void plug_in(rack *r)
-{
-	fill_s3000(r->s3000);
-	fill_s1000(r->s1000);
-	fill_demo(r->s900);
-	// The S900 stands first: it alone hears a dump in parts.
-	midi_machine cable = on_one_cable({ r->s900.on_wire(r->time),
-		while_on(r->s3000.on_wire(), &r->s3000_on), r->s1000.on_wire() });
-	cable.played = [r](machine::byte_view notes) {
-		r->played.insert(r->played.end(), notes.begin(), notes.end());
-		if (r->played.size() > most_played)
-			r->played.clear();
-	};
-	plug_midi(r->time, std::move(cable), "Demo MIDI cable");
-	const auto deaf = [](machine::byte_view) { return machine::bytes(); };
-	r->keyboard = plug_midi(r->time, { deaf, deaf, deaf }, "Demo keyboard");
-	fill_demo(r->usb_s5000);
-	plug_usb(r->time, r->usb_s5000);
-	fill_demo(r->usb_z8);
-	plug_usb(r->time, r->usb_z8);
-}
+static demo_rack *the_rack;
 
 // ---- Where everything lies ----------------------------------------------------------------------
 
-// control: the channel that an S900 is asked on, from 1; the exclusive channel of all others
-// counts from 0.
-static void write_configuration(const std::string &folder, const char *name, i32 model, u8 channel,
-	const char *usb_name = "", u8 control = 1)
-{
-	const std::string path = folder + "/" + name + ".sampler";
-	if (std::filesystem::exists(path))
-		return;
-	_sampler sampler = {};
-	copy_text(sampler.sampler_description, name);
-	copy_text(sampler.sampler_usbname, usb_name);
-	sampler.sampler_type = static_cast<u32>(model);
-	sampler.sampler_sysex = control;
-	sampler.sampler_midi = 1;
-	sampler.sampler_sysex_channel = channel;
-	std::ofstream file(path, std::ios::binary);
-	file.write(reinterpret_cast<const char *>(&sampler), sizeof sampler);
-}
-
-static void write_configurations(const std::string &root)
-{
-	const std::string config = root + "/VELMOR/CONFIG";
-	write_configuration(config, "Demo S3000", model_s3000, s3000_channel);
-	write_configuration(config, "Demo S1000", model_s1000, s1000_channel);
-	write_configuration(config, "Demo S900", model_s900, s900_channel, "", s900_channel + 1);
-	write_configuration(config, "Demo S5000", model_s5000, 0, "Demo S5000");
-	write_configuration(config, "Demo Z8", model_z4, 0, "Demo Z8");
-}
-
 static void prepare_folder(const std::string &root)
 {
-	std::filesystem::create_directories(root + "/VELMOR/CONFIG");
-	setenv("LOCALAPPDATA", root.c_str(), 1);
-	setenv("XDG_CONFIG_HOME", (root + "/settings").c_str(), 1);
-	for (const char *key : { "midi_in", "midi_out" })
-		posix_settings.save_key(key, "0");
-	posix_settings.save_key("midi_in_mon", "1");
+	use_demo_folder(root);
 	// The log is written where the program runs.
 	std::filesystem::current_path(root);
-}
-
-static std::string demo_folder()
-{
-	const char *root = posix_settings.user_root();
-	if (!root) {
-		std::fprintf(stderr, "velmor-demo: there is no home folder for its files\n");
-		std::exit(1);
-	}
-	return posix_files.host_path(root) + "/VELMOR-Demo";
 }
 
 // ---- Services -----------------------------------------------------------------------------------
@@ -161,7 +64,8 @@ static void install(const ui_service *ui, const clock_service *clock)
 		.settings = &posix_settings,
 		.clock = clock,
 		.files = &posix_files,
-		.sound = &sndfile_sound };
+		.sound = &sndfile_sound,
+		.audio = &qt_audio };
 }
 
 // Time that jumps to the next thing the samplers do.
@@ -238,17 +142,46 @@ static bool read_arguments(int argc, char **argv, arguments *a)
 	return a->travel || argc == 1;
 }
 
-// A WAV file as any editor writes it, for a journey without files of the user.
-static std::string make_file(const std::string &folder)
+// Sound files as they lie about: one as any editor writes it, one of 24 bits and two channels, and
+// an old one of 8 bits; for a journey without files of the user.
+struct lying_about {
+	const char *name;
+	u32 bits, channels;
+};
+static constexpr lying_about sound_files[] = {
+	{ "/Vowel.wav", 16, 1 },
+	{ "/Choir 24.wav", 24, 2 },
+	{ "/Old 8.wav", 8, 1 },
+};
+
+static std::string make_file(const std::string &folder, const lying_about &kind)
 {
 	const demo_sound sound = sung_vowel(22050, 220);
-	const u32 bytes = static_cast<u32>(sound.words.size()) * 2;
-	const u32 head[] = { 0x46464952, 36 + bytes, 0x45564157, 0x20746D66, 16, 0x00010001,
-		sound.rate, sound.rate * 2, 0x00100002, 0x61746164, bytes };
-	const std::string path = folder + "/Vowel.wav";
+	machine::bytes data;
+	for (const int word : sound.words)
+		for (u32 channel = 0; channel < kind.channels; channel++) {
+			if (kind.bits == 24)
+				data.push_back(0);
+			if (kind.bits > 8)
+				data.push_back(static_cast<u8>(word));
+			data.push_back(
+				static_cast<u8>(kind.bits == 8 ? (word >> 8) + 128 : word >> 8));
+		}
+	const u32 bytes = static_cast<u32>(data.size()), frame = kind.bits / 8 * kind.channels;
+	// More than one channel makes it an extensible format, and one of PCM.
+	const bool extensible = kind.channels > 1;
+	const u32 extension[] = { kind.bits << 16 | 22, 0, 1, 0x00100000, 0xAA000080, 0x719B3800 };
+	const u32 longer = extensible ? sizeof extension : 0;
+	const u32 head[] = { 0x46464952, 36 + longer + bytes, 0x45564157, 0x20746D66, 16 + longer,
+		kind.channels << 16 | (extensible ? 0xFFFE : 1), sound.rate, sound.rate * frame,
+		kind.bits << 16 | frame };
+	const u32 data_head[] = { 0x61746164, bytes };
+	const std::string path = folder + kind.name;
 	std::ofstream file(path, std::ios::binary);
 	file.write(reinterpret_cast<const char *>(head), sizeof head);
-	file.write(reinterpret_cast<const char *>(sound.words.data()), bytes);
+	file.write(reinterpret_cast<const char *>(extension), longer);
+	file.write(reinterpret_cast<const char *>(data_head), sizeof data_head);
+	file.write(reinterpret_cast<const char *>(data.data()), bytes);
 	return path;
 }
 
@@ -339,7 +272,8 @@ static int travel(arguments *a)
 	std::filesystem::create_directories(a->out);
 	std::filesystem::remove_all(a->out + "/data");
 	if (a->files.empty())
-		a->files = { make_file(a->out) };
+		for (const lying_about &kind : sound_files)
+			a->files.push_back(make_file(a->out, kind));
 	if (a->song.empty())
 		a->song = make_song(a->out);
 	prepare_folder(a->out + "/data");
@@ -354,7 +288,7 @@ static int travel(arguments *a)
 		};
 	};
 	const auto set_up = [root = a->out + "/data"] {
-		write_configurations(root);
+		write_demo_configurations(root);
 		load_sampler_list();
 	};
 	return run_journey({ .sampler = the_rack->s3000,
@@ -378,8 +312,12 @@ static int travel(arguments *a)
 static int run_demo()
 {
 	const std::string folder = demo_folder();
+	if (folder.empty()) {
+		std::fprintf(stderr, "velmor-demo: there is no home folder for its files\n");
+		return 1;
+	}
 	prepare_folder(folder);
-	write_configurations(folder);
+	write_demo_configurations(folder);
 	install(&qt_ui, &posix_clock);
 	create_windows();
 	watch_end_signals([] { host.ui->post(end_windows); });
@@ -409,7 +347,7 @@ int main(int argc, char **argv)
 			"velmor-demo: these words are no options.\nTry 'velmor-demo --help'.\n");
 		return 2;
 	}
-	static rack r;
+	static demo_rack r;
 	the_rack = &r;
 	plug_in(&r);
 	const int status = a.travel ? travel(&a) : run_demo();

@@ -2,12 +2,15 @@
 
 #include "programs/options.h"
 #include "virtual/demo_content.h"
+#include "virtual/replay.h"
 #include "virtual/tcp_server.h"
 #include <charconv>
 #include <csignal>
 #include <cstdio>
 #include <cstring>
+#include <fstream>
 #include <optional>
+#include <sstream>
 #include <string>
 
 using namespace velmor;
@@ -20,6 +23,9 @@ static const char usage[] =
 	"  --tcp PORT        port to listen on, 0 to 65535\n"
 	"  --model MODEL     s900, s950, s1000, s2000, s2800 or s3000 (default: s3000)\n"
 	"  --channel N       exclusive channel of the machine, 0 to 127 (default: 0)\n"
+	"  --replay FILE     answer as the sampler did whose traffic was recorded in FILE, a\n"
+	"                    transcript over MIDI or TCP; what was never asked in it gets no "
+	"answer\n"
 	"  --no-wire-delay   answer at once instead of at the speed of a MIDI cable\n"
 	"  --fault FAULT     KIND[:EXCHANGE[+][:SECONDS]], may be given more than once:\n"
 	"                    at the nth message to the machine, with + from then on\n"
@@ -35,6 +41,7 @@ struct options {
 	s1000_model model = s1000_model::s3000;
 	std::optional<s900_model> older; // instead of model
 	wire_settings settings;
+	std::string replay; // a transcript, instead of a model
 	std::vector<wire_fault> faults;
 };
 
@@ -62,6 +69,10 @@ static std::string read_option(const std::string &name, const char *value, optio
 		return read_number(value, 65535, &o->port) ? "" : "no such port";
 	if (name == "--channel")
 		return read_number(value, 127, &o->channel) ? "" : "no such channel";
+	if (name == "--replay") {
+		o->replay = value;
+		return "";
+	}
 	if (name == "--model")
 		return read_model(value, o) ? "" : "no such model";
 	if (!read_wire_fault(value, &fault))
@@ -79,7 +90,7 @@ static std::string read_options(int count, char **words, options *o)
 		} else if (name == "--no-wire-delay") {
 			o->settings = no_wire_delay;
 		} else if (name == "--tcp" || name == "--channel" || name == "--model" ||
-			   name == "--fault") {
+			   name == "--fault" || name == "--replay") {
 			if (++i == count)
 				return name + " needs a value";
 			const std::string wrong = read_option(name, words[i], o);
@@ -100,24 +111,21 @@ static void end_serving(int)
 		running->stop();
 }
 
-static int serve(const options &o)
+static int fail(const std::string &wrong)
 {
-	timeline time;
-	s1000_machine machine(o.model, static_cast<std::uint8_t>(o.channel));
-	s900_machine older(
-		o.older.value_or(s900_model::s900), static_cast<std::uint8_t>(o.channel));
-	fill_demo(machine);
-	fill_demo(older);
-	older.takes_time = o.settings.byte_time > 0;
-	midi_wire wire(time, o.older ? older.on_wire(time) : machine.on_wire(), o.settings);
+	std::fprintf(stderr, "velmor-virtual: %s\n", wrong.c_str());
+	return 1;
+}
+
+// Serve what is at the end of a wire until a signal comes.
+static int serve(const options &o, timeline &time, midi_wire &wire)
+{
 	for (const wire_fault &fault : o.faults)
 		wire.set_fault(fault);
 	tcp_server server(wire);
 	const std::string wrong = server.listen(static_cast<unsigned short>(o.port));
-	if (!wrong.empty()) {
-		std::fprintf(stderr, "velmor-virtual: %s\n", wrong.c_str());
-		return 1;
-	}
+	if (!wrong.empty())
+		return fail(wrong);
 	running = &server;
 	std::signal(SIGINT, end_serving);
 	std::signal(SIGTERM, end_serving);
@@ -131,6 +139,45 @@ static int serve(const options &o)
 	std::signal(SIGTERM, SIG_DFL);
 	running = nullptr;
 	return 0;
+}
+
+static int serve_transcript(const options &o)
+{
+	std::ifstream file(o.replay, std::ios::binary);
+	std::ostringstream text;
+	if (!file || !(text << file.rdbuf()))
+		return fail(o.replay + ": cannot be read");
+	replay_sampler sampler(text.str(), false);
+	if (!sampler.wrong().empty())
+		return fail(o.replay + ": " + sampler.wrong());
+	if (sampler.on_usb())
+		return fail(
+			o.replay + ": was recorded on the USB, which cannot be served over TCP");
+	timeline time;
+	midi_wire *port = nullptr;
+	midi_wire wire(time,
+		sampler.on_wire(
+			time, [&port](machine::bytes late) { port->play(std::move(late)); }),
+		o.settings);
+	port = &wire;
+	const int status = serve(o, time, wire);
+	if (sampler.unknown())
+		std::fprintf(stderr, "velmor-virtual: %d messages stand nowhere in %s\n",
+			sampler.unknown(), o.replay.c_str());
+	return status;
+}
+
+static int serve_model(const options &o)
+{
+	timeline time;
+	s1000_machine machine(o.model, static_cast<std::uint8_t>(o.channel));
+	s900_machine older(
+		o.older.value_or(s900_model::s900), static_cast<std::uint8_t>(o.channel));
+	fill_demo(machine);
+	fill_demo(older);
+	older.takes_time = o.settings.byte_time > 0;
+	midi_wire wire(time, o.older ? older.on_wire(time) : machine.on_wire(), o.settings);
+	return serve(o, time, wire);
 }
 
 int main(int count, char **words)
@@ -149,5 +196,5 @@ int main(int count, char **words)
 		std::fputs(help.c_str(), stdout);
 		return 0;
 	}
-	return serve(o);
+	return o.replay.empty() ? serve_model(o) : serve_transcript(o);
 }

@@ -35,7 +35,8 @@ static void install_services()
 		.settings = &posix_settings,
 		.clock = &posix_clock,
 		.files = &posix_files,
-		.sound = &sndfile_sound };
+		.sound = &sndfile_sound,
+		.audio = &qt_audio };
 }
 
 // A menu starts a program anywhere, and the log lies where the program works.

@@ -11,6 +11,7 @@
 #include "programs/options.h"
 #include "src/controls.h"
 #include "src/diskqx.h"
+#include "src/velmor_record.h"
 #include "virtual/demo_usb.h"
 #include "virtual/usb_bus.h"
 #include <cerrno>
@@ -209,7 +210,10 @@ static void serve()
 	current_run_mode.diagnostics = chosen.verbose;
 	host.usb->on_arrival(host.ui->wake);
 	watch_end_signals([] { host.ui->post([] { request_close(true); }); });
+	record_as_told();
 	start_filesystem();
+	if (recording())
+		(void)stop_recording();
 }
 
 int main(int argc, char **argv)

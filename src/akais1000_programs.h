@@ -1,6 +1,6 @@
 // akais1000_programs.h - what saving, deleting and renaming programs of the S1000 family share
 //
-// Included by akais1000_programs.cpp and akais1000_rename.cpp alone.
+// Included by akais1000_programs.cpp, akais1000_rename.cpp and akais1000_kept.cpp alone.
 
 #pragma once
 #include "src/akaiprograms.h"

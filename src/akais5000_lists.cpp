@@ -9,6 +9,7 @@
 // Not done: a walk that asks only for what changed; every load reads everything.
 // Knows nothing of: windows, frames.
 
+#include "src/akaikept.h"
 #include "src/akais5000.h"
 #include "src/controls.h"
 
@@ -248,6 +249,17 @@ static walk_outcome read_program(program_walk *w, _program *program)
 			return walk_outcome::failed;
 	}
 	return walk_outcome::done;
+}
+
+bool akai_s5000_read_kept_program(int index, _program *program, raw_blocks *)
+{
+	const open_usbdev usb = open_loaded_usbdev();
+	if (!usb)
+		return false;
+	copy_text(program->name, current_sampler->status->program[index].name);
+	program_walk w = { .usb = usb.get() };
+	const walk_outcome outcome = read_program(&w, program);
+	return outcome == walk_outcome::done;
 }
 
 // The names of the list survive the walk, which has an answer of its own.

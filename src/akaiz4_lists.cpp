@@ -10,6 +10,7 @@
 //
 // Knows nothing of: windows, frames.
 
+#include "src/akaikept.h"
 #include "src/akais5000.h"
 #include "src/akaiz4.h"
 
@@ -254,6 +255,18 @@ static bool read_program(z4_walk *w, _program *program)
 		return false;
 	log_line("[D] Program has %d Keygroups\r\n", program->keygroups);
 	return true;
+}
+
+bool akai_z4_read_kept_program(int index, _program *program, raw_blocks *)
+{
+	const open_usbdev usb = open_loaded_usbdev();
+	if (!usb)
+		return false;
+	const _program &listed = current_sampler->status->program[index];
+	copy_text(program->name, listed.name);
+	program->number = listed.number;
+	z4_walk w = { .usb = usb.get() };
+	return read_program(&w, program);
 }
 
 // Take one entry of the list; false for one that is not as it should be.

@@ -57,7 +57,8 @@ enum main_control : int {
 	menu_midi_files = 9005,
 	menu_history = 9006,
 	menu_backup = 9007,
-	menu_record = 9008, // "Record traffic", on or off
+	menu_record = 9008,       // "Record traffic", on or off
+	menu_record_names = 9009, // "Leave names out", of the next recording
 	main_log = 9900,
 	main_sampler_list = 9901,
 	main_load = 12000,
@@ -141,10 +142,12 @@ enum history_control : int {
 	history_list = 20101,
 	history_restore = 20102,
 	history_delete = 20103,
-	history_folder = 20104,
-	history_limit = 20105, // megabytes
-	history_size = 20106,
+	history_folder = 20104,  // where it lies
+	history_limit = 20105,   // how large it may become
+	history_size = 20106,    // how many steps, and how large they are
 	history_samples = 20107, // also samples, where that takes long
+	history_on = 20108,      // anything at all
+	history_refresh = 20109,
 };
 
 // A whole sampler in a folder.
@@ -155,7 +158,9 @@ enum backup_control : int {
 	backup_begin = 20204,
 	backup_restore = 20205,
 	backup_facts = 20206,
-	backup_verify = 20207,
+	backup_verify = 20207,     // compare after each transfer
+	backup_everything = 20208, // also what looks as it did
+	backup_remove = 20209,     // a restore deletes what the folder does not hold
 };
 
 // Whether an interface passes on what it is given.
@@ -221,10 +226,11 @@ enum samples_control : int {
 	samples_preview_becomes = 16451,
 	samples_preview_lost = 16452,
 	samples_preview_upload = 16453,
-	samples_exact = 16460,  // exact length, and all of the header, to the S1000 family
-	samples_fit = 16461,    // make the chosen samples what the sampler takes
-	samples_rate = 16462,   // bytes a second on this connection
-	samples_verify = 16463, // compare after each transfer
+	samples_exact = 16460,   // exact length, and all of the header, to the S1000 family
+	samples_fit = 16461,     // make the chosen samples what the sampler takes
+	samples_rate = 16462,    // bytes a second on this connection
+	samples_verify = 16463,  // compare after each transfer
+	samples_compare = 16464, // "Compare with the sampler", of the chosen local sample
 	samples_play = 16608,
 	samples_work_file = 16510,
 	samples_work_percent = 16511,
@@ -276,6 +282,7 @@ enum programs_control : int {
 	programs_unsent = 17421,          // "3 changes unsent"
 	programs_title = 17422,           // of what the chosen tab shows
 	programs_find_sample = 17423,     // "Find in the spool and upload", of a missing sample
+	programs_compare = 17424,         // the same of the chosen local program
 	programs_loaded_heading = 60014,
 	programs_local_heading = 60015,
 	programs_retry = 60024,

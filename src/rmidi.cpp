@@ -2,6 +2,7 @@
 
 #include "src/rmidi.h"
 #include "platform/host.h"
+#include "src/velmor_pace.h"
 
 namespace velmor
 {
@@ -46,7 +47,9 @@ int g_MidiOutPortFreeFunc(int port)
 
 int g_MidiOutPortSendFunc(int port, const u8 *bytes, int count)
 {
-	return count < 0 ? 1 : service()->write(port, bytes, static_cast<std::size_t>(count));
+	if (service() && count >= 0)
+		return write_output(port, bytes, static_cast<std::size_t>(count));
+	return 1;
 }
 
 } // namespace velmor

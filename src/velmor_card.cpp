@@ -62,24 +62,33 @@ void update_plugged_entries()
 	show_sampler_list();
 }
 
-static std::string plug_of(const _sampler &s)
+static const char *plug_of(const _sampler &s)
 {
 	if (!s.sampler_usbname[0] || !usb_init_done)
 		return "";
 	const bool plugged = std::find(shown_plugged.begin(), shown_plugged.end(),
 				     s.sampler_usbname) != shown_plugged.end();
-	return plugged ? tr("USB, plugged in") : tr("USB, not plugged in");
+	return plugged ? "plugged in" : "not plugged in";
 }
 
 // ---- The list --------------------------------------------------------------------------------
 
-// What a configuration says, in a second line; nothing if it cannot be read.
-static std::string details_of(const std::string &name)
+// Its name, what the configuration says, whether it is loaded, and whether it is plugged in;
+// the name alone if the configuration cannot be read.
+static std::vector<std::string> row_of(const std::string &name)
 {
 	_sampler s = {};
+	const bool loaded = current_sampler && current_sampler->sampler_description == name;
+	std::vector<std::string> row = { name, "", loaded ? "loaded" : "", "" };
 	const std::string brand = read_configuration(name, &s) ? brand_of(s) : "";
-	const std::string plug = plug_of(s);
-	return brand.empty() ? "" : brand + " · " + (plug.empty() ? way_to(s) : plug);
+	if (brand.empty())
+		return row;
+	row[3] = plug_of(s);
+	row[1] = brand + " · " +
+		 (row[3].empty()                  ? way_to(s)
+			 : row[3] == "plugged in" ? tr("USB, plugged in")
+						  : tr("USB, not plugged in"));
+	return row;
 }
 
 void show_sampler_list()
@@ -87,10 +96,8 @@ void show_sampler_list()
 	const int chosen = host.ui->selection(window_main, main_sampler_list);
 	shown_plugged = usb_init_done ? plugged_names() : std::vector<std::string>();
 	std::vector<std::vector<std::string>> rows;
-	for (const std::string &name : conf_sampler) {
-		const bool loaded = current_sampler && current_sampler->sampler_description == name;
-		rows.push_back({ name, details_of(name), loaded ? "loaded" : "" });
-	}
+	for (const std::string &name : conf_sampler)
+		rows.push_back(row_of(name));
 	host.ui->set_rows(window_main, main_sampler_list, rows);
 	if (chosen >= 0 && chosen < static_cast<int>(rows.size()))
 		host.ui->select(window_main, main_sampler_list, chosen);

@@ -82,7 +82,7 @@ static constexpr auto keyzone_fields = fields<&Z::samplename, &Z::low_velocity, 
 
 // ---- Writing --------------------------------------------------------------------------------
 
-static std::string quoted_text(std::string_view text)
+std::string quoted_text(std::string_view text)
 {
 	std::string out = "\"";
 	for (const char c : text) {
@@ -253,8 +253,7 @@ static int hex_digit(char c)
 				      : -1;
 }
 
-// False for a text that is none.
-static bool unquoted(std::string_view text, std::string *out)
+bool unquoted(std::string_view text, std::string *out)
 {
 	if (text.size() < 2 || text.front() != '"' || text.back() != '"')
 		return false;

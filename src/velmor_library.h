@@ -41,6 +41,9 @@ struct kept_line {
 using kept_lines = std::vector<kept_line>;
 
 std::string program_text(const _program &program, const kept_lines &kept = {});
+// A text in quotation marks, and back; false for what is none.
+std::string quoted_text(std::string_view text);
+bool unquoted(std::string_view text, std::string *out);
 // Null, and line and reason of what is refused, or the program.
 struct program_refusal {
 	int line = 0;
@@ -48,6 +51,11 @@ struct program_refusal {
 };
 std::unique_ptr<_program> read_program_text(
 	std::string_view text, kept_lines *kept, program_refusal *why);
+
+// A text as it stands in such a file, in quotation marks; what is no plain letter is \xNN.
+std::string quoted_text(std::string_view text);
+// The same taken back, behind what out holds: false for a text that is none.
+bool unquoted(std::string_view text, std::string *out);
 
 // ---- The folder -----------------------------------------------------------------------------
 

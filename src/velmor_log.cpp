@@ -9,7 +9,7 @@
 
 #include "src/velmor_log.h"
 #include "src/controls.h"
-#include "src/velmor_outcome.h"
+#include "src/velmor_record.h"
 #include <algorithm>
 #include <cstdarg>
 #include <cstdio>
@@ -288,6 +288,8 @@ void end_program(int status)
 	for (box_keeper *keeper = innermost_keeper; keeper; keeper = keeper->enclosing())
 		keeper->show();
 	log_waiting();
+	if (recording())
+		(void)stop_recording();
 	host.ui->exit_process(status);
 }
 

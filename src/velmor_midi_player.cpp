@@ -17,6 +17,7 @@
 #include "src/controls.h"
 #include "src/velmor_files.h"
 #include "src/velmor_midi.h"
+#include "src/velmor_pace.h"
 #include "src/velmor_window.h"
 #include <algorithm>
 #include <cmath>
@@ -96,7 +97,7 @@ bool play_midi_data(const u8 *data, int length, outcome *why)
 			"MIDI-PLAY midiOutPrepare failed!", tr(host.midi->error_text(code)), why);
 	const int handle = the_outHandle;
 	waits_since = host.clock->counter();
-	code = host.midi->write(handle, data, static_cast<std::size_t>(std::max(length, 0)));
+	code = write_output(handle, data, static_cast<std::size_t>(std::max(length, 0)));
 	if (code)
 		return port_failed(
 			"MIDI-PLAY midiOutLongMsg failed!", tr(host.midi->error_text(code)), why);

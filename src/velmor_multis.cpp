@@ -4,6 +4,7 @@
 //
 // Knows nothing of: models, toolkits.
 
+#include "src/velmor_multis.h"
 #include "src/velmor_window.h"
 #include <algorithm>
 
@@ -93,6 +94,7 @@ static constexpr caption_row multis_captions[] = {
 	// window        control         caption, tooltip, empty
 	{ window_multis, 0,              "VELMOR Manage Multis", nullptr, nullptr },
 	{ window_multis, multis_list,    own("Multis"), own("The multis in the sampler's memory"), own("No multis. Only an S5000 or S6000 tells what multis it holds.") },
+	{ window_multis, multis_search,  own("Search multis"), own("Show only names that contain these letters"), own("Search") },
 	{ window_multis, multis_heading, own("State of the list"), own("How many multis, and when they were read"), nullptr },
 	{ window_multis, multis_retry,   own("Try again"), own("Ask the sampler once more"), nullptr },
 	{ window_multis, multis_download, "Download this Multi", nullptr, nullptr },

@@ -14,7 +14,9 @@
 #include "src/akais900.h"
 #include "src/velmor_counts.h"
 #include "src/velmor_edits.h"
+#include "src/velmor_history.h"
 #include "src/velmor_library.h"
+#include "src/velmor_verify.h"
 #include "src/waveqx.h"
 #include "src/waveqx_file.h"
 #include <algorithm>
@@ -147,8 +149,10 @@ struct ready_program {
 };
 
 // A fresh list that holds the program, and a model that has the operation.
+// What the operation goes over is kept by then.
 template <typename slot>
-static ready_program prepare(const program_entry &which, slot _sampler_type::*operation)
+static ready_program prepare(
+	const program_entry &which, slot _sampler_type::*operation, const machine_change &kept)
 {
 	ready_program r;
 	r.model = loaded_model(&r.why);
@@ -158,7 +162,7 @@ static ready_program prepare(const program_entry &which, slot _sampler_type::*op
 		r.why = { .how = ending::refused, .words = not_supported, .caption = "FATAL" };
 		return r;
 	}
-	r.why = have_program_list();
+	r.why = kept.may_go_on() ? have_program_list() : kept.why();
 	if (!r.why.done())
 		return r;
 	r.index = place_of(which);
@@ -226,9 +230,9 @@ static bool sends_the_count(const _sampler_type &model)
 	return model.saveprogram == akai_s900_save_program;
 }
 
-outcome save_program(const program_entry &which)
+static outcome save_kept(const program_entry &which, const machine_change &kept)
 {
-	const ready_program r = prepare(which, &_sampler_type::saveprogram);
+	const ready_program r = prepare(which, &_sampler_type::saveprogram, kept);
 	if (!r.why.done())
 		return r.why;
 	outcome result = send_record(*r.model, r.index, nullptr, r.program);
@@ -253,11 +257,17 @@ outcome save_program(const program_entry &which)
 	return one_box(result);
 }
 
+outcome save_program(const program_entry &which)
+{
+	machine_change kept({ step_kind::change_program, which.name, "", which.index, -1 });
+	return kept.ended(save_kept(which, kept));
+}
+
 // ---- Deleting and renaming ------------------------------------------------------------------------------
 
-outcome delete_program(const program_entry &which)
+static outcome delete_kept(const program_entry &which, const machine_change &kept)
 {
-	const ready_program r = prepare(which, &_sampler_type::deleteprogram);
+	const ready_program r = prepare(which, &_sampler_type::deleteprogram, kept);
 	if (!r.why.done())
 		return r.why;
 	log_line("[D] Deleting Program-Info for [%s] (INDEX: %d)\r\n", r.program->name, r.index);
@@ -298,6 +308,12 @@ outcome delete_program(const program_entry &which)
 		.told = end.told };
 	forget_edits(*copy);
 	return one_box(result);
+}
+
+outcome delete_program(const program_entry &which)
+{
+	machine_change kept({ step_kind::delete_program, which.name, "", which.index });
+	return kept.ended(delete_kept(which, kept));
 }
 
 // A machine may keep a name in other letters, cut, and with blanks.
@@ -350,11 +366,10 @@ static void give_edits_back(_program *copy, int place)
 	move_edits(*copy, to);
 }
 
-outcome rename_program(const program_entry &which, const std::string &new_name)
+static outcome rename_kept(
+	const program_entry &which, const std::string &new_name, const machine_change &kept)
 {
-	if (new_name.empty())
-		return { .how = ending::refused, .words = "Choose a new name!" };
-	const ready_program r = prepare(which, &_sampler_type::renameprogram);
+	const ready_program r = prepare(which, &_sampler_type::renameprogram, kept);
 	if (!r.why.done())
 		return r.why;
 	log_line("[D] Renaming Program-Info for [%s] (INDEX: %d) --> [%s]\r\n", r.program->name,
@@ -370,7 +385,7 @@ outcome rename_program(const program_entry &which, const std::string &new_name)
 	outcome result = end_of_operation(&keeper, watch);
 	const outcome read = read_programs_again();
 	const bool looked = can_look(read);
-	const std::string kept = keep_endangered(looked);
+	const std::string rescued = keep_endangered(looked);
 	const bool gone = looked && (times_listed(which.name) < before ||
 					    may_be_called(new_name, which.name));
 	const int now = looked ? find_renamed(new_name, r.index) : -1;
@@ -393,10 +408,18 @@ outcome rename_program(const program_entry &which, const std::string &new_name)
 			      ? format_text(tr("%s on the sampler is now %s."),
 					quoted(which.name).c_str(), quoted(new_name).c_str())
 			      : format_text(tr("%s was not renamed."), quoted(which.name).c_str());
-	result = kept.empty() ? one_box(result) : result;
-	if (!kept.empty())
-		result.words += (result.words.empty() ? "" : "\n") + kept;
+	result = rescued.empty() ? one_box(result) : result;
+	if (!rescued.empty())
+		result.words += (result.words.empty() ? "" : "\n") + rescued;
 	return result;
+}
+
+outcome rename_program(const program_entry &which, const std::string &new_name)
+{
+	if (new_name.empty())
+		return { .how = ending::refused, .words = "Choose a new name!" };
+	machine_change kept({ step_kind::rename_program, which.name, new_name, which.index });
+	return kept.ended(rename_kept(which, new_name, kept));
 }
 
 // ---- Keygroups ------------------------------------------------------------------------------------------
@@ -421,9 +444,10 @@ static outcome tell_deletion(const ready_program &r, int keygroup)
 	return end_of_operation(&keeper, watch);
 }
 
-outcome delete_keygroup(const program_entry &which, int keygroup)
+static outcome delete_keygroup_kept(
+	const program_entry &which, int keygroup, const machine_change &kept)
 {
-	const ready_program r = prepare(which, &_sampler_type::del_keygroup);
+	const ready_program r = prepare(which, &_sampler_type::del_keygroup, kept);
 	if (!r.why.done())
 		return r.why;
 	if (keygroup < 0 || keygroup >= r.program->keygroups)
@@ -436,6 +460,12 @@ outcome delete_keygroup(const program_entry &which, int keygroup)
 					      quoted(which.name).c_str())
 				    : format_text(tr("Keygroup %d was not deleted."), keygroup + 1);
 	return one_box(result);
+}
+
+outcome delete_keygroup(const program_entry &which, int keygroup)
+{
+	machine_change kept({ step_kind::change_program, which.name, "", which.index });
+	return kept.ended(delete_keygroup_kept(which, keygroup, kept));
 }
 
 static bool step_over(_program &program, bool forward, bool sampler_told)
@@ -459,7 +489,8 @@ outcome step_edit(const program_entry &which, bool forward)
 		(void)step_over(program, forward, false);
 		return {};
 	}
-	const ready_program r = prepare(which, &_sampler_type::del_keygroup);
+	machine_change kept({ step_kind::change_program, which.name, "", which.index });
+	const ready_program r = prepare(which, &_sampler_type::del_keygroup, kept);
 	// The list may have been read anew, and the edits with it.
 	const bool same = r.why.done() && keygroup_that_goes(*r.program, forward) == goes;
 	result = same ? tell_deletion(r, goes) : r.why;
@@ -472,7 +503,7 @@ outcome step_edit(const program_entry &which, bool forward)
 				"no more.") };
 	else if (result.line.empty())
 		result.line = format_text(tr("Keygroup %d was not deleted."), goes + 1);
-	return one_box(result);
+	return kept.ended(one_box(result));
 }
 
 // ---- To the sampler -----------------------------------------------------------------------------------------
@@ -528,7 +559,7 @@ static outcome upload_over_its_own(const _sampler_type &model, const _program &p
 		held = *before;
 	result.line = result.done() ? format_text(tr("Uploaded %s."), quoted(name).c_str())
 				    : format_text(tr("%s was not sent."), quoted(name).c_str());
-	return one_box(result);
+	return one_box(verified_program(std::move(result), program, false));
 }
 
 outcome upload_program(const _program &program)
@@ -544,11 +575,12 @@ outcome upload_program(const _program &program)
 	if (!may_carry(program, *model))
 		return { .how = ending::stopped,
 			.line = format_text(tr("%s was not sent."), quoted(name).c_str()) };
-	const outcome ready = have_program_list();
+	machine_change kept({ step_kind::change_program, name, "", -1, program.keygroups });
+	const outcome ready = kept.may_go_on() ? have_program_list() : kept.why();
 	if (!ready.done())
 		return ready;
 	if (takes_only_its_own(*model))
-		return upload_over_its_own(*model, program);
+		return kept.ended(upload_over_its_own(*model, program));
 	const std::size_t before = loaded_programs().size();
 	const auto copy = std::make_unique<_program>(program); // sending changes it
 	copy_text(copy->name, name);
@@ -563,7 +595,7 @@ outcome upload_program(const _program &program)
 				quoted(name).c_str()) };
 	if (result.done() && result.line.empty())
 		result.line = format_text(tr("Uploaded %s."), quoted(name).c_str());
-	return one_box(result);
+	return one_box(verified_program(kept.ended(std::move(result)), program, true));
 }
 
 // ---- Queues ---------------------------------------------------------------------------------------------

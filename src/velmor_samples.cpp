@@ -7,7 +7,9 @@
 //
 // Knows nothing of: models, windows.
 
+#include "src/velmor_history.h"
 #include "src/velmor_transfer.h"
+#include "src/velmor_verify.h"
 #include "src/velmor_work.h"
 #include "src/waveqx.h"
 #include <algorithm>
@@ -49,7 +51,8 @@ static int times_listed(const std::string &name)
 static outcome gone(const std::string &name)
 {
 	return { .how = ending::refused,
-		.words = quoted(name) + " is not on the sampler any more." };
+		.words = format_text(
+			tr("%s is not on the sampler any more."), quoted(name).c_str()) };
 }
 
 // A fresh list that holds the name, so that its place is the machine's.
@@ -70,9 +73,10 @@ static bool can_look(const outcome &read)
 outcome unknown_end(const outcome &read, const std::string &what)
 {
 	return { .how = read.how,
-		.words = "It is not known whether " + what +
-			 ": the list could not be read again.\n" + read.words,
-		.line = "It is not known whether " + what + "." };
+		.words = format_text(
+			tr("It is not known whether %s: the list could not be read again.\n%s"),
+			what.c_str(), read.words.c_str()),
+		.line = format_text(tr("It is not known whether %s."), what.c_str()) };
 }
 
 // ---- From the sampler ---------------------------------------------------------------------------
@@ -98,6 +102,14 @@ static const _sampler_type &row_of_loaded()
 	return *get_sampler(static_cast<i32>(current_sampler->sampler_type));
 }
 
+// The file has its words now, and those of hundreds of samples need not stay in memory.
+static void give_words_back(const std::string &name)
+{
+	for (_sample &sample : current_sampler->status->sample)
+		if (sample.sample_data && name == sample.name)
+			free_sample_data(&sample);
+}
+
 // What the driver told comes with it.
 outcome fetch_sample(const std::string &name)
 {
@@ -108,7 +120,7 @@ outcome fetch_sample(const std::string &name)
 	forget_stop(); // of earlier work
 	const transfer_clock measured(transfer_way::down);
 	row_of_loaded().downloadsample(control_channel(), exclusive_channel(), name.c_str());
-	outcome result = { .line = "Downloaded " + quoted(name) + "." };
+	outcome result = { .line = format_text(tr("Downloaded %s."), quoted(name).c_str()) };
 	result.told = keeper.take();
 	if (progress_stopped())
 		result.how = ending::stopped;
@@ -120,12 +132,16 @@ outcome fetch_sample(const std::string &name)
 		result.how = ending::local_failed;
 	else
 		measured.arrived(wave_path_of(spool_filebase(name.c_str())));
-	if (result.done())
-		return result;
+	if (result.done()) {
+		outcome compared = verified_download(result, name);
+		give_words_back(name);
+		return compared;
+	}
 	result.told = troubles(result.told);
 	result.line =
-		quoted(name) + (result.how == ending::stopped ? " was not downloaded: stopped."
-							      : " was not downloaded.");
+		format_text(result.how == ending::stopped ? tr("%s was not downloaded: stopped.")
+							  : tr("%s was not downloaded."),
+			quoted(name).c_str());
 	return result;
 }
 
@@ -194,7 +210,9 @@ static outcome change(const std::string &name, const char *new_name, const std::
 		return why;
 	if (!model->renamesample)
 		return { .how = ending::refused, .words = not_supported, .caption = "FATAL" };
-	const outcome ready = have_sample(name);
+	machine_change kept({ new_name ? step_kind::rename_sample : step_kind::delete_sample, name,
+		new_name ? new_name : "" });
+	const outcome ready = kept.may_go_on() ? have_sample(name) : kept.why();
 	if (!ready.done())
 		return ready;
 	const int before = times_listed(name);
@@ -206,28 +224,30 @@ static outcome change(const std::string &name, const char *new_name, const std::
 		result = unknown_end(read, what);
 	else if (times_listed(name) >= before && !(new_name && may_be_called(new_name, name)))
 		result = { .how = ending::refused,
-			.words = "The sampler did not do it: " + quoted(name) +
-				 " is still in its list." };
+			.words = format_text(
+				tr("The sampler did not do it: %s is still in its list."),
+				quoted(name).c_str()) };
 	result.told = troubles(keeper.take());
-	return result;
+	return kept.ended(result);
 }
 
 outcome rename_sample(const std::string &name, const std::string &new_name)
 {
 	// The word stands for the sampler's side too.
 	outcome result = change(name, new_name.c_str(), "Local sample successfully renamed",
-		quoted(name) + " was renamed");
+		format_text(tr("%s was renamed"), quoted(name).c_str()));
 	if (result.done())
-		result.line = quoted(name) + " on the sampler is now " + quoted(new_name) + ".";
+		result.line = format_text(tr("%s on the sampler is now %s."), quoted(name).c_str(),
+			quoted(new_name).c_str());
 	return result;
 }
 
 outcome delete_sample(const std::string &name)
 {
-	outcome result = change(
-		name, nullptr, "Loaded sample successfully deleted", quoted(name) + " was deleted");
+	outcome result = change(name, nullptr, "Loaded sample successfully deleted",
+		format_text(tr("%s was deleted"), quoted(name).c_str()));
 	if (result.done())
-		result.line = "Deleted " + quoted(name) + " on the sampler.";
+		result.line = format_text(tr("Deleted %s on the sampler."), quoted(name).c_str());
 	return result;
 }
 
@@ -240,18 +260,19 @@ static outcome judge_upload(const std::string &name, int before, const outcome &
 {
 	if (stopped)
 		return { .how = ending::stopped,
-			.line = "Upload of " + quoted(name) + " stopped." };
+			.line = format_text(tr("Upload of %s stopped."), quoted(name).c_str()) };
 	if (!troubles(told).empty())
 		return { .how = read.how == ending::no_answer ? ending::no_answer : ending::refused,
-			.line = quoted(name) + " was not sent.",
+			.line = format_text(tr("%s was not sent."), quoted(name).c_str()),
 			.told = troubles(told) };
 	if (!can_look(read))
-		return unknown_end(read, quoted(name) + " has arrived");
+		return unknown_end(read, format_text(tr("%s has arrived"), quoted(name).c_str()));
 	if (static_cast<int>(loaded_names().size()) <= before && !is_listed(name))
 		return { .how = ending::refused,
-			.words = "The sampler does not list " + quoted(name) +
-				 ", so it did not keep it." };
-	return { .line = "Uploaded " + quoted(name) + ".", .told = told };
+			.words = format_text(
+				tr("The sampler does not list %s, so it did not keep it."),
+				quoted(name).c_str()) };
+	return { .line = format_text(tr("Uploaded %s."), quoted(name).c_str()), .told = told };
 }
 
 outcome offers_upload()
@@ -273,14 +294,16 @@ outcome upload_sample(const std::string &path)
 	const upload_verdict check = upload_check(row_of_loaded(), wave_path_of(path));
 	if (!check.sends)
 		return { .how = ending::refused, .words = check.words, .caption = "WARNING" };
+	const std::string name = path.substr(path.rfind('\\') + 1);
 	forget_stop(); // of earlier work
-	const outcome ready = have_sample_list();
+	machine_change kept({ .kind = step_kind::upload_sample, .name = name });
+	const outcome ready = kept.may_go_on() ? have_sample_list() : kept.why();
 	if (!ready.done())
 		return ready;
 	if (progress_stopped())
 		return { .how = ending::stopped,
-			.line = quoted(path.substr(path.rfind('\\') + 1)) +
-				" was not sent: stopped." };
+			.line = format_text(
+				tr("%s was not sent: stopped."), quoted(name).c_str()) };
 	const int before = static_cast<int>(loaded_names().size());
 	box_keeper keeper;
 	const transfer_clock measured(transfer_way::up);
@@ -290,7 +313,7 @@ outcome upload_sample(const std::string &path)
 	if (!stopped && troubles(told).empty())
 		measured.arrived(wave_path_of(path));
 	const outcome read = read_sample_list();
-	return judge_upload(path.substr(path.rfind('\\') + 1), before, read, told, stopped);
+	return verified_upload(kept.ended(judge_upload(name, before, read, told, stopped)), path);
 }
 
 } // namespace velmor

@@ -9,6 +9,7 @@
 // Knows nothing of: models (but what their rows say), toolkits.
 
 #include "src/velmor_samples_page.h"
+#include "src/velmor_verify.h"
 #include "src/waveqx.h"
 #include <algorithm>
 #include <cstring>
@@ -315,6 +316,7 @@ void show_sample_setup()
 		return;
 	}
 	open_window(window_samples);
+	show_comparison_choice();
 	clear_details();
 	read_anew(loaded, local);
 }

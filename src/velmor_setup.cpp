@@ -6,6 +6,7 @@
 #include "src/usbqx.h"
 #include "src/velmor_midi.h"
 #include "src/velmor_monitor.h"
+#include "src/velmor_record.h"
 #include "src/velmor_window.h"
 #include <cstdlib>
 #include <cstring>
@@ -250,6 +251,18 @@ static void load_selected_sampler()
 	show_outcome(loaded);
 }
 
+static void toggle_recording()
+{
+	const outcome done =
+		recording() ? stop_recording()
+			    : start_recording(host.ui->checked(window_main, menu_record_names));
+	host.ui->set_checked(window_main, menu_record, recording());
+	show_outcome(done);
+}
+
+// It counts for the next recording; the entry keeps its own mark.
+static void note_names_wanted() {}
+
 // The panel's picture stands still from the start of this work on.
 template <void (*work)()> static void without_panel()
 {
@@ -284,9 +297,12 @@ static constexpr caption_row main_captions[] = {
 	// window          control                  caption, tooltip, empty
 	{ window_main,     0,                       "VELMOR Sysex-Tools", nullptr, nullptr },
 	{ window_main,     menu_midi_files,         "Manage MIDI-Files", own("Play a Standard MIDI File to the sampler"), nullptr },
+	{ window_main,     menu_history,            own("History..."), own("See what was changed on the sampler, and put it back"), nullptr },
 	{ window_main,     menu_exit,               "E&xit", own("Close the program"), nullptr },
 	{ window_main,     menu_settings,           "Basic settings", own("Choose the MIDI ports and the folder for your samples"), nullptr },
 	{ window_main,     menu_midi_samplers,      "Manage MIDI &Samplers", own("Tell the program about a sampler that is connected by MIDI"), nullptr },
+	{ window_main,     menu_record,             own("Record traffic"), own("Write everything that goes over the lines to a file, for a report"), nullptr },
+	{ window_main,     menu_record_names,       own("Leave names out of recordings"), own("Put other words for the names of programs and samples in the next recording"), nullptr },
 	{ window_main,     menu_usb_samplers,       "Manage &USB &Samplers", own("Tell the program about a sampler that is connected by USB"), nullptr },
 	{ window_main,     main_log,                own("Log"), own("What the program and the sampler have done so far"), nullptr },
 	{ window_main,     main_sampler_list,       own("Samplers"), own("The samplers you have set up; choose one and load it"), own("No sampler configured yet: Settings, Manage MIDI Samplers") },
@@ -299,9 +315,12 @@ static constexpr caption_row main_captions[] = {
 static constexpr command_row main_commands[] = {
 	// window          control                  what it does               when
 	{ window_main,     menu_midi_files,         midi_files_win_show,       alone  },
+	{ window_main,     menu_history,            show_history,              alone  },
 	{ window_main,     menu_exit,               without_panel<leave>, always },
 	{ window_main,     menu_settings,           without_panel<show_midi_setup>, alone  },
 	{ window_main,     menu_midi_samplers,      without_panel<show_sampler_setup>, alone  },
+	{ window_main,     menu_record,             toggle_recording,          always },
+	{ window_main,     menu_record_names,       note_names_wanted,         always },
 	{ window_main,     menu_usb_samplers,       without_panel<show_usb_sampler_setup>, alone  },
 	{ window_main,     main_load,               without_panel<load_selected_sampler>, alone  },
 	{ window_main,     main_samples,            without_panel<show_sample_setup>, alone  },

@@ -8,6 +8,8 @@
 #include "src/rmidi.h"
 #include "src/usbqx.h"
 #include "src/velmor.h"
+#include "src/velmor_history.h"
+#include "src/velmor_record.h"
 #include "src/velmor_window.h"
 
 namespace velmor
@@ -47,7 +49,9 @@ void start_velmor()
 	start_windows();
 	reload_midi_setup(false);
 	load_settings();
+	load_history_settings();
 	load_sampler_list();
+	record_as_told();
 	// Only words: the drive is a program of its own.
 	log_line("[I] WINFSP started...\r\n");
 }

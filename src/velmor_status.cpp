@@ -5,14 +5,15 @@
 //
 // Knows nothing of: toolkits, models.
 
+#include "src/velmor_history.h"
 #include "src/velmor_window.h"
 
 namespace velmor
 {
 
 static constexpr int windows_with_status[] = { window_main, window_settings, window_sampler,
-	window_usb, window_multis, window_samples, window_programs, window_panel,
-	window_midi_files };
+	window_usb, window_multis, window_samples, window_programs, window_panel, window_midi_files,
+	window_history, window_backup, window_self_test };
 
 // The last outcome, as every window shows it.
 struct last_outcome {
@@ -37,10 +38,12 @@ void update_status()
 		host.ui->set_text(window, status_outcome, shown_outcome.text.c_str());
 		host.ui->set_role(window, status_outcome, shown_outcome.role);
 		host.ui->show(window, status_undo, can_undo());
+		host.ui->show(window, status_undo_sampler, undoable_step() != nullptr);
 	}
 	update_sample_page();
 	update_program_page();
 	update_multi_page();
+	update_history_page();
 }
 
 static text_role role_of(ending how)
@@ -133,9 +136,11 @@ static constexpr caption_row status_captions[] = {
 	{ 0, status_line,    own("Sampler and connection"), own("How the sampler is reached, and whether it answered last"), nullptr },
 	{ 0, status_outcome, own("Last outcome"), nullptr, nullptr },
 	{ 0, status_undo,    own("Undo"), own("Put back what was deleted, renamed or edited on this computer last"), nullptr },
+	{ 0, status_undo_sampler, own("Undo on the sampler"), own("Put back what was deleted, renamed or changed on the sampler last"), nullptr },
 };
 static constexpr command_row status_commands[] = {
 	{ 0, status_undo, undo, alone },
+	{ 0, status_undo_sampler, undo_last_on_sampler, alone },
 };
 // clang-format on
 

@@ -17,6 +17,7 @@
 #include "src/controls.h"
 #include "src/rmidi.h"
 #include "src/velmor_midi.h"
+#include "src/velmor_pace.h"
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
@@ -161,8 +162,8 @@ static bool wait_until_left(int handle, int count)
 // whatever is there then.
 static bool send_whole(const u8 *bytes, int count)
 {
-	const int code = host.midi->write(
-		the_outHandle, bytes, static_cast<std::size_t>(std::max(count, 0)));
+	const int code =
+		write_output(the_outHandle, bytes, static_cast<std::size_t>(std::max(count, 0)));
 	if (code)
 		port_failed(code);
 	if (code || !wait_until_left(the_outHandle, count)) {

@@ -7,6 +7,7 @@
 //
 //   velmor_wave_edit.cpp   the file in memory, and what can be done with it
 //   velmor_wave_page.cpp   the buttons, and what the handles in the picture do
+//   velmor_play.cpp        what is heard of it
 //   velmor_spool.cpp       replace_local
 //
 // Knows nothing of: toolkits, samplers.
@@ -92,6 +93,16 @@ wave_part wave_marks();
 void set_wave_marks(const wave_part &marks);
 // A handle of the loop was let go. False, and nothing was done, while other work runs.
 bool move_wave_loop(const wave_part &loop);
+
+// ---- Hearing it (velmor_play.cpp) -----------------------------------------------------------------
+
+// The shown sample as the loaded sampler will hold it; while one is heard, the end of it.
+void play_or_stop();
+bool is_playing();
+void stop_playing();
+// Say why it cannot be played, where that is so.
+void offer_playing(bool shown);
+void forget_playing();
 
 // ---- The spool (velmor_spool.cpp) ---------------------------------------------------------------
 

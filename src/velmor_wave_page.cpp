@@ -21,14 +21,17 @@ static wave_part marks;
 
 void wave_shown(const std::string &path, u64 frames)
 {
-	if (path != shown_path || frames != shown_frames)
+	if (path != shown_path || frames != shown_frames) {
 		marks = { 0, frames };
+		stop_playing();
+	}
 	shown_path = path;
 	shown_frames = frames;
 	for (const int button :
 		{ wave_trim, wave_loop_here, wave_no_loop, wave_gain, wave_normalise, wave_fade })
 		host.ui->set_reason(window_samples, button,
 			path.empty() ? tr("Choose a sample on this computer first") : nullptr);
+	offer_playing(!path.empty());
 }
 
 const std::string &shown_wave()
@@ -84,6 +87,7 @@ static outcome edit_shown(std::string done, const wave_change &change)
 // Show what has become of it, also where nothing has: a handle goes back then.
 static void edit_and_show(const char *done, const wave_change &change)
 {
+	stop_playing();
 	const outcome result = shown_path.empty()
 				       ? refusal(tr("Choose a sample on this computer first!"))
 				       : edit_shown(done, change);
@@ -186,6 +190,7 @@ static void fade_seam()
 // clang-format off
 static constexpr caption_row wave_captions[] = {
 	// window          control                 caption, tooltip, empty
+	{ window_samples,  samples_play,           own("Play"), own("Hear the chosen sample of this computer as the sampler will hold it; once more stops it (Space)"), nullptr },
 	{ window_samples,  wave_trim,              own("Trim"), own("Cut the chosen sample of this computer to what lies between start and end"), nullptr },
 	{ window_samples,  wave_loop_here,         own("Loop here"), own("Loop from start to end, which can be dragged in the picture"), nullptr },
 	{ window_samples,  wave_no_loop,           "No Loop", own("Take the loop away; the sound stays"), nullptr },
@@ -196,6 +201,7 @@ static constexpr caption_row wave_captions[] = {
 	{ window_samples,  wave_fade_milliseconds, own("Milliseconds of the fade"), own("How long the fade of the seam is"), own("ms") },
 };
 static constexpr command_row wave_commands[] = {
+	{ window_samples,  samples_play,           play_or_stop,              alone },
 	{ window_samples,  wave_trim,              trim,                      alone },
 	{ window_samples,  wave_loop_here,         loop_here,                 alone },
 	{ window_samples,  wave_no_loop,           no_loop,                   alone },

@@ -15,7 +15,9 @@
 #include "src/lcd.h"
 #include "src/usbqx.h"
 #include "src/velmor_forms.h"
+#include "src/velmor_history.h"
 #include "src/velmor_programs_page.h"
+#include "src/velmor_self_test_page.h"
 #include "src/velmor_wave_edit.h"
 #include <deque>
 #include <set>
@@ -27,7 +29,8 @@ namespace velmor
 
 static const window_rows *const all_rows[] = { &main_rows, &entry_rows, &settings_rows,
 	&sampler_rows, &usb_rows, &samples_rows, &fit_rows, &programs_rows, &multis_rows,
-	&panel_rows, &player_rows, &progress_rows, &status_rows, &wave_rows };
+	&panel_rows, &player_rows, &progress_rows, &status_rows, &wave_rows, &history_rows,
+	&backup_rows, &verify_rows, &self_test_rows };
 
 static std::vector<caption_row> all_captions()
 {
@@ -292,10 +295,12 @@ void forget_commands()
 	forget_lists();
 	forget_line();
 	forget_undo();
+	forget_history();
 	forget_status();
 	forget_program_page();
 	forget_panel();
 	forget_player_page();
+	forget_playing();
 }
 
 } // namespace velmor

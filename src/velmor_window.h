@@ -69,6 +69,9 @@ extern const window_rows programs_rows;                          // velmor_progr
 extern const window_rows multis_rows;                            // velmor_multis.cpp
 extern const window_rows panel_rows;                             // velmor_panel.cpp
 extern const window_rows player_rows;                            // velmor_player.cpp
+extern const window_rows history_rows;                           // velmor_history_page.cpp
+extern const window_rows backup_rows;                            // velmor_backup_page.cpp
+extern const window_rows verify_rows;                            // velmor_verify_page.cpp
 extern const window_rows status_rows;                            // velmor_status.cpp
 extern const window_rows progress_rows;                          // velmor_queue_page.cpp
 
@@ -205,6 +208,14 @@ void take_track(track_event event, int track, int value);
 void change_speed(int row, form_event event, int value);
 // As at the start; for tests.
 void forget_player_page();
+
+// ---- The history (velmor_history_page.cpp) ---------------------------------------------------------
+
+void show_history();
+// Its steps, or the loaded sampler, may have changed.
+void update_history_page();
+// Put the last change of the sampler back, and show what it holds then.
+void undo_last_on_sampler();
 
 // ---- Pages ---------------------------------------------------------------------------------------------
 

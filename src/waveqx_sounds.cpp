@@ -49,7 +49,8 @@ bool plain_head(const wave_head &head)
 	       head.bytespersample == width * head.channels;
 }
 
-// Its format says PCM in the first bytes of a GUID, where there is one.
+// Its format says PCM in the first bytes of a GUID. An import that changes nothing leaves the GUID
+// out and the number of the format as it was, and brings PCM alone.
 bool extensible_pcm(input_file &file, wave_head *head)
 {
 	constexpr u16 extensible = 0xFFFE;
@@ -57,9 +58,9 @@ bool extensible_pcm(input_file &file, wave_head *head)
 	u8 tag[2] = {};
 	if (head->version != extensible)
 		return true;
-	if (head->fmt_length < 40 || file.read(at_subformat, tag, sizeof tag))
+	if (head->fmt_length >= 40 && file.read(at_subformat, tag, sizeof tag))
 		return false;
-	head->version = wave_read_16bit(tag);
+	head->version = head->fmt_length >= 40 ? wave_read_16bit(tag) : u16{ 1 };
 	return true;
 }
 

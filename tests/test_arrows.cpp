@@ -39,6 +39,8 @@ constexpr room rooms[] = {
 	{ "platform/alsa", "platform/midi\\.h|platform/alsa/.*\\.h", "Q[A-Z].*|libusb.*|fuse.*" },
 	{ "platform/fuse", "platform/drive\\.h|platform/fuse/.*\\.h", "Q[A-Z].*|alsa/.*|libusb.*" },
 	{ "platform/libusb", "platform/usb\\.h|platform/libusb/.*\\.h", "Q[A-Z].*|alsa/.*|fuse.*" },
+	{ "platform/qtaudio", "platform/audio\\.h|platform/qtaudio/.*\\.h",
+		"alsa/.*|libusb.*|fuse.*" },
 	{ "platform/sndfile", "platform/sound\\.h", "Q[A-Z].*|alsa/.*|libusb.*|fuse.*" },
 };
 

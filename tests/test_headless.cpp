@@ -55,6 +55,12 @@ TEST(headless, controls_remember_and_selections_stay_in_their_list)
 	headless_ui.set_checked(13001, 6, true);
 	EXPECT_TRUE(headless_ui.checked(13001, 6));
 	EXPECT_TRUE(headless_ui.choose_files("Import", "*.wav").empty());
+	const std::vector<int> places = { 1, 0, 2, -1 };
+	headless_ui.select_several(13001, 5, places);
+	EXPECT_EQ(headless_ui.selections(13001, 5), (std::vector<int>{ 0, 1 }));
+	EXPECT_EQ(headless_ui.selection(13001, 5), 0);
+	headless_ui.set_list(13001, 5, items);
+	EXPECT_TRUE(headless_ui.selections(13001, 5).empty());
 }
 
 TEST(headless, a_form_remembers_its_rows_by_their_place)
@@ -108,6 +114,27 @@ TEST(headless, what_is_posted_runs_once_in_the_next_pump)
 	ran_on = {};
 	headless_ui.pump(0);
 	EXPECT_EQ(ran_on, std::thread::id());
+}
+
+static int ticks = 0, ticking = 0;
+
+// A tick may pump itself, and stop its timer.
+TEST(headless, a_timer_ticks_in_pumps_until_it_is_stopped)
+{
+	ticks = 0;
+	ticking = headless_ui.start_timer(1, [] {
+		ticks++;
+		headless_ui.pump(2);
+		if (ticks == 3)
+			headless_ui.stop_timer(ticking);
+	});
+	EXPECT_EQ(ticks, 0);
+	const auto begin = steady::now();
+	while (ticks < 3 && steady::now() - begin < 20s)
+		headless_ui.pump(5000); // ends when the timer is due
+	EXPECT_LT(steady::now() - begin, 5000ms);
+	headless_ui.pump(5);
+	EXPECT_EQ(ticks, 3);
 }
 
 // The first signal asks, in the pump of the main thread; the second one ends.

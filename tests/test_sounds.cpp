@@ -135,6 +135,20 @@ TEST_F(sound_files, a_plain_one_goes_as_it_stands)
 	EXPECT_FALSE(h.logged("[I] Reading"));
 }
 
+// As it lies in the spool then, its format has a number whose explanation was left out.
+TEST_F(sound_files, an_extensible_one_is_kept_and_converted_later)
+{
+	const bytes extension = word(22, 2) + word(24, 2) + word(0) +
+				hex("01 00 00 00 00 00 10 00 80 00 00 AA 00 38 9B 71");
+	ASSERT_EQ(bring("q.wav", riff(fmt(mono_24, extension, 0xFFFE) +
+					 chunk("data", hex("00 34 12 00 00 80")))),
+		1);
+	EXPECT_EQ(data("q.wav", 6), hex("00 34 12 00 00 80"));
+	EXPECT_EQ(import_sound((spool + "\\q.wav").c_str(), window_samples, 16, 0, 0, 0, 83), 1)
+		<< import_failure;
+	EXPECT_EQ(data("q.wav", 4), hex("34 12 00 80"));
+}
+
 // What neither way can read is refused by name, and Stop, a full disk and a file that ends
 // inside its head leave nothing behind.
 TEST_F(sound_files, what_cannot_be_read_is_refused_in_words)

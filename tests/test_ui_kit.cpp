@@ -1,5 +1,4 @@
-// test_ui_kit.cpp - what the windows are made of: colours, lists and their states, forms, pictures,
-// and what a screen reader is told
+// test_ui_kit.cpp - what the windows are made of: colours, lists and their states, forms, pictures
 
 #include "tests/ui_fixture.h"
 #include "ui/parts/form_view.h"
@@ -8,14 +7,9 @@
 #include "ui/parts/pixel_picture.h"
 #include "ui/parts/told.h"
 #include "ui/parts/window.h"
-#include <QAccessible>
-#include <QAction>
 #include <QBoxLayout>
 #include <QComboBox>
-#include <QGroupBox>
 #include <QImage>
-#include <QPlainTextEdit>
-#include <QProgressBar>
 #include <QRadioButton>
 #include <QSlider>
 #include <QToolButton>
@@ -172,106 +166,6 @@ TEST(colours, text_and_marks_stand_out_in_light_and_dark)
 	}
 	EXPECT_NEAR(contrast(Qt::black, Qt::white), 21, 0.01);
 	EXPECT_NEAR(contrast(QColor(0x77, 0x77, 0x77), Qt::white), 4.48, 0.01);
-}
-
-// ---- Screen readers ---------------------------------------------------------------------------
-
-namespace
-{
-
-// What a person can work with or read the value of.
-bool is_control(QWidget *widget)
-{
-	return qobject_cast<QAbstractButton *>(widget) || qobject_cast<QLineEdit *>(widget) ||
-	       qobject_cast<QComboBox *>(widget) || dynamic_cast<entry_list *>(widget) ||
-	       qobject_cast<QPlainTextEdit *>(widget) || qobject_cast<QProgressBar *>(widget) ||
-	       qobject_cast<QSlider *>(widget) || qobject_cast<QGroupBox *>(widget);
-}
-
-void collect(QAccessibleInterface *from, std::vector<QAccessibleInterface *> *all)
-{
-	for (int i = 0; i < from->childCount(); i++)
-		if (QAccessibleInterface *child = from->child(i); child && child->object()) {
-			if (auto *widget = qobject_cast<QWidget *>(child->object());
-				widget && is_control(widget))
-				all->push_back(child);
-			collect(child, all);
-		}
-}
-
-} // namespace
-
-TEST_F(kit, every_control_has_a_name_and_no_two_of_a_window_are_alike)
-{
-	std::size_t counted = 0;
-	for (const int window : { window_main, window_settings, window_sampler, window_usb,
-		     window_multis, window_samples, window_programs, window_progress }) {
-		host.ui->show(window, 0, true);
-		for (auto *fold : at(window, 0)->findChildren<QToolButton *>())
-			fold->setChecked(true);
-		host.ui->show(window_sampler, sampler_tcp_group, true);
-		std::vector<QAccessibleInterface *> all;
-		collect(QAccessible::queryAccessibleInterface(at(window, 0)), &all);
-		std::set<std::pair<int, QString>> seen;
-		for (QAccessibleInterface *control : all) {
-			const QString name = control->text(QAccessible::Name);
-			EXPECT_FALSE(name.isEmpty()) << window << " role " << control->role();
-			EXPECT_FALSE(name.contains('&')) << name.toStdString();
-			EXPECT_TRUE(seen.emplace(control->role(), name).second)
-				<< window << " twice: " << name.toStdString();
-			counted++;
-		}
-	}
-	EXPECT_GT(counted, 80u);
-	EXPECT_FALSE(at<QAction>(window_main, menu_usb_samplers)->text().mid(8).contains('&'));
-}
-
-TEST_F(kit, values_are_read_not_only_their_names)
-{
-	const auto text = [this](int window, int control, QAccessible::Text kind) {
-		return QAccessible::queryAccessibleInterface(at(window, control))->text(kind);
-	};
-	host.ui->set_text(window_samples, samples_detail_origin, "LOCAL");
-	EXPECT_EQ(text(window_samples, samples_detail_origin, QAccessible::Name), "Origin: LOCAL");
-	host.ui->set_text(window_main, status_outcome, "Deleted 'KICK'.");
-	EXPECT_TRUE(text(window_main, status_outcome, QAccessible::Name)
-			    .endsWith("outcome: Deleted 'KICK'."));
-	host.ui->set_text(window_sampler, sampler_name, "Rack");
-	EXPECT_EQ(text(window_sampler, sampler_name, QAccessible::Value), "Rack");
-	EXPECT_EQ(text(window_sampler, sampler_name, QAccessible::Name), "Name");
-	host.ui->progress_show("Downloading [KICK]...", 200);
-	host.ui->progress_set(50, "25.00 %", "0:30 left");
-	EXPECT_EQ(text(window_progress, progress_bar, QAccessible::Name), "Progress");
-	EXPECT_EQ(text(window_progress, progress_bar, QAccessible::Description),
-		"Downloading [KICK]...");
-	EXPECT_EQ(text(window_progress, progress_bar, QAccessible::Value), "50");
-	EXPECT_EQ(text(window_progress, progress_info, QAccessible::Name), "Done: 25.00 %");
-	host.ui->progress_hide();
-	host.ui->set_list_state(
-		window_multis, multis_list, list_state::silent, "No answer on channel 3.");
-	EXPECT_TRUE(text(window_multis, multis_list, QAccessible::Description)
-			    .contains("did not answer. No answer on channel 3."));
-}
-
-TEST_F(kit, no_two_buttons_of_a_window_have_the_same_letter)
-{
-	for (const int window : { window_main, window_settings, window_sampler, window_usb,
-		     window_multis, window_samples }) {
-		std::set<QString> letters;
-		for (const auto *button : at(window, 0)->findChildren<QPushButton *>()) {
-			if (button->window() != at(window, 0))
-				continue; // a dialog belongs to the main window
-			const qsizetype mark = button->text().indexOf('&');
-			ASSERT_GE(mark, 0) << button->text().toStdString();
-			EXPECT_TRUE(
-				letters.insert(button->text().mid(mark + 1, 1).toLower()).second)
-				<< window << " " << button->text().toStdString();
-		}
-	}
-	// A button that says something else keeps a letter of its own.
-	host.ui->set_text(window_sampler, control_ok, "Create new");
-	EXPECT_TRUE(at<QPushButton>(window_sampler, control_ok)->text().contains('&'));
-	EXPECT_EQ(host.ui->get_text(window_sampler, control_ok), "Create new");
 }
 
 // ---- Lists, reasons, roles, focus -------------------------------------------------------------

@@ -1,5 +1,6 @@
 // test_ui_wave.cpp - the picture of a local sample: zoomed to single values, and its handles moved
 
+#include "platform/backends.h"
 #include "src/velmor_wave_edit.h"
 #include "tests/support/fake_model.h"
 #include "tests/ui_fixture.h"
@@ -135,6 +136,64 @@ TEST_F(wave_windows, start_and_end_are_dragged_and_cut)
 	press(window_samples, status_undo);
 	EXPECT_EQ(file(), looped(500));
 }
+
+std::int64_t heard_now;
+constexpr audio_service quiet_loudspeaker = {
+	.play = [](const played_sound &) { return std::string(); },
+	.stop = [] {},
+	.position = [] { return heard_now; },
+};
+
+TEST_F(wave_windows, space_plays_and_a_line_moves_through_the_picture)
+{
+	open();
+	host.audio = &quiet_loudspeaker;
+	auto *play = at<QToolButton>(window_samples, samples_play);
+	const auto line_at = [this](std::int64_t word) {
+		heard_now = word;
+		EXPECT_TRUE(QTest::qWaitFor([&] { return picture->played_word() == word; }));
+		return picture->grab().toImage();
+	};
+	const QImage before = picture->grab().toImage();
+	QTest::keyClick(picture, Qt::Key_Space);
+	EXPECT_TRUE(play->isChecked() && is_playing());
+	const QImage early = line_at(100), late = line_at(1900);
+	EXPECT_NE(early, before);
+	EXPECT_NE(early, late);
+	EXPECT_EQ(line_at(100), early) << "it leaves nothing behind";
+	QTest::keyClick(at(window_samples, samples_local_list), Qt::Key_Space);
+	EXPECT_FALSE(play->isChecked() || is_playing());
+	EXPECT_EQ(picture->grab().toImage(), before);
+	// A part in view that the line leaves follows it.
+	for (int i = 0; i < 5; i++)
+		turn(1, 100);
+	QTest::mouseClick(play, Qt::LeftButton);
+	line_at(static_cast<std::int64_t>(picture->first_shown()) + 1);
+	line_at(1200);
+	EXPECT_DOUBLE_EQ(picture->first_shown(), 1200);
+	host.ui->show(window_samples, 0, false);
+	EXPECT_FALSE(is_playing());
+}
+
+#ifdef VELMOR_AUDIO
+// The real thing, with no sound server to be found.
+TEST_F(wave_windows, a_computer_without_sound_says_so_once)
+{
+	setenv("PULSE_SERVER", "unix:/nonexistent/pulse", 1);
+	open();
+	host.audio = &qt_audio;
+	h.boxes.clear();
+	auto *play = at<QToolButton>(window_samples, samples_play);
+	for (int i = 0; i < 2; i++)
+		QTest::keyClick(picture, Qt::Key_Space);
+	const std::string sentence = "This computer has no sound output that is switched on.";
+	EXPECT_EQ(h.boxes, (std::vector<shown_box>{ { sentence, "INFO" } }));
+	EXPECT_FALSE(play->isEnabled() || play->isChecked());
+	EXPECT_EQ(play->toolTip().toStdString(), sentence);
+	EXPECT_EQ(qt_audio.position(), -1);
+	qt_audio.stop();
+}
+#endif
 
 } // namespace
 

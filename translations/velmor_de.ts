@@ -3153,5 +3153,535 @@ noch nicht gemessen</translation>
         <source>ms</source>
         <translation type="unfinished"></translation>
     </message>
+    <message>
+        <source>, looped</source>
+        <translation>, mit Schleife</translation>
+    </message>
+    <message>
+        <source>Choose a sample on this computer first!</source>
+        <translation>Wählen Sie zuerst ein Sample auf diesem Computer!</translation>
+    </message>
+    <message>
+        <source>Choose a sample on this computer first</source>
+        <translation>Wählen Sie zuerst ein Sample auf diesem Computer</translation>
+    </message>
+    <message>
+        <source>Hear the chosen sample of this computer as the sampler will hold it; once more stops it (Space)</source>
+        <translation>Das gewählte Sample dieses Computers hören, wie der Sampler es halten wird; noch einmal hält es an (Leertaste)</translation>
+    </message>
+    <message>
+        <source>Play</source>
+        <translation>Abspielen</translation>
+    </message>
+    <message>
+        <source>Playing &apos;%s&apos; %s: %u bit, %u Hz, %s%s.</source>
+        <translation>&apos;%s&apos; erklingt, %s: %u Bit, %u Hz, %s%s.</translation>
+    </message>
+    <message>
+        <source>Search multis</source>
+        <translation>Multis suchen</translation>
+    </message>
+    <message>
+        <source>This program was made without sound.</source>
+        <translation>Dieses Programm wurde ohne Ton gebaut.</translation>
+    </message>
+    <message>
+        <source>as %s will hold it</source>
+        <translation>wie %s es halten wird</translation>
+    </message>
+    <message>
+        <source>as a conversion for %s would make it</source>
+        <translation>wie eine Umwandlung für %s es machen würde</translation>
+    </message>
+    <message>
+        <source>mono</source>
+        <translation>mono</translation>
+    </message>
+    <message>
+        <source>stereo</source>
+        <translation>stereo</translation>
+    </message>
+    <message>
+        <source> on the left</source>
+        <translation> links</translation>
+    </message>
+    <message>
+        <source> on the right</source>
+        <translation> rechts</translation>
+    </message>
+    <message>
+        <source>%d of %d are in the backup: %d came now, %d were as before.</source>
+        <translation>%d von %d sind in der Sicherung: %d kamen jetzt, %d waren wie zuvor.</translation>
+    </message>
+    <message>
+        <source>%d of %d were brought to the sampler.</source>
+        <translation>%d von %d wurden zum Sampler gebracht.</translation>
+    </message>
+    <message>
+        <source>%llu of %llu values differ, the first at %llu%s.</source>
+        <translation>%llu von %llu Werten weichen ab, der erste bei %llu%s.</translation>
+    </message>
+    <message>
+        <source>%llu values were meant to arrive, and %llu did.</source>
+        <translation>%llu Werte sollten ankommen, und %llu kamen an.</translation>
+    </message>
+    <message>
+        <source>%s on the sampler is as it was meant to arrive: %llu values were compared.</source>
+        <translation>%s auf dem Sampler ist so, wie es ankommen sollte: %llu Werte wurden verglichen.</translation>
+    </message>
+    <message>
+        <source>%s on the sampler is the same program.</source>
+        <translation>%s auf dem Sampler ist dasselbe Programm.</translation>
+    </message>
+    <message>
+        <source>%s was not downloaded.</source>
+        <translation>%s wurde nicht geholt.</translation>
+    </message>
+    <message>
+        <source>%s was not downloaded: stopped.</source>
+        <translation>%s wurde nicht geholt: angehalten.</translation>
+    </message>
+    <message>
+        <source>%s was not sent: stopped.</source>
+        <translation>%s wurde nicht gesendet: angehalten.</translation>
+    </message>
+    <message>
+        <source>%sThe sampler holds several samples called &apos;%s&apos; and gives the first alone. Rename the others on its panel.</source>
+        <translation>%sDer Sampler hat mehrere Samples namens &apos;%s&apos; und gibt nur das erste her. Benennen Sie die anderen an seinem Bedienfeld um.</translation>
+    </message>
+    <message>
+        <source>%zu of %zu parameters differ, the first is %s</source>
+        <translation>%zu von %zu Parametern weichen ab, der erste ist %s</translation>
+    </message>
+    <message>
+        <source>, which is %s instead of %s.</source>
+        <translation>, und zwar %s statt %s.</translation>
+    </message>
+    <message>
+        <source>A restore deletes what the backup does not hold</source>
+        <translation>Zurückspielen löscht, was die Sicherung nicht enthält</translation>
+    </message>
+    <message>
+        <source>Also what looks as it did before. Of samples on the USB the sampler lists the names alone</source>
+        <translation>Auch, was aussieht wie zuvor. Von Samples am USB nennt der Sampler nur die Namen</translation>
+    </message>
+    <message>
+        <source>Another folder</source>
+        <translation>Ein anderer Ordner</translation>
+    </message>
+    <message>
+        <source>Backup of &apos;%s&apos;, an %s: programs %d, samples %d, names of multis %d, %s. %s</source>
+        <translation>Sicherung von &apos;%s&apos;, einem %s: Programme %d, Samples %d, Namen von Multis %d, %s. %s</translation>
+    </message>
+    <message>
+        <source>Backup...</source>
+        <translation>Sicherung...</translation>
+    </message>
+    <message>
+        <source>Begin</source>
+        <translation>Anfangen</translation>
+    </message>
+    <message>
+        <source>Bring all that the sampler holds into a folder, and back</source>
+        <translation>Alles, was der Sampler enthält, in einen Ordner bringen, und zurück</translation>
+    </message>
+    <message>
+        <source>Bring into the folder what changed since the last backup</source>
+        <translation>In den Ordner bringen, was sich seit der letzten Sicherung geändert hat</translation>
+    </message>
+    <message>
+        <source>Choose a local program first.</source>
+        <translation>Wählen Sie zuerst ein lokales Programm.</translation>
+    </message>
+    <message>
+        <source>Choose a local sample first.</source>
+        <translation>Wählen Sie zuerst ein lokales Sample.</translation>
+    </message>
+    <message>
+        <source>Choose...</source>
+        <translation>Wählen...</translation>
+    </message>
+    <message>
+        <source>Compare after each transfer</source>
+        <translation>Nach jeder Übertragung vergleichen</translation>
+    </message>
+    <message>
+        <source>Compare each sample after its transfer</source>
+        <translation>Jedes Sample nach der Übertragung vergleichen</translation>
+    </message>
+    <message>
+        <source>Compare with the sampler</source>
+        <translation>Mit dem Sampler vergleichen</translation>
+    </message>
+    <message>
+        <source>Complete.</source>
+        <translation>Vollständig.</translation>
+    </message>
+    <message>
+        <source>Do it?</source>
+        <translation>Ausführen?</translation>
+    </message>
+    <message>
+        <source>Each sample is read back, which takes as long again</source>
+        <translation>Jedes Sample wird zurückgelesen, was noch einmal so lange dauert</translation>
+    </message>
+    <message>
+        <source>Folder of the backup</source>
+        <translation>Ordner der Sicherung</translation>
+    </message>
+    <message>
+        <source>Folder:</source>
+        <translation>Ordner:</translation>
+    </message>
+    <message>
+        <source>History...</source>
+        <translation>Verlauf...</translation>
+    </message>
+    <message>
+        <source>In the backup</source>
+        <translation>In der Sicherung</translation>
+    </message>
+    <message>
+        <source>It broke off: Begin goes on from there.</source>
+        <translation>Sie brach ab: Anfangen macht dort weiter.</translation>
+    </message>
+    <message>
+        <source>It could not be compared.</source>
+        <translation>Es konnte nicht verglichen werden.</translation>
+    </message>
+    <message>
+        <source>It has %u Hz instead of %u Hz.</source>
+        <translation>Es hat %u Hz statt %u Hz.</translation>
+    </message>
+    <message>
+        <source>It has %u bits instead of %u.</source>
+        <translation>Es hat %u Bit statt %u.</translation>
+    </message>
+    <message>
+        <source>It has %u channels instead of %u.</source>
+        <translation>Es hat %u Kanäle statt %u.</translation>
+    </message>
+    <message>
+        <source>It is not known whether %s.</source>
+        <translation>Es ist nicht bekannt, ob %s.</translation>
+    </message>
+    <message>
+        <source>It is not known whether %s: the list could not be read again.
+%s</source>
+        <translation>Es ist nicht bekannt, ob %s: Die Liste ließ sich nicht noch einmal lesen.
+%s</translation>
+    </message>
+    <message>
+        <source>It is not the same.</source>
+        <translation>Es ist nicht gleich.</translation>
+    </message>
+    <message>
+        <source>It is read back, which takes as long again</source>
+        <translation>Es wird zurückgelesen, was noch einmal so lange dauert</translation>
+    </message>
+    <message>
+        <source>It is too large.</source>
+        <translation>Es ist zu groß.</translation>
+    </message>
+    <message>
+        <source>It was compared and is the same.</source>
+        <translation>Es wurde verglichen und ist gleich.</translation>
+    </message>
+    <message>
+        <source>It was put into the folder earlier, and everything was looked at anew.</source>
+        <translation>Es wurde in den Ordner earlier gelegt, und alles wurde neu angesehen.</translation>
+    </message>
+    <message>
+        <source>Its last line does not agree with the others: it was changed or is not whole.</source>
+        <translation>Seine letzte Zeile passt nicht zu den anderen: es wurde verändert oder ist nicht ganz.</translation>
+    </message>
+    <message>
+        <source>Its values have another size.</source>
+        <translation>Seine Werte haben eine andere Größe.</translation>
+    </message>
+    <message>
+        <source>Leave names out of recordings</source>
+        <translation>Namen aus Aufzeichnungen weglassen</translation>
+    </message>
+    <message>
+        <source>Line %d: %s</source>
+        <translation>Zeile %d: %s</translation>
+    </message>
+    <message>
+        <source>Load a sampler first</source>
+        <translation>Zuerst einen Sampler laden</translation>
+    </message>
+    <message>
+        <source>Move everything again</source>
+        <translation>Alles noch einmal übertragen</translation>
+    </message>
+    <message>
+        <source>Nobody knows this line.</source>
+        <translation>Diese Zeile kennt niemand.</translation>
+    </message>
+    <message>
+        <source>Nothing had to be brought to the sampler.</source>
+        <translation>Nichts musste zum Sampler gebracht werden.</translation>
+    </message>
+    <message>
+        <source>Nothing yet. Begin brings all that the sampler holds into the folder.</source>
+        <translation>Noch nichts. Anfangen bringt alles, was der Sampler enthält, in den Ordner.</translation>
+    </message>
+    <message>
+        <source>Otherwise nothing is deleted on the sampler</source>
+        <translation>Sonst wird auf dem Sampler nichts gelöscht</translation>
+    </message>
+    <message>
+        <source>Put back what was deleted, renamed or changed on the sampler last</source>
+        <translation>Bringt zurück, was auf dem Sampler zuletzt gelöscht, umbenannt oder geändert wurde</translation>
+    </message>
+    <message>
+        <source>Put other words for the names of programs and samples in the next recording</source>
+        <translation>Setzt in der nächsten Aufzeichnung andere Wörter an die Stelle der Namen von Programmen und Samples</translation>
+    </message>
+    <message>
+        <source>Read the sampler&apos;s programs again, and tell where the one of that name differs</source>
+        <translation>Die Programme des Samplers noch einmal lesen und sagen, wo das gleichen Namens abweicht</translation>
+    </message>
+    <message>
+        <source>Read the sampler&apos;s sample of that name back, and tell where it differs</source>
+        <translation>Das Sample gleichen Namens vom Sampler zurücklesen und sagen, wo es abweicht</translation>
+    </message>
+    <message>
+        <source>Record traffic</source>
+        <translation>Verkehr aufzeichnen</translation>
+    </message>
+    <message>
+        <source>Restore...</source>
+        <translation>Zurückspielen...</translation>
+    </message>
+    <message>
+        <source>See what was changed on the sampler, and put it back</source>
+        <translation>Zeigt, was auf dem Sampler geändert wurde, und bringt es zurück</translation>
+    </message>
+    <message>
+        <source>Show what would be sent to the sampler, and ask</source>
+        <translation>Zeigen, was zum Sampler gesendet würde, und fragen</translation>
+    </message>
+    <message>
+        <source>State of the backup</source>
+        <translation>Stand der Sicherung</translation>
+    </message>
+    <message>
+        <source>The backup broke off, and does not hold everything.</source>
+        <translation>Die Sicherung brach ab und enthält nicht alles.</translation>
+    </message>
+    <message>
+        <source>The backup is empty.</source>
+        <translation>Die Sicherung ist leer.</translation>
+    </message>
+    <message>
+        <source>The comparison was stopped.</source>
+        <translation>Der Vergleich wurde angehalten.</translation>
+    </message>
+    <message>
+        <source>The manifest [%s] is damaged. %s</source>
+        <translation>Das Verzeichnis [%s] ist beschädigt. %s</translation>
+    </message>
+    <message>
+        <source>The sampler holds no program called %s.</source>
+        <translation>Der Sampler hat kein Programm namens %s.</translation>
+    </message>
+    <message>
+        <source>The sampler holds no sample called %s.</source>
+        <translation>Der Sampler hat kein Sample namens %s.</translation>
+    </message>
+    <message>
+        <source>The sampler was left as it is.</source>
+        <translation>Der Sampler blieb, wie er ist.</translation>
+    </message>
+    <message>
+        <source>The section above lacks a line.</source>
+        <translation>Dem Abschnitt darüber fehlt eine Zeile.</translation>
+    </message>
+    <message>
+        <source>There is no backup in [%s].</source>
+        <translation>In [%s] ist keine Sicherung.</translation>
+    </message>
+    <message>
+        <source>There is no backup in this folder that could be restored</source>
+        <translation>In diesem Ordner ist keine Sicherung, die zurückgespielt werden könnte</translation>
+    </message>
+    <message>
+        <source>This is no checksum.</source>
+        <translation>Das ist keine Prüfsumme.</translation>
+    </message>
+    <message>
+        <source>This is no file of the backup.</source>
+        <translation>Das ist keine Datei der Sicherung.</translation>
+    </message>
+    <message>
+        <source>This is no manifest of a backup.</source>
+        <translation>Das ist kein Verzeichnis einer Sicherung.</translation>
+    </message>
+    <message>
+        <source>This is no number.</source>
+        <translation>Das ist keine Zahl.</translation>
+    </message>
+    <message>
+        <source>This is no section of a backup.</source>
+        <translation>Das ist kein Abschnitt einer Sicherung.</translation>
+    </message>
+    <message>
+        <source>This is no text in quotation marks.</source>
+        <translation>Das ist kein Text in Anführungszeichen.</translation>
+    </message>
+    <message>
+        <source>This is the backup of &apos;%s&apos;, an %s. An %s cannot take it.</source>
+        <translation>Das ist die Sicherung von &apos;%s&apos;, einem %s. Ein %s kann sie nicht annehmen.</translation>
+    </message>
+    <message>
+        <source>This line says nothing.</source>
+        <translation>Diese Zeile sagt nichts.</translation>
+    </message>
+    <message>
+        <source>Undo on the sampler</source>
+        <translation>Auf dem Sampler zurücknehmen</translation>
+    </message>
+    <message>
+        <source>Upload of %s stopped.</source>
+        <translation>Das Senden von %s wurde angehalten.</translation>
+    </message>
+    <message>
+        <source>VELMOR Backup</source>
+        <translation>VELMOR Sicherung</translation>
+    </message>
+    <message>
+        <source>What is there stays; the next backup goes on from here.</source>
+        <translation>Was da ist, bleibt; die nächste Sicherung macht hier weiter.</translation>
+    </message>
+    <message>
+        <source>What the folder holds, or what a restore would do</source>
+        <translation>Was der Ordner enthält, oder was ein Zurückspielen täte</translation>
+    </message>
+    <message>
+        <source>Where the backup is; a folder for each sampler</source>
+        <translation>Wo die Sicherung ist; ein Ordner für jeden Sampler</translation>
+    </message>
+    <message>
+        <source>Write everything that goes over the lines to a file, for a report</source>
+        <translation>Schreibt alles, was über die Leitungen geht, in eine Datei, für einen Bericht</translation>
+    </message>
+    <message>
+        <source>[%s] cannot be read.</source>
+        <translation>[%s] kann nicht gelesen werden.</translation>
+    </message>
+    <message>
+        <source>[%s] holds the backup of &apos;%s&apos;, an %s. Choose another folder for &apos;%s&apos;.</source>
+        <translation>[%s] enthält die Sicherung von &apos;%s&apos;, einem %s. Wählen Sie einen anderen Ordner für &apos;%s&apos;.</translation>
+    </message>
+    <message>
+        <source>
+Not tried: %d.</source>
+        <translation>
+Nicht versucht: %d.</translation>
+    </message>
+    <message>
+        <source>
+and %zu more</source>
+        <translation>
+und %zu weitere</translation>
+    </message>
+    <message>
+        <source>another one has the same name, and would be replaced</source>
+        <translation>ein anderes hat denselben Namen und würde ersetzt</translation>
+    </message>
+    <message>
+        <source>as before</source>
+        <translation>wie zuvor</translation>
+    </message>
+    <message>
+        <source>delete %d on the sampler</source>
+        <translation>%d auf dem Sampler löschen</translation>
+    </message>
+    <message>
+        <source>delete on the sampler</source>
+        <translation>auf dem Sampler löschen</translation>
+    </message>
+    <message>
+        <source>failed</source>
+        <translation>fehlgeschlagen</translation>
+    </message>
+    <message>
+        <source>it is not known whether it arrived</source>
+        <translation>es ist nicht bekannt, ob es angekommen ist</translation>
+    </message>
+    <message>
+        <source>its file is missing, or was changed since the backup</source>
+        <translation>seine Datei fehlt oder wurde seit der Sicherung verändert</translation>
+    </message>
+    <message>
+        <source>keep %d as they are</source>
+        <translation>%d so lassen</translation>
+    </message>
+    <message>
+        <source>keep</source>
+        <translation>so lassen</translation>
+    </message>
+    <message>
+        <source>leave out %d, which cannot be sent</source>
+        <translation>%d auslassen, die nicht gesendet werden können</translation>
+    </message>
+    <message>
+        <source>leave out</source>
+        <translation>auslassen</translation>
+    </message>
+    <message>
+        <source>missing.</source>
+        <translation>fehlend.</translation>
+    </message>
+    <message>
+        <source>multis stay in the sampler; this is its name alone</source>
+        <translation>Multis bleiben im Sampler; dies ist nur sein Name</translation>
+    </message>
+    <message>
+        <source>replace %d</source>
+        <translation>%d ersetzen</translation>
+    </message>
+    <message>
+        <source>replace</source>
+        <translation>ersetzen</translation>
+    </message>
+    <message>
+        <source>send %d</source>
+        <translation>%d senden</translation>
+    </message>
+    <message>
+        <source>send</source>
+        <translation>senden</translation>
+    </message>
+    <message>
+        <source>the same as far as its header tells</source>
+        <translation>gleich, soweit sein Kopf es sagt</translation>
+    </message>
+    <message>
+        <source>the sampler did not do it</source>
+        <translation>der Sampler hat es nicht getan</translation>
+    </message>
+    <message>
+        <source>the sampler does not list it</source>
+        <translation>der Sampler führt es nicht auf</translation>
+    </message>
+    <message>
+        <source>this sampler deletes it on its own panel alone</source>
+        <translation>dieser Sampler löscht es nur an seinem Bedienfeld</translation>
+    </message>
+    <message>
+        <source>this sampler takes a program only over one of its name; make one on its own panel</source>
+        <translation>dieser Sampler nimmt ein Programm nur über einem gleichen Namens an; legen Sie eines an seinem Bedienfeld an</translation>
+    </message>
+    <message>
+        <source>this sampler takes no programs</source>
+        <translation>dieser Sampler nimmt keine Programme an</translation>
+    </message>
+    <message>
+        <source>too many.</source>
+        <translation>überzählig.</translation>
+    </message>
 </context>
 </TS>

@@ -38,13 +38,15 @@ static constexpr way_row ways[] = {
 
 // ---- How it is wired --------------------------------------------------------------------------
 
+static constexpr int least_cable = 220;
+
 class wiring : public QWidget
 {
 public:
 	wiring(const way_row &shown_way, QWidget *parent) : QWidget(parent), way(shown_way)
 	{
 		setFixedHeight(88);
-		setMinimumWidth(220);
+		setMinimumWidth(least_cable);
 	}
 
 protected:
@@ -119,6 +121,8 @@ static QWidget *make_way(top_window *window, const way_row &way, bool main)
 	words->say(qtr(way.words));
 	words->setWordWrap(true);
 	words->setAlignment(Qt::AlignLeft | Qt::AlignTop);
+	// A layout does not know how high words are that go on in the next line.
+	words->setMinimumHeight(words->heightForWidth(least_cable));
 	column->addWidget(words, 1);
 	// It opens what the entry of the menu opens.
 	auto *button = new QPushButton(caption_of(window_main, way.command).remove('&'), box);

@@ -9,6 +9,7 @@
 #include "ui/parts/style.h"
 #include "ui/parts/told.h"
 #include "ui/parts/window.h"
+#include "ui/qt_ui.h"
 #include <QBoxLayout>
 #include <QClipboard>
 #include <QFontDatabase>
@@ -299,6 +300,13 @@ bool log_view::search_on(bool earlier)
 }
 
 // The colours of warnings and failures are the desktop's.
+bool log_view::event(QEvent *event)
+{
+	if (when_focused && (event->type() == QEvent::FocusIn || event->type() == QEvent::FocusOut))
+		when_focused(event->type() == QEvent::FocusIn);
+	return QPlainTextEdit::event(event);
+}
+
 void log_view::changeEvent(QEvent *event)
 {
 	QPlainTextEdit::changeEvent(event);
@@ -515,6 +523,8 @@ QWidget *make_log_card(top_window *window)
 	add_to(inside, { make_line(part), log });
 	column->addLayout(make_head(window, log, part, box));
 	column->addWidget(part, 1);
+	log->when_focused = [box](bool focus) { box->set_lit(focus); };
+	set_order({ find_widget(window->id, main_log_save), log });
 	return box;
 }
 

@@ -57,11 +57,14 @@ public:
 	bool search_on(bool earlier);
 	// Called when there are other counts.
 	std::function<void()> when_counted;
+	// Called when it gets the focus or loses it.
+	std::function<void(bool)> when_focused;
 	// Called when other levels are shown.
 	std::function<void()> when_looked_at;
 
 protected:
 	void changeEvent(QEvent *event) override;
+	bool event(QEvent *event) override;
 
 private:
 	struct line {

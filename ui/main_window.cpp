@@ -35,6 +35,12 @@ static QMenuBar *make_menu(top_window *window)
 	auto *bar = new QMenuBar(window);
 	QMenu *file = bar->addMenu("&File");
 	make_entry(window, file, menu_midi_files);
+	make_entry(window, file, menu_history);
+	make_entry(window, file, menu_backup);
+	for (int control : { menu_record, menu_record_names }) {
+		make_entry(window, file, control);
+		file->actions().back()->setCheckable(true);
+	}
 	make_entry(window, file, menu_exit);
 	QMenu *settings = bar->addMenu("&Settings");
 	make_entry(window, settings, menu_settings);

@@ -13,6 +13,7 @@
 #include "ui/parts/palette.h"
 #include "ui/parts/parts.h"
 #include "ui/parts/pixel_picture.h"
+#include "ui/parts/place.h"
 #include "ui/parts/style.h"
 #include "ui/parts/told.h"
 #include "ui/parts/window.h"
@@ -133,11 +134,11 @@ private:
 	double unit = 1;
 };
 
-// Words on a strip across the screen.
+// Words on a strip across the screen, which is faded behind them: it is not the machine's now.
 class panel_words : public told_label
 {
 public:
-	explicit panel_words(QWidget *parent) : told_label(parent)
+	panel_words(QWidget *parent, pixel_picture *screen) : told_label(parent), behind(screen)
 	{
 		setWordWrap(true);
 		setAlignment(Qt::AlignCenter);
@@ -146,6 +147,12 @@ public:
 	}
 
 protected:
+	bool event(QEvent *event) override
+	{
+		if (event->type() == QEvent::ShowToParent || event->type() == QEvent::HideToParent)
+			behind->set_faded(!isHidden());
+		return told_label::event(event);
+	}
 	void paintEvent(QPaintEvent *event) override
 	{
 		QPainter painter(this);
@@ -154,11 +161,14 @@ protected:
 		painter.end();
 		told_label::paintEvent(event);
 	}
+
+private:
+	pixel_picture *const behind;
 };
 
 panel_board::panel_board(top_window *window, QWidget *parent)
 	: QWidget(parent), picture(make_picture(window, panel_picture)),
-	  words(new panel_words(this))
+	  words(new panel_words(this, picture))
 {
 	picture->setParent(this);
 	enroll(window_panel, panel_state, words);
@@ -229,7 +239,8 @@ void panel_board::paintEvent(QPaintEvent *)
 	const int width = static_cast<int>(std::ceil(outline_width * unit));
 	if (view.width)
 		painter.fillRect(picture->geometry().adjusted(-width, -width, width, width),
-			QColor(outline_color));
+			picture->hasFocus() ? palette().color(QPalette::Link)
+					    : QColor(outline_color));
 }
 
 // Asked for when the words have changed.
@@ -264,6 +275,8 @@ protected:
 private:
 	void make_head();
 	void choose_fitting_scale();
+	void choose_scale(int number);
+	std::string setting() const;
 	QSize size_for(const QSize &board_size) const;
 	void fit(int number);
 	void show_screen();
@@ -273,6 +286,7 @@ private:
 	QScrollArea *area;
 	panel_board *board;
 	int scale = 0; // 0 until one was chosen
+	QSize pixels;  // of the machine's screen
 };
 
 panel_window::panel_window(QWidget *owner) : top_window(window_panel, control_cancel, owner)
@@ -310,6 +324,9 @@ void panel_window::make_head()
 			if (on)
 				fit(control - panel_scale_1 + 1);
 		});
+		// Chosen by a hand it stays, in later runs too.
+		connect(button, &QPushButton::clicked, this,
+			[this] { keep_setting(setting().c_str(), scale); });
 		scales += button;
 		head->addWidget(button);
 	}
@@ -340,7 +357,19 @@ void panel_window::choose_fitting_scale()
 		if (wanted.width() <= room.width() && wanted.height() <= room.height())
 			break;
 	}
+	choose_scale(number);
+}
+
+void panel_window::choose_scale(int number)
+{
 	scales[number - 1]->setChecked(true);
+	fit(number);
+}
+
+// For each size of a screen one.
+std::string panel_window::setting() const
+{
+	return format_text("panel_scale_%dx%d", pixels.width(), pixels.height());
 }
 
 void panel_window::fit(int number)
@@ -371,8 +400,13 @@ void panel_window::build(const panel_view *view)
 	if (!view)
 		return;
 	facts->say(qtr("%1 × %2 pixels").arg(view->picture_width).arg(view->picture_height));
-	if (scale)
+	const QSize before = pixels;
+	pixels = { view->picture_width, view->picture_height };
+	const int kept = kept_setting(setting().c_str());
+	if (scale && pixels == before)
 		fit(scale);
+	else if (kept >= 1 && kept <= static_cast<int>(scales.size()))
+		choose_scale(kept);
 	else
 		choose_fitting_scale();
 }

@@ -64,7 +64,7 @@ static const side sides[] = {
 		.rename = programs_local_rename,
 		.new_name = programs_local_new_name,
 		.remove = programs_local_delete,
-		.others = { programs_upload, programs_import_akp },
+		.others = { programs_upload, programs_import_akp, programs_compare },
 		.refresh = 0,
 		.retry = 0,
 		.picture = icon::computer },
@@ -199,6 +199,7 @@ static QBoxLayout *make_side(top_window *window, const side &s)
 	}
 	column->addWidget(list, 1);
 	column->addLayout(make_side_buttons(window, s));
+	set_order({ search, refresh, list });
 	return column;
 }
 

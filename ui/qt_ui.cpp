@@ -212,13 +212,19 @@ static void select_several(int window, int control, std::span<const int> places)
 
 static void set_checked(int window, int control, bool checked)
 {
-	if (auto *button = qobject_cast<QAbstractButton *>(find_control(window, control)))
+	QObject *object = find_control(window, control);
+	if (auto *button = qobject_cast<QAbstractButton *>(object))
 		button->setChecked(checked);
+	else if (auto *entry = qobject_cast<QAction *>(object))
+		entry->setChecked(checked);
 }
 
 static bool is_checked(int window, int control)
 {
-	auto *button = qobject_cast<QAbstractButton *>(find_control(window, control));
+	QObject *object = find_control(window, control);
+	if (auto *entry = qobject_cast<QAction *>(object))
+		return entry->isChecked();
+	auto *button = qobject_cast<QAbstractButton *>(object);
 	return button && button->isChecked();
 }
 
@@ -387,6 +393,8 @@ static void set_play_position(int window, int control, std::int64_t ticks, int t
 {
 	if (track_list *list = find_tracks(window, control))
 		list->set_position(ticks, ticks_per_second);
+	else if (auto *picture = dynamic_cast<waveform_widget *>(find_control(window, control)))
+		picture->show_played(ticks);
 }
 
 // ---- Boxes --------------------------------------------------------------------------------------

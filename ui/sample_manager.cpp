@@ -158,6 +158,8 @@ static QBoxLayout *make_transfers(top_window *window)
 	rate->setMinimumHeight(2 * rate->fontMetrics().lineSpacing());
 	column->addWidget(rate);
 	column->addStretch();
+	add_to(column,
+		{ make_button(window, samples_compare), make_check(window, samples_verify) });
 	return column;
 }
 
@@ -315,6 +317,11 @@ static QWidget *make_import(top_window *window)
 	for (int control : { samples_import, samples_export, samples_clear })
 		add_to(head, { make_button(window, control) });
 	column->addLayout(head);
+	QWidget *last = find_widget(window->id, samples_clear);
+	for (QRadioButton *option : options->findChildren<QRadioButton *>()) {
+		set_order({ last, option });
+		last = option;
+	}
 	column->addWidget(options);
 	column->addWidget(make_line(box));
 	column->addLayout(make_preview(window));

@@ -7,6 +7,7 @@
 #include <QComboBox>
 #include <QFormLayout>
 #include <QLineEdit>
+#include <QPushButton>
 
 namespace velmor
 {
@@ -21,6 +22,7 @@ void create_settings_dialog(QWidget *owner)
 	told_label *found = make_text(window, settings_found);
 	found->setWordWrap(true);
 	add_row(form, window_settings, settings_found, found);
+	form->addRow(QString(), make_button(window, settings_self_test));
 	QLineEdit *path = make_field(window, settings_config_path);
 	path->setMinimumWidth(path->fontMetrics().averageCharWidth() * 50);
 	add_row(form, window_settings, settings_config_path, path);

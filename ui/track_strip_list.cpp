@@ -21,7 +21,7 @@
 namespace velmor
 {
 
-static constexpr int row_tall = 132, row_gap = 8, ruler_tall = 24, color_edge = 5;
+static constexpr int row_tall = 132, row_gap = 8, ruler_tall = 30, color_edge = 5;
 static constexpr int line_height = 24, cells_above = 88, cell_tall = 18, cells_across = 4;
 static constexpr int span_seconds = 24; // that a strip shows
 
@@ -358,6 +358,15 @@ void track_list::tell_step(int action)
 
 // ---- What stands around them ----------------------------------------------------------------------------
 
+bool track_list::event(QEvent *event)
+{
+	if (event->type() == QEvent::FocusIn || event->type() == QEvent::FocusOut) {
+		ruler->update();
+		viewport()->update();
+	}
+	return QAbstractScrollArea::event(event);
+}
+
 bool track_list::eventFilter(QObject *watched, QEvent *event)
 {
 	if (watched != ruler || event->type() != QEvent::Paint)
@@ -381,15 +390,19 @@ void track_list::paint_ruler(QPainter *painter) const
 		painter->setPen(palette().color(QPalette::Mid));
 		painter->drawLine(QPointF(x, ruler_tall - 8), QPointF(x, ruler_tall));
 		painter->setPen(palette().color(QPalette::PlaceholderText));
-		painter->drawText(QPointF(x + 4, ruler_tall - 10),
+		painter->drawText(QPointF(x + 4, ruler_tall - 15),
 			QString("%1:%2").arg(seconds / 60).arg(seconds % 60, 2, 10, QChar('0')));
 	}
+	if (hasFocus())
+		painter->fillRect(
+			0, ruler_tall - 2, ruler->width(), 2, palette().color(QPalette::Link));
 	if (position < 0)
 		return;
 	const double x =
 		track_strip::place_of(span, static_cast<std::uint64_t>(position), ruler->width());
-	const QPointF mark[] = { { x - 6, ruler_tall - 12.0 }, { x + 6, ruler_tall - 12.0 },
-		{ x, ruler_tall - 2.0 } };
+	// Below the numbers.
+	const QPointF mark[] = { { x - 6, ruler_tall - 11.0 }, { x + 6, ruler_tall - 11.0 },
+		{ x, ruler_tall - 1.0 } };
 	painter->setRenderHint(QPainter::Antialiasing);
 	painter->setPen(Qt::NoPen);
 	painter->setBrush(palette().color(QPalette::Link));
@@ -402,7 +415,8 @@ void track_list::paintEvent(QPaintEvent *)
 		return;
 	QPainter painter(viewport());
 	const QRect all = viewport()->rect().adjusted(0, 0, -between_controls, -1);
-	draw_box(&painter, all, palette().color(QPalette::Base), palette().color(QPalette::Mid));
+	draw_box(&painter, all, palette().color(QPalette::Base),
+		palette().color(hasFocus() ? QPalette::Link : QPalette::Mid), hasFocus() ? 1.5 : 1);
 	painter.setPen(palette().color(QPalette::PlaceholderText));
 	painter.drawText(
 		all.adjusted(24, 24, -24, -24), Qt::AlignCenter | Qt::TextWordWrap, empty_text);

@@ -71,6 +71,7 @@ public:
 	int rows_made() const { return static_cast<int>(rows.size()); }
 
 protected:
+	bool event(QEvent *event) override;
 	bool eventFilter(QObject *watched, QEvent *event) override;
 	void paintEvent(QPaintEvent *event) override;
 	void resizeEvent(QResizeEvent *event) override;

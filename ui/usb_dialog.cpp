@@ -31,7 +31,7 @@ void create_usb_dialog(QWidget *owner)
 	QBoxLayout *column = window->content;
 	auto *form = new QFormLayout;
 	QComboBox *devices = make_choice(window, usb_device_list);
-	devices->setMinimumContentsLength(30);
+	devices->setMinimumContentsLength(42);
 	add_row(form, window_usb, usb_device_list, devices);
 	add_fields(window, form);
 	column->addLayout(form);

@@ -6,6 +6,7 @@
 #include "ui/parts/style.h"
 #include "ui/parts/told.h"
 #include "ui/parts/window.h"
+#include "ui/qt_ui.h"
 #include "ui/waveform.h"
 #include <QBoxLayout>
 #include <QLineEdit>
@@ -88,6 +89,22 @@ static QToolButton *make_edit(top_window *window, int control)
 	return button;
 }
 
+// Space plays where it has no other meaning: in the list of samples, and in their picture.
+static QToolButton *make_play(top_window *window, QWidget *picture)
+{
+	QToolButton *button = make_edit(window, samples_play);
+	button->setCheckable(true);
+	for (QWidget *where : { picture, find_widget(window->id, samples_local_list) }) {
+		auto *space = new QShortcut(Qt::Key_Space, where);
+		space->setContext(Qt::WidgetShortcut);
+		QObject::connect(space, &QShortcut::activated, button, [button] {
+			if (button->isEnabled())
+				button->click();
+		});
+	}
+	return button;
+}
+
 static QBoxLayout *make_edits(top_window *window)
 {
 	auto *row = new QHBoxLayout;
@@ -117,12 +134,15 @@ QWidget *make_wave_editor(top_window *window, QWidget *parent)
 	part->set_cut();
 	QScrollBar *bar = make_scroll_bar(picture);
 	auto *head = new QHBoxLayout;
+	QToolButton *play = make_play(window, picture);
+	QToolButton *const zooms[] = { make_zoom("Zoom out", "Show twice as much of the sample (-)",
+					       picture, one_press),
+		make_zoom("Zoom in", "Show half as much of the sample (+)", picture, 1 / one_press),
+		make_zoom("Show all", "Show the whole sample (0)", picture, 0) };
+	head->addWidget(play);
 	head->addWidget(part, 1);
-	add_to(head,
-		{ make_zoom("Zoom out", "Show twice as much of the sample (-)", picture, one_press),
-			make_zoom("Zoom in", "Show half as much of the sample (+)", picture,
-				1 / one_press),
-			make_zoom("Show all", "Show the whole sample (0)", picture, 0) });
+	add_to(head, { zooms[0], zooms[1], zooms[2] });
+	set_order({ play, zooms[0], zooms[1], zooms[2], picture, bar });
 	column->addLayout(head);
 	column->addWidget(picture, 1);
 	column->addWidget(bar);

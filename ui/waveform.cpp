@@ -80,6 +80,25 @@ void waveform_widget::show_view(const waveform_view *view)
 	say_state();
 }
 
+// Only the line moves; a part in view that it runs out of follows it.
+void waveform_widget::show_played(std::int64_t word)
+{
+	const auto strip = [this] {
+		const auto x = static_cast<int>(place_of(static_cast<double>(played)));
+		return QRect(x - 2, 0, 5, height());
+	};
+	if (played >= 0)
+		update(strip());
+	const auto at = static_cast<double>(word);
+	const bool left = played >= 0 && word >= 0 && static_cast<double>(played) < first + count &&
+			  at >= first + count;
+	played = word;
+	if (left && grabbed == none)
+		scroll_to(at);
+	if (played >= 0)
+		update(strip());
+}
+
 void waveform_widget::say_state()
 {
 	QString said =
@@ -398,6 +417,8 @@ bool waveform_widget::event(QEvent *event)
 		say_state();
 		break;
 	case QEvent::Hide:
+		stop_playing();
+		[[fallthrough]];
 	case QEvent::UngrabMouse:
 	case QEvent::WindowDeactivate:
 		let_go();

@@ -32,6 +32,9 @@ public:
 	// stays.
 	void show_view(const waveform_view *view);
 	QSize sizeHint() const override;
+	// The word that is heard now; -1: none.
+	void show_played(std::int64_t word);
+	std::int64_t played_word() const { return played; }
 
 	// The part in view, in words.
 	double first_shown() const { return first; }
@@ -86,6 +89,7 @@ private:
 	void paint_columns(QPainter *painter) const;
 	void paint_values(QPainter *painter) const;
 	void paint_marks(QPainter *painter) const;
+	void paint_played(QPainter *painter) const;
 	void paint_ruler(QPainter *painter) const;
 	void paint_numbers(QPainter *painter) const;
 	double height_of(double value) const;
@@ -99,6 +103,7 @@ private:
 	std::uint64_t loop_start_read = 0, loop_end_read = 0; // as the file has them
 	QString shown_file;
 	double first = 0, count = 0;
+	std::int64_t played = -1;
 	handle chosen = mark_start, grabbed = none;
 	double grabbed_by = 0; // pixels from the handle
 	bool moved = false;    // and not yet let go

@@ -154,6 +154,16 @@ void waveform_widget::paint_marks(QPainter *painter) const
 	painter->restore();
 }
 
+// What is heard just now.
+void waveform_widget::paint_played(QPainter *painter) const
+{
+	const QRect wave = wave_place();
+	const double at = place_of(static_cast<double>(played));
+	if (played >= 0 && at >= wave.left() && at <= wave.right() + 1)
+		painter->fillRect(QRectF(at - 0.75, wave.top(), 1.5, wave.height()),
+			palette().color(QPalette::Text));
+}
+
 // ---- Words --------------------------------------------------------------------------------------------
 
 // The step that leaves room for its number: 1, 2 or 5 of a power of ten.
@@ -231,6 +241,7 @@ void waveform_widget::paintEvent(QPaintEvent *)
 	paint_words(&painter);
 	paint_outside(&painter);
 	paint_marks(&painter);
+	paint_played(&painter);
 	QFont small = font();
 	small.setPointSizeF(small.pointSizeF() * 0.85);
 	painter.setFont(small);

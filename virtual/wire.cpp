@@ -20,6 +20,7 @@ using machine::byte_view;
 using machine::bytes;
 
 static constexpr std::size_t longest_message = 4 << 20;
+static constexpr std::size_t loop_piece = 16; // bytes that come back together
 
 // Bytes that follow one another without a gap.
 struct run {
@@ -58,6 +59,8 @@ struct midi_wire::line : std::enable_shared_from_this<midi_wire::line> {
 		int seen; // messages since it was set
 	};
 	std::vector<pending_fault> faults;
+	interface_faults interface;
+	unsigned long passed = 0; // bytes through the interface
 
 	std::deque<run> outgoing;
 	bytes message;       // what the machine has of the message under way
@@ -70,6 +73,8 @@ struct midi_wire::line : std::enable_shared_from_this<midi_wire::line> {
 
 	void notify();
 	void send(byte_view sent);
+	bytes through_interface(byte_view sent, double now);
+	void loop_back(byte_view came);
 	void left(double now);
 	void reached(const bytes &whole);
 	void reached_in_part(std::size_t at, const bytes &fresh);
@@ -116,21 +121,45 @@ void midi_wire::line::pull()
 
 // ---- Towards the machine -----------------------------------------------------------
 
+// What the interface makes of a run. Under the lock.
+bytes midi_wire::line::through_interface(byte_view sent, double now)
+{
+	const interface_faults &f = interface;
+	if (f.room && settings.byte_time > 0) {
+		const double waits = std::max(out_free - now, 0.0) / settings.byte_time;
+		const auto held = static_cast<std::size_t>(std::ceil(waits - 1e-6));
+		sent = sent.first(std::min(sent.size(), f.room - std::min(f.room, held)));
+	}
+	bytes out;
+	const auto due = [this](unsigned every) { return every && passed % every == 0; };
+	for (const std::uint8_t b : sent) {
+		passed++;
+		if (due(f.lose_every))
+			continue;
+		out.push_back(due(f.turn_every) ? static_cast<std::uint8_t>(b ^ 0x10) : b);
+		if (due(f.double_every))
+			out.push_back(b);
+	}
+	return out;
+}
+
 // One event for each end of an exclusive message in the run, so that the machine hears
 // it when it is complete, and one for the end of the run.
-void midi_wire::line::send(byte_view sent)
+void midi_wire::line::send(byte_view run)
 {
 	const double now = time.now();
 	std::vector<double> moments;
 	{
 		std::lock_guard held(lock);
-		if (pulled || sent.empty())
+		if (pulled || run.empty())
 			return;
+		const bytes sent = through_interface(run, now);
 		std::size_t from = 0;
 		for (std::size_t i = 0; i < sent.size(); i++) {
-			if (sent[i] != 0xF7 && i + 1 < sent.size())
+			const bool piece = machine.loop && i + 1 - from == loop_piece;
+			if (sent[i] != 0xF7 && i + 1 < sent.size() && !piece)
 				continue;
-			const byte_view part = sent.subspan(from, i + 1 - from);
+			const byte_view part = byte_view(sent).subspan(from, i + 1 - from);
 			outgoing.push_back({ .begins = std::max(now, out_free),
 				.byte_time = settings.byte_time,
 				.content = bytes(part.begin(), part.end()) });
@@ -151,9 +180,16 @@ void midi_wire::line::left(double)
 	std::size_t at;
 	bool broken_off = false;
 	{
-		std::lock_guard held(lock);
+		std::unique_lock held(lock);
 		if (pulled || outgoing.empty())
 			return;
+		if (machine.loop) {
+			const bytes came = std::move(outgoing.front().content);
+			outgoing.pop_front();
+			held.unlock();
+			loop_back(came);
+			return;
+		}
 		at = message.size();
 		for (const std::uint8_t b : outgoing.front().content) {
 			if (b >= 0xF8) {
@@ -188,6 +224,18 @@ void midi_wire::line::left(double)
 		reached(whole);
 	if (!fresh.empty() && machine.part)
 		reached_in_part(at, fresh);
+	notify();
+}
+
+void midi_wire::line::loop_back(byte_view came)
+{
+	interface_faults f;
+	{
+		std::lock_guard held(lock);
+		f = interface;
+	}
+	if (!f.dead)
+		speak(machine.loop(came), f.late, false, false);
 	notify();
 }
 
@@ -370,6 +418,12 @@ void midi_wire::clear_faults()
 	state->faults.clear();
 }
 
+void midi_wire::set_interface(interface_faults faults)
+{
+	std::lock_guard held(state->lock);
+	state->interface = faults;
+}
+
 void midi_wire::send(byte_view sent)
 {
 	state->send(sent);
@@ -386,7 +440,7 @@ std::size_t midi_wire::leaving() const
 	std::lock_guard held(state->lock);
 	std::size_t count = 0;
 	for (const run &r : state->outgoing)
-		count += r.content.size() - r.over_by(now);
+		count += state->interface.room ? 0 : r.content.size() - r.over_by(now);
 	return count;
 }
 
@@ -456,6 +510,14 @@ void midi_wire::on_change(std::function<void()> what)
 {
 	std::lock_guard held(state->lock);
 	state->changed = std::move(what);
+}
+
+midi_machine loop_cable()
+{
+	const auto silent = [](byte_view) { return bytes(); };
+	return { .answer = silent, .refuse = silent, .wait = silent, .loop = [](byte_view came) {
+			return bytes(came.begin(), came.end());
+		} };
 }
 
 // ---- Machines on one cable ---------------------------------------------------------

@@ -44,6 +44,23 @@ struct midi_machine {
 	std::function<machine::bytes(std::size_t, machine::byte_view)> part = {};
 	// What reaches it beside exclusive messages: notes, what they are played with, real time.
 	std::function<void(machine::byte_view)> played = {};
+	// In place of all that: a cable from the output to the input. What comes back of bytes as
+	// they come.
+	std::function<machine::bytes(machine::byte_view)> loop = {};
+};
+
+// A cable from an output to the input of the same interface.
+midi_machine loop_cable();
+
+// What an interface does to bytes on their way to the cable.
+struct interface_faults {
+	unsigned lose_every = 0, double_every = 0; // the nth byte of all
+	unsigned turn_every = 0;                   // a bit of it
+	// Bytes that it holds until they are on the cable. What does not fit is lost, and the host
+	// is told at once that all have left. 0: any number, as the host is told.
+	std::size_t room = 0;
+	double late = 0;   // seconds, of what comes back
+	bool dead = false; // nothing does
 };
 
 // Machines on one cable, in order: what one of them does not answer is for the next.
@@ -91,6 +108,7 @@ public:
 	// Faults add up; the one set first wins an exchange.
 	void set_fault(wire_fault fault);
 	void clear_faults();
+	void set_interface(interface_faults faults);
 
 	// Put bytes on the wire behind those still leaving. Any run, also parts of a message.
 	void send(machine::byte_view run);

@@ -6,6 +6,7 @@
 
 #include "platform/headless/headless.h"
 #include "platform/ui.h"
+#include <algorithm>
 #include <chrono>
 #include <condition_variable>
 #include <cstdio>
@@ -26,6 +27,7 @@ struct headless_control {
 	std::string text;
 	std::vector<std::string> items;
 	int selected = -1;
+	std::vector<int> chosen; // of a list that takes several
 	bool checked = false;
 	std::vector<form_row> rows;
 };
@@ -65,13 +67,26 @@ static void set_list(int window, int control, std::span<const std::string> items
 	headless_control &place = controls[{ window, control }];
 	place.items.assign(items.begin(), items.end());
 	place.selected = -1;
+	place.chosen.clear();
+}
+
+static bool in_list(const headless_control &place, int index)
+{
+	return index >= 0 && static_cast<std::size_t>(index) < place.items.size();
+}
+
+static void select_several(int window, int control, std::span<const int> places)
+{
+	headless_control &place = controls[{ window, control }];
+	place.chosen.assign(places.begin(), places.end());
+	std::erase_if(place.chosen, [&](int index) { return !in_list(place, index); });
+	std::sort(place.chosen.begin(), place.chosen.end());
+	place.selected = place.chosen.empty() ? -1 : place.chosen.front();
 }
 
 static void select_item(int window, int control, int index)
 {
-	headless_control &place = controls[{ window, control }];
-	const bool there = index >= 0 && static_cast<std::size_t>(index) < place.items.size();
-	place.selected = there ? index : -1;
+	select_several(window, control, { &index, 1 });
 }
 
 static bool exists(int window, int control)
@@ -118,18 +133,67 @@ static void progress_set(int, const char *info, const char *time_left)
 		std::fprintf(stderr, "\r%s %s\033[K", info ? info : "", time_left ? time_left : "");
 }
 
+// ---- Timers -----------------------------------------------------------------------------------
+
+// They tick inside a pump. One whose tick pumps itself is not entered again.
+using steady = std::chrono::steady_clock;
+struct running_timer {
+	std::chrono::milliseconds every;
+	void (*tick)();
+	steady::time_point due;
+	bool inside = false;
+};
+static std::map<int, running_timer> timers;
+static int last_timer = 0;
+
+static int start_timer(int milliseconds, void (*tick)())
+{
+	const std::chrono::milliseconds every(std::max(milliseconds, 1));
+	timers[++last_timer] = { every, tick, steady::now() + every };
+	return last_timer;
+}
+
+static steady::time_point first_due(steady::time_point latest)
+{
+	for (const auto &[id, timer] : timers)
+		if (!timer.inside)
+			latest = std::min(latest, timer.due);
+	return latest;
+}
+
+// A tick may stop any timer, its own too. What was missed is not made up for.
+static void tick_due_timers()
+{
+	std::vector<int> due;
+	for (const auto &[id, timer] : timers)
+		if (!timer.inside && timer.due <= steady::now())
+			due.push_back(id);
+	for (const int id : due) {
+		const auto found = timers.find(id);
+		if (found == timers.end())
+			continue;
+		running_timer &timer = found->second;
+		timer.due = std::max(timer.due + timer.every, steady::now());
+		timer.inside = true;
+		timer.tick();
+		if (const auto left = timers.find(id); left != timers.end())
+			left->second.inside = false;
+	}
+}
+
 static void pump(int max_ms)
 {
 	std::vector<void (*)()> works;
 	{
 		std::unique_lock hold(wake_lock);
-		woken.wait_for(
-			hold, std::chrono::milliseconds(max_ms), [] { return wake_pending; });
+		woken.wait_until(hold, first_due(steady::now() + std::chrono::milliseconds(max_ms)),
+			[] { return wake_pending; });
 		wake_pending = false;
 		works.swap(posted);
 	}
 	for (void (*work)() : works)
 		work();
+	tick_due_timers();
 }
 
 static void wake()
@@ -175,14 +239,9 @@ const ui_service headless_ui = {
 	.set_list_state = [](int, int, list_state, const char *) {},
 	.selections =
 		[](int w, int c) {
-			const bool any = exists(w, c) && controls[{ w, c }].selected >= 0;
-			return any ? std::vector<int>{ controls[{ w, c }].selected }
-				   : std::vector<int>{};
+			return exists(w, c) ? controls[{ w, c }].chosen : std::vector<int>();
 		},
-	.select_several =
-		[](int w, int c, std::span<const int> places) {
-			select_item(w, c, places.empty() ? -1 : places.front());
-		},
+	.select_several = select_several,
 	.set_marks = [](int, int, std::span<const entry_mark>) {},
 	.set_bar = [](int, int, int, int) {},
 	.set_role = [](int, int, text_role) {},
@@ -241,9 +300,8 @@ const ui_service headless_ui = {
 			if (isatty(STDERR_FILENO))
 				std::fputs("\r\033[K", stderr);
 		},
-	// Nothing of a program without windows repeats by itself.
-	.start_timer = [](int, void (*)()) { return 0; },
-	.stop_timer = [](int) {},
+	.start_timer = start_timer,
+	.stop_timer = [](int timer) { timers.erase(timer); },
 	.pump = pump,
 	.wake = wake,
 	.post = post,

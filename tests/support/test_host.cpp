@@ -8,6 +8,7 @@
 #include "src/velmor_midi.h"
 #include "src/velmor_monitor.h"
 #include "src/velmor_outcome.h"
+#include "src/velmor_pace.h"
 #include "src/velmor_window.h"
 #include "src/waveqx.h"
 #include <algorithm>
@@ -406,6 +407,7 @@ static void forget_everything()
 	forget_commands();
 	forget_monitor();
 	forget_stop();
+	forget_kept_paces();
 	the_line = {};
 	local_sample.clear();
 	edits_changed = nullptr;

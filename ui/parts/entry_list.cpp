@@ -52,6 +52,14 @@ void two_line_entry::paint(
 		QRectF(option.rect.left() + 14, option.rect.center().y() - 9, 20, 20),
 		color(QPalette::Dark));
 	QRect words = option.rect.adjusted(48, 6, -12, -6);
+	const QString plug = index.siblingAtColumn(3).data().toString();
+	if (!plug.isEmpty()) {
+		paint_icon(painter, plug == "plugged in" ? icon::plugged : icon::unplugged,
+			QRectF(words.right() - icon_size, option.rect.center().y() - icon_size / 2,
+				icon_size, icon_size),
+			color(QPalette::Dark));
+		words.setRight(words.right() - icon_size - 8);
+	}
 	painter->setPen(color(QPalette::Text));
 	painter->drawText(words, Qt::AlignRight | Qt::AlignTop, mark);
 	QFont bold = option.font;
@@ -126,8 +134,8 @@ void entry_list::set_columns(const QStringList &titles)
 void entry_list::set_two_lines()
 {
 	two_lines = true;
-	setColumnCount(3);
-	for (int column = 1; column < 3; column++)
+	setColumnCount(4);
+	for (int column = 1; column < 4; column++)
 		setColumnHidden(column, true);
 	setItemDelegate(new two_line_entry(this));
 }

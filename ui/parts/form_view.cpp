@@ -37,7 +37,8 @@ enum : int {
 	column_unit,
 	columns,
 };
-static constexpr int two_columns_from = 560; // pixels
+static constexpr qsizetype sentence_from = 40;            // letters of a heading
+static constexpr int dot_width = 12, between_columns = 4; // pixels
 
 form_view::form_view(top_window *window, int control)
 	: QWidget(window), window_id(window->id), control_id(control)
@@ -213,7 +214,14 @@ static QWidget *make_heading(const QString &words, QWidget *parent)
 	auto *all = new QWidget(parent);
 	auto *row = new QHBoxLayout(all);
 	row->setContentsMargins(0, 0, 0, 0);
-	row->addWidget(make_title(words, 1.1, true, all));
+	told_label *title = make_title(words, 1.1, true, all);
+	row->addWidget(title, words.size() > sentence_from ? 1 : 0);
+	if (words.size() > sentence_from) {
+		// A sentence goes on in the next line, and has no hairline behind it.
+		title->setWordWrap(true);
+		title->setMinimumHeight(2 * title->fontMetrics().lineSpacing());
+		return all;
+	}
 	row->addWidget(make_line(all), 1);
 	return all;
 }
@@ -244,12 +252,30 @@ void form_view::build(std::span<const form_row> rows)
 		}
 		add_line(rows[i], place, group);
 	}
+	const int half = second_half(), count = static_cast<int>(lines.size());
+	wide_from = width_of(0, half) + between_controls + width_of(half, count);
 	arrange();
 	for (std::size_t i = 0; i < rows.size(); i++)
 		if (rows[i].changed)
 			set_changed(static_cast<int>(i), true);
 	layout()->addWidget(rows_shown);
+	order_keys();
 	rows_shown->show();
+}
+
+// What is made while the window stands would come last in it.
+void form_view::order_keys()
+{
+	QWidget *last = previousInFocusChain();
+	while (last != this && last->focusPolicy() == Qt::NoFocus)
+		last = last->previousInFocusChain();
+	for (const cell &c : cells)
+		for (QWidget *widget :
+			QList<QWidget *>{ c.widget } + c.widget->findChildren<QWidget *>())
+			if (widget->focusPolicy() & Qt::TabFocus && widget->window() == window()) {
+				setTabOrder(last, widget);
+				last = widget;
+			}
 }
 
 // The first row of the second half of a wide form: the group that makes both most alike.
@@ -263,6 +289,21 @@ int form_view::second_half() const
 	return found;
 }
 
+// What these rows need, so that no word of them is cut.
+int form_view::width_of(int from, int to) const
+{
+	int widest[columns] = {}, over_two = 0;
+	for (const cell &c : cells) {
+		const int wanted = c.widget->minimumSizeHint().width();
+		if (c.row < from || c.row >= to || c.column == column_dot)
+			continue;
+		int &column = c.span == 1 ? widest[c.column] : over_two;
+		column = std::max({ column, wanted, c.widget->minimumWidth() });
+	}
+	return dot_width + widest[column_label] + widest[column_unit] + 4 * between_columns +
+	       std::max(over_two, widest[column_bar] + between_columns + widest[column_field]);
+}
+
 // From anew, as another width may want other columns.
 void form_view::arrange()
 {
@@ -270,12 +311,12 @@ void form_view::arrange()
 	auto *grid = new QGridLayout(rows_shown);
 	grid->setContentsMargins(0, 0, 0, 0);
 	grid->setVerticalSpacing(0);
-	grid->setHorizontalSpacing(4);
-	shown_wide = width() >= two_columns_from;
+	grid->setHorizontalSpacing(between_columns);
+	shown_wide = width() >= wide_from;
 	split = shown_wide ? second_half() : static_cast<int>(lines.size());
 	const bool halves = split < static_cast<int>(lines.size());
 	for (int first = 0; first <= (halves ? columns + 1 : 0); first += columns + 1) {
-		grid->setColumnMinimumWidth(first + column_dot, 12);
+		grid->setColumnMinimumWidth(first + column_dot, dot_width);
 		grid->setColumnStretch(first + column_bar, 1);
 	}
 	if (halves)
@@ -297,7 +338,7 @@ void form_view::place_cell(QGridLayout *grid, const cell &c)
 
 void form_view::resizeEvent(QResizeEvent *event)
 {
-	if (rows_shown && shown_wide != (width() >= two_columns_from))
+	if (rows_shown && shown_wide != (width() >= wide_from))
 		arrange();
 	QWidget::resizeEvent(event);
 }

@@ -64,7 +64,9 @@ private:
 	void put(QWidget *widget, int row, int column, int span = 1);
 	void arrange();
 	void place_cell(QGridLayout *grid, const cell &c);
+	void order_keys();
 	int second_half() const;
+	int width_of(int from, int to) const;
 	void watch(QWidget *widget, int place);
 	void step(int row, int by);
 	bool take_key(int row, QObject *watched, QKeyEvent *event);
@@ -79,6 +81,7 @@ private:
 	std::vector<cell> cells;
 	std::vector<int> heads; // rows that are headings
 	bool shown_wide = false;
+	int wide_from = 0;    // pixels
 	int split = 0;        // the first row of the second half
 	int wheel_turned = 0; // not yet a step
 };

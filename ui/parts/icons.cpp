@@ -32,6 +32,7 @@ static constexpr picture_row pictures[] = {
 	{ icon::program,      "R 1.5 1.5 13 13 3 M 5 6.5 L 5 9.5 M 8 4.5 L 8 11.5 M 11 6 L 11 10" },
 	{ icon::midi,         "O 8 8 6.5 D 4.5 8 0.9 D 11.5 8 0.9 D 5.6 5.4 0.9 D 10.4 5.4 0.9 D 8 4.3 0.9 M 6.5 14.2 L 6.5 12.5 L 9.5 12.5 L 9.5 14.2" },
 	{ icon::usb,          "M 8 1.5 L 8 12.5 M 6 3.7 L 8 1.2 L 10 3.7 M 8 11 L 4 8.5 L 4 6.5 M 8 9 L 12 6.8 L 12 4.8 D 8 13.4 1.6 D 4 5.6 1.2 M 11.2 4.4 L 12.8 4.4" },
+	{ icon::plugged,      "M 5.5 2 L 5.5 5 M 10.5 2 L 10.5 5 M 3.5 5.5 L 12.5 5.5 L 12.5 8 C 12.5 10 11 11 8 11 C 5 11 3.5 10 3.5 8 Z M 8 11 L 8 14.5" },
 	{ icon::unplugged,    "M 5.5 2 L 5.5 5 M 10.5 2 L 10.5 5 M 3.5 5.5 L 12.5 5.5 L 12.5 8 C 12.5 10 11 11 8 11 C 5 11 3.5 10 3.5 8 Z M 8 11 L 8 14.5 M 2 2 L 14 14" },
 	{ icon::sampler,      "R 1 3.5 14 9 1.5 R 3.5 6 5 3 0.5 M 11 6.5 L 12.5 6.5 M 11 9.5 L 12.5 9.5" },
 	{ icon::computer,     "R 1.5 2 13 9 1.2 M 8 11 L 8 14 M 5 14 L 11 14" },
@@ -99,6 +100,9 @@ static constexpr control_row controls[] = {
 	{ window_main,     menu_usb_samplers,     icon::usb },
 	{ window_main,     menu_settings,         icon::settings },
 	{ window_settings, 0,                     icon::settings },
+	{ window_self_test, 0,                    icon::midi },
+	{ window_self_test, self_test_list,       icon::midi },
+	{ window_settings, settings_self_test,    icon::good },
 	{ window_sampler,  0,                     icon::midi },
 	{ window_sampler,  sampler_device_info,   icon::info },
 	{ window_sampler,  sampler_note_on,       icon::notes },
@@ -112,6 +116,20 @@ static constexpr control_row controls[] = {
 	{ window_midi_files, player_unload,       icon::cancel },
 	{ window_midi_files, player_play,         icon::play },
 	{ window_midi_files, player_stop,         icon::stop },
+	{ window_main,     menu_history,          icon::undo },
+	{ window_history,  0,                     icon::undo },
+	{ window_history,  history_list,          icon::document },
+	{ window_history,  history_restore,       icon::undo },
+	{ window_history,  history_delete,        icon::trash },
+	{ window_history,  history_refresh,       icon::refresh },
+	{ window_main,     menu_backup,           icon::save },
+	{ window_backup,   0,                     icon::save },
+	{ window_backup,   backup_list,           icon::document },
+	{ window_backup,   backup_choose,         icon::folder_in },
+	{ window_backup,   backup_begin,          icon::right },
+	{ window_backup,   backup_restore,        icon::left },
+	{ window_samples,  samples_compare,       icon::search },
+	{ window_programs, programs_compare,      icon::search },
 	{ window_multis,   multis_download,       icon::right },
 	{ window_usb,      0,                     icon::usb },
 	{ window_usb,      usb_device_info,       icon::info },
@@ -175,7 +193,7 @@ static constexpr control_row controls[] = {
 
 icon icon_of(int window, int control)
 {
-	if (control == status_undo)
+	if (control == status_undo || control == status_undo_sampler)
 		return icon::undo;
 	for (const control_row &row : controls)
 		if (row.window == window && row.control == control)

@@ -15,6 +15,7 @@ enum class icon {
 	program, // the program itself
 	midi,
 	usb,
+	plugged,
 	unplugged,
 	sampler,
 	computer,

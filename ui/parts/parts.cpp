@@ -54,8 +54,11 @@ static constexpr dialog_maker dialogs[] = {
 	{ window_sampler, create_sampler_dialog },
 	{ window_usb, create_usb_dialog },
 	{ window_multis, create_multi_window },
+	{ window_backup, create_backup_window },
+	{ window_self_test, create_self_test_window },
 	{ window_panel, create_panel_window },
 	{ window_midi_files, create_player_window },
+	{ window_history, create_history_window },
 	{ window_progress, create_progress_window },
 };
 
@@ -383,13 +386,24 @@ void add_to(QBoxLayout *layout, std::initializer_list<QWidget *> widgets)
 			layout->addWidget(widget);
 }
 
+void set_order(std::initializer_list<QWidget *> widgets)
+{
+	QWidget *last = nullptr;
+	for (QWidget *widget : widgets) {
+		if (last && widget)
+			QWidget::setTabOrder(last, widget);
+		last = widget ? widget : last;
+	}
+}
+
 void add_closing_buttons(top_window *window)
 {
 	auto *row = new QHBoxLayout;
 	row->addStretch();
+	QPushButton *leave = make_button(window, control_cancel);
 	QPushButton *keep = make_button(window, control_ok);
 	keep->setProperty("main", true);
-	add_to(row, { make_button(window, control_cancel), keep });
+	add_to(row, { leave, keep });
 	window->content->addStretch();
 	window->content->addLayout(row);
 }

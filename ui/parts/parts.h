@@ -71,6 +71,8 @@ QBoxLayout *scrolled_column(top_window *window);
 // Add a row whose label is the control's caption.
 void add_row(QFormLayout *form, int window, int control, QWidget *field);
 void add_to(QBoxLayout *layout, std::initializer_list<QWidget *> widgets);
+// The keys go through them in this order; a null is passed over.
+void set_order(std::initializer_list<QWidget *> widgets);
 // The foot of a dialog: the button that keeps, filled, and the one that leaves.
 void add_closing_buttons(top_window *window);
 
@@ -85,11 +87,14 @@ void create_settings_dialog(QWidget *owner);
 void create_sampler_dialog(QWidget *owner);
 void create_usb_dialog(QWidget *owner);
 void create_multi_window(QWidget *owner);
+void create_backup_window(QWidget *owner);
+void create_self_test_window(QWidget *owner);
 void create_panel_window(QWidget *owner);
 void create_progress_window(QWidget *owner);
 void create_sample_manager(QWidget *owner);
 void create_program_manager(QWidget *owner);
 void create_player_window(QWidget *owner);
+void create_history_window(QWidget *owner);
 
 // What waits to be sent is told beside the tabs, and fills the button that sends it.
 void show_unsent(const QString &words);

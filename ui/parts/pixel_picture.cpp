@@ -67,6 +67,12 @@ void pixel_picture::set_light(QRgb color)
 	update();
 }
 
+void pixel_picture::set_faded(bool old)
+{
+	faded = old;
+	update();
+}
+
 QSize pixel_picture::sizeHint() const
 {
 	return pixels().isEmpty() ? QSize(160, 120) : pixels();
@@ -105,6 +111,7 @@ void pixel_picture::paintEvent(QPaintEvent *)
 	}
 	enlarged.setDevicePixelRatio(devicePixelRatioF());
 	QPainter painter(this);
+	painter.setOpacity(faded ? 0.25 : 1);
 	painter.drawImage(picture_place().topLeft(), enlarged);
 }
 
@@ -152,6 +159,15 @@ void pixel_picture::mousePressEvent(QMouseEvent *event)
 void pixel_picture::mouseReleaseEvent(QMouseEvent *event)
 {
 	event->setAccepted(send_mouse(event->position(), mouse_action::up, button_number(event)));
+}
+
+// Its frame, which is painted around it, shows the focus.
+bool pixel_picture::event(QEvent *event)
+{
+	if (parentWidget() &&
+		(event->type() == QEvent::FocusIn || event->type() == QEvent::FocusOut))
+		parentWidget()->update();
+	return QWidget::event(event);
 }
 
 void pixel_picture::wheelEvent(QWheelEvent *event)

@@ -25,6 +25,8 @@ public:
 	void show_view(const bitmap_view *view);
 	// The colour of a clear bit.
 	void set_light(QRgb color);
+	// It is not what the machine shows now.
+	void set_faded(bool old);
 	QSize sizeHint() const override;
 
 protected:
@@ -34,6 +36,7 @@ protected:
 	void mousePressEvent(QMouseEvent *event) override;
 	void mouseReleaseEvent(QMouseEvent *event) override;
 	void wheelEvent(QWheelEvent *event) override;
+	bool event(QEvent *event) override;
 
 private:
 	bool send_key(QKeyEvent *event, bool pressed);
@@ -48,7 +51,8 @@ private:
 	QRgb light = qRgb(255, 255, 255);
 	QImage enlarged;
 	bool changed = true; // since it was enlarged
-	int wheel_left = 0;  // of a step not yet told
+	bool faded = false;
+	int wheel_left = 0; // of a step not yet told
 };
 
 } // namespace velmor

@@ -70,6 +70,20 @@ void remember_place(const top_window *window)
 		(void)host.settings->save_key(key.c_str(), text.c_str());
 }
 
+int kept_setting(const char *name)
+{
+	char text[setting_size];
+	const std::vector<int> numbers =
+		host.settings->load_key(name, text) == 0 ? numbers_in(text) : std::vector<int>();
+	return numbers.empty() ? -1 : numbers.front();
+}
+
+// As a place, not worth a word.
+void keep_setting(const char *name, int value)
+{
+	(void)host.settings->save_key(name, format_text("%d", value).c_str());
+}
+
 void remember_places()
 {
 	for (const QWidget *widget : QApplication::topLevelWidgets())

@@ -15,6 +15,9 @@ class top_window;
 // stands beside the main window.
 void restore_place(top_window *window);
 void remember_place(const top_window *window);
+// A number that a window keeps; -1 where there is none.
+int kept_setting(const char *name);
+void keep_setting(const char *name, int value);
 // Of all windows that are shown, before the program ends.
 void remember_places();
 

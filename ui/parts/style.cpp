@@ -197,6 +197,9 @@ static void draw_tab(const QStyleOption *option, QPainter *painter)
 	if (chosen || has(option, QStyle::State_MouseOver))
 		painter->fillRect(QRect(place.left(), place.bottom() - 2, place.width(), 3),
 			option->palette.color(chosen ? QPalette::Link : QPalette::Mid));
+	if (has(option, QStyle::State_HasFocus))
+		draw_box(painter, place.adjusted(1, 2, -1, -5), Qt::transparent,
+			option->palette.color(QPalette::Link), focus_width);
 }
 
 // ---- Sliders and bars -----------------------------------------------------------------------------

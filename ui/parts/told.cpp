@@ -157,11 +157,18 @@ card::card(QWidget *parent) : QFrame(parent)
 	setBackgroundRole(QPalette::Base);
 }
 
+void card::set_lit(bool focus)
+{
+	lit = focus;
+	update();
+}
+
 void card::paintEvent(QPaintEvent *)
 {
 	QPainter painter(this);
 	draw_box(&painter, rect(), palette().color(QPalette::Base),
-		palette().color(QPalette::Midlight), 1, card_corner);
+		palette().color(lit ? QPalette::Link : QPalette::Midlight), lit ? 1.5 : 1,
+		card_corner);
 }
 
 told_label *make_title(const QString &words, double size, bool bold, QWidget *parent)

@@ -63,9 +63,14 @@ class card : public QFrame
 {
 public:
 	explicit card(QWidget *parent);
+	// Its frame says that what fills it has the focus.
+	void set_lit(bool focus);
 
 protected:
 	void paintEvent(QPaintEvent *event) override;
+
+private:
+	bool lit = false;
 };
 
 // A label so many times the desktop's size.

@@ -53,27 +53,68 @@ static told_label *make_told(top_window *window, int control, const char *spoken
 	return label;
 }
 
+// One line; two in a window that is too narrow for both sentences.
+class status_foot : public QWidget
+{
+public:
+	explicit status_foot(QWidget *parent)
+		: QWidget(parent), row(new QBoxLayout(QBoxLayout::LeftToRight, this))
+	{
+	}
+	void set_connection(QWidget *label)
+	{
+		connection = label;
+		turn(false);
+	}
+	QBoxLayout *const row;
+
+protected:
+	void resizeEvent(QResizeEvent *event) override
+	{
+		const bool narrow = width() < fontMetrics().averageCharWidth() * letters_for_both;
+		if (narrow != (row->direction() == QBoxLayout::TopToBottom))
+			turn(narrow);
+		QWidget::resizeEvent(event);
+	}
+
+private:
+	static constexpr int letters_for_both = 100;
+
+	void turn(bool narrow)
+	{
+		row->setDirection(narrow ? QBoxLayout::TopToBottom : QBoxLayout::LeftToRight);
+		row->setSpacing(narrow ? 0 : between_panels);
+		connection->setSizePolicy(narrow ? QSizePolicy::Ignored : QSizePolicy::Maximum,
+			QSizePolicy::Preferred);
+		const int above = narrow ? between_controls / 2 : 0;
+		row->setContentsMargins(margin_side, above, margin_side, above);
+		setMinimumHeight(narrow ? status_height * 5 / 3 : status_height);
+	}
+
+	QWidget *connection = nullptr;
+};
+
 static QWidget *make_status_line(top_window *window)
 {
-	auto *foot = new QWidget(window);
-	foot->setMinimumHeight(status_height);
-	auto *row = new QHBoxLayout(foot);
-	row->setContentsMargins(margin_side, 0, margin_side, 0);
-	row->setSpacing(between_panels);
+	auto *foot = new status_foot(window);
 	// Neither makes the window wider: nothing jumps when the words change.
 	told_label *connection = make_told(window, status_line, own("Connection"), foot);
 	connection->set_cut();
-	connection->setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Preferred);
-	row->addWidget(connection);
+	foot->row->addWidget(connection);
+	foot->set_connection(connection);
+	auto *row = new QHBoxLayout;
+	row->setSpacing(between_panels);
+	foot->row->addLayout(row, 1);
 	told_label *outcome = make_told(window, status_outcome, own("Last outcome"), foot);
 	outcome->set_cut();
 	row->addWidget(outcome, 1);
-	if (QPushButton *undo = make_button(window, status_undo)) {
-		undo->setFlat(true);
-		undo->setProperty("link", true);
-		undo->hide();
-		row->addWidget(undo);
-	}
+	for (const int control : { status_undo_sampler, status_undo })
+		if (QPushButton *undo = make_button(window, control)) {
+			undo->setFlat(true);
+			undo->setProperty("link", true);
+			undo->hide();
+			row->addWidget(undo);
+		}
 	return foot;
 }
 

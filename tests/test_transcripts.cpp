@@ -1,0 +1,313 @@
+// test_transcripts.cpp - traffic recorded, read, answered and repeated
+//
+// The files of tests/transcripts are what the program once said to a sampler of each family and
+// was answered. It must say the same today. VELMOR_MAKE_TRANSCRIPTS=1 writes them anew.
+
+#include "src/usbqx.h"
+#include "src/velmor_programs.h"
+#include "src/velmor_record.h"
+#include "src/velmor_replay.h"
+#include "src/waveqx.h"
+#include "tests/support/test_host.h"
+#include "tests/support/transcript_midi.h"
+#include "virtual/midi_ports.h"
+#include "virtual/replay.h"
+#include "virtual/s1000.h"
+#include "virtual/s5000.h"
+#include "virtual/s900.h"
+#include "virtual/usb_bus.h"
+#include "virtual/wave_image.h"
+#include "virtual/z4.h"
+#include <algorithm>
+#include <cstdlib>
+#include <fstream>
+#include <sstream>
+
+namespace velmor
+{
+namespace
+{
+
+const std::vector<std::int16_t> sound(100, 1234);
+
+// One of each family, with two samples and a program.
+struct rack {
+	s1000_machine s3000{ s1000_model::s3000, 5 };
+	s900_machine s900{ s900_model::s900, 3 };
+	s5000 s5k;
+	z4 z8{ z4_model::z8 }, mpc{ z4_model::mpc4000 };
+
+	rack()
+	{
+		add("KICK");
+		add("SNARE");
+		s3000.add_program("DRUMS", 1);
+		s900.add_program("DRUMS", 1);
+		s5k.programs.push_back({ "DRUMS", std::vector<s5000_keygroup>(1) });
+		z8.add_program("DRUMS", std::vector<z4_keygroup>(1));
+		mpc.add_program("DRUMS", std::vector<z4_keygroup>(1));
+		s900.omni = true;
+		s5k.name = z8.name = mpc.name = "Studio";
+	}
+	void add(const char *name)
+	{
+		s3000.add_sample(name, 44100, sound);
+		s900.add_sample(name, 20000, sound);
+		for (usb_sampler *machine : std::initializer_list<usb_sampler *>{ &s5k, &z8, &mpc })
+			machine->add_sample(name, make_wave(sound, {}));
+	}
+};
+struct family {
+	const char *name;
+	i32 model;
+	u8 channel;
+	usb_machine *(*usb)(rack &); // null: on MIDI
+	midi_machine (*midi)(rack &, timeline &);
+};
+
+// clang-format off
+const family families[] = {
+	{ "s3000", model_s3000, 5, nullptr, [](rack &r, timeline &) { return r.s3000.on_wire(); } },
+	{ "s900", model_s900, 3, nullptr, [](rack &r, timeline &t) { return r.s900.on_wire(t); } },
+	{ "s5000", model_s5000, 0, [](rack &r) -> usb_machine * { return &r.s5k; }, nullptr },
+	{ "z8", model_z4, 0, [](rack &r) -> usb_machine * { return &r.z8; }, nullptr },
+	{ "mpc4000", model_mpc4000, 0, [](rack &r) -> usb_machine * { return &r.mpc; }, nullptr },
+};
+// clang-format on
+
+std::string content_of(const std::string &path)
+{
+	std::ifstream file(path);
+	return (std::stringstream() << file.rdbuf()).str();
+}
+// Ends the recording. "The transcript is ... ."
+std::string recorded_text()
+{
+	const std::string words = stop_recording().words;
+	return content_of(words.substr(18, words.size() - 19));
+}
+
+class transcripts : public host_test, public ::testing::WithParamInterface<family>
+{
+protected:
+	~transcripts() override { unplug(); }
+	void unplug()
+	{
+		close_midi_output();
+		unplug_all_midi();
+		unplug_all_usb();
+		forget_unread_usb();
+		forget_lists();
+		usbdev.clear();
+		usbdevs = usb_init_done = 0;
+	}
+	void plug(usb_machine *usb, midi_machine midi)
+	{
+		host.midi = &virtual_midi;
+		host.usb = &virtual_usb;
+		if (usb)
+			plug_usb(h.time, *usb);
+		else
+			port = plug_midi(h.time, std::move(midi), "Cable");
+	}
+	void plug(const family &f, rack &r)
+	{
+		plug(f.usb ? f.usb(r) : nullptr, f.usb ? midi_machine() : f.midi(r, h.time));
+	}
+	void connect(const family &f)
+	{
+		h.use_sampler(f.model, f.channel, f.usb ? "Studio" : "");
+		current_sampler->sampler_sysex = f.model == model_s900 ? f.channel + 1u : 1u;
+		if (f.usb)
+			init_usb(1);
+		else
+			reload_midi_setup(false);
+		selected_midi_in_interface = selected_midi_out_interface = f.usb ? -1 : 0;
+	}
+	// What a person does; an S900 neither renames nor deletes.
+	void work()
+	{
+		const auto done = [](const outcome &o) { EXPECT_TRUE(o.done()) << o.words; };
+		const std::string spool = h.config + "\\sample\\";
+		done(read_program_list());
+		done(download_sample("KICK"));
+		h.put_content(spool + "TOM.wav", h.content(spool + "KICK.wav").value());
+		load_local_samples(nullptr);
+		done(upload_sample(spool + "TOM"));
+		if (current_sampler->sampler_type != model_s900) {
+			done(rename_sample("TOM", "TIMPANI"));
+			done(delete_sample("TIMPANI"));
+		}
+		done(read_sample_list());
+	}
+	std::string record(const family &f, bool nameless)
+	{
+		rack r;
+		plug(f, r);
+		EXPECT_TRUE(start_recording(nameless).done());
+		connect(f);
+		work();
+		const std::string text = recorded_text();
+		unplug();
+		return text;
+	}
+	// Work with who answers as then.
+	void with_replay(const family &f, const std::string &text, bool strict,
+		const std::function<void(const replay_script &)> &what)
+	{
+		replay_sampler midi(f.usb ? "" : text, strict);
+		replay_usb usb(f.usb ? text : "", strict);
+		const replay_script &script = f.usb ? static_cast<replay_script &>(usb) : midi;
+		ASSERT_EQ(script.wrong(), "");
+		const auto later = [this](machine::bytes late) { port_wire(port).play(late); };
+		plug(f.usb ? &usb : nullptr, midi.on_wire(h.time, later));
+		connect(f);
+		what(script);
+		unplug();
+	}
+	int port = 0;
+};
+
+TEST_P(transcripts, the_program_says_what_it_said_then)
+{
+	const family &f = GetParam();
+	const std::string path =
+		std::string(std::getenv("VELMOR_SOURCE")) + "/tests/transcripts/" + f.name + ".txt";
+	if (std::getenv("VELMOR_MAKE_TRANSCRIPTS"))
+		std::ofstream(path) << record(f, false);
+	const std::string text = content_of(path);
+	EXPECT_LT(text.size(), 40000u);
+	with_replay(f, text, true, [&](const replay_script &script) {
+		work();
+		EXPECT_FALSE(script.parted()) << script.parted()->words();
+		EXPECT_EQ(script.left(), 0u);
+	});
+}
+
+// A program reads the lists under other names, and asks by them: checksums and places hold.
+TEST_P(transcripts, without_names_the_sampler_answers_under_others)
+{
+	const family &f = GetParam();
+	const std::string text = record(f, true);
+	EXPECT_NE(text.find("names: left out"), text.npos);
+	with_replay(f, text, false, [&](const replay_script &script) {
+		EXPECT_TRUE(read_program_list().done());
+		const _dev_status &dev = *current_sampler->status;
+		ASSERT_EQ(dev.samples, 2);
+		EXPECT_NE(std::string(dev.sample[0].name).substr(0, 4), "KICK");
+		EXPECT_NE(std::string(dev.program[0].name).substr(0, 5), "DRUMS");
+		EXPECT_TRUE(download_sample(dev.sample[0].name).done());
+		EXPECT_EQ(script.unknown(), 0);
+	});
+	transcript t;
+	ASSERT_EQ(read_transcript(text, &t), "");
+	std::string letters;
+	for (const crossing &c : t.crossings)
+		for (const u8 byte : c.bytes)
+			letters += byte ? static_cast<char>(byte) : ' ';
+	for (const char *name : { "KICK", "K I C K", "\x15\x13\x0D\x15", "TIMPANI" })
+		EXPECT_EQ(letters.find(name), letters.npos) << name;
+}
+
+TEST_P(transcripts, what_was_sent_is_sent_again_and_answers_are_compared)
+{
+	const family &f = GetParam();
+	transcript t;
+	ASSERT_EQ(read_transcript(record(f, false), &t), "");
+	replay_report report;
+	for (const bool same : { true, false }) {
+		rack r;
+		if (!same)
+			r.add("EXTRA");
+		plug(f, r);
+		connect(f);
+		const outcome done = replay_transcript(t, &report);
+		EXPECT_EQ(done.how, same ? ending::done : ending::refused) << done.words;
+		EXPECT_GT(report.answers, 10);
+		unplug();
+	}
+	ASSERT_FALSE(report.differences.empty());
+	const replay_difference &first = report.differences[0];
+	for (const crossing &c : t.crossings)
+		if (c.row == first.row) {
+			EXPECT_EQ(c.time, first.time);
+			EXPECT_EQ(c.bytes.at(first.at), first.then);
+		}
+	// The count of the list: F0 47 05 05 48 02.
+	const auto count = [](const replay_difference &d) {
+		return d.words.ends_with("byte 5 of the answer was 02 and is 03.");
+	};
+	EXPECT_EQ(std::ranges::any_of(report.differences, count), f.model == model_s3000);
+}
+
+INSTANTIATE_TEST_SUITE_P(of_each_family, transcripts, ::testing::ValuesIn(families),
+	[](const auto &row) { return std::string(row.param.name); });
+
+// ---- The text ---------------------------------------------------------------------------------
+
+using recordings = host_test;
+
+TEST_F(recordings, hold_every_byte_with_its_time)
+{
+	transcript_midi wire(h, R"(
+		> F0 47 00 00 48 F7
+		< @0.5 F0 00*40 01 02
+		< @0.01 03 F7
+		> F0 7D F7
+		< nothing
+	)");
+	ASSERT_TRUE(start_recording(false).done());
+	EXPECT_FALSE(start_recording(false).words.empty());
+	u8 answer[64];
+	int length = sizeof answer;
+	send_midi_string_ex(hex("F0 47 00 00 48 F7").data(), 6, answer, &length, 1);
+	length = sizeof answer;
+	send_midi_string_ex(hex("F0 7D F7").data(), 3, answer, &length, 1);
+	std::string text = recorded_text();
+	EXPECT_FALSE(recording());
+	ASSERT_TRUE(text.starts_with("velmor-transcript 1\nrecorded: 20")) << text;
+	text.erase(0, text.find("\nsampler: "));
+	EXPECT_EQ(text, R"(
+sampler: none
+way: none
+names: kept
+
+0.000000 ! midi-out: opened, transcript out
+0.000000 ! midi-in: opened, transcript in
+0.000000 > midi 6: F0 47 00 00 48 F7
+0.501920 < midi 45:
+	F0 00*40 01 02 03 F7
+0.511920 > midi 3: F0 7D F7
+)");
+}
+
+TEST_F(recordings, that_cannot_be_believed_say_where)
+{
+	const std::string head = "velmor-transcript 1\nnames: kept\n\n",
+			  event = head + "0.1 > midi ";
+	// clang-format off
+	const std::tuple<std::string, int, const char *> rows[] = {
+		{ "", 0, "This file is no transcript." },
+		{ "velmor-transcript 2\n\n", 1, "this program does not know its version." },
+		{ event + "3: F0 7D", 5, "the event before it lacks 1 bytes. Was the file cut?" },
+		{ event + "3: F0 7D\n0.2 < midi 0:", 5, "the event before it lacks 1 bytes. Was the file cut?" },
+		{ event + "2: F0 7D F7", 4, "there are more bytes than it says." },
+		{ event + "2: 00*99999999999999999999", 4, "'00*99999999999999999' is no byte." },
+		{ event + "4: 00*3\n\t1FF", 5, "'1FF' is no byte." },
+		{ event + "99999999: ", 4, "this is no event." },
+		{ head + "0.1 > modem 1: F8", 4, "this is no event." },
+		{ head + "nan > midi 1: F8", 4, "it does not begin with a time." },
+		{ head + "\tF8", 4, "no bytes are due." },
+	};
+	// clang-format on
+	transcript t;
+	for (const auto &[text, row, words] : rows) {
+		const std::string where =
+			row ? format_text("Line %d of the transcript: ", row) : "";
+		EXPECT_EQ(read_transcript(text, &t), where + words);
+		EXPECT_NE(replay_script(text).wrong(), "") << text;
+	}
+}
+
+} // namespace
+} // namespace velmor

@@ -278,9 +278,9 @@ static bool send_dump(const upload_job &job)
 		show_box("INFO", "Sample successfully uploaded!");
 	else
 		show_box("WARNING",
-			tr("The sound of [%s] was successfully uploaded, but the sampler did not "
-			   "take "
-			   "its pitch, loop, play mode and tuning."),
+			"The sound of [%s] was successfully uploaded, but the sampler did not "
+			"take "
+			"its pitch, loop, play mode and tuning.",
 			job.sample->name);
 	return whole;
 }

@@ -2,7 +2,9 @@
 
 #include "tests/ui_fixture.h"
 #include "ui/parts/entry_list.h"
+#include "ui/parts/window.h"
 #include "ui/translation.h"
+#include <QAbstractButton>
 #include <QFile>
 #include <QPushButton>
 #include <QXmlStreamReader>
@@ -130,6 +132,38 @@ TEST_F(in_german, windows_say_their_own_words_in_german_and_the_systems_words_as
 	EXPECT_STREQ(tr("nobody translates this"), "nobody translates this");
 	EXPECT_EQ(counted(1, noun::change) + ", " + counted(2, noun::change),
 		"1 Änderung, 2 Änderungen");
+}
+
+// Labels of forms wrap, and lines of told words end in dots; what is pressed shows all it says.
+TEST_F(in_german, what_is_pressed_shows_all_its_words_and_no_letter_opens_two_things)
+{
+	int seen = 0;
+	for (QWidget *window : QApplication::topLevelWidgets()) {
+		if (!dynamic_cast<top_window *>(window))
+			continue;
+		const std::string title = window->windowTitle().toStdString();
+		std::map<QChar, QString> letters;
+		window->show();
+		QApplication::processEvents();
+		for (const QAbstractButton *button : window->findChildren<QAbstractButton *>()) {
+			const QString words = button->text();
+			if (button->window() != window || !button->isVisible() || words.isEmpty())
+				continue;
+			seen++;
+			EXPECT_GE(button->width(), button->minimumSizeHint().width())
+				<< title << ": " << words.toStdString();
+			const qsizetype mark = words.indexOf('&');
+			if (mark < 0)
+				continue;
+			const QChar letter = words[mark + 1].toLower();
+			EXPECT_FALSE(letters.contains(letter))
+				<< title << ": " << letters[letter].toStdString() << ", "
+				<< words.toStdString();
+			letters[letter] = words;
+		}
+		window->hide();
+	}
+	EXPECT_GT(seen, 150);
 }
 
 TEST(translations, keep_to_the_order_of_the_languages)

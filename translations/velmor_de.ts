@@ -2318,10 +2318,6 @@ Das Log nennt die Parameter, die nicht mitkönnen, und die, die keine AKP-Datei 
         <translation>kein MIDI-Port</translation>
     </message>
     <message>
-        <source>no answer </source>
-        <translation>keine Antwort </translation>
-    </message>
-    <message>
         <source>no keygroup chosen</source>
         <translation>keine Keygroup gewählt</translation>
     </message>
@@ -4846,6 +4842,46 @@ Ohne Kopie fortfahren? Es lässt sich dann nicht zurückholen.</translation>
     <message>
         <source>yes</source>
         <translation>ja</translation>
+    </message>
+    <message>
+        <source>Brand:</source>
+        <translation>Marke:</translation>
+    </message>
+    <message>
+        <source>Device:</source>
+        <translation>Gerät:</translation>
+    </message>
+    <message>
+        <source>It was not converted.</source>
+        <translation>Es wurde nicht konvertiert.</translation>
+    </message>
+    <message>
+        <source>Note:</source>
+        <translation>Note:</translation>
+    </message>
+    <message>
+        <source>Sampler-Name:</source>
+        <translation>Sampler-Name:</translation>
+    </message>
+    <message>
+        <source>The system names no folder for this user&apos;s data. Is HOME set?</source>
+        <translation>Das System nennt keinen Ordner für die Daten dieses Benutzers. Ist HOME gesetzt?</translation>
+    </message>
+    <message>
+        <source>Velocity:</source>
+        <translation>Anschlagstärke:</translation>
+    </message>
+    <message>
+        <source>answered %s</source>
+        <translation>Antwort %s</translation>
+    </message>
+    <message>
+        <source>loaded</source>
+        <translation>geladen</translation>
+    </message>
+    <message>
+        <source>no answer %s</source>
+        <translation>keine Antwort %s</translation>
     </message>
 </context>
 </TS>

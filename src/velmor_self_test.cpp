@@ -362,9 +362,11 @@ static outcome may_begin(self_test_route way)
 	if (!use_tcp)
 		if (const std::string taken = why_output_is_taken(); !taken.empty())
 			return { ending::refused, taken, "INFO" };
-	outcome why;
-	if (way == self_test_route::sampler && !loaded_model(&why))
-		return why;
+	if (way == self_test_route::sampler)
+		return offers_list(&_sampler_type::getsamplelist);
+	if (!use_tcp && (selected_midi_out_interface < 0 || selected_midi_in_interface < 0))
+		return { ending::refused, "Choose MIDI-Out and MIDI-In in Basic settings first.",
+			"INFO" };
 	return {};
 }
 

@@ -365,8 +365,8 @@ static outcome may_begin(self_test_route way)
 	if (way == self_test_route::sampler)
 		return offers_list(&_sampler_type::getsamplelist);
 	if (!use_tcp && (selected_midi_out_interface < 0 || selected_midi_in_interface < 0))
-		return { ending::refused, "Choose MIDI-Out and MIDI-In in Basic settings first.",
-			"INFO" };
+		return { ending::refused,
+			tr("Choose MIDI-Out and MIDI-In in Basic settings first."), "INFO" };
 	return {};
 }
 

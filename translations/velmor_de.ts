@@ -4883,5 +4883,9 @@ Ohne Kopie fortfahren? Es lässt sich dann nicht zurückholen.</translation>
         <source>no answer %s</source>
         <translation>keine Antwort %s</translation>
     </message>
+    <message>
+        <source>Choose MIDI-Out and MIDI-In in Basic settings first.</source>
+        <translation>Wählen Sie zuerst MIDI-Out und MIDI-In in Basic settings.</translation>
+    </message>
 </context>
 </TS>

@@ -47,7 +47,8 @@ void show_self_test()
 	reload_midi_setup(false);
 	open_window(window_self_test);
 	last_report = {};
-	host.ui->set_list(window_self_test, self_test_way, { tr(ways[0]), tr(ways[1]) });
+	host.ui->set_list(window_self_test, self_test_way,
+		std::vector<std::string>{ tr(ways[0]), tr(ways[1]) });
 	host.ui->select(window_self_test, self_test_way, 0);
 	show_rows(last_report);
 	say_verdict(pace_words(chosen_output()), text_role::quiet);

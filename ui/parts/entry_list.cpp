@@ -86,7 +86,7 @@ entry_list::entry_list(top_window *window, int control)
 {
 	const caption_row *row = find_caption(window_id, control);
 	if (row && row->empty)
-		empty_text = QString::fromUtf8(row->empty);
+		empty_text = qtr(row->empty);
 	setRootIsDecorated(false);
 	setItemsExpandable(false);
 	setUniformRowHeights(true);

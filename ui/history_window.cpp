@@ -43,6 +43,8 @@ void create_history_window(QWidget *owner)
 	window->content->addLayout(
 		make_heading(window, history_list, history_size, icon::none, refresh));
 	window->content->addWidget(list, 1);
+	list->set_words({ 1, 2 });
+	list->set_wide(4);
 	window->content->addLayout(make_settings(window));
 	auto *buttons = new QHBoxLayout;
 	QPushButton *restore = make_button(window, history_restore);
@@ -54,7 +56,7 @@ void create_history_window(QWidget *owner)
 	window->enter_command = history_restore;
 	list->setFocus();
 	window->finish();
-	window->open_at({ 860, 520 });
+	window->open_at({ 920, 520 });
 }
 
 } // namespace velmor

@@ -142,7 +142,6 @@ static QBoxLayout *make_transfers(top_window *window)
 {
 	auto *column = new QVBoxLayout;
 	column->setSpacing(between_controls);
-	column->addSpacing(button_height);
 	for (const int control : { samples_download, samples_download_all, samples_upload }) {
 		QPushButton *button = make_button(window, control);
 		button->setProperty("icon_right", control != samples_upload);

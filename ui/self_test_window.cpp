@@ -23,6 +23,8 @@ void create_self_test_window(QWidget *owner)
 	entry_list *list = make_list(window, self_test_list);
 	list->set_columns({ "Message", "Result", "First difference", "Rate", "Time" });
 	window->content->addWidget(list, 1);
+	list->set_words({ 1 });
+	list->set_wide(2);
 	window->content->addWidget(make_verdict(window, self_test_verdict));
 	auto *buttons = new QHBoxLayout;
 	QPushButton *begin = make_button(window, self_test_begin);

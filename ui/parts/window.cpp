@@ -78,7 +78,7 @@ protected:
 	}
 
 private:
-	static constexpr int letters_for_both = 125;
+	static constexpr int letters_for_both = 155;
 
 	void turn(bool narrow)
 	{

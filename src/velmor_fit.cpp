@@ -243,8 +243,8 @@ static outcome outcome_of(const fit_work &work, bool stopped, int all)
 static void fit_chosen_samples()
 {
 	const std::vector<std::string> names = chosen_names();
-	const chosen_entry chosen = chosen_local();
-	if (no_local(chosen))
+	const chosen_entries all = all_chosen_local();
+	if (no_local(chosen_local()))
 		return;
 	outcome why;
 	const _sampler_type *model = loaded_model(&why);
@@ -265,7 +265,7 @@ static void fit_chosen_samples()
 			tr("Put %s back as before."), counted(work.fitted, noun::sample).c_str());
 		remember_undo(work.undo);
 	}
-	fill_local({ chosen });
+	fill_local(all);
 	show_outcome(outcome_of(work, stopped, static_cast<int>(names.size())));
 }
 

@@ -3,6 +3,7 @@
 // Knows nothing of: models (but what their rows say), toolkits.
 
 #include "src/velmor_fit.h"
+#include "src/velmor_samples_page.h"
 #include "src/velmor_shape.h"
 #include "src/velmor_transfer.h"
 #include "src/velmor_wave_edit.h"
@@ -425,12 +426,13 @@ static void show_lines(const preview_sum &sum, std::size_t files)
 
 void show_import_preview(std::span<const std::string> paths)
 {
-	const std::string local = paths.empty() ? path_of_local() : "";
-	if (!local.empty())
-		paths = { &local, 1 };
+	const std::vector<std::string> chosen =
+		paths.empty() ? chosen_files() : std::vector<std::string>();
+	if (!chosen.empty())
+		paths = chosen;
 	preview_sum sum = { .model = uploading_model(),
 		.options = chosen_import_options(),
-		.in_spool = !local.empty() };
+		.in_spool = !chosen.empty() };
 	for (const std::string &path : paths)
 		add_file(&sum, path);
 	show_lines(sum, paths.size());

@@ -53,6 +53,7 @@ static constexpr need_row needs[] = {
 	{ samples_local_delete,  false, samples_local_list,  no_local_words,  false },
 	{ samples_local_rename,  false, samples_local_list,  no_local_words,  true  },
 	{ samples_local_info,    false, samples_local_list,  no_local_words,  true  },
+	{ samples_compare,       true,  samples_local_list,  no_local_words,  true  },
 };
 // clang-format on
 

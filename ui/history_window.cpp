@@ -44,6 +44,8 @@ void create_history_window(QWidget *owner)
 	window->content->addLayout(
 		make_heading(window, history_list, history_size, icon::none, refresh));
 	window->content->addWidget(list, 1);
+	list->set_words({ 1, 2 });
+	list->set_wide(4);
 	window->content->addLayout(make_settings(window));
 	auto *buttons = new QHBoxLayout;
 	QPushButton *restore = make_button(window, history_restore);
@@ -56,7 +58,7 @@ void create_history_window(QWidget *owner)
 	QWidget::setTabOrder(refresh, list);
 	list->setFocus();
 	window->finish();
-	window->open_at({ 860, 520 });
+	window->open_at({ 920, 520 });
 }
 
 } // namespace velmor

@@ -42,6 +42,7 @@ struct side {
 	int open; // what double click and Enter do
 	int rename, new_name, remove;
 	std::initializer_list<int> others;
+	int compare;        // 0: none
 	int refresh, retry; // 0: none
 	icon picture;
 };
@@ -55,6 +56,7 @@ static const side sides[] = {
 		.new_name = programs_loaded_new_name,
 		.remove = programs_loaded_delete,
 		.others = { programs_information, programs_download },
+		.compare = 0,
 		.refresh = programs_refresh,
 		.retry = programs_retry,
 		.picture = icon::sampler },
@@ -65,7 +67,8 @@ static const side sides[] = {
 		.rename = programs_local_rename,
 		.new_name = programs_local_new_name,
 		.remove = programs_local_delete,
-		.others = { programs_upload, programs_import_akp, programs_compare },
+		.others = { programs_upload, programs_import_akp },
+		.compare = programs_compare,
 		.refresh = 0,
 		.retry = 0,
 		.picture = icon::computer },
@@ -99,7 +102,7 @@ static void show_menu(const side &s, entry_list *list, const QPoint &at)
 {
 	QMenu menu(list);
 	std::vector<int> controls = s.others;
-	controls.insert(controls.end(), { s.rename, s.remove });
+	controls.insert(controls.end(), { s.rename, s.remove, s.compare });
 	for (const int control : controls) {
 		QPushButton *button = button_of(control);
 		if (!button)
@@ -168,8 +171,8 @@ static QLayout *make_side_buttons(top_window *window, const side &s)
 	QObject::connect(name, &QLineEdit::returnPressed, name, [&s] { press(s.rename); });
 	grid->addWidget(name, place / 2, place % 2);
 	place++;
-	add(s.rename);
-	add(s.remove);
+	for (const int control : { s.rename, s.remove, s.compare })
+		add(control);
 	return grid;
 }
 

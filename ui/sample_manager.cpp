@@ -119,6 +119,7 @@ static QBoxLayout *make_side(top_window *window, const side &s)
 	QLineEdit *search = make_search(window, s.search, list);
 	auto *finding = new QHBoxLayout;
 	finding->addWidget(search, 1);
+	finding->addStrut(button_height);
 	if (s.refresh) {
 		QPushButton *refresh = make_button(window, s.refresh);
 		refresh->setShortcut(QKeySequence::Refresh);
@@ -143,7 +144,6 @@ static QBoxLayout *make_transfers(top_window *window)
 {
 	auto *column = new QVBoxLayout;
 	column->setSpacing(between_controls);
-	column->addSpacing(button_height + field_height);
 	for (const int control : { samples_download, samples_download_all, samples_upload }) {
 		QPushButton *button = make_button(window, control);
 		button->setProperty("icon_right", control != samples_upload);
@@ -234,15 +234,15 @@ static QString chosen_options()
 	QStringList all;
 	for (const option_group &group : groups)
 		for (const int control : group.controls) {
+			if (all.isEmpty() && !group.first_keeps)
+				break; // of what is converted
 			auto *option =
 				static_cast<QRadioButton *>(find_widget(window_samples, control));
 			const bool keeps = group.first_keeps && control == *group.controls.begin();
 			if (option->isChecked() && !keeps)
 				all += option->text().remove("Convert to ");
 		}
-	if (all.size() == 1)
-		all.prepend(qtr("kept as they are"));
-	return all.join(", ");
+	return all.isEmpty() ? qtr("kept as they are") : all.join(", ");
 }
 
 static QWidget *make_import_options(top_window *window, told_label *line)
@@ -358,7 +358,7 @@ void create_sample_manager(QWidget *owner)
 	tab(samples_loaded_list, samples_loaded_new_name);
 	tab(samples_local_search, samples_local_list);
 	find_widget(window_samples, samples_loaded_list)->setFocus();
-	window->open_at({ 976, 719 });
+	window->open_at({ 1000, 719 });
 }
 
 } // namespace velmor

@@ -25,6 +25,8 @@ void create_self_test_window(QWidget *owner)
 	list->set_columns({ qtr("Message"), qtr("Result"), qtr("First difference"), qtr("Rate"),
 		qtr("Time") });
 	window->content->addWidget(list, 1);
+	list->set_words({ 1 });
+	list->set_wide(2);
 	window->content->addWidget(make_verdict(window, self_test_verdict));
 	auto *buttons = new QHBoxLayout;
 	add_to(buttons,

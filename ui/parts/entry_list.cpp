@@ -105,7 +105,7 @@ entry_list::entry_list(top_window *window, int control)
 // Numbers stand at the right.
 Qt::Alignment entry_list::alignment_of(int column) const
 {
-	return (column && column != wide_column ? Qt::AlignRight : Qt::AlignLeft) |
+	return (column && !word_columns.contains(column) ? Qt::AlignRight : Qt::AlignLeft) |
 	       Qt::AlignVCenter;
 }
 
@@ -113,7 +113,14 @@ void entry_list::set_wide(int column)
 {
 	wide_column = column;
 	header()->setSectionResizeMode(column, QHeaderView::Stretch);
-	headerItem()->setTextAlignment(column, alignment_of(column));
+	set_words({ column });
+}
+
+void entry_list::set_words(const QList<int> &columns)
+{
+	word_columns += columns;
+	for (const int column : columns)
+		headerItem()->setTextAlignment(column, alignment_of(column));
 }
 
 void entry_list::set_columns(const QStringList &titles)

@@ -7,6 +7,7 @@
 #include "src/velmor_programs.h"
 #include "src/velmor_record.h"
 #include "src/velmor_replay.h"
+#include "src/velmor_window.h"
 #include "src/waveqx.h"
 #include "tests/support/test_host.h"
 #include "tests/support/transcript_midi.h"
@@ -279,6 +280,23 @@ names: kept
 	F0 00*40 01 02 03 F7
 0.511920 > midi 3: F0 7D F7
 )");
+}
+
+TEST_F(recordings, begin_and_end_from_the_menu_and_with_the_program)
+{
+	h.checks[{ window_main, menu_record_names }] = true;
+	EXPECT_TRUE(velmor_command(window_main, menu_record));
+	EXPECT_TRUE((h.checks[{ window_main, menu_record }]));
+	EXPECT_THROW(velmor_command(window_main, menu_exit), process_ended);
+	EXPECT_FALSE(recording());
+	std::vector<std::string> names;
+	host.files->list((h.config + "\\transcripts").c_str(), &names);
+	ASSERT_EQ(names.size(), 1u);
+	EXPECT_NE(content_of(h.root + "/VELMOR/CONFIG/transcripts/" + names[0]).find("left out"),
+		std::string::npos);
+	h.disk.open_for_writing = ENOSPC;
+	EXPECT_EQ(start_recording(false).how, ending::local_failed);
+	EXPECT_FALSE(recording());
 }
 
 TEST_F(recordings, that_cannot_be_believed_say_where)

@@ -15,6 +15,8 @@ namespace velmor
 // Begin. Without names, nothing reaches the disk before the end, since the names are known only
 // then.
 outcome start_recording(bool names_left_out);
+// Into that file, which must not be there yet.
+outcome start_recording_to(const std::string &path);
 // End, and say where the transcript lies.
 outcome stop_recording();
 bool recording();

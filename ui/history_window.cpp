@@ -52,6 +52,7 @@ void create_history_window(QWidget *owner)
 	add_to(buttons, { make_button(window, control_cancel) });
 	window->content->addLayout(buttons);
 	window->enter_command = history_restore;
+	QWidget::setTabOrder(refresh, list);
 	list->setFocus();
 	window->finish();
 	window->open_at({ 860, 520 });

@@ -25,12 +25,13 @@ void create_self_test_window(QWidget *owner)
 	window->content->addWidget(list, 1);
 	window->content->addWidget(make_verdict(window, self_test_verdict));
 	auto *buttons = new QHBoxLayout;
-	QPushButton *begin = make_button(window, self_test_begin);
-	begin->setProperty("main", true);
 	add_to(buttons,
 		{ make_button(window, self_test_keep), make_button(window, self_test_forget) });
 	buttons->addStretch();
-	add_to(buttons, { make_button(window, control_cancel), begin });
+	QPushButton *close = make_button(window, control_cancel);
+	QPushButton *begin = make_button(window, self_test_begin);
+	begin->setProperty("main", true);
+	add_to(buttons, { close, begin });
 	window->content->addLayout(buttons);
 	window->enter_command = self_test_begin;
 	window->finish();

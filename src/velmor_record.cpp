@@ -236,14 +236,16 @@ static void write_without_names()
 	write_text(text);
 }
 
+static outcome how_it_ended = { .words = "No traffic is being recorded." };
+
 outcome stop_recording()
 {
 	if (!rec)
-		return { .words = "No traffic is being recorded." };
+		return how_it_ended;
 	if (rec->failure.empty())
 		tap_flush();
 	if (!rec) // the last event has ended it
-		return { ending::local_failed, "The recording could not be written.", "FATAL" };
+		return how_it_ended;
 	if (rec->nameless)
 		write_without_names();
 	const int code = host.files->close(rec->file);
@@ -256,11 +258,11 @@ outcome stop_recording()
 	tap_leave_if_idle();
 	host.ui->set_checked(window_main, menu_record, false);
 	if (!failure.empty())
-		return { ending::local_failed,
+		return how_it_ended = { ending::local_failed,
 			"The recording ended: " + failure + " What there is lies in " + path + ".",
 			"FATAL" };
 	log_line("[I] Recorded traffic: %s\r\n", path.c_str());
-	return { .words = "The transcript is " + path + "." };
+	return how_it_ended = { .words = "The transcript is " + path + "." };
 }
 
 void record_as_told()

@@ -278,9 +278,8 @@ static bool send_dump(const upload_job &job)
 		show_box("INFO", "Sample successfully uploaded!");
 	else
 		show_box("WARNING",
-			"The sound of [%s] was successfully uploaded, but the sampler did not "
-			"take "
-			"its pitch, loop, play mode and tuning.",
+			tr("The sound of [%s] was uploaded, but the sampler did not take its "
+			   "pitch, loop, play mode and tuning."),
 			job.sample->name);
 	return whole;
 }

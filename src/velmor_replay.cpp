@@ -13,7 +13,8 @@ namespace velmor
 {
 
 static constexpr double byte_seconds = 10 / 31250.0, patience = 3, longest_pause = 2;
-static constexpr double usb_quiet = 0.3; // silence that is the same as then
+static constexpr double longest_wait = 60; // for what came late then
+static constexpr double usb_quiet = 0.3;   // silence that is the same as then
 static constexpr std::size_t most_differences = 100;
 static constexpr int most_silent = 3;
 
@@ -192,7 +193,7 @@ std::string replay_run::compare(crossing c)
 {
 	std::erase_if(c.bytes, [&](u8 b) { return c.line != wire_line::usb && b >= 0xF8; });
 	byte_list now;
-	const double seconds = patience + std::max(c.time - last, 0.0) +
+	const double seconds = patience + std::clamp(c.time - last, 0.0, longest_wait) +
 			       static_cast<double>(c.bytes.size()) * byte_seconds;
 	const std::string wrong = line->receive(c, seconds, &now);
 	report->answers++;

@@ -281,8 +281,10 @@ static void run_sampler(self_test *test)
 	std::vector<byte_list> answers;
 	std::vector<double> seconds;
 	for (const std::size_t length : lengths) {
-		if (test->over())
+		if (progress_stopped())
 			return;
+		if (test->over())
+			break;
 		if (!usb) {
 			const byte_list message = trial_message(length);
 			send_midi_string(message.data(), static_cast<int>(length));

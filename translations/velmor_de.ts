@@ -4468,10 +4468,6 @@ Trotzdem senden?</translation>
         <translation>Die Meldung mit %s: %s.%s</translation>
     </message>
     <message>
-        <source>The recording could not be written.</source>
-        <translation>Die Aufzeichnung ließ sich nicht schreiben.</translation>
-    </message>
-    <message>
         <source>The recording ended: %s What there is lies in %s.</source>
         <translation>Die Aufzeichnung ist zu Ende: %s Was es gibt, liegt in %s.</translation>
     </message>
@@ -4886,6 +4882,10 @@ Ohne Kopie fortfahren? Es lässt sich dann nicht zurückholen.</translation>
     <message>
         <source>Choose MIDI-Out and MIDI-In in Basic settings first.</source>
         <translation>Wählen Sie zuerst MIDI-Out und MIDI-In in Basic settings.</translation>
+    </message>
+    <message>
+        <source>The sound of [%s] was uploaded, but the sampler did not take its pitch, loop, play mode and tuning.</source>
+        <translation>Der Klang von [%s] wurde gesendet, aber der Sampler hat Tonhöhe, Loop, Spielart und Stimmung nicht angenommen.</translation>
     </message>
 </context>
 </TS>

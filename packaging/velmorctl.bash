@@ -25,7 +25,7 @@ _velmorctl()
 	esac
 	local options='--sampler --demo --tcp --json --yes --verbose --completion --version --help'
 	case $verb in
-	'') COMPREPLY=($(compgen -W "samplers info ls get put rm mv import program panel key play monitor $options" -- "$word")); return ;;
+	'') COMPREPLY=($(compgen -W "samplers info ls get put rm mv import program backup restore undo panel key play monitor $options" -- "$word")); return ;;
 	program) COMPREPLY=($(compgen -W 'ls get put rm mv' -- "$word")); return ;;
 	'ls') options+=' --local' ;;
 	'get') options+=' --all' ;;
@@ -35,6 +35,8 @@ _velmorctl()
 	'program ls') options+=' --local' ;;
 	'program rm') options+=' --local' ;;
 	'program mv') options+=' --local' ;;
+	'backup') options+=' --everything' ;;
+	'restore') options+=' --everything --remove-others --plan' ;;
 	'panel') options+=' --png' ;;
 	'key') options+=' --times --type --list' ;;
 	'play') options+=' --speed' ;;

@@ -496,7 +496,7 @@ static void write_text(const std::string &text)
 static void end_if_full()
 {
 	if (rec->bytes > most_written)
-		rec->failure = "It has grown too long.";
+		rec->failure = tr("It has grown too long.");
 	if (rec->failure.empty())
 		return;
 	const outcome ended = stop_recording();
@@ -569,7 +569,7 @@ static std::string make_transcripts_folder()
 outcome start_recording(bool names_left_out)
 {
 	if (recording())
-		return { .words = "Traffic is being recorded already." };
+		return { .words = tr("Traffic is being recorded already.") };
 	const std::string folder = make_transcripts_folder();
 	rec = std::make_unique<the_recording>();
 	rec->nameless = names_left_out;
@@ -592,7 +592,7 @@ outcome start_recording(bool names_left_out)
 	if (!names_left_out)
 		write_text(head_text(rec->kept));
 	log_line("[I] Recording traffic: %s\r\n", host.files->host_path(rec->path.c_str()).c_str());
-	return { .words = "Traffic is being recorded." };
+	return { .words = tr("Traffic is being recorded.") };
 }
 
 static void write_without_names()
@@ -613,12 +613,12 @@ static void write_without_names()
 outcome stop_recording()
 {
 	if (!rec)
-		return { .words = "No traffic is being recorded." };
+		return { .words = tr("No traffic is being recorded.") };
 	add_passed();
 	if (rec->failure.empty())
 		flush_event();
 	if (!rec) // the last event has ended it
-		return { ending::local_failed, "The recording could not be written.", "FATAL" };
+		return { ending::local_failed, tr("The recording could not be written."), "FATAL" };
 	if (rec->nameless)
 		write_without_names();
 	const int code = host.files->close(rec->file);
@@ -631,10 +631,11 @@ outcome stop_recording()
 	host.ui->set_checked(window_main, menu_record, false);
 	if (!failure.empty())
 		return { ending::local_failed,
-			"The recording ended: " + failure + " What there is lies in " + path + ".",
+			format_text(tr("The recording ended: %s What there is lies in %s."),
+				failure.c_str(), path.c_str()),
 			"FATAL" };
 	log_line("[I] Recorded traffic: %s\r\n", path.c_str());
-	return { .words = "The transcript is " + path + "." };
+	return { .words = format_text(tr("The transcript is %s."), path.c_str()) };
 }
 
 void record_as_told()

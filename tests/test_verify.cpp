@@ -17,7 +17,10 @@ protected:
 	std::string spool(const std::string &name, const levels &words, unsigned channels = 1)
 	{
 		wave_facts facts = { .channels = static_cast<std::uint16_t>(channels) };
-		h.put_content(h.config + "\\sample\\" + name + ".wav", make_wave(words, facts));
+		std::vector<u8> file = make_wave(words, facts);
+		for (const u8 byte : hex("4C 49 53 54 04 00 00 00 01 02 03 04")) // no sound
+			file.push_back(byte);
+		h.put_content(h.config + "\\sample\\" + name + ".wav", file);
 		load_local_samples(nullptr);
 		return h.config + "\\sample\\" + name;
 	}
@@ -65,7 +68,7 @@ TEST_F(verify, on_usb_a_file_is_compared_as_it_is_with_its_sides)
 	ASSERT_TRUE(upload_sample(spool("Pad", ramp(80, 5), 2)).done());
 	EXPECT_NE(compare("Pad").find("80 values were compared"), std::string::npos);
 	usb_sample &held = rack.machine.samples.back();
-	held.wave[held.wave.size() - 1] ^= 1;
+	held.wave[held.wave.size() - 13] ^= 1; // the last of the sound
 	EXPECT_EQ(compare("Pad"), "'Pad': 1 of 80 values differ, the first at 39 on the right.");
 	held.wave = make_wave(ramp(80, 5), { .channels = 2, .rate = 22050 });
 	EXPECT_EQ(compare("Pad"), "'Pad': It has 22050 Hz instead of 44100 Hz.");

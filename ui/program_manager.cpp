@@ -14,6 +14,7 @@
 #include "ui/parts/style.h"
 #include "ui/parts/told.h"
 #include "ui/parts/window.h"
+#include "ui/parts/words.h"
 #include "ui/qt_ui.h"
 #include <QApplication>
 #include <QBoxLayout>
@@ -331,12 +332,10 @@ void show_unsent(const QString &words)
 	}
 }
 
-static constexpr QLatin1String not_loaded("(not loaded)");
-
 void mark_missing(QComboBox *box)
 {
 	for (int i = 0; i < box->count(); i++)
-		if (box->itemText(i).endsWith(not_loaded))
+		if (box->itemText(i).endsWith(qtr("(not loaded)")))
 			box->setItemData(i, role_color(box->palette(), text_role::failed),
 				Qt::ForegroundRole);
 }
@@ -390,7 +389,7 @@ static QBoxLayout *make_choices(top_window *window, QMenu *menu)
 	sample->setMinimumContentsLength(14);
 	QObject::connect(sample, &QComboBox::currentTextChanged, sample, [sample] {
 		QPalette colors = QApplication::palette();
-		if (sample->currentText().endsWith(not_loaded))
+		if (sample->currentText().endsWith(qtr("(not loaded)")))
 			colors.setColor(
 				QPalette::ButtonText, role_color(colors, text_role::failed));
 		sample->setPalette(colors);

@@ -6,6 +6,7 @@
 #include "ui/parts/style.h"
 #include "ui/parts/told.h"
 #include "ui/parts/window.h"
+#include "ui/parts/words.h"
 #include "ui/qt_ui.h"
 #include "ui/waveform.h"
 #include <QBoxLayout>
@@ -26,9 +27,9 @@ static QToolButton *make_zoom(
 	const char *caption, const char *tooltip, waveform_widget *picture, double factor)
 {
 	auto *button = new QToolButton(picture->parentWidget());
-	button->setText(caption);
-	button->setToolTip(tooltip);
-	button->setAccessibleDescription(tooltip);
+	button->setText(qtr(caption));
+	button->setToolTip(qtr(tooltip));
+	button->setAccessibleDescription(qtr(tooltip));
 	button->setFocusPolicy(Qt::StrongFocus);
 	QObject::connect(button, &QToolButton::clicked, picture, [picture, factor] {
 		factor > 0 ? picture->zoom(factor, picture->middle()) : picture->zoom_all();
@@ -52,7 +53,7 @@ static void show_part_in(QScrollBar *bar, const waveform_widget *picture)
 static QScrollBar *make_scroll_bar(waveform_widget *picture)
 {
 	auto *bar = new QScrollBar(Qt::Horizontal, picture->parentWidget());
-	bar->setAccessibleName("Part of the sample in view");
+	bar->setAccessibleName(qtr("Part of the sample in view"));
 	QObject::connect(bar, &QScrollBar::valueChanged, picture, [picture](int value) {
 		picture->scroll_to(static_cast<double>(picture->length()) * value / scroll_steps);
 	});
@@ -126,19 +127,21 @@ QWidget *make_wave_editor(top_window *window, QWidget *parent)
 	auto *column = new QVBoxLayout(all);
 	column->setContentsMargins(0, 0, 0, 0);
 	column->setSpacing(4);
-	auto *picture = new waveform_widget("No local sample chosen", all);
+	auto *picture = new waveform_widget(qtr("No local sample chosen"), all);
 	enroll(window->id, samples_waveform, picture);
 	auto *part = new told_label(all);
-	part->set_spoken("In view");
+	part->set_spoken(qtr("In view"));
 	part->set_role(text_role::quiet);
 	part->set_cut();
 	QScrollBar *bar = make_scroll_bar(picture);
 	auto *head = new QHBoxLayout;
 	QToolButton *play = make_play(window, picture);
-	QToolButton *const zooms[] = { make_zoom("Zoom out", "Show twice as much of the sample (-)",
-					       picture, one_press),
-		make_zoom("Zoom in", "Show half as much of the sample (+)", picture, 1 / one_press),
-		make_zoom("Show all", "Show the whole sample (0)", picture, 0) };
+	QToolButton *const zooms[] = { make_zoom(own("Zoom out"),
+					       own("Show twice as much of the sample (-)"), picture,
+					       one_press),
+		make_zoom(own("Zoom in"), own("Show half as much of the sample (+)"), picture,
+			1 / one_press),
+		make_zoom(own("Show all"), own("Show the whole sample (0)"), picture, 0) };
 	head->addWidget(play);
 	head->addWidget(part, 1);
 	add_to(head, { zooms[0], zooms[1], zooms[2] });

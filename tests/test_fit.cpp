@@ -158,8 +158,9 @@ TEST_F(fits, one_press_fits_all_chosen_samples_and_one_undo_puts_them_back)
 	EXPECT_FALSE(can_undo());
 	choose(1);
 	EXPECT_EQ((h.texts[{ window_samples, samples_preview_upload }]),
-		"2 of 4 refused: A file of 16 bit and 2 channels would arrive as 0.00 s of "
-		"silence.\nImport it with 1 Channel and Mix Channels, or Create L/R files. Or "
+		"3 of 4 refused: A file of 16 bit and 2 channels would arrive as 0.00 s of "
+		"silence.\nImport it with 1 Channel and Mix Channels, or Create L/R files for "
+		"both. Or "
 		"press "
 		"Fit to the Sampler.");
 	static std::vector<int> chosen_again;

@@ -71,6 +71,8 @@ void picture(int window, const char *name, int scale)
 		widget->resize(992, 600);
 	if (window == window_programs)
 		widget->resize(1280, 860);
+	if (window == window_history)
+		widget->resize(920, 520);
 	if (window == window_midi_files)
 		widget->resize(1100, 720);
 	if (window == window_panel)

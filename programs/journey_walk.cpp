@@ -115,7 +115,7 @@ static void set_up_by_hand(const journey &trip)
 		if (brand->itemText(i).contains("S3000"))
 			brand->setCurrentIndex(i);
 	press(window_sampler, sampler_device_info);
-	picture(window_sampler, "walk-sampler");
+	picture(window_sampler, "sampler-answers");
 	check(!host.ui->get_text(window_sampler, sampler_verdict).empty(), "the sampler answers");
 	press(window_sampler, control_ok);
 	choose(window_main, main_sampler_list, rack);
@@ -144,13 +144,15 @@ static void send_all_of_them(const journey &trip)
 		"all ten lie on this computer");
 	picture(window_samples, "walk-imported");
 	choose_all(samples_local_list);
-	picture(window_samples, "walk-chosen");
+	picture(window_samples, "samples-several");
 	press(window_samples, samples_fit);
 	picture(window_samples, "walk-fitted");
 	const std::size_t before = trip.sampler.samples.size();
-	choose_all(samples_local_list);
-	press(window_samples, samples_upload);
+	press(window_samples, samples_upload); // they are chosen still
 	picture(window_progress, "queue");
+	use_palette(true);
+	picture(window_progress, "queue-dark");
+	use_palette(false);
 	check(trip.sampler.samples.size() == before + count, "all ten are on the sampler");
 	press(window_progress, progress_close);
 	picture(window_samples, "walk-uploaded");
@@ -165,6 +167,10 @@ static void take_back(const journey &trip)
 	check(names_on(trip).size() == before.size() - 1, before.back() + " is gone");
 	choose_entry(menu_history);
 	picture(window_history, "history");
+	picture(window_history, "history-200", 2);
+	use_palette(true);
+	picture(window_history, "history-dark");
+	use_palette(false);
 	velmor_command(window_history, control_cancel);
 	press(window_samples, status_undo_sampler);
 	check(names_on(trip) == before, before.back() + " is back");

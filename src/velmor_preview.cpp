@@ -338,8 +338,9 @@ static void add_file(preview_sum *sum, const std::string &path)
 	}
 	std::string becomes;
 	if (as_it_is) {
+		const int before = sum->refused;
 		add_upload(sum, file, 1);
-		if (sum->refused && plan_fit(*sum->model, file).possible)
+		if (sum->refused > before && !before && plan_fit(*sum->model, file).possible)
 			sum->refusal += tr(" Or press Fit to the Sampler.");
 		sum->on_sampler.push_back(name_for(*sum, name));
 		becomes = sum->model ? format_text(tr("%s on the sampler"),
@@ -390,15 +391,13 @@ static std::string arrival_text(const preview_sum &sum)
 
 static void show_upload(const preview_sum &sum)
 {
-	std::string text = sum.model && sum.bytes ? arrival_text(sum) : "";
+	std::string text = sum.model && sum.bytes && !sum.refused ? arrival_text(sum) : "";
 	if (sum.refused) {
-		text = text.substr(0, text.find('\n')) + (text.empty() ? "" : "\n");
-		text += sum.results > 1 ? format_text(tr("%d of %d refused: %s"), sum.refused,
-						  sum.results, sum.refusal.c_str())
-					: format_text(tr("refused: %s"), sum.refusal.c_str());
+		text = sum.results > 1 ? format_text(tr("%d of %d refused: %s"), sum.refused,
+						 sum.results, sum.refusal.c_str())
+				       : format_text(tr("refused: %s"), sum.refusal.c_str());
 		// The reason, and below it what helps.
-		const std::size_t end = text.find('\n') == text.npos ? text.find(". ") : text.npos;
-		if (end != text.npos)
+		if (const std::size_t end = text.find(". "); end != text.npos)
 			text.replace(end, 2, ".\n");
 	}
 	const bool all = sum.refused && sum.refused == sum.results;

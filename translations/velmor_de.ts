@@ -3782,9 +3782,9 @@ on this connection</source>
 auf dieser Verbindung</translation>
     </message>
     <message>
-        <source>%s goes from the sampler. Keep a copy first? %s
+        <source>%s goes from the sampler. Keep a copy first? That takes %s.
 The answer holds until VELMOR is closed.</source>
-        <translation>%s geht vom Sampler. Zuerst eine Kopie sichern? %s
+        <translation>%s geht vom Sampler. Zuerst eine Kopie sichern? Das dauert %s.
 Die Antwort gilt, bis VELMOR beendet wird.</translation>
     </message>
     <message>

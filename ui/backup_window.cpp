@@ -39,7 +39,7 @@ void create_backup_window(QWidget *owner)
 	entry_list *list = make_list(window, backup_list);
 	list->set_columns({ qtr("Name"), qtr("Kind"), qtr("Size"), qtr("What became of it") });
 	column->addWidget(list, 1);
-	list->set_words({ 1 });
+	list->set_words({ 1, 2 });
 	list->set_wide(3);
 	for (const int control : { backup_everything, backup_remove, backup_verify })
 		add_to(column, { make_check(window, control) });

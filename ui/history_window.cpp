@@ -44,7 +44,7 @@ void create_history_window(QWidget *owner)
 	window->content->addLayout(
 		make_heading(window, history_list, history_size, icon::none, refresh));
 	window->content->addWidget(list, 1);
-	list->set_words({ 1, 2 });
+	list->set_words({ 1, 2, 3 });
 	list->set_wide(4);
 	window->content->addLayout(make_settings(window));
 	auto *buttons = new QHBoxLayout;

@@ -26,7 +26,7 @@ static constexpr std::uint64_t words_a_tick = 1 << 20;
 waveform_widget::waveform_widget(const QString &empty, QWidget *parent)
 	: QWidget(parent), empty_text(empty)
 {
-	setMinimumHeight(ruler_height + numbers_height + 56);
+	setMinimumHeight(ruler_height + numbers_height + 52);
 	setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
 	setFocusPolicy(Qt::StrongFocus);
 	setMouseTracking(true);

@@ -408,6 +408,43 @@ TEST_F(recordings, of_the_monitor_tell_what_came_and_what_it_passed_on)
 	unplug_all_midi();
 }
 
+// Each name has a word of its own, as long and of the same sum.
+TEST(names_left_out, have_the_sums_of_names)
+{
+	std::set<std::string> names = { "Grand Piano", "abc", "a name" };
+	for (int i = 0; i < 60; i++)
+		names.insert(format_text("B%02d", i));
+	for (const bool usb : { false, true }) {
+		std::vector<crossing> all;
+		for (const std::string &name : names) {
+			crossing c = { .sent = true,
+				.line = usb ? wire_line::usb : wire_line::midi };
+			c.bytes.assign(name.begin(), name.end());
+			c.bytes.resize(
+				usb ? name.size() + 1 : std::max<std::size_t>(9, name.size()),
+				usb ? 0 : ' ');
+			all.push_back(c);
+			all.push_back({}); // another direction
+		}
+		std::vector<crossing> now = all;
+		leave_names_out(now, names);
+		std::set<std::vector<u8>> words;
+		for (std::size_t i = 0; i < all.size(); i += 2) {
+			int sum = 0, was = 0;
+			for (std::size_t at = 0; at < now[i].bytes.size(); at++) {
+				sum = usb ? sum + now[i].bytes[at] : sum ^ now[i].bytes[at];
+				was = usb ? was + all[i].bytes[at] : was ^ all[i].bytes[at];
+			}
+			const bool field = usb || all[i].bytes.size() == 9;
+			EXPECT_EQ(now[i].bytes != all[i].bytes, field);
+			EXPECT_EQ((sum ^ was) & 0x7F, 0) << i;
+			EXPECT_EQ(now[i].bytes.size(), all[i].bytes.size());
+			words.insert(now[i].bytes);
+		}
+		EXPECT_EQ(words.size(), names.size());
+	}
+}
+
 TEST_F(recordings, that_cannot_be_believed_say_where)
 {
 	const std::string head = "velmor-transcript 1\nnames: kept\n\n",

@@ -23,10 +23,11 @@ namespace velmor
 static constexpr double one_press = 2;      // of a zoom button
 static constexpr int scroll_steps = 100000; // the bar counts parts of the whole
 
-static QToolButton *make_zoom(
-	const char *caption, const char *tooltip, waveform_widget *picture, double factor)
+static QToolButton *make_zoom(icon shown, const char *caption, const char *tooltip,
+	waveform_widget *picture, double factor)
 {
 	auto *button = new QToolButton(picture->parentWidget());
+	button->setIcon(make_icon(shown));
 	button->setText(qtr(caption));
 	button->setToolTip(qtr(tooltip));
 	button->setAccessibleDescription(qtr(tooltip));
@@ -95,6 +96,9 @@ static QToolButton *make_play(top_window *window, QWidget *picture)
 {
 	QToolButton *button = make_edit(window, samples_play);
 	button->setCheckable(true);
+	button->setIcon(make_icon(icon::play));
+	button->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+	button->setMinimumWidth(button->sizeHint().width() + between_controls);
 	for (QWidget *where : { picture, find_widget(window->id, samples_local_list) }) {
 		auto *space = new QShortcut(Qt::Key_Space, where);
 		space->setContext(Qt::WidgetShortcut);
@@ -136,12 +140,13 @@ QWidget *make_wave_editor(top_window *window, QWidget *parent)
 	QScrollBar *bar = make_scroll_bar(picture);
 	auto *head = new QHBoxLayout;
 	QToolButton *play = make_play(window, picture);
-	QToolButton *const zooms[] = { make_zoom(own("Zoom out"),
+	QToolButton *const zooms[] = { make_zoom(icon::zoom_out, own("Zoom out"),
 					       own("Show twice as much of the sample (-)"), picture,
 					       one_press),
-		make_zoom(own("Zoom in"), own("Show half as much of the sample (+)"), picture,
-			1 / one_press),
-		make_zoom(own("Show all"), own("Show the whole sample (0)"), picture, 0) };
+		make_zoom(icon::zoom_in, own("Zoom in"), own("Show half as much of the sample (+)"),
+			picture, 1 / one_press),
+		make_zoom(icon::zoom_all, own("Show all"), own("Show the whole sample (0)"),
+			picture, 0) };
 	head->addWidget(play);
 	head->addWidget(part, 1);
 	add_to(head, { zooms[0], zooms[1], zooms[2] });

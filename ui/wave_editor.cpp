@@ -28,7 +28,7 @@ static QToolButton *make_zoom(icon shown, const char *caption, const char *toolt
 {
 	auto *button = new QToolButton(picture->parentWidget());
 	button->setIcon(make_icon(shown));
-	button->setText(qtr(caption));
+	button->setAccessibleName(qtr(caption));
 	button->setToolTip(qtr(tooltip));
 	button->setAccessibleDescription(qtr(tooltip));
 	button->setFocusPolicy(Qt::StrongFocus);

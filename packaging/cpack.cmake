@@ -35,6 +35,8 @@ S3200, S5000, S6000, Z4, Z8 and MPC 4000. The whole program can be tried
 with virtual samplers, with nothing connected: velmor-demo.
 .
 An independent program; AKAI is a trademark of its owner.")
+# Of the module that plays samples as well: Qt Multimedia. Without it the program runs and says why
+# it cannot play.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 # What mounts the drive of the samplers' disks for a user, and windows on Wayland.
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "fuse3, qt6-wayland")

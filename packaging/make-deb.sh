@@ -16,7 +16,8 @@ SOURCE_DATE_EPOCH=$(dpkg-parsechangelog -l packaging/deb/changelog -S Timestamp)
 export SOURCE_DATE_EPOCH
 
 build build-deb -DVELMOR_TESTS=OFF -DCMAKE_BUILD_TYPE=None -DCMAKE_INSTALL_PREFIX=/usr \
-	-DCMAKE_CXX_FLAGS="$flags" -DCMAKE_EXE_LINKER_FLAGS="$(dpkg-buildflags --get LDFLAGS)"
+	-DCMAKE_CXX_FLAGS="$flags" -DCMAKE_EXE_LINKER_FLAGS="$(dpkg-buildflags --get LDFLAGS)" \
+	-DCMAKE_MODULE_LINKER_FLAGS="$(dpkg-buildflags --get LDFLAGS)"
 rm -f build-deb/velmor_*.deb
 (cd build-deb && cpack --config CPackConfig.cmake) >build-deb/cpack.log 2>&1 || {
 	cat build-deb/cpack.log >&2

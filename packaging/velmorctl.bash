@@ -23,9 +23,9 @@ _velmorctl()
 	--channels) COMPREPLY=($(compgen -W '1 2' -- "$word")); return ;;
 	--mix) COMPREPLY=($(compgen -W 'left right both average files' -- "$word")); return ;;
 	esac
-	local options='--sampler --demo --tcp --json --yes --verbose --completion --version --help'
+	local options='--sampler --demo --tcp --record --json --yes --verbose --completion --version --help'
 	case $verb in
-	'') COMPREPLY=($(compgen -W "samplers info ls get put rm mv import program panel key play monitor $options" -- "$word")); return ;;
+	'') COMPREPLY=($(compgen -W "samplers info ls get put rm mv import program backup restore undo panel key play monitor selftest replay $options" -- "$word")); return ;;
 	program) COMPREPLY=($(compgen -W 'ls get put rm mv' -- "$word")); return ;;
 	'ls') options+=' --local' ;;
 	'get') options+=' --all' ;;
@@ -35,10 +35,13 @@ _velmorctl()
 	'program ls') options+=' --local' ;;
 	'program rm') options+=' --local' ;;
 	'program mv') options+=' --local' ;;
+	'backup') options+=' --everything' ;;
+	'restore') options+=' --everything --remove-others --plan' ;;
 	'panel') options+=' --png' ;;
 	'key') options+=' --times --type --list' ;;
 	'play') options+=' --speed' ;;
 	'monitor') options+=' --seconds' ;;
+	'selftest') options+=' --answers --keep --forget' ;;
 	esac
 	if [[ $word == -* ]]; then
 		COMPREPLY=($(compgen -W "$options" -- "$word"))

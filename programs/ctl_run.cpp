@@ -10,6 +10,7 @@
 #include "src/rmidi.h"
 #include "src/usbqx.h"
 #include "src/velmor_history.h"
+#include "src/velmor_record.h"
 #include "src/velmor_window.h"
 #include <algorithm>
 #include <charconv>
@@ -28,6 +29,7 @@ static struct {
 	ctl_exit ended = exit_local;
 	std::string bar = {}; // caption of the progress window
 	int range = 100;
+	bool records = false;
 } run_state;
 
 // The system ended from inside.
@@ -192,14 +194,34 @@ static int load_sampler_of(const ctl_call &call)
 // What stands in a folder of this computer needs none.
 static bool needs_sampler(const ctl_call &call)
 {
-	return call.verb->needs_sampler && !call.has("--local");
+	return (call.verb->needs_sampler || call.has("--answers")) && !call.has("--local");
+}
+
+static int begin_recording(const ctl_call &call)
+{
+	outcome begun;
+	if (call.has("--record"))
+		begun = start_recording_to(host.files->system_path(call.value("--record").c_str()));
+	else
+		record_as_told();
+	run_state.records = recording();
+	return begun.done() ? exit_done : ctl_tell("", begun);
+}
+
+static int end_recording(int status)
+{
+	if (!std::exchange(run_state.records, false))
+		return status;
+	const outcome ended = stop_recording();
+	ctl_say(ended.words);
+	return status ? status : ctl_status(ended);
 }
 
 static int run_verb(const ctl_call &call)
 {
 	start();
-	int status = exit_done;
-	if (call.has("--tcp"))
+	int status = begin_recording(call);
+	if (!status && call.has("--tcp"))
 		status = connect_bridge(call.value("--tcp"));
 	if (!status && needs_sampler(call))
 		status = load_sampler_of(call);
@@ -228,6 +250,7 @@ int run_ctl(const ctl_call &call, const ctl_streams &streams)
 	}
 	if (use_tcp)
 		switch_off_tcp();
+	status = end_recording(status);
 	ctl_hide_bar();
 	host.ui = run_state.behind;
 	return status;

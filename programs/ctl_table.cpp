@@ -17,6 +17,7 @@ const std::vector<ctl_option> ctl_options = {
 	{ "--sampler",    "NAME",         "the sampler to work with, by the name of its configuration" },
 	{ "--demo",       nullptr,        "virtual samplers, with nothing plugged in" },
 	{ "--tcp",        "ADDRESS:PORT", "reach the sampler over a TCP bridge in place of the MIDI ports" },
+	{ "--record",     "FILE",         "write everything that goes over the lines to a file, for a report" },
 	{ "--json",       nullptr,        "one JSON object a line on standard output" },
 	{ "--yes",        nullptr,        "answer every question with yes" },
 	{ "--verbose",    nullptr,        "show every line of the log, and add it to velmor.log in the current folder" },
@@ -59,6 +60,11 @@ static constexpr ctl_option play_options[] = {
 static constexpr ctl_option monitor_options[] = {
 	{ "--seconds",  "N",     "end after so many seconds" },
 };
+static constexpr ctl_option selftest_options[] = {
+	{ "--answers",  nullptr, "compare the sampler's answers; no cable is needed" },
+	{ "--keep",     nullptr, "use the pace that is found for this interface from now on" },
+	{ "--forget",   nullptr, "test nothing; send long messages to this interface at once again" },
+};
 
 const std::vector<ctl_verb> ctl_verbs = {
 	// name         arguments     help                                                  least, most, needs a sampler
@@ -82,6 +88,8 @@ const std::vector<ctl_verb> ctl_verbs = {
 	{ "key",         "[KEY...]",   "Press keys of the sampler's panel.",                         0, -1, true, ctl_key, key_options },
 	{ "play",        "FILE",       "Play a Standard MIDI File to the MIDI output.",              1, 1, false, ctl_play, play_options },
 	{ "monitor",     "",           "Tell what arrives on the monitor's MIDI input, and pass it on.", 0, 0, false, ctl_monitor, monitor_options },
+	{ "selftest",    "",           "Test whether the MIDI interface passes on long messages.",   0, 0, false, ctl_selftest, selftest_options },
+	{ "replay",      "FILE",       "Send again what a recording sent, and compare the answers.", 1, 1, false, ctl_replay },
 };
 // clang-format on
 

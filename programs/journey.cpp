@@ -66,11 +66,13 @@ void picture(int window, const char *name, int scale)
 		return;
 	// The screen of the offscreen platform is smaller than a desk's.
 	if (window == window_samples)
-		widget->resize(976, 719);
+		widget->resize(1000, 719);
 	if (window == window_main)
 		widget->resize(992, 600);
 	if (window == window_programs)
 		widget->resize(1280, 860);
+	if (window == window_history)
+		widget->resize(920, 520);
 	if (window == window_midi_files)
 		widget->resize(1100, 720);
 	if (window == window_panel)
@@ -99,6 +101,12 @@ static void click_at(QWidget *widget, const QPoint &place)
 	}
 }
 
+void click(QPushButton *button)
+{
+	std::printf("  press \"%s\"\n", button->text().remove('&').toUtf8().constData());
+	click_at(button, button->rect().center());
+}
+
 void press(int window, int control)
 {
 	auto *button = qobject_cast<QPushButton *>(find_widget(window, control));
@@ -107,12 +115,11 @@ void press(int window, int control)
 			format_text("button %d of window %d cannot be pressed", control, window));
 		return;
 	}
-	std::printf("  press \"%s\"\n", button->text().remove('&').toUtf8().constData());
-	click_at(button, button->rect().center());
+	click(button);
 }
 
 // Open the menu that holds the entry, and click on it.
-static void choose_entry(int control)
+void choose_entry(int control)
 {
 	auto *entry = qobject_cast<QAction *>(find_control(window_main, control));
 	auto *bar = find_widget(window_main, 0)->findChild<QMenuBar *>();
@@ -173,7 +180,7 @@ void type_into(int window, int control, const std::string &text)
 	}
 }
 
-static void drop_files(const std::vector<std::string> &files)
+void drop_files(const std::vector<std::string> &files)
 {
 	entry_list *list = list_of(window_samples, samples_local_list);
 	QMimeData data;
@@ -784,6 +791,7 @@ int run_journey(const journey &trip)
 		visit_usb(stop);
 	list_drive(trip);
 	picture(window_multis, "multis-usb");
+	walk_from_nothing(trip);
 	std::printf("WAV files: %s\nScreenshots: %s\n",
 		host.files->host_path((current_config_path + "\\sample").c_str()).c_str(),
 		trip.pictures.c_str());

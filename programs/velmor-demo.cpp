@@ -14,9 +14,11 @@
 #include "programs/windowed.h"
 #include "src/velmor.h"
 #include "ui/qt_ui.h"
+#include "ui/translation.h"
 #include "virtual/midi_ports.h"
 #include "virtual/usb_bus.h"
 #include <QApplication>
+#include <QLocale>
 #include <array>
 #include <cmath>
 #include <cstdio>
@@ -319,6 +321,7 @@ static int run_demo()
 	prepare_folder(folder);
 	write_demo_configurations(folder);
 	install(&qt_ui, &posix_clock);
+	load_translation(QLocale::system().uiLanguages());
 	create_windows();
 	watch_end_signals([] { host.ui->post(end_windows); });
 	start_velmor();

@@ -69,8 +69,8 @@ static constexpr kept_family s5000_family = {
 	.seconds_per_word = 0,
 	.creates_programs = true,
 	.new_programs =
-		"Undo makes it anew from the parameters that this program reads; everything "
-		"else in it comes back as the sampler presets it.",
+		own("Undo makes it anew from the parameters that this program reads; everything "
+		    "else in it comes back as the sampler presets it."),
 };
 
 static constexpr kept_family z4_family = {

@@ -364,9 +364,9 @@ static void download_words(const download_form &form, u8 sysex_channel, _sample 
 		tell_failed_download();
 	else if (tally.damaged)
 		show_box("WARNING",
-			"%d of %d packets of [%s] came damaged, late or not at all. The file is "
-			"saved, but it clicks or falls silent in these places. Another download "
-			"may help.",
+			tr("%d of %d packets of [%s] came damaged, late or not at all. The file is "
+			   "saved, but it clicks or falls silent in these places. Another download "
+			   "may help."),
 			tally.damaged, shown(packets_of(sample->sample_length)), sample->name);
 }
 

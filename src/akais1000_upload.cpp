@@ -171,12 +171,13 @@ static void cancel(const upload_job &job, u64 block)
 		hide_progressbar(0);
 	if (job.replaces)
 		show_box("WARNING",
-			"The upload was stopped and the sampler told to forget it. The sample [%s] "
-			"that the sampler had in this place is gone: upload it again, or delete "
-			"what is left of it.",
+			tr("The upload was stopped and the sampler told to forget it. The sample "
+			   "[%s] "
+			   "that the sampler had in this place is gone: upload it again, or delete "
+			   "what is left of it."),
 			current_sampler->status->sample[job.number].name);
 	else
-		show_box("INFO", "The upload was stopped and the sampler told to forget it.");
+		show_box("INFO", tr("The upload was stopped and the sampler told to forget it."));
 }
 
 // One packet after the other, each with its acknowledgement. False when the dump ended early.
@@ -277,8 +278,8 @@ static bool send_dump(const upload_job &job)
 		show_box("INFO", "Sample successfully uploaded!");
 	else
 		show_box("WARNING",
-			"The sound of [%s] was successfully uploaded, but the sampler did not take "
-			"its pitch, loop, play mode and tuning.",
+			tr("The sound of [%s] was uploaded, but the sampler did not take its "
+			   "pitch, loop, play mode and tuning."),
 			job.sample->name);
 	return whole;
 }
@@ -294,7 +295,7 @@ static bool upload_sample(
 		log_line("[F] [%s] has %llu words, a sample dump carries %llu\r\n", sample.name,
 			static_cast<unsigned long long>(sample.sample_length),
 			static_cast<unsigned long long>(longest_dump));
-		show_box("ERROR", "Sample too long for a sample dump (%llu words at most)!",
+		show_box("ERROR", tr("Sample too long for a sample dump (%llu words at most)!"),
 			static_cast<unsigned long long>(longest_dump));
 		return false;
 	}
@@ -361,7 +362,8 @@ bool akai_s1000_upload_exactly(const char *path, std::span<const u8> header)
 {
 	return with_file(path, [&](_sample &sample) {
 		if (!akai_goes_exactly(sample))
-			return refuse_exactly("Only 16 bit mono files can be uploaded exactly.");
+			return refuse_exactly(
+				tr("Only 16 bit mono files can be uploaded exactly."));
 		akai_sample_facts facts = akai_facts_of_file(wave_path_of(path), sample);
 		if (header.empty())
 			return upload_sample(s2000_upload, sample, &facts);
@@ -371,7 +373,7 @@ bool akai_s1000_upload_exactly(const char *path, std::span<const u8> header)
 		if (header.size() < sample_header_size ||
 			told.sample_length != sample.sample_length)
 			return refuse_exactly(
-				"The header that was kept is not that of this sample.");
+				tr("The header that was kept is not that of this sample."));
 		copy_text(sample.name,
 			akai_trimmed_name(bounded_bytes{ header }.from(sample_header_name)));
 		return upload_sample(s2000_upload, sample, &facts);

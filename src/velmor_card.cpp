@@ -79,7 +79,7 @@ static std::vector<std::string> row_of(const std::string &name)
 {
 	_sampler s = {};
 	const bool loaded = current_sampler && current_sampler->sampler_description == name;
-	std::vector<std::string> row = { name, "", loaded ? "loaded" : "", "" };
+	std::vector<std::string> row = { name, "", loaded ? tr("loaded") : "", "" };
 	const std::string brand = read_configuration(name, &s) ? brand_of(s) : "";
 	if (brand.empty())
 		return row;
@@ -104,10 +104,9 @@ void show_sampler_list()
 	update_entry_commands();
 }
 
-static void show_count(int control, int count, const char *what)
+static void show_count(int control, int count, noun what)
 {
-	host.ui->set_text(
-		window_main, control, count > 0 ? format_text("%d %s", count, what).c_str() : "");
+	host.ui->set_text(window_main, control, count > 0 ? counted(count, what).c_str() : "");
 }
 
 void show_loaded_card()
@@ -119,9 +118,9 @@ void show_loaded_card()
 	host.ui->set_text(window_main, main_card_name, s->sampler_description);
 	host.ui->set_text(window_main, main_card_way, (brand_of(*s) + " · " + way_to(*s)).c_str());
 	const _dev_status *dev = s->status;
-	show_count(main_card_samples, dev ? dev->samples : 0, "samples");
-	show_count(main_card_programs, dev ? dev->programs : 0, "programs");
-	show_count(main_card_multis, dev ? dev->multis : 0, "multis");
+	show_count(main_card_samples, dev ? dev->samples : 0, noun::sample);
+	show_count(main_card_programs, dev ? dev->programs : 0, noun::program);
+	show_count(main_card_multis, dev ? dev->multis : 0, noun::multi);
 }
 
 } // namespace velmor

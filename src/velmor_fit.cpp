@@ -70,10 +70,11 @@ std::string same_names(std::span<const std::string> on_sampler)
 			twice.insert(name);
 	std::string text;
 	for (const std::string &name : twice)
-		text += (text.empty() ? "Names that would stand more than once on the sampler: '"
-				      : ", '") +
-			name + "'";
-	return text;
+		text += (text.empty() ? "'" : ", '") + name + "'";
+	return text.empty()
+		       ? ""
+		       : format_text(tr("Names that would stand more than once on the sampler: %s"),
+				 text.c_str());
 }
 
 // The first of these that would be called like another sample of the sampler; "" for none.
@@ -97,14 +98,15 @@ bool may_send_names(std::span<const std::string> names)
 	for (const std::string &name : names)
 		called.push_back(name_on_sampler(*model, name));
 	const std::string same = same_names(called);
-	if (!same.empty() && !ask_box("WARNING", "%s\nUpload them all the same?", same.c_str()))
+	if (!same.empty() && !ask_box("WARNING", tr("%s\nUpload them all the same?"), same.c_str()))
 		return false;
 	const std::string second = second_of_its_name(*model, names);
-	return second.empty() || ask_box("WARNING",
-					 "The sampler has a sample called '%s' already, and would "
-					 "call '%s' the same: "
-					 "it would hold two of that name.\nUpload it all the same?",
-					 name_on_sampler(*model, second).c_str(), second.c_str());
+	return second.empty() ||
+	       ask_box("WARNING",
+		       tr("The sampler has a sample called '%s' already, and would "
+			  "call '%s' the same: "
+			  "it would hold two of that name.\nUpload it all the same?"),
+		       name_on_sampler(*model, second).c_str(), second.c_str());
 }
 
 // ---- Shapes -------------------------------------------------------------------------------------
@@ -114,7 +116,7 @@ std::string length_trouble(const _sampler_type &model, const wave_shape &file)
 	const family_needs &needs = needs_of(model);
 	if (file.frames <= needs.words || !file.rate)
 		return "";
-	return format_text("It is %.02f s long, and a transfer to %s carries %.02f s at %u Hz.",
+	return format_text(tr("It is %.02f s long, and a transfer to %s carries %.02f s at %u Hz."),
 		file.seconds(), model.sampler_brand, static_cast<double>(needs.words) / file.rate,
 		file.rate);
 }
@@ -155,14 +157,15 @@ fit_plan plan_fit(const _sampler_type &model, const wave_shape &file)
 		return plan;
 	if (!convertible(file) || (file.channels > 1 && !to.channels)) {
 		plan.words = convertible(file)
-				     ? "Import it with 1 Channel and Create L/R files, as a "
-				       "conversion keeps only its left channel."
+				     ? tr("Import it with 1 Channel and Create L/R files, as a "
+					  "conversion keeps only its left channel.")
 				     : tr("It cannot be converted here.");
 		return plan;
 	}
 	plan.possible = true;
-	plan.words = format_text("%d bit, %u Hz%s", to.bits ? to.bits : static_cast<int>(file.bits),
-		result.rate, to.channels ? ", both channels mixed to one" : "");
+	plan.words = format_text(
+		to.channels ? tr("%d bit, %u Hz, both channels mixed to one") : tr("%d bit, %u Hz"),
+		to.bits ? to.bits : static_cast<int>(file.bits), result.rate);
 	return plan;
 }
 
@@ -205,7 +208,8 @@ static void fit_one(fit_work *work, const std::string &name)
 			const outcome done = convert_local(name, plan.conversion, &work->undo);
 			why = done.words;
 			work->fitted += done.done();
-			work->last = "'" + name + "' has " + plan.words + " now.";
+			work->last = format_text(
+				tr("'%s' has %s now."), name.c_str(), plan.words.c_str());
 		}
 	}
 	if (!why.empty())
@@ -218,13 +222,13 @@ static outcome outcome_of(const fit_work &work, bool stopped, int all)
 	if (all == 1 && work.fitted)
 		result.line = work.last;
 	else
-		result.line = format_text("%d converted, %d fitted already, of %d sample%s.",
-			work.fitted, work.fitting, all, all == 1 ? "" : "s");
+		result.line = format_text(tr("%d converted, %d fitted already, of %s."),
+			work.fitted, work.fitting, counted(all, noun::sample).c_str());
 	if (all == 1 && !work.failures.empty())
 		result.line = tr("The sample stays as it is.");
 	if (all == 1 && work.fitting)
 		result.line =
-			"The sample fits " + std::string(work.model.sampler_brand) + " as it is.";
+			format_text(tr("The sample fits %s as it is."), work.model.sampler_brand);
 	if (stopped)
 		result.how = ending::stopped;
 	if (work.failures.empty())
@@ -239,8 +243,8 @@ static outcome outcome_of(const fit_work &work, bool stopped, int all)
 static void fit_chosen_samples()
 {
 	const std::vector<std::string> names = chosen_names();
-	const chosen_entry chosen = chosen_local();
-	if (no_local(chosen))
+	const chosen_entries all = all_chosen_local();
+	if (no_local(chosen_local()))
 		return;
 	outcome why;
 	const _sampler_type *model = loaded_model(&why);
@@ -257,11 +261,11 @@ static void fit_chosen_samples()
 	const bool stopped = progress_stopped();
 	hide_progressbar(window_samples);
 	if (!work.undo.moves.empty()) {
-		work.undo.line = format_text("Put %d sample%s back as before.", work.fitted,
-			work.fitted == 1 ? "" : "s");
+		work.undo.line = format_text(
+			tr("Put %s back as before."), counted(work.fitted, noun::sample).c_str());
 		remember_undo(work.undo);
 	}
-	fill_local({ chosen });
+	fill_local(all);
 	show_outcome(outcome_of(work, stopped, static_cast<int>(names.size())));
 }
 
@@ -277,9 +281,9 @@ void show_transfer_choices()
 {
 	const _sampler_type *model = loaded();
 	const bool offered = model && has_exact_uploads(*model);
-	const std::string other =
-		model ? std::string(model->sampler_brand) + " takes samples at their own length."
-		      : tr("Load a sampler first.");
+	const std::string other = model ? format_text(tr("%s takes samples at their own length."),
+						  model->sampler_brand)
+					: tr("Load a sampler first.");
 	host.ui->set_checked(window_samples, samples_exact, offered && exact_uploads());
 	host.ui->set_reason(window_samples, samples_exact, offered ? nullptr : other.c_str());
 	host.ui->set_text(window_samples, samples_rate, connection_text().c_str());

@@ -94,7 +94,7 @@ static std::string number_text(const form_table_row &row, i32 shown)
 
 static std::vector<form_item> sample_items()
 {
-	std::vector<form_item> items = { { 0, "no sample" } };
+	std::vector<form_item> items = { { 0, tr("no sample") } };
 	const _dev_status *dev = current_sampler ? current_sampler->status : nullptr;
 	for (int i = 0; dev && i < dev->samples && i < max_samples; i++)
 		items.push_back({ i + 1, dev->sample[i].name });
@@ -165,7 +165,7 @@ static void fill_items(form_row *made, const form_table_row &row, const field_va
 	made->kind = row_kind::choice;
 	made->value = static_cast<int>(items.size());
 	made->items.push_back(std::holds_alternative<std::string>(held)
-				      ? first_line(held) + " (not loaded)"
+				      ? first_line(held) + tr(" (not loaded)")
 				      : value_text(row, held));
 }
 

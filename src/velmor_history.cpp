@@ -42,16 +42,23 @@ static constexpr int most_things = 999, largest_number = 1000000000;
 
 struct kind_row {
 	step_kind kind;
-	const char *word;  // of the manifest
-	const char *words; // of a list, with the name behind them
+	const char *word;   // of the manifest
+	const char *words;  // of a list, with the name
+	const char *inside; // the same inside a sentence
 };
 static constexpr kind_row kinds[] = {
-	{ step_kind::rename_sample, "rename sample", "Renamed the sample " },
-	{ step_kind::delete_sample, "delete sample", "Deleted the sample " },
-	{ step_kind::upload_sample, "upload sample", "Uploaded the sample " },
-	{ step_kind::rename_program, "rename program", "Renamed the program " },
-	{ step_kind::delete_program, "delete program", "Deleted the program " },
-	{ step_kind::change_program, "change program", "Changed the program " },
+	{ step_kind::rename_sample, "rename sample", own("Renamed the sample %s"),
+		own("renamed the sample %s") },
+	{ step_kind::delete_sample, "delete sample", own("Deleted the sample %s"),
+		own("deleted the sample %s") },
+	{ step_kind::upload_sample, "upload sample", own("Uploaded the sample %s"),
+		own("uploaded the sample %s") },
+	{ step_kind::rename_program, "rename program", own("Renamed the program %s"),
+		own("renamed the program %s") },
+	{ step_kind::delete_program, "delete program", own("Deleted the program %s"),
+		own("deleted the program %s") },
+	{ step_kind::change_program, "change program", own("Changed the program %s"),
+		own("changed the program %s") },
 };
 struct state_row {
 	step_state state;
@@ -70,13 +77,16 @@ static std::string quoted(const std::string &name)
 	return "'" + name + "'";
 }
 
-std::string step_words(const history_step &step)
+std::string step_words(const history_step &step, bool inside)
 {
-	std::string words;
+	const std::string name = step.new_name.empty()
+					 ? quoted(step.name)
+					 : format_text(tr("%s to %s"), quoted(step.name).c_str(),
+						   quoted(step.new_name).c_str());
 	for (const kind_row &row : kinds)
 		if (row.kind == step.kind)
-			words = row.words + quoted(step.name);
-	return words + (step.new_name.empty() ? "" : " to " + quoted(step.new_name));
+			return format_text(tr(inside ? row.inside : row.words), name.c_str());
+	return name;
 }
 
 // ---- The text --------------------------------------------------------------------------------------
@@ -213,21 +223,25 @@ static std::string take_line(step_reader *r, std::string_view line)
 	if (line.front() == '[') {
 		there.emplace_back();
 		const bool next = line == format_text("[there %zu]", there.size());
-		return next && there.size() <= most_things ? "" : "A section is not the next one.";
+		return next && there.size() <= most_things ? ""
+							   : tr("A section is not the next one.");
 	}
 	const std::size_t sign = line.find('=');
 	const std::string_view key = trimmed(line.substr(0, std::min(sign, line.size())));
 	if (sign == line.npos)
-		return "A line is no section and has no value.";
+		return tr("A line is no section and has no value.");
 	const std::string_view value = trimmed(line.substr(sign + 1));
 	if (there.empty() && (key == "version" || key == "number"))
-		return take_number(r, key, value) ? "" : std::string(key) + " is no number.";
+		return take_number(r, key, value)
+			       ? ""
+			       : format_text(tr("%s is no number."), std::string(key).c_str());
 	std::string text;
 	if (!unquoted(value, &text))
-		return std::string(key) + " is no text in quotation marks.";
+		return format_text(
+			tr("%s is no text in quotation marks."), std::string(key).c_str());
 	const bool good = there.empty() ? take_of_step(r, key, text)
 					: take_of_thing(&there.back(), key, text);
-	return good ? "" : std::string(key) + " is not what it can be.";
+	return good ? "" : format_text(tr("%s is not what it can be."), std::string(key).c_str());
 }
 
 history_step read_step_text(std::string_view text)
@@ -239,12 +253,12 @@ history_step read_step_text(std::string_view text)
 		line++;
 		const std::string why = take_line(&r, trimmed(text.substr(0, end)));
 		if (!why.empty())
-			r.step.damage = format_text("Line %d: %s", line, why.c_str());
+			r.step.damage = format_text(tr("Line %d: %s"), line, why.c_str());
 		text.remove_prefix(std::min(end + 1, text.size()));
 	}
 	const bool whole = r.has_version && r.has_work && r.has_state && r.ended;
 	if (r.step.damage.empty() && !whole)
-		r.step.damage = "It is not whole.";
+		r.step.damage = tr("It is not whole.");
 	return std::move(r.step);
 }
 
@@ -297,10 +311,10 @@ static history_step read_step(const std::string &folder)
 	std::string text;
 	int code = 0;
 	if (!find_file(path, &info)) {
-		step.damage = "It was broken off before the sampler was changed.";
+		step.damage = tr("It was broken off before the sampler was changed.");
 	} else if (info.size > largest_manifest || !info.regular ||
 		   (code = file.measure(path.c_str())) || (code = file.open(path.c_str()))) {
-		step.damage = code ? read_failure(path, code) : "Its text is too large.";
+		step.damage = code ? read_failure(path, code) : tr("Its text is too large.");
 	} else {
 		text.resize(static_cast<std::size_t>(file.size));
 		code = file.read(0, text.data(), text.size());
@@ -421,7 +435,7 @@ outcome remove_steps(std::span<const std::string> folders)
 		if (const int code = remove_folder(path))
 			result = { .how = ending::local_failed,
 				.words = write_failure(path, code),
-				.line = "Not everything could be removed from the history." };
+				.line = tr("Not everything could be removed from the history.") };
 		std::erase_if(steps, [&](const history_step &step) {
 			file_info info = {};
 			return step.folder == folder && !find_file(path, &info);

@@ -68,8 +68,8 @@ struct history_step {
 std::string step_text(const history_step &step);
 // What the text says. A text that is not whole or not right says why in damage.
 history_step read_step_text(std::string_view text);
-// "Deleted the sample 'KICK'", as the history lists it.
-std::string step_words(const history_step &step);
+// "Deleted the sample 'KICK'", as the history lists it, or as it stands inside a sentence.
+std::string step_words(const history_step &step, bool inside = false);
 
 // The folder of the loaded sampler's history, and of a step in it.
 std::string folder_of_history();

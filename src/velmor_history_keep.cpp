@@ -136,29 +136,37 @@ static limit_of_undo find_limit(const _sampler_type &model, const kept_family &f
 	const bool deletes =
 		step.kind == step_kind::delete_sample || step.kind == step_kind::delete_program;
 	if (many(step.name) > 1)
-		return { .words = "The list has " + quoted(step.name) +
-				  " more than once, and undo could not tell which of them it was.",
+		return { .words = format_text(
+				 tr("The list has %s more than once, and undo could not "
+				    "tell which of them it was."),
+				 quoted(step.name).c_str()),
 			.loses = deletes };
 	if (renames && step.new_name != step.name && many(step.new_name))
-		return { .words = "The list has " + quoted(step.new_name) +
-				  " already, and undo could not tell the two apart." };
+		return { .words = format_text(
+				 tr("The list has %s already, and undo could not tell the "
+				    "two apart."),
+				 quoted(step.new_name).c_str()) };
 	if (step.kind == step_kind::delete_program && !family.creates_programs)
-		return { .words = std::string("An ") + model.sampler_brand +
-				  " takes no program that it does not hold, so undo cannot bring " +
-				  quoted(step.name) + " back. Its parameters are kept as a text.",
+		return { .words = format_text(
+				 tr("An %s takes no program that it does not hold, so undo "
+				    "cannot bring %s back. Its parameters are kept as a "
+				    "text."),
+				 model.sampler_brand, quoted(step.name).c_str()),
 			.loses = true };
 	if (step.kind == step_kind::delete_program && family.new_programs)
-		return { .words = "A program that is deleted: " + std::string(family.new_programs),
+		return { .words = format_text(
+				 tr("A program that is deleted: %s"), tr(family.new_programs)),
 			.no_way = false };
 	if (step.kind == step_kind::upload_sample && !replaces && !model.renamesample)
-		return { .words = std::string("An ") + model.sampler_brand +
-				  " takes no request that deletes a sample, so undo cannot take a "
-				  "new "
-				  "one off it." };
+		return { .words = format_text(
+				 tr("An %s takes no request that deletes a sample, so undo "
+				    "cannot take a new one off it."),
+				 model.sampler_brand) };
 	if (step.kind == step_kind::change_program && !replaces && !model.deleteprogram)
-		return { .words = std::string("An ") + model.sampler_brand +
-				  " takes no request that deletes a program, so undo cannot take a "
-				  "new one off it." };
+		return { .words = format_text(
+				 tr("An %s takes no request that deletes a program, so undo "
+				    "cannot take a new one off it."),
+				 model.sampler_brand) };
 	return {};
 }
 
@@ -167,7 +175,7 @@ static bool may_go_on_with(const limit_of_undo &limit)
 {
 	if (limit.words.empty() || (!limit.loses && limits_told.contains(limit.words)))
 		return true;
-	if (!ask_box("WARNING", "%s\nGo on all the same?", limit.words.c_str()))
+	if (!ask_box("WARNING", tr("%s\nGo on all the same?"), limit.words.c_str()))
 		return false;
 	limits_told.insert(limit.words);
 	return true;
@@ -182,10 +190,10 @@ bool machine_change::tell_limits(const planned_work &work)
 	const bool grows =
 		step.kind == step_kind::change_program && !places.empty() && sent > most_held;
 	if (grows && limit.words.empty() && !family->creates_programs)
-		limit = { .words = std::string("An ") + model->sampler_brand +
-				   " takes no request that deletes a keygroup, so undo cannot take "
-				   "the "
-				   "new ones off it.",
+		limit = { .words = format_text(
+				  tr("An %s takes no request that deletes a keygroup, so undo "
+				     "cannot take the new ones off it."),
+				  model->sampler_brand),
 			.no_way = false };
 	if (limit.no_way)
 		step.cannot = limit.words;
@@ -229,8 +237,8 @@ static std::string reason_of(box_keeper *keeper)
 {
 	const std::vector<kept_box> told = troubles(keeper->take());
 	if (progress_stopped())
-		return "It was stopped.";
-	return told.empty() ? "The sampler did not send all of it." : told.back().text;
+		return tr("It was stopped.");
+	return told.empty() ? tr("The sampler did not send all of it.") : told.back().text;
 }
 
 std::string machine_change::keep_program(int place, kept_thing *thing)
@@ -299,15 +307,15 @@ std::string machine_change::keep_all()
 			step.there.push_back(thing);
 	}
 	if (why.empty() && progress_stopped())
-		why = "It was stopped.";
+		why = tr("It was stopped.");
 	return why.empty() ? write_step(&step) : why;
 }
 
 static std::string about_seconds(double seconds)
 {
 	const int whole = static_cast<int>(std::ceil(seconds));
-	return whole < 120 ? format_text("about %d s", whole)
-			   : format_text("about %d min", (whole + 59) / 60);
+	return whole < 120 ? format_text(tr("about %d s"), whole)
+			   : format_text(tr("about %d min"), (whole + 59) / 60);
 }
 
 // False: the user wants to go on without a copy, or, with a refusal, not at all.
@@ -325,13 +333,14 @@ bool machine_change::may_keep_samples()
 		return false;
 	const std::string name = quoted(before[static_cast<std::size_t>(places.front())]);
 	if (ask_box("INFO",
-		    "%s goes from the sampler. Keep a copy first? %s\n"
-		    "The answer holds until VELMOR is closed.",
+		    tr("%s goes from the sampler. Keep a copy first? That takes %s.\n"
+		       "The answer holds until VELMOR is closed."),
 		    name.c_str(), about_seconds(seconds).c_str())) {
 		about_long_samples = answer::keep;
 		return true;
 	}
-	if (ask_box("WARNING", "Go on without a copy? %s cannot be put back then.", name.c_str()))
+	if (ask_box("WARNING", tr("Go on without a copy? %s cannot be put back then."),
+		    name.c_str()))
 		about_long_samples = answer::go_without;
 	else
 		stop();
@@ -343,7 +352,8 @@ bool machine_change::may_keep_samples()
 void machine_change::stop()
 {
 	refusal = { .how = ending::stopped,
-		.line = quoted(step.name) + " was left as it is on the sampler." };
+		.line = format_text(
+			tr("%s was left as it is on the sampler."), quoted(step.name).c_str()) };
 }
 
 void machine_change::drop()
@@ -357,8 +367,8 @@ bool machine_change::goes_without(const std::string &why)
 {
 	log_line("[W] [%s] was not kept: %s\r\n", step.name.c_str(), why.c_str());
 	return ask_box("WARNING",
-		"What the sampler holds could not be kept first: %s\n"
-		"Go on without a copy? It cannot be put back then.",
+		tr("What the sampler holds could not be kept first: %s\n"
+		   "Go on without a copy? It cannot be put back then."),
 		why.c_str());
 }
 

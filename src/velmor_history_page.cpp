@@ -22,7 +22,7 @@ static std::vector<std::string> folders_shown;
 static std::string size_text(u64 bytes)
 {
 	const double size = static_cast<double>(bytes);
-	return bytes < 1000      ? format_text("%d bytes", static_cast<int>(bytes))
+	return bytes < 1000      ? format_text(tr("%d bytes"), static_cast<int>(bytes))
 	       : bytes < 1000000 ? format_text("%.1f kB", size / 1e3)
 				 : format_text("%.1f MB", size / 1e6);
 }
@@ -38,14 +38,15 @@ static std::string kept_text(const history_step &step)
 static std::string state_text(const history_step &step)
 {
 	if (!step.damage.empty())
-		return "Damaged: " + step.damage;
+		return format_text(tr("Damaged: %s"), step.damage.c_str());
 	if (step.state == step_state::undone)
-		return "Put back";
+		return tr("Put back");
 	if (step.state == step_state::half)
 		return tr("Put back in part; undo goes on with it");
 	if (step.state == step_state::put_back)
-		return "Replaced by an undo";
-	return step.cannot.empty() ? "Can be put back" : "Cannot be put back: " + step.cannot;
+		return tr("Replaced by an undo");
+	return step.cannot.empty() ? tr("Can be put back")
+				   : format_text(tr("Cannot be put back: %s"), step.cannot.c_str());
 }
 
 static std::vector<std::string> row_of(const history_step &step)
@@ -79,7 +80,7 @@ static void show_settings()
 	host.ui->set_checked(window_history, history_on, the_history.on);
 	host.ui->set_checked(window_history, history_samples, the_history.long_samples);
 	host.ui->set_reason(window_history, history_samples,
-		the_history.on ? nullptr : "Nothing is kept at all");
+		the_history.on ? nullptr : tr("Nothing is kept at all"));
 }
 
 static const history_step *step_in(const std::string &folder)
@@ -106,23 +107,23 @@ static void show_reasons()
 {
 	const std::vector<std::string> chosen = chosen_folders();
 	const history_step *step = chosen.size() == 1 ? step_in(chosen.front()) : nullptr;
-	const char *why = chosen.empty()          ? "Choose a step first"
-			  : chosen.size() > 1     ? "One step at a time"
-			  : !step                 ? "It is not there any more"
-			  : !step->damage.empty() ? "Its text cannot be used"
+	const char *why = chosen.empty()          ? tr("Choose a step first")
+			  : chosen.size() > 1     ? tr("One step at a time")
+			  : !step                 ? tr("It is not there any more")
+			  : !step->damage.empty() ? tr("Its text cannot be used")
 						  : nullptr;
 	host.ui->set_reason(window_history, history_restore, why);
-	host.ui->set_reason(
-		window_history, history_delete, chosen.empty() ? "Choose a step first" : nullptr);
+	host.ui->set_reason(window_history, history_delete,
+		chosen.empty() ? tr("Choose a step first") : nullptr);
 }
 
 static std::string heading()
 {
 	const std::size_t count = folders_shown.size();
 	if (!current_sampler)
-		return "no sampler loaded";
-	return format_text("%zu step%s · ", count, count == 1 ? "" : "s") +
-	       size_text(history_bytes());
+		return tr("no sampler loaded");
+	return format_text(count == 1 ? tr("%zu step · %s") : tr("%zu steps · %s"), count,
+		size_text(history_bytes()).c_str());
 }
 
 static void fill_history()
@@ -207,13 +208,17 @@ static void delete_chosen()
 	const int count = static_cast<int>(chosen.size());
 	if (chosen.empty() ||
 		!ask_box("WARNING",
-			"Delete %d step%s from the history? What was kept in %s is gone then.",
-			count, count == 1 ? "" : "s", count == 1 ? "it" : "them"))
+			count == 1 ? tr("Delete %d step from the history? What was kept in it is "
+					"gone then.")
+				   : tr("Delete %d steps from the history? What was kept in them "
+					"is gone then."),
+			count))
 		return;
 	outcome result = remove_steps(chosen);
 	if (result.done())
-		result.line = format_text(
-			"Deleted %d step%s from the history.", count, count == 1 ? "" : "s");
+		result.line = format_text(count == 1 ? tr("Deleted %d step from the history.")
+						     : tr("Deleted %d steps from the history."),
+			count);
 	fill_history();
 	show_outcome(result);
 }
@@ -242,17 +247,17 @@ static void change_limit()
 // clang-format off
 static constexpr caption_row history_captions[] = {
 	// window         control          caption, tooltip, empty
-	{ window_history, 0,               "VELMOR History", nullptr, nullptr },
-	{ window_history, history_list,    "Changed on the sampler", "What was changed, the newest first", "Nothing was changed on this sampler yet, or nothing was kept." },
-	{ window_history, history_size,    "Size", "How many steps there are, and how large they are together", nullptr },
-	{ window_history, history_folder,  "Folder", "Where the steps of this sampler lie", nullptr },
-	{ window_history, history_restore, "&Put back", "Make the sampler hold again what it held before this step; what it holds now is kept first", nullptr },
-	{ window_history, history_delete,  "&Delete from the history", "Let go of what was kept in these steps", nullptr },
-	{ window_history, history_refresh, "&Refresh", "Read the folder anew", nullptr },
-	{ window_history, history_on,      "Keep what is on the sampler before it is changed", "Programs always; samples where that is a matter of seconds, or after a question", nullptr },
-	{ window_history, history_samples, "Keep samples without asking, however long it takes", "Otherwise you are asked once where a sample takes more than five seconds", nullptr },
-	{ window_history, history_limit,   "At most, for each sampler", "Beyond it, the oldest steps are let go", nullptr },
-	{ window_history, control_cancel,  "&Close", "Close this window", nullptr },
+	{ window_history, 0,               own("VELMOR History"), nullptr, nullptr },
+	{ window_history, history_list,    own("Changed on the sampler"), own("What was changed, the newest first"), own("Nothing was changed on this sampler yet, or nothing was kept.") },
+	{ window_history, history_size,    own("Size"), own("How many steps there are, and how large they are together"), nullptr },
+	{ window_history, history_folder,  own("Folder"), own("Where the steps of this sampler lie"), nullptr },
+	{ window_history, history_restore, own("&Put back"), own("Make the sampler hold again what it held before this step; what it holds now is kept first"), nullptr },
+	{ window_history, history_delete,  own("&Delete from the history"), own("Let go of what was kept in these steps"), nullptr },
+	{ window_history, history_refresh, "&Refresh", own("Read the folder anew"), nullptr },
+	{ window_history, history_on,      own("Keep what is on the sampler before it is changed"), own("Programs always; samples where that is a matter of seconds, or after a question"), nullptr },
+	{ window_history, history_samples, own("Keep samples without asking, however long it takes"), own("Otherwise you are asked once where a sample takes more than five seconds"), nullptr },
+	{ window_history, history_limit,   own("At most, for each sampler"), own("Beyond it, the oldest steps are let go"), nullptr },
+	{ window_history, control_cancel,  own("&Close"), own("Close this window"), nullptr },
 };
 static constexpr command_row history_commands[] = {
 	{ window_history, history_restore, put_chosen_back,             alone  },

@@ -38,7 +38,7 @@ static outcome local_failure(const std::string &words)
 	return { .how = ending::local_failed,
 		.words = words,
 		.caption = "ERROR",
-		.line = "Nothing was put back: what was kept cannot be read." };
+		.line = tr("Nothing was put back: what was kept cannot be read.") };
 }
 
 // ---- What was kept -----------------------------------------------------------------------------------
@@ -54,7 +54,7 @@ static std::string read_text(const std::string &path, std::string *text)
 	if (code)
 		return read_failure(path, code);
 	if (file.size > largest_text)
-		return path + " is too large.";
+		return format_text(tr("%s is too large."), path.c_str());
 	text->resize(static_cast<std::size_t>(file.size));
 	code = file.read(0, text->data(), text->size());
 	return code ? read_failure(path, code) : "";
@@ -91,7 +91,7 @@ static std::string read_blocks(
 	const std::string why = read_text(path, &text);
 	if (!why.empty() || blocks_from_text(text, blocks))
 		return why;
-	return std::string(host.files->host_path(path.c_str())) + " is damaged.";
+	return format_text(tr("%s is damaged."), host.files->host_path(path.c_str()).c_str());
 }
 
 static std::string read_program(
@@ -106,7 +106,7 @@ static std::string read_program(
 	program_refusal refused;
 	*program = read_program_text(text, &unknown, &refused);
 	return *program ? ""
-			: format_text("[%s], line %d: %s",
+			: format_text(tr("[%s], line %d: %s"),
 				  host.files->host_path(path.c_str()).c_str(), refused.line,
 				  refused.reason.c_str());
 }
@@ -178,14 +178,16 @@ static outcome send_words(const sample_sender &s)
 	const outcome read = finish_sample(s, read_sample_list());
 	outcome result = { .told = told };
 	if (!read.done())
-		result = unknown_end(read, quoted(s.name) + " was put back");
+		result = unknown_end(
+			read, format_text(tr("%s was put back"), quoted(s.name).c_str()));
 	else if (stopped)
 		result.how = ending::stopped;
 	else if (!told.empty() || !contains(loaded_names(), s.name))
 		result.how = ending::refused;
 	if (result.how == ending::refused && told.empty())
-		result.words = "The sampler does not list " + quoted(s.name) +
-			       ", so it did not take it back.";
+		result.words =
+			format_text(tr("The sampler does not list %s, so it did not take it back."),
+				quoted(s.name).c_str());
 	return result;
 }
 
@@ -246,14 +248,15 @@ static outcome judge_program(
 {
 	const outcome read = read_programs_again();
 	if (!read.done())
-		return unknown_end(read, quoted(name) + " was put back");
+		return unknown_end(read, format_text(tr("%s was put back"), quoted(name).c_str()));
 	outcome result = { .told = told };
 	if (stopped)
 		result.how = ending::stopped;
 	else if (!sent || place_of_program(name) < 0)
 		result.how = ending::refused;
 	if (result.how == ending::refused && told.empty())
-		result.words = "The sampler did not take " + quoted(name) + " back.";
+		result.words =
+			format_text(tr("The sampler did not take %s back."), quoted(name).c_str());
 	return result;
 }
 
@@ -314,8 +317,14 @@ static std::vector<std::string> listed(const history_step &step)
 static outcome does_not_fit(const std::string &words)
 {
 	return { .how = ending::refused,
-		.words = words + " Nothing was put back.",
-		.line = "Nothing was put back." };
+		.words = format_text(tr("%s Nothing was put back."), words.c_str()),
+		.line = tr("Nothing was put back.") };
+}
+
+static outcome is_there_again(const history_step &step)
+{
+	return does_not_fit(
+		format_text(tr("The sampler has a %s again."), quoted(step.name).c_str()));
 }
 
 // The name is taken, and not by what an undo that did not end has sent.
@@ -328,9 +337,10 @@ static outcome rename_back(const history_step &step)
 {
 	const std::string now = step.came.empty() ? step.new_name : step.came.front();
 	if (!contains(listed(step), now))
-		return does_not_fit(quoted(now) + " is not on the sampler any more.");
+		return does_not_fit(
+			format_text(tr("%s is not on the sampler any more."), quoted(now).c_str()));
 	if (contains(listed(step), step.name))
-		return does_not_fit("The sampler has a " + quoted(step.name) + " again.");
+		return is_there_again(step);
 	return about_programs(step) ? rename_program({ .name = now, .index = -1 }, step.name)
 				    : rename_sample(now, step.name);
 }
@@ -384,13 +394,13 @@ static outcome go_back(const history_step &step)
 	if (!ready.done())
 		return ready;
 	if (deletes(step) && is_in_the_way(step))
-		return does_not_fit("The sampler has a " + quoted(step.name) + " again.");
+		return is_there_again(step);
 	if (!renames(step) && step.there.empty() && step.came.empty())
-		return does_not_fit("Of this step nothing was kept.");
+		return does_not_fit(tr("Of this step nothing was kept."));
 	if (renames(step) && !comes_whole(step))
 		return rename_back(step);
 	if (renames(step) && is_in_the_way(step))
-		return does_not_fit("The sampler has a " + quoted(step.name) + " again.");
+		return is_there_again(step);
 	const outcome first = renames(step) ? send_all(step) : take_away(step);
 	if (!first.done())
 		return first;
@@ -404,13 +414,6 @@ static bool belongs_here(const history_step &step)
 				: nullptr;
 	return model && step.model == model->sampler_brand &&
 	       step.sampler == current_sampler->sampler_description;
-}
-
-static std::string beginning_small(std::string words)
-{
-	if (!words.empty() && words[0] >= 'A' && words[0] <= 'Z')
-		words[0] = static_cast<char>(words[0] - 'A' + 'a');
-	return words;
 }
 
 // What it is from now on is written down.
@@ -433,25 +436,29 @@ outcome put_step_back(const history_step &given)
 	history_step step = given; // the list changes meanwhile
 	if (!step.damage.empty())
 		return { .how = ending::local_failed,
-			.words = "The text of this step cannot be used. " + step.damage };
+			.words = format_text(tr("The text of this step cannot be used. %s"),
+				step.damage.c_str()) };
 	if (!belongs_here(step))
 		return { .how = ending::refused,
-			.words = "This was kept of '" + step.sampler + "', a " + step.model +
-				 ", and another sampler is loaded." };
+			.words = format_text(
+				tr("This was kept of '%s', a %s, and another sampler is "
+				   "loaded."),
+				step.sampler.c_str(), step.model.c_str()) };
 	if (!step.cannot.empty() && step.there.empty())
 		return { .how = ending::refused, .words = step.cannot };
 	log_line("[I] Putting back on the sampler: %s\r\n", step_words(step).c_str());
 	const putting_back undo(step.folder);
 	const int before = newest_number();
 	outcome result = go_back(step);
-	const bool over = result.done() || result.line == "Nothing was put back.";
+	const bool over = result.done() || result.line == tr("Nothing was put back.");
 	// Whatever changes the sampler is a step, where steps are kept.
 	const bool begun = !the_history.on || newest_number() > before;
 	if (step.state != step_state::put_back && (over || begun))
 		mark(step, over ? step_state::undone : step_state::half);
 	if (result.done()) {
 		result.words.clear();
-		result.line = "Put back on the sampler: " + beginning_small(step_words(step)) + ".";
+		result.line = format_text(
+			tr("Put back on the sampler: %s."), step_words(step, true).c_str());
 	}
 	return result;
 }
@@ -476,7 +483,7 @@ outcome undo_on_sampler()
 	const history_step *step = undoable_step();
 	return step ? put_step_back(*step)
 		    : outcome{ .how = ending::refused,
-			      .words = "There is nothing to put back on the sampler." };
+			      .words = tr("There is nothing to put back on the sampler.") };
 }
 
 } // namespace velmor

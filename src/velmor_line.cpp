@@ -150,10 +150,13 @@ line_report report_line()
 		std::string(current_sampler->sampler_description).c_str(), way_text(to).c_str(),
 		to.exclusive_channel);
 	if (the_line.failing)
-		return { text + tr("no answer ") + clock_text(the_line.failed_at),
+		return { text + format_text(
+					tr("no answer %s"), clock_text(the_line.failed_at).c_str()),
 			text_role::careful };
 	if (the_line.answered_at > 0)
-		return { text + "answered " + clock_text(the_line.answered_at), text_role::good };
+		return { text + format_text(tr("answered %s"),
+					clock_text(the_line.answered_at).c_str()),
+			text_role::good };
 	return { text + tr("not asked yet"), text_role::quiet };
 }
 

@@ -301,7 +301,7 @@ std::string why_output_is_taken()
 	const auto port = static_cast<std::size_t>(std::max(selected_midi_out_interface, 0));
 	return format_text(tr("The player is using %s; stop it first."),
 		port < midi_out_interface.size() ? midi_out_interface[port].c_str()
-						 : "the MIDI output");
+						 : tr("the MIDI output"));
 }
 
 static bool open_output()

@@ -243,6 +243,14 @@ static void follow_output()
 		monitor.output = -1;
 }
 
+void renew_monitor()
+{
+	if (monitor.input < 0)
+		return;
+	monitor.output = -1;
+	follow_output();
+}
+
 // Whatever came meanwhile. A port that only was too fast is listened to again.
 static void fetch()
 {

@@ -33,6 +33,8 @@ extern int midi_in_text, midi_out_text;
 
 // Run the monitor from now on, until receive_monitor_active is cleared; a second one is not begun.
 void receive_monitor();
+// Hand the port what it passes on by once more: the host's tables have changed.
+void renew_monitor();
 // As "Mon. off", with everything told that came before.
 void end_monitor();
 // Tell of one thing that came; the bytes of a short message are in dwParam1, the first lowest.

@@ -3,6 +3,7 @@
 // Knows nothing of: models (but what their rows say), toolkits.
 
 #include "src/velmor_fit.h"
+#include "src/velmor_samples_page.h"
 #include "src/velmor_shape.h"
 #include "src/velmor_transfer.h"
 #include "src/velmor_wave_edit.h"
@@ -87,7 +88,7 @@ std::vector<std::string> wave_columns(const std::string &path)
 	const double seconds = static_cast<double>(shape.frames) / shape.rate;
 	return { format_text("%.2f s", seconds), format_text("%u Hz", shape.rate),
 		format_text("%u", shape.channels), format_text("%u", shape.bits),
-		shape.loop_end > shape.loop_start ? "yes" : "no" };
+		shape.loop_end > shape.loop_start ? tr("yes") : tr("no") };
 }
 
 // ---- Options ----------------------------------------------------------------------------------
@@ -157,15 +158,16 @@ static std::string duration(double seconds)
 static std::string size_text(u64 bytes)
 {
 	if (bytes < 1000)
-		return format_text("%llu bytes", static_cast<unsigned long long>(bytes));
+		return format_text(tr("%d bytes"), static_cast<int>(bytes));
 	return bytes < 1000000 ? format_text("%.0f kB", static_cast<double>(bytes) / 1000)
 			       : format_text("%.1f MB", static_cast<double>(bytes) / 1000000);
 }
 
 static std::string shape_text(const wave_shape &file)
 {
-	return format_text("%u Hz, %u bit%s, %u channel%s, %.02f s", file.rate, file.bits,
-		kind_of_words(file), file.channels, file.channels == 1 ? "" : "s", file.seconds());
+	return format_text(file.channels == 1 ? tr("%u Hz, %u bit%s, %u channel, %.02f s")
+					      : tr("%u Hz, %u bit%s, %u channels, %.02f s"),
+		file.rate, file.bits, kind_of_words(file), file.channels, file.seconds());
 }
 
 // Without its folder, and without its extension.
@@ -177,10 +179,13 @@ static std::string name_of(const std::string &path)
 
 static std::string listed(const std::vector<std::string> &words)
 {
-	std::string text;
-	for (std::size_t i = 0; i < words.size(); i++)
-		text += (!i ? "" : i + 1 < words.size() ? ", " : " and ") + words[i];
-	return text;
+	if (words.empty())
+		return "";
+	std::string text = words.front();
+	for (std::size_t i = 1; i + 1 < words.size(); i++)
+		text += ", " + words[i];
+	return words.size() == 1 ? text
+				 : format_text(tr("%s and %s"), text.c_str(), words.back().c_str());
 }
 
 // ---- The preview ---------------------------------------------------------------------------------
@@ -250,8 +255,8 @@ static std::vector<std::string> losses_of(
 {
 	std::vector<std::string> lost;
 	if (from.channels > 1 && to.channels == from.channels)
-		lost.push_back("all but the left channel (choose 1 Channel and Create L/R files "
-			       "for both)");
+		lost.push_back(tr("all but the left channel (choose 1 Channel and Create L/R files "
+				  "for both)"));
 	else if (from.channels > to.channels && files == 1)
 		lost.push_back(lost_channel(options.mixing));
 	if (!from.exact)
@@ -260,8 +265,8 @@ static std::vector<std::string> losses_of(
 		lost.push_back(format_text(tr("the lower %u bits (Convert to %u bit is chosen)"),
 			from.bits - to.bits, to.bits));
 	if (to.rate < from.rate)
-		lost.push_back(
-			format_text("what is above %u Hz (%u Hz is chosen)", to.rate / 2, to.rate));
+		lost.push_back(format_text(
+			tr("what is above %u Hz (%u Hz is chosen)"), to.rate / 2, to.rate));
 	return lost;
 }
 
@@ -270,11 +275,11 @@ static std::string kept_text(const wave_shape &file)
 	const bool looped = file.loop_end > file.loop_start;
 	if (!looped && file.root < 0)
 		return "";
-	const std::string root = file.root < 0
-					 ? ""
-					 : std::string("its root note ") +
-						   midi_note[static_cast<std::size_t>(file.root)];
-	return " · keeps " + (looped ? "its loop" + (root.empty() ? "" : " and " + root) : root);
+	if (file.root < 0)
+		return tr(" · keeps its loop");
+	return format_text(looped ? tr(" · keeps its loop and its root note %s")
+				  : tr(" · keeps its root note %s"),
+		midi_note[static_cast<std::size_t>(file.root)]);
 }
 
 static wave_shape result_of(
@@ -307,8 +312,11 @@ static std::string add_import(preview_sum *sum, const std::string &name, const w
 		names = { name + "-L", name + "-R" };
 	for (std::string &each : names)
 		sum->on_sampler.push_back(each = name_for(*sum, each));
-	return (to.files == 2 ? "two files: " : "") + listed(names) + " · " + shape_text(result) +
-	       ", " + size_text(result.data_bytes) + kept_text(result);
+	const std::string files = to.files == 2
+					  ? format_text(tr("two files: %s"), listed(names).c_str())
+					  : listed(names);
+	return files + " · " + shape_text(result) + ", " + size_text(result.data_bytes) +
+	       kept_text(result);
 }
 
 // A file that is in the spool already is uploaded as it stands, unless the options are to
@@ -330,16 +338,20 @@ static void add_file(preview_sum *sum, const std::string &path)
 	}
 	std::string becomes;
 	if (as_it_is) {
+		const int before = sum->refused;
 		add_upload(sum, file, 1);
-		if (sum->refused && plan_fit(*sum->model, file).possible)
+		if (sum->refused > before && !before && plan_fit(*sum->model, file).possible)
 			sum->refusal += tr(" Or press Fit to the Sampler.");
 		sum->on_sampler.push_back(name_for(*sum, name));
-		becomes = sum->model ? sum->on_sampler.back() + " on the sampler" : "";
+		becomes = sum->model ? format_text(tr("%s on the sampler"),
+					       sum->on_sampler.back().c_str())
+				     : "";
 	} else {
 		becomes = add_import(sum, name, file);
 		if (becomes.empty())
-			becomes = "These options do not convert it. Choose Keep original for the "
-				  "channels.";
+			becomes =
+				tr("These options do not convert it. Choose Keep original for the "
+				   "channels.");
 	}
 	if (!first)
 		return;
@@ -364,32 +376,28 @@ static std::string arrival_text(const preview_sum &sum)
 		return duration(static_cast<double>(carried_up(*sum.model, sum.bytes, exactly)) /
 				rate.bytes_per_second);
 	};
-	std::string text = lasts(exact) + " at " +
-			   (rate.measured ? "the " + rate_text(rate.bytes_per_second) +
-						    " measured on this connection"
-					  : "about " + rate_text(rate.bytes_per_second) +
-						    ", not measured yet on this connection");
+	const std::string text = format_text(
+		rate.measured ? tr("%s at the %s measured on this connection")
+			      : tr("%s at about %s, not measured yet on this connection"),
+		lasts(exact).c_str(), rate_text(rate.bytes_per_second).c_str());
 	std::string arrival = sum.results == 1 ? sum.words : "";
 	if (has_exact_uploads(*sum.model))
 		arrival += (arrival.empty() ? "" : " · ") +
-			   std::string(
-				   exact ? tr("without exact length ") : tr("with exact length ")) +
-			   lasts(!exact);
+			   format_text(exact ? tr("without exact length %s")
+					     : tr("with exact length %s"),
+				   lasts(!exact).c_str());
 	return text + (arrival.empty() ? "" : "\n") + arrival;
 }
 
 static void show_upload(const preview_sum &sum)
 {
-	std::string text = sum.model && sum.bytes ? arrival_text(sum) : "";
+	std::string text = sum.model && sum.bytes && !sum.refused ? arrival_text(sum) : "";
 	if (sum.refused) {
-		text = text.substr(0, text.find('\n')) + (text.empty() ? "" : "\n");
-		text += sum.results > 1
-				? format_text("%d of %d refused: ", sum.refused, sum.results)
-				: "refused: ";
-		text += sum.refusal;
+		text = sum.results > 1 ? format_text(tr("%d of %d refused: %s"), sum.refused,
+						 sum.results, sum.refusal.c_str())
+				       : format_text(tr("refused: %s"), sum.refusal.c_str());
 		// The reason, and below it what helps.
-		const std::size_t end = text.find('\n') == text.npos ? text.find(". ") : text.npos;
-		if (end != text.npos)
+		if (const std::size_t end = text.find(". "); end != text.npos)
 			text.replace(end, 2, ".\n");
 	}
 	const bool all = sum.refused && sum.refused == sum.results;
@@ -401,7 +409,7 @@ static void show_upload(const preview_sum &sum)
 
 static void show_lines(const preview_sum &sum, std::size_t files)
 {
-	const std::string more = files > 1 ? format_text(" · and %zu more", files - 1) : "";
+	const std::string more = files > 1 ? format_text(tr(" · and %zu more"), files - 1) : "";
 	const bool converts = sum.unreadable || sum.results;
 	std::string lost = listed(sum.lost);
 	const std::string clash = same_names(sum.on_sampler);
@@ -417,12 +425,13 @@ static void show_lines(const preview_sum &sum, std::size_t files)
 
 void show_import_preview(std::span<const std::string> paths)
 {
-	const std::string local = paths.empty() ? path_of_local() : "";
-	if (!local.empty())
-		paths = { &local, 1 };
+	const std::vector<std::string> chosen =
+		paths.empty() ? chosen_files() : std::vector<std::string>();
+	if (!chosen.empty())
+		paths = chosen;
 	preview_sum sum = { .model = uploading_model(),
 		.options = chosen_import_options(),
-		.in_spool = !local.empty() };
+		.in_spool = !chosen.empty() };
 	for (const std::string &path : paths)
 		add_file(&sum, path);
 	show_lines(sum, paths.size());

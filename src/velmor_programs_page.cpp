@@ -292,7 +292,7 @@ void show_zone_sample(const _program &program, int keygroup, int keyzone)
 	const std::string name = without_end_blanks(text_at(program, at));
 	auto found = name.empty() ? items.begin() : std::find(items.begin() + 1, items.end(), name);
 	if (found == items.end())
-		found = items.insert(items.end(), format_text("%s (not loaded)", name.c_str()));
+		found = items.insert(items.end(), name + tr(" (not loaded)"));
 	const int index = static_cast<int>(found - items.begin());
 	choose_entry(programs_zone_sample, items, index);
 }

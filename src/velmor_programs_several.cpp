@@ -58,7 +58,7 @@ bool download_several_programs()
 	if (all.size() < 2)
 		return false;
 	const queue_work work = {
-		.title = "Downloading",
+		.title = own("Downloading"),
 		.verdict = own("%d/%d programs downloaded!"),
 		.line = own("%d of %d programs were downloaded."),
 		.count = one_of_them,
@@ -88,7 +88,7 @@ bool delete_several_programs()
 		return true;
 	}
 	const queue_work work = {
-		.title = "Deleting",
+		.title = own("Deleting"),
 		.verdict = own("%d/%d programs deleted!"),
 		.line = own("%d of %d programs were deleted."),
 		.count = one_of_them,
@@ -130,7 +130,7 @@ bool delete_several_local_programs()
 		return false;
 	edit_local_program(nullptr);
 	const queue_work work = {
-		.title = "Deleting",
+		.title = own("Deleting"),
 		.verdict = own("%d/%d programs deleted!"),
 		.line = own("%d of %d programs were deleted."),
 		.count = one_of_them,
@@ -188,7 +188,7 @@ bool upload_several_local_programs()
 	work_queue queue = queue_of(all);
 	add_required(&queue, all);
 	const queue_work work = {
-		.title = "Uploading",
+		.title = own("Uploading"),
 		.verdict = own("%d/%d programs and samples uploaded!"),
 		.line = own("%d of %d programs and samples were uploaded."),
 		.count = own("%d of %d programs and samples done"),

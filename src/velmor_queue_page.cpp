@@ -171,7 +171,7 @@ static void begin_view(queue_run *run)
 	host.ui->set_reason(window_progress, progress_stop_after, nullptr);
 	set(progress_item, (*run->items)[run->at].name);
 	set(progress_note, tr(run->work->kept));
-	host.ui->progress_show(format_text("%s...", run->work->title).c_str(), 100);
+	host.ui->progress_show(format_text("%s...", tr(run->work->title)).c_str(), 100);
 }
 
 static void show_whole(const queue_run &run)

@@ -15,7 +15,9 @@ namespace velmor
 // Begin. Without names, nothing reaches the disk before the end, since the names are known only
 // then.
 outcome start_recording(bool names_left_out);
-// End, and say where the transcript lies.
+// Into that file, which must not be there yet.
+outcome start_recording_to(const std::string &path);
+// End, and say where the transcript lies; with none running, how the last one ended.
 outcome stop_recording();
 bool recording();
 // VELMOR_RECORD=1 records from the start, VELMOR_RECORD=nameless without names.

@@ -13,7 +13,8 @@ namespace velmor
 {
 
 static constexpr double byte_seconds = 10 / 31250.0, patience = 3, longest_pause = 2;
-static constexpr double usb_quiet = 0.3; // silence that is the same as then
+static constexpr double longest_wait = 60; // for what came late then
+static constexpr double usb_quiet = 0.3;   // silence that is the same as then
 static constexpr std::size_t most_differences = 100;
 static constexpr int most_silent = 3;
 
@@ -82,7 +83,7 @@ public:
 		for (const usb_device &d : devices)
 			if (d.vendor == vendor && d.product == product)
 				return open_pipes(d);
-		return format_text("No USB device %04X:%04X is plugged in.", vendor, product);
+		return format_text(tr("No USB device %04X:%04X is plugged in."), vendor, product);
 	}
 	std::string send(const byte_list &bytes) override
 	{
@@ -154,7 +155,7 @@ struct replay_run {
 
 static std::string byte_words(int byte)
 {
-	return byte < 0 ? "nothing" : format_text("%02X", static_cast<unsigned>(byte));
+	return byte < 0 ? tr("nothing") : format_text("%02X", static_cast<unsigned>(byte));
 }
 
 void replay_run::differ(const crossing &then, const byte_list &was, const byte_list &now)
@@ -164,9 +165,9 @@ void replay_run::differ(const crossing &then, const byte_list &was, const byte_l
 		at++;
 	replay_difference d = { then.row, then.time, at, at < was.size() ? was[at] : -1,
 		at < now.size() ? now[at] : -1, "" };
-	d.words =
-		format_text("Line %d, after %.6f seconds: byte %zu of the answer was %s and is %s.",
-			d.row, d.time, d.at, byte_words(d.then).c_str(), byte_words(d.now).c_str());
+	d.words = format_text(
+		tr("Line %d, after %.6f seconds: byte %zu of the answer was %s and is %s."), d.row,
+		d.time, d.at, byte_words(d.then).c_str(), byte_words(d.now).c_str());
 	if (report->differences.size() < most_differences)
 		report->differences.push_back(d);
 }
@@ -192,7 +193,7 @@ std::string replay_run::compare(crossing c)
 {
 	std::erase_if(c.bytes, [&](u8 b) { return c.line != wire_line::usb && b >= 0xF8; });
 	byte_list now;
-	const double seconds = patience + std::max(c.time - last, 0.0) +
+	const double seconds = patience + std::clamp(c.time - last, 0.0, longest_wait) +
 			       static_cast<double>(c.bytes.size()) * byte_seconds;
 	const std::string wrong = line->receive(c, seconds, &now);
 	report->answers++;
@@ -206,17 +207,17 @@ std::string replay_run::compare(crossing c)
 static outcome verdict(const replay_report &r, int silent)
 {
 	if (progress_stopped())
-		return { ending::stopped, "Stopped." };
+		return { ending::stopped, tr("Stopped.") };
 	if (silent >= most_silent)
-		return { ending::no_answer, "No answer came to what was sent.", "WARNING" };
+		return { ending::no_answer, tr("No answer came to what was sent."), "WARNING" };
 	if (r.differences.empty())
-		return { .words = format_text("%d messages were sent, and all %d answers are what "
-					      "they were.",
+		return { .words = format_text(
+				 tr("%d messages were sent, and all %d answers are what "
+				    "they were."),
 				 r.messages, r.answers) };
 	return { ending::refused,
-		format_text("%zu of %d answers are not what they were. ", r.differences.size(),
-			r.answers) +
-			r.differences.front().words,
+		format_text(tr("%zu of %d answers are not what they were. %s"),
+			r.differences.size(), r.answers, r.differences.front().words.c_str()),
 		"WARNING" };
 }
 
@@ -259,7 +260,8 @@ outcome replay_transcript(const transcript &t, replay_report *report)
 	const auto first = std::ranges::find_if(
 		t.crossings, [](const crossing &c) { return c.sent && !c.bytes.empty(); });
 	if (first == t.crossings.end())
-		return { ending::local_failed, "Nothing was sent in this transcript.", "FATAL" };
+		return { ending::local_failed, tr("Nothing was sent in this transcript."),
+			"FATAL" };
 	const bool usb = first->line == wire_line::usb;
 	unsigned vendor = 0, product = 0;
 	for (const crossing &c : t.crossings)
@@ -272,7 +274,7 @@ outcome replay_transcript(const transcript &t, replay_report *report)
 			static_cast<u16>(vendor), static_cast<u16>(product));
 	else
 		line = std::make_unique<stream_line>();
-	show_progressbar(0, static_cast<int>(t.crossings.size()), "Replaying a transcript");
+	show_progressbar(0, static_cast<int>(t.crossings.size()), tr("Replaying a transcript"));
 	const double began = host.clock->counter();
 	const outcome done = replay_on(line.get(), t, usb, report);
 	report->seconds = host.clock->counter() - began;

@@ -33,8 +33,8 @@ static outcome download_item(work_item *item)
 }
 
 static const queue_work downloads = {
-	.title = "Downloading",
-	.verdict = "%d/%d samples downloaded!",
+	.title = own("Downloading"),
+	.verdict = own("%d/%d samples downloaded!"),
 	.line = own("%d of %d samples were downloaded."),
 	.count = own("%d of %d samples done"),
 	.not_done = own("Not downloaded: "),
@@ -88,7 +88,7 @@ static outcome upload_item(work_item *item, bool convert)
 }
 
 static const queue_work uploads = {
-	.title = "Uploading",
+	.title = own("Uploading"),
 	.verdict = own("%d/%d samples uploaded!"),
 	.line = own("%d of %d samples were uploaded."),
 	.count = own("%d of %d samples done"),
@@ -111,7 +111,7 @@ outcome upload_samples(work_queue *queue, bool convert, const queue_view *view)
 // ---- Away -------------------------------------------------------------------------------------
 
 static const queue_work deletions = {
-	.title = "Deleting",
+	.title = own("Deleting"),
 	.verdict = own("%d/%d samples deleted!"),
 	.line = own("%d of %d samples were deleted."),
 	.count = own("%d of %d samples done"),

@@ -41,10 +41,10 @@ static bool may_download(work_queue *queue)
 	const int existing = static_cast<int>(std::count_if(queue->begin(), queue->end(),
 		[](const work_item &item) { return in_spool(item.name); }));
 	if (!existing ||
-		ask_box("WARNING", "Overwrite existing samples? (%d of %d)", existing, all))
+		ask_box("WARNING", tr("Overwrite existing samples? (%d of %d)"), existing, all))
 		return true;
-	if (existing == all ||
-		!ask_box("WARNING", "Download the other samples? (%d of %d)", all - existing, all))
+	if (existing == all || !ask_box("WARNING", tr("Download the other samples? (%d of %d)"),
+				       all - existing, all))
 		return false;
 	for (work_item &item : *queue)
 		if (in_spool(item.name)) {
@@ -58,7 +58,7 @@ static bool may_download(work_queue *queue)
 static void download_several(work_queue queue, bool told)
 {
 	if (!may_download(&queue)) {
-		show_outcome({ .how = ending::stopped, .line = "Nothing was downloaded." });
+		show_outcome({ .how = ending::stopped, .line = tr("Nothing was downloaded.") });
 		host.ui->focus(window_samples, samples_loaded_list);
 		return;
 	}

@@ -35,7 +35,7 @@ static bool make_audible(const std::string &path)
 		*get_sampler(static_cast<i32>(current_sampler->sampler_type)), wave_path_of(path));
 	if (check.sends || !check.helps)
 		return true; // the workflow has the words
-	if (!ask_box("WARNING", "%s\nConvert it now, and upload what it becomes?",
+	if (!ask_box("WARNING", tr("%s\nConvert it now, and upload what it becomes?"),
 		    check.words.c_str()))
 		return false;
 	const std::string file[] = { wave_path_of(path) };
@@ -195,9 +195,10 @@ void import_paths(std::span<const std::string> paths)
 
 void import_samples()
 {
-	const std::vector<std::string> paths = host.ui->choose_files("Import Sample",
-		"Sound files (*.wav *.WAV *.aif *.aiff *.aifc *.flac *.ogg *.opus *.mp3 *.au *.caf "
-		"*.w64 *.rf64);;All files (*)");
+	const std::vector<std::string> paths = host.ui->choose_files(
+		"Import Sample", tr("Sound files (*.wav *.WAV *.aif *.aiff *.aifc *.flac *.ogg "
+				    "*.opus *.mp3 *.au *.caf "
+				    "*.w64 *.rf64);;All files (*)"));
 	if (paths.empty())
 		show_box("ERROR", "No file(s) selected!");
 	else

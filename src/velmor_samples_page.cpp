@@ -53,6 +53,7 @@ static constexpr need_row needs[] = {
 	{ samples_local_delete,  false, samples_local_list,  no_local_words,  false },
 	{ samples_local_rename,  false, samples_local_list,  no_local_words,  true  },
 	{ samples_local_info,    false, samples_local_list,  no_local_words,  true  },
+	{ samples_compare,       true,  samples_local_list,  no_local_words,  true  },
 };
 // clang-format on
 
@@ -113,12 +114,12 @@ static bool nothing_chosen(const chosen_entry &entry, const char *words)
 
 bool no_loaded(const chosen_entry &entry)
 {
-	return nothing_chosen(entry, "Choose a sample on the sampler first!");
+	return nothing_chosen(entry, tr("Choose a sample on the sampler first!"));
 }
 
 bool no_local(const chosen_entry &entry)
 {
-	return nothing_chosen(entry, "Choose a sample on this computer first!");
+	return nothing_chosen(entry, tr("Choose a sample on this computer first!"));
 }
 
 // Where an entry stands now: the name where it was, the name elsewhere; -1: nowhere.
@@ -170,7 +171,7 @@ static std::vector<std::string> loaded_row(const _sample &sample)
 		"%.2f s", std::max(0.0, words / static_cast<double>(sample.sample_rate))));
 	row.push_back(format_text("%llu Hz", static_cast<unsigned long long>(sample.sample_rate)));
 	row.push_back(display_midi_note(sample.original_pitch));
-	row.push_back(sample.loop_end > sample.loop_start ? "yes" : "no");
+	row.push_back(sample.loop_end > sample.loop_start ? tr("yes") : tr("no"));
 	return row;
 }
 
@@ -237,7 +238,7 @@ void fill_local(const chosen_entries &before)
 		head_timer = host.ui->start_timer(1, read_more_heads);
 	refill(samples_local_list, local_rows, names, before);
 	host.ui->set_text(window_samples, samples_local_heading,
-		format_text("%d sample%s", local_samples, local_samples == 1 ? "" : "s").c_str());
+		counted(local_samples, noun::sample).c_str());
 	clear_details();
 	show_local_selection();
 }
@@ -300,7 +301,7 @@ void read_anew(const chosen_entries &loaded, const chosen_entries &local)
 		return;
 	// What could not be read is told in place of the list.
 	read.words.clear();
-	read.line = "The sampler's list was not read. The computer's list is up to date.";
+	read.line = tr("The sampler's list was not read. The computer's list is up to date.");
 	show_outcome(read);
 }
 
@@ -391,7 +392,7 @@ static void preview_options()
 static constexpr caption_row samples_captions[] = {
 	// window          control                  caption, tooltip, empty
 	{ window_samples,  0,                       "VELMOR Manage current Samples", nullptr, nullptr },
-	{ window_samples,  samples_loaded_list,     "On the sampler", own("The samples in the sampler's memory"), own("The sampler holds no samples") },
+	{ window_samples,  samples_loaded_list,     own("On the sampler"), own("The samples in the sampler's memory"), own("The sampler holds no samples") },
 	{ window_samples,  samples_loaded_search,   own("Search samples on the sampler"), own("Show only names that contain these letters"), own("Search") },
 	{ window_samples,  samples_download,        "Download this Sample", own("Copy the chosen sample from the sampler to this computer"), nullptr },
 	{ window_samples,  samples_download_all,    own("Download all Samples"), own("Copy every sample of the sampler to this computer"), nullptr },
@@ -409,12 +410,12 @@ static constexpr caption_row samples_captions[] = {
 	{ window_samples,  samples_local_info,      "Sample Information", own("Show what the file says about the chosen sample"), nullptr },
 	{ window_samples,  samples_waveform,        own("Waveform"), own("The chosen sample on this computer; its loop is shaded"), own("No local sample chosen") },
 	{ window_samples,  samples_detail_origin,   own("Origin:"), nullptr, nullptr },
-	{ window_samples,  samples_detail_name,     "Name:", nullptr, nullptr },
+	{ window_samples,  samples_detail_name,     own("Name:"), nullptr, nullptr },
 	{ window_samples,  samples_detail_pitch,    own("Original pitch:"), nullptr, nullptr },
 	{ window_samples,  samples_detail_rate,     own("Rate (Hz):"), nullptr, nullptr },
 	{ window_samples,  samples_detail_seconds,  own("Length (s):"), nullptr, nullptr },
-	{ window_samples,  samples_detail_channels, "Channels:", nullptr, nullptr },
-	{ window_samples,  samples_detail_bits,     "Bits:", nullptr, nullptr },
+	{ window_samples,  samples_detail_channels, own("Channels:"), nullptr, nullptr },
+	{ window_samples,  samples_detail_bits,     own("Bits:"), nullptr, nullptr },
 	{ window_samples,  samples_detail_playmode, own("Play mode:"), nullptr, nullptr },
 	{ window_samples,  samples_import,          "Import Sample", own("Choose sound files and convert them into the spool"), nullptr },
 	{ window_samples,  samples_export,          "Export Spool", own("Copy every sample of the spool to a folder of your choice"), nullptr },
@@ -438,7 +439,7 @@ static constexpr caption_row samples_captions[] = {
 	{ window_samples,  samples_mix_both_to_one, "Mix Channels", own("From a stereo file take the average of both channels"), nullptr },
 	{ window_samples,  samples_mix_both,        "Both Channels", own("Put a mono file on both channels"), nullptr },
 	{ window_samples,  samples_mix_files,       "Create L/R files", own("Make two mono samples of a stereo file, with -L and -R behind their names"), nullptr },
-	{ window_samples,  samples_import_preview,  "File", own("The chosen sample, or the files that hover over the list"), nullptr },
+	{ window_samples,  samples_import_preview,  own("File"), own("The chosen sample, or the files that hover over the list"), nullptr },
 	{ window_samples,  samples_loaded_heading,  own("State of the sampler's list"), own("How many samples, and when they were read"), nullptr },
 	{ window_samples,  samples_local_heading,   own("State of the spool"), own("How many samples there are on this computer"), nullptr },
 	{ window_samples,  samples_retry,           own("Try again"), own("Ask the sampler once more"), nullptr },

@@ -29,33 +29,33 @@ static constexpr std::size_t enough_for_search = 1024, enough_for_proof = 16384;
 
 const char *result_word(self_test_result result)
 {
-	static constexpr const char *words[] = { "pass", "loss", "doubled", "change", "delay",
-		"silence" };
-	return words[static_cast<int>(result)];
+	static constexpr const char *words[] = { own("pass"), own("loss"), own("doubled"),
+		own("change"), own("delay"), own("silence") };
+	return tr(words[static_cast<int>(result)]);
 }
 
 static std::string byte_word(int byte)
 {
-	return byte < 0 ? "nothing" : format_text("%02X", static_cast<unsigned>(byte));
+	return byte < 0 ? tr("nothing") : format_text("%02X", static_cast<unsigned>(byte));
 }
 
 std::vector<std::string> row_words(const self_test_row &row)
 {
 	const bool differs = row.sent_byte != row.came_byte;
-	return { format_text("%zu bytes", row.sent), result_word(row.result),
-		differs ? format_text("byte %zu: %s, not %s", row.at,
+	return { format_text(tr("%zu bytes"), row.sent), result_word(row.result),
+		differs ? format_text(tr("byte %zu: %s, not %s"), row.at,
 				  byte_word(row.came_byte).c_str(),
 				  byte_word(row.sent_byte).c_str())
 			: "",
-		row.rate > 0 ? format_text("%.0f bytes/s", row.rate) : "",
+		row.rate > 0 ? format_text(tr("%.0f bytes/s"), row.rate) : "",
 		format_text("%.2f s", row.seconds) };
 }
 
 std::string pace_words(const std::string &port)
 {
 	const send_pace pace = kept_pace(port);
-	return pace.run ? format_text(
-				  "Long messages to '%s' leave in runs of %d bytes, %d ms apart.",
+	return pace.run ? format_text(tr("Long messages to '%s' leave in runs of %d bytes, %d ms "
+					 "apart."),
 				  port.c_str(), pace.run, pace.pause_ms)
 			: "";
 }
@@ -281,8 +281,10 @@ static void run_sampler(self_test *test)
 	std::vector<byte_list> answers;
 	std::vector<double> seconds;
 	for (const std::size_t length : lengths) {
-		if (test->over())
+		if (progress_stopped())
 			return;
+		if (test->over())
+			break;
 		if (!usb) {
 			const byte_list message = trial_message(length);
 			send_midi_string(message.data(), static_cast<int>(length));
@@ -320,10 +322,10 @@ static std::string search_words(const self_test_report &r)
 	if (!r.searched)
 		return "";
 	if (!r.found.run)
-		return " No shorter run helps: the interface or the cable loses bytes at any "
-		       "length.";
-	return format_text(" In runs of %d bytes, %d ms apart, everything arrives.", r.found.run,
-		r.found.pause_ms);
+		return tr(" No shorter run helps: the interface or the cable loses bytes at any "
+			  "length.");
+	return format_text(tr(" In runs of %d bytes, %d ms apart, everything arrives."),
+		r.found.run, r.found.pause_ms);
 }
 
 static outcome verdict(const self_test &test, self_test_route way)
@@ -332,24 +334,28 @@ static outcome verdict(const self_test &test, self_test_route way)
 	if (!test.failure.empty())
 		return { ending::no_answer, test.failure, "FATAL" };
 	if (progress_stopped())
-		return { ending::stopped, "The self-test was stopped." };
+		return { ending::stopped, tr("The self-test was stopped.") };
 	const auto bad = std::ranges::find_if(r.rows,
 		[](const self_test_row &row) { return row.result != self_test_result::pass; });
 	const auto heard = [](const self_test_row &row) { return row.came > 0; };
 	if (std::ranges::none_of(r.rows, heard))
 		return { ending::no_answer,
 			way == self_test_route::loop_cable
-				? "Nothing comes back. Is a cable plugged from this output to this "
-				  "input, and are both chosen in Basic settings?"
+				? tr("Nothing comes back. Is a cable plugged from this output to "
+				     "this "
+				     "input, and are both chosen in Basic settings?")
 				: silence_words(loaded_reached()),
 			"WARNING" };
 	if (bad == r.rows.end())
-		return { .words = format_text("All %zu messages passed, up to %zu bytes.",
+		return { .words = format_text(tr("All %zu messages passed, up to %zu bytes."),
 				 r.rows.size(), r.rows.back().sent) };
 	const std::vector<std::string> words = row_words(*bad);
 	return { r.found.run ? ending::done : ending::refused,
-		"The message of " + words[0] + ": " + words[1] +
-			(words[2].empty() ? "." : ", " + words[2] + ".") + search_words(r),
+		words[2].empty()
+			? format_text(tr("The message of %s: %s.%s"), words[0].c_str(),
+				  words[1].c_str(), search_words(r).c_str())
+			: format_text(tr("The message of %s: %s, %s.%s"), words[0].c_str(),
+				  words[1].c_str(), words[2].c_str(), search_words(r).c_str()),
 		"WARNING" };
 }
 
@@ -361,8 +367,8 @@ static outcome may_begin(self_test_route way)
 	if (way == self_test_route::sampler)
 		return offers_list(&_sampler_type::getsamplelist);
 	if (!use_tcp && (selected_midi_out_interface < 0 || selected_midi_in_interface < 0))
-		return { ending::refused, "Choose MIDI-Out and MIDI-In in Basic settings first.",
-			"INFO" };
+		return { ending::refused,
+			tr("Choose MIDI-Out and MIDI-In in Basic settings first."), "INFO" };
 	return {};
 }
 
@@ -375,7 +381,7 @@ outcome run_self_test(self_test_route way, self_test_report *report,
 	const bool cable = way == self_test_route::loop_cable;
 	report->port = cable && !use_tcp ? chosen_output() : "";
 	self_test test = { .report = report, .told = told };
-	show_progressbar(0, 100, "Self-test");
+	show_progressbar(0, 100, tr("Self-test"));
 	cable ? run_loop(&test) : run_sampler(&test);
 	report->seconds = host.clock->counter() - test.began;
 	outcome done = verdict(test, way);
@@ -386,19 +392,20 @@ outcome run_self_test(self_test_route way, self_test_report *report,
 outcome keep_found_pace(const self_test_report &report)
 {
 	if (report.port.empty() || !report.found.run)
-		return { ending::refused, "The self-test has found nothing to keep.", "INFO" };
+		return { ending::refused, tr("The self-test has found nothing to keep."), "INFO" };
 	if (keep_pace(report.port, report.found) != 0)
-		return { ending::local_failed, "The settings could not be written.", "FATAL" };
+		return { ending::local_failed, tr("The settings could not be written."), "FATAL" };
 	return { .words = pace_words(report.port) };
 }
 
 outcome forget_pace_of(const std::string &port)
 {
 	if (!kept_pace(port).run)
-		return { ending::refused, "Nothing is kept for this interface.", "INFO" };
+		return { ending::refused, tr("Nothing is kept for this interface."), "INFO" };
 	if (keep_pace(port, {}) != 0)
-		return { ending::local_failed, "The settings could not be written.", "FATAL" };
-	return { .words = "Long messages to '" + port + "' leave at once again." };
+		return { ending::local_failed, tr("The settings could not be written."), "FATAL" };
+	return { .words = format_text(
+			 tr("Long messages to '%s' leave at once again."), port.c_str()) };
 }
 
 } // namespace velmor

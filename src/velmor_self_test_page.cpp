@@ -24,9 +24,10 @@ static void update_keeping()
 	host.ui->set_reason(window_self_test, self_test_keep,
 		last_report.found.run && last_report.port == port
 			? nullptr
-			: "A test over a loop cable finds what is kept here, where it is needed");
+			: tr("A test over a loop cable finds what is kept here, where it is "
+			     "needed"));
 	host.ui->set_reason(window_self_test, self_test_forget,
-		kept_pace(port).run ? nullptr : "Nothing is kept for this interface");
+		kept_pace(port).run ? nullptr : tr("Nothing is kept for this interface"));
 }
 
 static void show_rows(const self_test_report &report)
@@ -41,13 +42,13 @@ static void show_rows(const self_test_report &report)
 
 void show_self_test()
 {
-	static constexpr const char *ways[] = { "Loop cable from MIDI-Out to MIDI-In",
-		"The loaded sampler's answers" };
+	static constexpr const char *ways[] = { own("Loop cable from MIDI-Out to MIDI-In"),
+		own("The loaded sampler's answers") };
 	reload_midi_setup(false);
 	open_window(window_self_test);
 	last_report = {};
-	host.ui->set_list(
-		window_self_test, self_test_way, std::vector<std::string>(ways, ways + 2));
+	host.ui->set_list(window_self_test, self_test_way,
+		std::vector<std::string>{ tr(ways[0]), tr(ways[1]) });
 	host.ui->select(window_self_test, self_test_way, 0);
 	show_rows(last_report);
 	say_verdict(pace_words(chosen_output()), text_role::quiet);
@@ -57,7 +58,7 @@ void show_self_test()
 static void begin_self_test()
 {
 	const bool sampler = host.ui->selection(window_self_test, self_test_way) == 1;
-	say_verdict("Testing ...", text_role::quiet);
+	say_verdict(tr("Testing ..."), text_role::quiet);
 	show_rows({});
 	const outcome done =
 		run_self_test(sampler ? self_test_route::sampler : self_test_route::loop_cable,
@@ -66,7 +67,8 @@ static void begin_self_test()
 				: done.how == ending::stopped ? text_role::careful
 							      : text_role::failed);
 	update_keeping();
-	say_line(done.done() ? "The self-test is through." : "The self-test has found trouble.",
+	say_line(done.done() ? tr("The self-test is through.")
+			     : tr("The self-test has found trouble."),
 		done.done() ? text_role::good : text_role::careful);
 }
 
@@ -91,15 +93,15 @@ static void forget_what_is_kept()
 // clang-format off
 static constexpr caption_row self_test_captions[] = {
 	// window           control              caption, tooltip, empty
-	{ window_self_test, 0,                   "VELMOR Interface self-test", nullptr, nullptr },
-	{ window_self_test, self_test_way,  "Way:", "What sends back what is sent", nullptr },
-	{ window_self_test, self_test_begin,     "Begin test", "Send messages of 16 bytes to 64 KiB and compare what comes back", nullptr },
-	{ window_self_test, self_test_list,      "Messages", "What became of each message", "Not tested yet. Plug a cable from MIDI-Out to MIDI-In of your interface, or load a sampler." },
-	{ window_self_test, self_test_verdict,   "Result", nullptr, nullptr },
-	{ window_self_test, self_test_keep,      "Use from now on", "Send long messages to this interface in the runs that arrived", nullptr },
-	{ window_self_test, self_test_forget,    "Forget", "Send long messages to this interface at once again", nullptr },
-	{ window_self_test, control_cancel,      "&Cancel", "Close this window", nullptr },
-	{ window_settings,  settings_self_test,  "Test this interface ...", "See whether the chosen ports pass on long messages", nullptr },
+	{ window_self_test, 0,                   own("VELMOR Interface self-test"), nullptr, nullptr },
+	{ window_self_test, self_test_way,  own("Way:"), own("What sends back what is sent"), nullptr },
+	{ window_self_test, self_test_begin,     own("Begin test"), own("Send messages of 16 bytes to 64 KiB and compare what comes back"), nullptr },
+	{ window_self_test, self_test_list,      own("Messages"), own("What became of each message"), own("Not tested yet. Plug a cable from MIDI-Out to MIDI-In of your interface, or load a sampler.") },
+	{ window_self_test, self_test_verdict,   own("Result"), nullptr, nullptr },
+	{ window_self_test, self_test_keep,      own("Use from now on"), own("Send long messages to this interface in the runs that arrived"), nullptr },
+	{ window_self_test, self_test_forget,    own("Forget"), own("Send long messages to this interface at once again"), nullptr },
+	{ window_self_test, control_cancel,      "&Cancel", own("Close this window"), nullptr },
+	{ window_settings,  settings_self_test,  own("Test this interface ..."), own("See whether the chosen ports pass on long messages"), nullptr },
 };
 static constexpr command_row self_test_commands[] = {
 	{ window_self_test, self_test_begin,     begin_self_test,               alone  },

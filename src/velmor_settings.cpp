@@ -138,7 +138,7 @@ static void choose_first_config_path()
 	const char *root = host.settings->user_root();
 	if (!root) {
 		display_error_text(__FILE_NAME__, __LINE__,
-			"The system names no folder for this user's data. Is HOME set?");
+			tr("The system names no folder for this user's data. Is HOME set?"));
 		end_program(0);
 		return;
 	}

@@ -351,8 +351,8 @@ static constexpr command_row settings_selections[] = {
 
 static constexpr caption_row sampler_captions[] = {
 	{ window_sampler,  0,                       "VELMOR Manage current Sampler", nullptr, nullptr },
-	{ window_sampler,  sampler_name,            "Name:", own("Any name by which you know this sampler"), own("For example S3000 in the rack") },
-	{ window_sampler,  sampler_brand_list,      "Brand:", own("The model of the sampler"), nullptr },
+	{ window_sampler,  sampler_name,            own("Name:"), own("Any name by which you know this sampler"), own("For example S3000 in the rack") },
+	{ window_sampler,  sampler_brand_list,      own("Brand:"), own("The model of the sampler"), nullptr },
 	{ window_sampler,  sampler_midi_list,       "Midi-Ch(1-16):", own("The channel on which the sampler plays notes"), nullptr },
 	{ window_sampler,  sampler_control_list,    "CTRL-Ch(1-16):", own("The basic channel of the sampler"), nullptr },
 	{ window_sampler,  sampler_exclusive_list,  "Sysex-Ch (1-127):", own("The exclusive channel, as the sampler's own MIDI page shows it"), nullptr },
@@ -366,8 +366,8 @@ static constexpr caption_row sampler_captions[] = {
 	{ window_sampler,  sampler_tcp_off,         "Use MIDI instead of TCP", own("Send the messages to the MIDI port again"), nullptr },
 	{ window_sampler,  sampler_tcp_status,      own("Status:"), own("Which way the messages go now"), "USING MIDI" },
 	{ window_sampler,  sampler_verdict,         own("Answer of the sampler"), nullptr, nullptr },
-	{ window_sampler,  sampler_pitch_list,      "Note:", own("The note that is played; 60 is middle C"), nullptr },
-	{ window_sampler,  sampler_velocity_list,   "Velocity:", own("How hard it is played"), nullptr },
+	{ window_sampler,  sampler_pitch_list,      own("Note:"), own("The note that is played; 60 is middle C"), nullptr },
+	{ window_sampler,  sampler_velocity_list,   own("Velocity:"), own("How hard it is played"), nullptr },
 	{ window_sampler,  sampler_note_on,         "Note on", own("Play the note on the MIDI channel above"), nullptr },
 	{ window_sampler,  sampler_note_off,        "Note off", own("End the note"), nullptr },
 	{ window_sampler,  sampler_all_notes_off,   "All Note Off", own("End all notes of the MIDI channel above"), nullptr },

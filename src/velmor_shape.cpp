@@ -47,7 +47,7 @@ std::string read_shape(const std::string &path, input_file &wave, wave_shape *sh
 	wave_head head;
 	if (!why.empty() || wave.measure(path.c_str()) || wave.open(path.c_str()) ||
 		read_wave_head(wave, &head))
-		return why.empty() ? "It cannot be read." : why;
+		return why.empty() ? tr("It cannot be read.") : why;
 	*shape = { .tag = read_tag(wave, head),
 		.rate = head.sample_rate,
 		.bits = head.bitspersample,
@@ -63,7 +63,7 @@ std::string read_shape(const std::string &path, input_file &wave, wave_shape *sh
 		shape->frames = shape->data_bytes / shape->frame_bytes;
 		return false;
 	};
-	return walk_chunks(wave, head, look) ? "It cannot be read." : "";
+	return walk_chunks(wave, head, look) ? tr("It cannot be read.") : "";
 }
 
 // What an import reads of a file: itself, or the plain WAV file that is made of it.
@@ -140,18 +140,19 @@ bool convertible(const wave_shape &file)
 static std::string advice_for(const wave_shape &file)
 {
 	if (!convertible(file))
-		return "Convert it to 16 bit mono with another program first.";
+		return tr("Convert it to 16 bit mono with another program first.");
 	const char *depth = file.bits == 16 && file.kind.empty() ? "" : "Convert to 16 bit";
 	if (file.channels == 1)
-		return format_text("Import it with %s.", depth);
-	return format_text("Import it with %s%s1 Channel and Mix Channels, or Create L/R files for "
-			   "both.",
+		return format_text(tr("Import it with %s."), depth);
+	return format_text(
+		tr("Import it with %s%s1 Channel and Mix Channels, or Create L/R files for "
+		   "both."),
 		depth, *depth ? ", " : "");
 }
 
 const char *kind_of_words(const wave_shape &file)
 {
-	return file.tag == tag_float ? " float" : linear(file) ? "" : " compressed";
+	return file.tag == tag_float ? tr(" float") : linear(file) ? "" : tr(" compressed");
 }
 
 // The reader takes words out of frames of two or three bytes, and nothing out of others; the
@@ -166,8 +167,8 @@ upload_verdict verdict_of(const _sampler_type &model, const wave_shape &file)
 	const double seconds = static_cast<double>(file.data_bytes) / file.rate;
 	if (linear(file) && file.bits == 16 && file.channels == 1 && file.frame_bytes == 2) {
 		out.words = exact_uploads()
-				    ? "arrives as long as it is"
-				    : format_text("arrives as %.02f s, the second half silent",
+				    ? tr("arrives as long as it is")
+				    : format_text(tr("arrives as %.02f s, the second half silent"),
 					      seconds);
 		return out;
 	}
@@ -177,10 +178,14 @@ upload_verdict verdict_of(const _sampler_type &model, const wave_shape &file)
 		.channels = file.channels == 1 ? 0 : 1,
 		.mixing = file.channels == 1 ? 0 : import_mix };
 	const bool words = file.frame_bytes == 2 || file.frame_bytes == 3;
-	const std::string arrival = words ? "noise" : format_text("%.02f s of silence", seconds);
-	out.words = format_text("A file of %u bit%s and %u channel%s would arrive as %s. %s",
-		file.bits, kind_of_words(file), file.channels, file.channels == 1 ? "" : "s",
-		arrival.c_str(), advice_for(file).c_str());
+	const std::string arrival =
+		words ? tr("noise") : format_text(tr("%.02f s of silence"), seconds);
+	out.words = format_text(
+		file.channels == 1
+			? tr("A file of %u bit%s and %u channel would arrive as %s. %s")
+			: tr("A file of %u bit%s and %u channels would arrive as %s. %s"),
+		file.bits, kind_of_words(file), file.channels, arrival.c_str(),
+		advice_for(file).c_str());
 	return out;
 }
 

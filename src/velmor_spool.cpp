@@ -363,7 +363,8 @@ outcome convert_local(const std::string &name, const import_options &options, un
 		if (progress_stopped())
 			return { .how = ending::stopped };
 		return edit_failed(
-			import_failure.empty() ? "It was not converted." : import_failure, name);
+			import_failure.empty() ? tr("It was not converted.") : import_failure,
+			name);
 	}
 	const std::string before =
 		free_place(folder, place.substr(place.rfind('\\') + 1) + ", edited") + ".wav";

@@ -56,7 +56,8 @@ std::string byte_stream::send(const std::vector<u8> &bytes)
 	long leaving;
 	while ((leaving = host.midi->leaving(the_outHandle)) > 0 && !progress_stopped()) {
 		if (host.clock->counter() >= end)
-			return "The MIDI output does not send. Is the interface still connected?";
+			return tr(
+				"The MIDI output does not send. Is the interface still connected?");
 		pump_until(host.clock->counter() +
 			   std::max(static_cast<double>(leaving) * byte_seconds, 0.001));
 	}

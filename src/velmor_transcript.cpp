@@ -152,6 +152,8 @@ void transcript_reader::read_event(std::string_view line)
 	const std::string_view direction = take_word(&line);
 	if (time.empty() || *stopped || !std::isfinite(c.time) || c.time < 0)
 		return fail("it does not begin with a time.");
+	if (t->crossings.size() == most_crossings)
+		return fail("there are more events than can be read.");
 	if (direction == "!") {
 		c.note = line.substr(std::min<std::size_t>(1, line.size()));
 		t->crossings.push_back(c);

@@ -55,6 +55,7 @@ struct transcript {
 
 inline constexpr std::size_t largest_transcript = 256 << 20; // bytes of the file
 inline constexpr std::size_t longest_crossing = 4 << 20;     // bytes
+inline constexpr std::size_t most_crossings = 1 << 20;
 
 std::string head_text(const transcript &t);
 std::string crossing_text(const crossing &c);

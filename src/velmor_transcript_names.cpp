@@ -10,6 +10,7 @@
 #include "src/akais1000.h"
 #include "src/velmor_transcript.h"
 #include <algorithm>
+#include <bitset>
 #include <map>
 
 namespace velmor
@@ -40,37 +41,52 @@ static std::string numbered(std::size_t index, std::size_t length)
 	return text;
 }
 
-// Two or three letters behind it that make up for the sum. "" where none do.
-static std::string with_sum(std::string front, std::size_t length, int wanted, bool sums)
+using name_set = std::set<std::string>;
+
+// Two or three letters behind it that make up for the sum, and a word that is not taken. "" where
+// none do.
+static std::string with_sum(
+	std::string front, std::size_t length, int wanted, bool sums, const name_set &taken)
 {
 	if (front.size() == length)
-		return sum_of(front, sums) == wanted ? front : "";
+		return sum_of(front, sums) == wanted && !taken.contains(front) ? front : "";
 	for (const char c : letters)
-		if (const std::string all = with_sum(front + c, length, wanted, sums); !all.empty())
+		if (std::string all = with_sum(front + c, length, wanted, sums, taken);
+			!all.empty())
 			return all;
 	return "";
 }
 
+// Of the bits 32 and 64 each of the letters has one, a small letter both: a name with an odd number
+// of those has no exclusive-or that letters alone give.
+static std::string other_word(
+	const std::string &name, std::size_t *index, bool sums, const name_set &taken)
+{
+	const std::size_t length = name.size(), open = length < 5 ? 2 : 3;
+	const int wanted = sum_of(name, sums);
+	std::string other;
+	for (int tries = 0; tries < 8 && other.empty(); tries++) {
+		std::string front = numbered(++*index, length - open);
+		other = with_sum(front, length, wanted, sums, taken);
+		front[0] = 'n';
+		if (other.empty())
+			other = with_sum(front, length, wanted, sums, taken);
+	}
+	return other.empty() ? std::string(length, 'N') : other;
+}
+
 using name_map = std::map<std::string, std::string>;
 
-static name_map other_words(const std::set<std::string> &names, bool sums)
+static name_map other_words(const name_set &names, bool sums)
 {
 	name_map words;
-	std::set<std::string> taken(names);
+	name_set taken(names);
 	std::size_t index = 0;
 	for (const std::string &name : names) {
-		const std::size_t length = name.size(), open = length < 5 ? 2 : 3;
-		if (length < shortest_name || length > longest_name)
+		if (name.size() < shortest_name || name.size() > longest_name)
 			continue;
-		std::string other;
-		for (int tries = 0; tries < 100 && (other.empty() || taken.contains(other));
-			tries++)
-			other = with_sum(
-				numbered(++index, length - open), length, sum_of(name, sums), sums);
-		if (other.empty())
-			other.assign(length, 'N');
-		taken.insert(other);
-		words[name] = other;
+		words[name] = other_word(name, &index, sums, taken);
+		taken.insert(words[name]);
 	}
 	return words;
 }
@@ -129,11 +145,21 @@ static std::vector<pattern> patterns_of(const std::string &name, const std::stri
 	return rows;
 }
 
-using pattern_index = std::multimap<u32, pattern>;
+struct pattern_index {
+	std::multimap<u32, pattern> rows = {};
+	std::bitset<1 << 16> begins = {}; // first two bytes of any: most places are none
+};
 
 static u32 key_of(const u8 *bytes)
 {
 	return static_cast<u32>(bytes[0] | bytes[1] << 8 | bytes[2] << 16) | u32{ bytes[3] } << 24;
+}
+
+static void add_pattern(pattern_index *index, pattern row)
+{
+	const u32 key = key_of(row.from.data());
+	index->begins.set(key & 0xFFFF);
+	index->rows.emplace(key, std::move(row));
 }
 
 static pattern_index index_of(const name_map &words, bool usb)
@@ -142,7 +168,7 @@ static pattern_index index_of(const name_map &words, bool usb)
 	for (const auto &[name, other] : words)
 		for (pattern &row : patterns_of(name, other, usb))
 			if (row.from.size() >= key_size)
-				index.emplace(key_of(row.from.data()), std::move(row));
+				add_pattern(&index, std::move(row));
 	return index;
 }
 
@@ -150,7 +176,10 @@ static pattern_index index_of(const name_map &words, bool usb)
 static const pattern *found_at(const pattern_index &index, const byte_list &bytes, std::size_t at)
 {
 	const pattern *best = nullptr;
-	const auto [begin, end] = index.equal_range(key_of(bytes.data() + at));
+	const u32 key = key_of(bytes.data() + at);
+	if (!index.begins[key & 0xFFFF])
+		return nullptr;
+	const auto [begin, end] = index.rows.equal_range(key);
 	for (auto row = begin; row != end; ++row) {
 		const pattern &p = row->second;
 		if (p.from.size() > bytes.size() - at ||

@@ -150,11 +150,14 @@ std::string connection_text()
 	const transfer_rate up = rate_of(*model, transfer_way::up);
 	const transfer_rate down = rate_of(*model, transfer_way::down);
 	if (up.measured && down.measured)
-		return rate_text(up.bytes_per_second) + " up, " + rate_text(down.bytes_per_second) +
-		       " down\non this connection";
+		return format_text(tr("%s up, %s down\non this connection"),
+			rate_text(up.bytes_per_second).c_str(),
+			rate_text(down.bytes_per_second).c_str());
 	if (down.measured)
-		return rate_text(down.bytes_per_second) + " down\non this connection";
-	return up.measured ? rate_text(up.bytes_per_second) + " on this connection"
+		return format_text(tr("%s down\non this connection"),
+			rate_text(down.bytes_per_second).c_str());
+	return up.measured ? format_text(tr("%s on this connection"),
+				     rate_text(up.bytes_per_second).c_str())
 			   : tr("Not measured yet\non this connection");
 }
 

@@ -278,10 +278,10 @@ static void rename_usb_sampler()
 static constexpr caption_row usb_captions[] = {
 	// window          control                  caption, tooltip, empty
 	{ window_usb,      0,                       "VELMOR Manage USB Samplers", nullptr, nullptr },
-	{ window_usb,      usb_device_list,         "Device:", own("The samplers found on the USB"), own("No sampler found on the USB") },
+	{ window_usb,      usb_device_list,         own("Device:"), own("The samplers found on the USB"), own("No sampler found on the USB") },
 	{ window_usb,      usb_hardware,            own("Hardware:"), own("What the sampler says it is"), nullptr },
 	{ window_usb,      usb_version,             own("OS-Version:"), own("The version of its system"), nullptr },
-	{ window_usb,      usb_name,                "Sampler-Name:", own("The sampler's own name; Update stores it in the sampler"), nullptr },
+	{ window_usb,      usb_name,                own("Sampler-Name:"), own("The sampler's own name; Update stores it in the sampler"), nullptr },
 	{ window_usb,      usb_exclusive_channel,   own("Sysex-Ch:"), own("The exclusive channel"), nullptr },
 	{ window_usb,      usb_midi_channel,        own("MIDI-Ch:"), own("The channel on which the sampler plays notes"), nullptr },
 	{ window_usb,      usb_control_channel,     own("CTRL-Ch:"), own("The control channel"), nullptr },

@@ -24,8 +24,8 @@ enum : std::size_t {
 };
 static constexpr u64 largest_file = u64{ 512 } << 20; // more than any sampler holds
 
-static constexpr const char *no_place_for_loop =
-	"This file tells nothing to samplers, so there is no place for a loop. Import it first.";
+static constexpr const char *no_place_for_loop = own(
+	"This file tells nothing to samplers, so there is no place for a loop. Import it first.");
 
 // ---- Reading ------------------------------------------------------------------------------------
 
@@ -54,7 +54,7 @@ static std::string find_sound_chunks(input_file &file, const wave_head &head, wa
 		return !sound->data_at;
 	};
 	if (walk_chunks(file, head, look))
-		return "The file cannot be read.";
+		return tr("The file cannot be read.");
 	sound->frame_bytes = head.bytespersample;
 	sound->bits = head.bitspersample;
 	sound->channels = head.channels;
@@ -62,7 +62,7 @@ static std::string find_sound_chunks(input_file &file, const wave_head &head, wa
 	const bool sound_frames =
 		sound->channels && sound->frame_bytes == width_of(sound->bits) * sound->channels;
 	if (!sound->data_at || !sound_frames || sound->data_bytes < sound->frame_bytes)
-		return "The file holds no sound.";
+		return tr("The file holds no sound.");
 	sound->data_bytes -= sound->data_bytes % sound->frame_bytes;
 	return "";
 }
@@ -78,8 +78,8 @@ std::string read_wave_sound(const std::string &path, wave_sound *sound)
 	if (code)
 		return read_failure(path, code);
 	if (!plain_wave(path.c_str()) || file.size > largest_file || read_wave_head(file, &head))
-		return "Only WAV files of 12, 16 or 24 bits that a sampler can hold are changed "
-		       "here. Import the file first.";
+		return tr("Only WAV files of 12, 16 or 24 bits that a sampler can hold are changed "
+			  "here. Import the file first.");
 	if (const std::string why = find_sound_chunks(file, head, sound); !why.empty())
 		return why;
 	sound->file.resize(file.size);
@@ -147,9 +147,9 @@ std::string normalise_wave(wave_sound *sound)
 {
 	const double peak = loudest(*sound);
 	if (peak == 0)
-		return "The sample is silent, so there is nothing to make louder.";
+		return tr("The sample is silent, so there is nothing to make louder.");
 	if (peak >= sound->full_scale())
-		return "The sample is as loud as it can be already.";
+		return tr("The sample is as loud as it can be already.");
 	multiply(sound, sound->full_scale() / peak);
 	return "";
 }
@@ -206,11 +206,12 @@ std::string set_wave_loop(wave_sound *sound, const wave_part &loop)
 {
 	const wave_part wanted = loop.empty() ? wave_part{} : loop;
 	if (!sound->smpl_at)
-		return no_place_for_loop;
+		return tr(no_place_for_loop);
 	if (wanted.end > sound->frame_count())
-		return "The loop would end behind the sample.";
+		return tr("The loop would end behind the sample.");
 	if (wanted == sound->loop())
-		return loop.empty() ? "The sample has no loop." : "The loop stands there already.";
+		return loop.empty() ? tr("The sample has no loop.")
+				    : tr("The loop stands there already.");
 	if (!loops_of(*sound))
 		add_loop_record(sound);
 	u8 *record = loop_record(sound, 0);
@@ -223,10 +224,10 @@ std::string fade_wave_seam(wave_sound *sound, u64 *frames)
 {
 	const wave_part loop = sound->loop();
 	if (loop.empty())
-		return "The sample has no loop, so there is no seam to fade.";
+		return tr("The sample has no loop, so there is no seam to fade.");
 	if (!loop.first)
-		return "The loop begins with the sample, so there is nothing in front of it to "
-		       "fade into.";
+		return tr("The loop begins with the sample, so there is nothing in front of it to "
+			  "fade into.");
 	*frames = std::min({ *frames, loop.first, loop.count() });
 	const u64 into = loop.first - *frames, out = loop.end - *frames;
 	for (u64 i = 0; i < *frames; i++)
@@ -278,10 +279,11 @@ static void move_positions(wave_sound *sound, const wave_part &kept)
 std::string trim_wave(wave_sound *sound, const wave_part &kept)
 {
 	if (kept.empty() || kept.end > sound->frame_count())
-		return "Nothing would be left of the sample.";
+		return tr("Nothing would be left of the sample.");
 	if (kept.count() == sound->frame_count())
-		return "Start and end are those of the sample. Drag them in the picture to where "
-		       "it is to be cut.";
+		return tr(
+			"Start and end are those of the sample. Drag them in the picture to where "
+			"it is to be cut.");
 	const auto at = sound->file.begin() + static_cast<std::ptrdiff_t>(sound->data_at + 8);
 	const auto place = [&](u64 frame) {
 		return at + static_cast<std::ptrdiff_t>(frame * sound->frame_bytes);

@@ -30,7 +30,7 @@ void wave_shown(const std::string &path, u64 frames)
 	for (const int button :
 		{ wave_trim, wave_loop_here, wave_no_loop, wave_gain, wave_normalise, wave_fade })
 		host.ui->set_reason(window_samples, button,
-			path.empty() ? "Choose a sample on this computer first" : nullptr);
+			path.empty() ? tr("Choose a sample on this computer first") : nullptr);
 	offer_playing(!path.empty());
 }
 
@@ -75,7 +75,8 @@ static outcome edit_shown(std::string done, const wave_change &change)
 		why = change(&sound, &done);
 	if (!why.empty())
 		return refusal(why);
-	outcome result = replace_local(name, sound.file, "'" + name + "' is as it was before.");
+	outcome result = replace_local(
+		name, sound.file, format_text(tr("'%s' is as it was before."), name.c_str()));
 	if (result.done()) {
 		result.line = "'" + name + "': " + done;
 		log_line("[I] Edited [%s]: %s\r\n", name.c_str(), done.c_str());
@@ -88,7 +89,7 @@ static void edit_and_show(const char *done, const wave_change &change)
 {
 	stop_playing();
 	const outcome result = shown_path.empty()
-				       ? refusal("Choose a sample on this computer first!")
+				       ? refusal(tr("Choose a sample on this computer first!"))
 				       : edit_shown(done, change);
 	if (result.done())
 		show_spool();
@@ -100,7 +101,7 @@ static void edit_and_show(const char *done, const wave_change &change)
 bool move_wave_loop(const wave_part &loop)
 {
 	return run_through_gate([loop] {
-		edit_and_show("the loop was moved.", [&](wave_sound *sound, std::string *) {
+		edit_and_show(tr("the loop was moved."), [&](wave_sound *sound, std::string *) {
 			return set_wave_loop(sound, loop);
 		});
 	});
@@ -127,19 +128,19 @@ static bool typed_number(int control, double low, double high, double *number)
 
 static void trim()
 {
-	edit_and_show("what was outside start and end was cut.",
+	edit_and_show(tr("what was outside start and end was cut."),
 		[](wave_sound *sound, std::string *) { return trim_wave(sound, marks); });
 }
 
 static void loop_here()
 {
-	edit_and_show("it loops from start to end.",
+	edit_and_show(tr("it loops from start to end."),
 		[](wave_sound *sound, std::string *) { return set_wave_loop(sound, marks); });
 }
 
 static void no_loop()
 {
-	edit_and_show("it does not loop any more.",
+	edit_and_show(tr("it does not loop any more."),
 		[](wave_sound *sound, std::string *) { return set_wave_loop(sound, {}); });
 }
 
@@ -147,15 +148,15 @@ static void change_volume()
 {
 	double decibels = 0;
 	if (!typed_number(wave_gain_decibels, -60, 60, &decibels) || decibels == 0)
-		return show_outcome(refusal(
-			"Type how many decibels louder (6) or softer (-6) it is to be, up to 60."));
+		return show_outcome(refusal(tr("Type how many decibels louder (6) or softer (-6) "
+					       "it is to be, up to 60.")));
 	edit_and_show("", [&](wave_sound *sound, std::string *done) {
 		u64 cut = 0;
 		const std::string why = change_wave_volume(sound, decibels, &cut);
-		*done = format_text(
-			"%g dB %s.", std::abs(decibels), decibels > 0 ? "louder" : "softer");
+		*done = format_text(decibels > 0 ? tr("%g dB louder.") : tr("%g dB softer."),
+			std::abs(decibels));
 		if (cut)
-			*done += format_text(" %llu values were cut at full scale.",
+			*done += format_text(tr(" %llu values were cut at full scale."),
 				static_cast<unsigned long long>(cut));
 		return why;
 	});
@@ -163,7 +164,7 @@ static void change_volume()
 
 static void normalise()
 {
-	edit_and_show("its loudest value is full scale.",
+	edit_and_show(tr("its loudest value is full scale."),
 		[](wave_sound *sound, std::string *) { return normalise_wave(sound); });
 }
 
@@ -171,13 +172,14 @@ static void fade_seam()
 {
 	double milliseconds = 0;
 	if (!typed_number(wave_fade_milliseconds, 0.1, 10000, &milliseconds))
-		return show_outcome(refusal("Type how many milliseconds the fade is to take, from "
-					    "0.1 to 10000."));
+		return show_outcome(
+			refusal(tr("Type how many milliseconds the fade is to take, from "
+				   "0.1 to 10000.")));
 	edit_and_show("", [&](wave_sound *sound, std::string *done) {
 		const double wanted = milliseconds * sound->rate / 1000;
 		u64 frames = std::max<u64>(1, static_cast<u64>(wanted));
 		const std::string why = fade_wave_seam(sound, &frames);
-		*done = format_text("the last %.1f ms of its loop lead into its beginning.",
+		*done = format_text(tr("the last %.1f ms of its loop lead into its beginning."),
 			static_cast<double>(frames) * 1000 / std::max(1u, sound->rate));
 		return why;
 	});
@@ -189,10 +191,10 @@ static void fade_seam()
 static constexpr caption_row wave_captions[] = {
 	// window          control                 caption, tooltip, empty
 	{ window_samples,  samples_play,           own("Play"), own("Hear the chosen sample of this computer as the sampler will hold it; once more stops it (Space)"), nullptr },
-	{ window_samples,  wave_trim,              "Trim", own("Cut the chosen sample of this computer to what lies between start and end"), nullptr },
+	{ window_samples,  wave_trim,              own("Trim"), own("Cut the chosen sample of this computer to what lies between start and end"), nullptr },
 	{ window_samples,  wave_loop_here,         own("Loop here"), own("Loop from start to end, which can be dragged in the picture"), nullptr },
 	{ window_samples,  wave_no_loop,           "No Loop", own("Take the loop away; the sound stays"), nullptr },
-	{ window_samples,  wave_gain,              "Volume", own("Make the sample louder or softer by the decibels in the field"), nullptr },
+	{ window_samples,  wave_gain,              own("Volume"), own("Make the sample louder or softer by the decibels in the field"), nullptr },
 	{ window_samples,  wave_gain_decibels,     own("Decibels"), own("6 is twice as loud, -6 half as loud"), own("dB") },
 	{ window_samples,  wave_normalise,         own("Normalise"), own("Make the sample so loud that its loudest value is full scale"), nullptr },
 	{ window_samples,  wave_fade,              own("Fade Seam"), own("Turn the end of the loop slowly into what stands in front of it, so that it comes round without a click"), nullptr },

@@ -21,6 +21,8 @@ protected:
 	// A program whose bytes are all different, with text behind the ends of its names.
 	edits() : program(std::make_unique<_program>())
 	{
+		static const ui_service no_windows = {};
+		host.ui = &no_windows; // whose language is ours
 		auto *bytes = reinterpret_cast<u8 *>(program.get());
 		for (std::size_t i = 0; i < sizeof(_program); i++)
 			bytes[i] = static_cast<u8>(i * 7 + i / 256);

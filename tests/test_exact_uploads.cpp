@@ -195,7 +195,7 @@ struct exact_transcripts : host_test {
 TEST_F(exact_transcripts, the_header_is_written_behind_the_name_and_read_back)
 {
 	EXPECT_EQ(upload(conversation + head + told), "Sample successfully uploaded!");
-	const char kept[] = "The sound of [X] was successfully uploaded, but the sampler did not "
+	const char kept[] = "The sound of [X] was uploaded, but the sampler did not "
 			    "take its pitch, loop, play mode and tuning.";
 	EXPECT_EQ(upload(conversation + head + made), kept);
 	EXPECT_EQ(upload(conversation + "< nothing"), kept);

@@ -157,14 +157,23 @@ TEST_F(fits, one_press_fits_all_chosen_samples_and_one_undo_puts_them_back)
 		"0 converted, 1 fitted already, of 4 samples.");
 	EXPECT_FALSE(can_undo());
 	choose(1);
-	EXPECT_TRUE((h.texts[{ window_samples, samples_preview_upload }])
-			    .ends_with("Or press Fit to the Sampler."));
+	EXPECT_EQ((h.texts[{ window_samples, samples_preview_upload }]),
+		"3 of 4 refused: A file of 16 bit and 2 channels would arrive as 0.00 s of "
+		"silence.\nImport it with 1 Channel and Mix Channels, or Create L/R files for "
+		"both. Or "
+		"press "
+		"Fit to the Sampler.");
+	static std::vector<int> chosen_again;
+	ui.select_several = [](int, int, std::span<const int> places) {
+		chosen_again.assign(places.begin(), places.end());
+	};
 	const auto before = h.content(spool + "B.wav"), deep = h.content(spool + "D.wav");
 	press(samples_fit);
 	EXPECT_EQ(h.boxes,
 		(std::vector<shown_box>{ { "'C': It cannot be converted here.", "WARNING" } }));
 	EXPECT_EQ((h.texts[{ window_samples, status_outcome }]),
 		"2 converted, 1 fitted already, of 4 samples.");
+	EXPECT_EQ(chosen_again, chosen_places) << "the next press uploads them";
 	for (const char *name : { "B", "D" }) {
 		const auto file = h.content(spool + name + ".wav");
 		ASSERT_TRUE(file);

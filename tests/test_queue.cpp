@@ -198,12 +198,13 @@ TEST_F(queues, uploads_ask_once_about_what_would_be_silent)
 	h.put_content(spooled("d.wav"), wave_bytes(44100, 3, { 1, 1, 1 }));
 	open();
 	choose(samples_local_list, { 0, 1, 2, 3 });
-	h.answers = { false, true };
+	h.answers = { true, false, true };
 	press(samples_upload);
-	ASSERT_EQ(h.boxes.size(), 2u);
-	EXPECT_TRUE(h.boxes[0].text.starts_with("1 of 4 files would not arrive as they are. The "
+	ASSERT_EQ(h.boxes.size(), 3u);
+	EXPECT_TRUE(h.boxes[0].text.starts_with("The sampler has a sample called 'A' already"));
+	EXPECT_TRUE(h.boxes[1].text.starts_with("1 of 4 files would not arrive as they are. The "
 						"first: A file of 16 bit and 2 channels"));
-	EXPECT_EQ(h.boxes[1].text, "Upload the other samples? (2 of 4)");
+	EXPECT_EQ(h.boxes[2].text, "Upload the other samples? (2 of 4)");
 	EXPECT_EQ(sent("uploadsample"), (lines{ spooled("a"), spooled("c") }));
 	EXPECT_EQ(item_marks(), (marks{ done, skipped, done, skipped }));
 

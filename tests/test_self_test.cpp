@@ -1,5 +1,6 @@
 // test_self_test.cpp - interfaces with faults, and what the self-test says of them
 
+#include "src/controls.h"
 #include "src/velmor_self_test.h"
 #include "src/velmor_window.h"
 #include "tests/support/test_host.h"
@@ -145,6 +146,28 @@ TEST_F(self_tests, what_comes_late_or_never)
 	EXPECT_LT(report.seconds, 10);
 	unplug_midi(port);
 	EXPECT_EQ(loop({}).how, ending::no_answer);
+}
+
+TEST_F(self_tests, the_window_tells_and_keeps)
+{
+	forget_commands();
+	EXPECT_TRUE(velmor_command(window_settings, settings_self_test));
+	EXPECT_FALSE((h.enabled[{ window_self_test, self_test_keep }]));
+	port_wire(port).set_interface({ .room = 1024 });
+	EXPECT_TRUE(velmor_command(window_self_test, self_test_begin));
+	const auto &rows = h.rows[{ window_self_test, self_test_list }];
+	ASSERT_EQ(rows.size(), 7u);
+	EXPECT_EQ(rows[4][0] + " " + rows[4][1], "4096 bytes loss");
+	EXPECT_TRUE(rows[4][2].starts_with("byte 1024: nothing, not ")) << rows[4][2];
+	EXPECT_TRUE((h.enabled[{ window_self_test, self_test_keep }]));
+	EXPECT_TRUE(velmor_command(window_self_test, self_test_keep));
+	EXPECT_EQ(kept_pace("Loop").run, 1024);
+	EXPECT_TRUE(velmor_command(window_self_test, self_test_forget));
+	EXPECT_EQ(kept_pace("Loop").run, 0);
+	selected_midi_in_interface = -1;
+	velmor_command(window_self_test, self_test_begin);
+	EXPECT_EQ((h.texts[{ window_self_test, self_test_verdict }]),
+		"Choose MIDI-Out and MIDI-In in Basic settings first.");
 }
 
 TEST_F(self_tests, stop_ends_it)

@@ -4,9 +4,11 @@
 // was answered. It must say the same today. VELMOR_MAKE_TRANSCRIPTS=1 writes them anew.
 
 #include "src/usbqx.h"
+#include "src/velmor_monitor.h"
 #include "src/velmor_programs.h"
 #include "src/velmor_record.h"
 #include "src/velmor_replay.h"
+#include "src/velmor_window.h"
 #include "src/waveqx.h"
 #include "tests/support/test_host.h"
 #include "tests/support/transcript_midi.h"
@@ -279,6 +281,168 @@ names: kept
 	F0 00*40 01 02 03 F7
 0.511920 > midi 3: F0 7D F7
 )");
+}
+
+TEST_F(recordings, begin_and_end_from_the_menu_and_with_the_program)
+{
+	h.checks[{ window_main, menu_record_names }] = true;
+	EXPECT_TRUE(velmor_command(window_main, menu_record));
+	EXPECT_TRUE((h.checks[{ window_main, menu_record }]));
+	EXPECT_THROW(velmor_command(window_main, menu_exit), process_ended);
+	EXPECT_FALSE(recording());
+	std::vector<std::string> names;
+	host.files->list((h.config + "\\transcripts").c_str(), &names);
+	ASSERT_EQ(names.size(), 1u);
+	EXPECT_NE(content_of(h.root + "/VELMOR/CONFIG/transcripts/" + names[0]).find("left out"),
+		std::string::npos);
+	h.disk.open_for_writing = ENOSPC;
+	EXPECT_EQ(start_recording(false).how, ending::local_failed);
+	EXPECT_FALSE(recording());
+}
+
+// A bridge with a sampler behind it.
+s1000_machine *behind_bridge;
+machine::bytes from_bridge;
+const net_service bridge = {
+	.connect = [](const char *, unsigned short, int *handle) { return *handle = 0; },
+	.connected = [](int) { return 1; },
+	.send = [](int, const u8 *bytes, std::size_t count) -> long {
+		const machine::bytes answer = behind_bridge->answer({ bytes, count });
+		from_bridge.insert(from_bridge.end(), answer.begin(), answer.end());
+		return static_cast<long>(count);
+	},
+	.receive = [](int, u8 *bytes, std::size_t count) -> long {
+		count = std::min(count, from_bridge.size());
+		std::copy_n(from_bridge.begin(), count, bytes);
+		from_bridge.erase(from_bridge.begin(),
+			from_bridge.begin() + static_cast<std::ptrdiff_t>(count));
+		return static_cast<long>(count);
+	},
+	.close = [](int) {},
+	.on_arrival = [](void (*)()) {},
+	.error_text = [](int) { return "broken"; },
+};
+
+class bridged : public recordings
+{
+protected:
+	bridged()
+	{
+		machine.add_sample("KICK", 44100, sound);
+		behind_bridge = &machine;
+		from_bridge.clear();
+		host.net = &bridge;
+		h.use_sampler(model_s3000, 5);
+	}
+	~bridged() override { switch_off_tcp(); }
+	s1000_machine machine{ s1000_model::s3000, 5 };
+};
+
+TEST_F(bridged, are_recorded_and_sent_again)
+{
+	ASSERT_TRUE(start_recording(false).done());
+	switch_on_tcp();
+	EXPECT_TRUE(read_sample_list().done());
+	const std::string text = recorded_text();
+	EXPECT_NE(text.find(" ! tcp: connecting to 192.168.0.10:9999\n"), text.npos) << text;
+	EXPECT_NE(text.find(" > tcp 6: F0 47 05 04 48 F7\n"), text.npos) << text;
+	EXPECT_NE(text.find(" < tcp 20: F0 47 05 05 48 01 00 "), text.npos) << text;
+	transcript t;
+	ASSERT_EQ(read_transcript(text, &t), "");
+	replay_report report;
+	EXPECT_TRUE(replay_transcript(t, &report).done());
+	EXPECT_GE(report.answers, 3);
+	machine.add_sample("SNARE", 44100, sound);
+	EXPECT_EQ(replay_transcript(t, &report).how, ending::refused);
+	EXPECT_TRUE(replay_script(text).wrong().empty());
+}
+
+TEST_F(bridged, a_disk_that_fills_ends_the_recording_and_not_the_work)
+{
+	switch_on_tcp();
+	ASSERT_TRUE(start_recording(false).done());
+	h.disk.space_left = 60;
+	EXPECT_TRUE(read_sample_list().done());
+	EXPECT_EQ(current_sampler->status->samples, 1);
+	EXPECT_FALSE(recording());
+	EXPECT_EQ(host.net, &bridge) << "nobody listens";
+	EXPECT_EQ(stop_recording().how, ending::local_failed);
+	EXPECT_TRUE(stop_recording().words.starts_with("The recording ended: The disk is full"));
+	// It has no room for its head.
+	EXPECT_EQ(start_recording(false).how, ending::local_failed);
+	EXPECT_FALSE(recording());
+}
+
+TEST_F(bridged, without_names_what_is_held_in_memory_has_a_bound)
+{
+	ASSERT_TRUE(start_recording(true).done());
+	const std::vector<u8> run(8 << 20, 0);
+	for (int i = 0; i < 10; i++)
+		host.net->send(0, run.data(), run.size());
+	EXPECT_TRUE(recording()) << "it is written when a person ends it";
+	const std::string full = "[W] The recording is full. It is written when you end it.\r\n";
+	EXPECT_EQ(std::ranges::count(h.log(), full), 1);
+	transcript t;
+	EXPECT_EQ(read_transcript(recorded_text(), &t), "");
+	EXPECT_NEAR(static_cast<double>(t.crossings.size()), 1020, 10) << "of 64 KiB each";
+}
+
+TEST_F(recordings, of_the_monitor_tell_what_came_and_what_it_passed_on)
+{
+	const auto deaf = [](machine::byte_view) { return machine::bytes(); };
+	const int port = plug_midi(h.time, { deaf, deaf, deaf }, "Keys");
+	host.midi = &virtual_midi;
+	reload_midi_setup(false);
+	selected_midi_in_mon_interface = selected_midi_out_interface = 0;
+	receive_monitor();
+	ASSERT_TRUE(start_recording(false).done());
+	port_wire(port).play({ 0x90, 0x3C, 0x40 });
+	h.time.run_until(h.time.now() + 0.1);
+	for (const auto timers = h.timers; const auto &[id, timer] : timers)
+		timer.tick();
+	const std::string text = recorded_text();
+	EXPECT_NE(text.find(" < monitor 3: 90 3C 40\n"), text.npos) << text;
+	EXPECT_NE(text.find(" > thru 3: 90 3C 40\n"), text.npos) << text;
+	forget_monitor();
+	close_midi_output();
+	unplug_all_midi();
+}
+
+// Each name has a word of its own, as long and of the same sum.
+TEST(names_left_out, have_the_sums_of_names)
+{
+	std::set<std::string> names = { "Grand Piano", "abc", "a name" };
+	for (int i = 0; i < 60; i++)
+		names.insert(format_text("B%02d", i));
+	for (const bool usb : { false, true }) {
+		std::vector<crossing> all;
+		for (const std::string &name : names) {
+			crossing c = { .sent = true,
+				.line = usb ? wire_line::usb : wire_line::midi };
+			c.bytes.assign(name.begin(), name.end());
+			c.bytes.resize(
+				usb ? name.size() + 1 : std::max<std::size_t>(9, name.size()),
+				usb ? 0 : ' ');
+			all.push_back(c);
+			all.push_back({}); // another direction
+		}
+		std::vector<crossing> now = all;
+		leave_names_out(now, names);
+		std::set<std::vector<u8>> words;
+		for (std::size_t i = 0; i < all.size(); i += 2) {
+			int sum = 0, was = 0;
+			for (std::size_t at = 0; at < now[i].bytes.size(); at++) {
+				sum = usb ? sum + now[i].bytes[at] : sum ^ now[i].bytes[at];
+				was = usb ? was + all[i].bytes[at] : was ^ all[i].bytes[at];
+			}
+			const bool field = usb || all[i].bytes.size() == 9;
+			EXPECT_EQ(now[i].bytes != all[i].bytes, field);
+			EXPECT_EQ((sum ^ was) & 0x7F, 0) << i;
+			EXPECT_EQ(now[i].bytes.size(), all[i].bytes.size());
+			words.insert(now[i].bytes);
+		}
+		EXPECT_EQ(words.size(), names.size());
+	}
 }
 
 TEST_F(recordings, that_cannot_be_believed_say_where)

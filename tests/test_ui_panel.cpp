@@ -110,7 +110,7 @@ TEST_F(panel_window_test, pixels_are_square_at_every_scale_and_keys_stand_at_it_
 			QString(id == model_z4 ? "Window key" : "EDIT PROGRAM key"));
 	}
 	// The keys of the model before are gone.
-	EXPECT_EQ(at(window_panel, 0)->findChildren<QPushButton *>().size(), 24 + 5 + 1);
+	EXPECT_EQ(at(window_panel, 0)->findChildren<QPushButton *>().size(), 24 + 5 + 2);
 }
 
 TEST_F(panel_window_test, keys_are_pressed_by_mouse_and_whatever_is_typed_goes_to_the_sampler)

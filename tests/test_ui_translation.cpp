@@ -3,6 +3,7 @@
 #include "tests/ui_fixture.h"
 #include "ui/parts/entry_list.h"
 #include "ui/translation.h"
+#include <QAbstractButton>
 #include <QFile>
 #include <QPushButton>
 #include <QXmlStreamReader>
@@ -125,11 +126,48 @@ TEST_F(in_german, windows_say_their_own_words_in_german_and_the_systems_words_as
 	auto *load = at<QPushButton>(window_main, main_load);
 	EXPECT_EQ(load->text().remove('&'), "Load Sampler");
 	EXPECT_EQ(load->toolTip(), "Mit dem gewählten Sampler arbeiten");
-	EXPECT_EQ(at<entry_list>(window_multis, multis_list)->accessibleName(), "Multis");
+	auto *list = at<entry_list>(window_multis, multis_list);
+	EXPECT_EQ(list->accessibleName(), "Multis");
+	list->set_state(list_state::empty, {});
+	EXPECT_EQ(list->accessibleDescription(),
+		"Keine Multis. Nur ein S5000 oder S6000 sagt, welche Multis er enthält.");
 	EXPECT_STREQ(tr("Try again"), "Noch einmal");
 	EXPECT_STREQ(tr("nobody translates this"), "nobody translates this");
 	EXPECT_EQ(counted(1, noun::change) + ", " + counted(2, noun::change),
 		"1 Änderung, 2 Änderungen");
+}
+
+// Labels of forms wrap, and lines of told words end in dots; what is pressed shows all it says.
+TEST_F(in_german, what_is_pressed_shows_all_its_words_and_no_letter_opens_two_things)
+{
+	int seen = 0;
+	for (const int id : { window_main, window_midi_files, window_settings, window_sampler,
+		     window_samples, window_programs, window_multis, window_progress, window_panel,
+		     window_usb, window_history, window_backup, window_self_test }) {
+		host.ui->show(id, 0, true);
+		const auto *window = at(id, 0);
+		const std::string title = window->windowTitle().toStdString();
+		std::map<QChar, QString> letters;
+		QApplication::processEvents();
+		for (const QAbstractButton *button : window->findChildren<QAbstractButton *>()) {
+			const QString words = button->text();
+			if (button->window() != window || !button->isVisible() || words.isEmpty())
+				continue;
+			seen++;
+			EXPECT_GE(button->width(), button->minimumSizeHint().width())
+				<< title << ": " << words.toStdString();
+			const qsizetype mark = words.indexOf('&');
+			if (mark < 0)
+				continue;
+			const QChar letter = words[mark + 1].toLower();
+			EXPECT_FALSE(letters.contains(letter))
+				<< title << ": " << letters[letter].toStdString() << ", "
+				<< words.toStdString();
+			letters[letter] = words;
+		}
+		host.ui->show(id, 0, false);
+	}
+	EXPECT_GT(seen, 90);
 }
 
 TEST(translations, keep_to_the_order_of_the_languages)

@@ -213,6 +213,11 @@ const telling tellings[] = {
 	{ { "ls", "--all" }, 2, "", "--all: there is no such option of 'ls'." },
 	{ { "program", "rm" }, 2, "", "An argument is missing: velmorctl program rm PROGRAM...." },
 	{ { "import", "--bits", "13", "a.wav" }, 2, "", "--bits takes one of these: 12|16|24." },
+	{ { "selftest" }, 3, "16 bytes\tsilence\tbyte 0: nothing, not F0\t\t0.01 s\n64 bytes\tsilence\tbyte 0: nothing, not F0\t\t0.02 s\n", "Nothing comes back." },
+	{ { "selftest", "--answers", "--sampler", "Rack" }, 0, "", "All 7 messages passed, up to 65536 bytes." },
+	{ { "selftest", "--answers" }, 2, "", "Which sampler?" },
+	{ { "selftest", "--forget" }, 1, "", "Nothing is kept for this interface." },
+	{ { "replay", "no.txt" }, 4, "", "The transcript cannot be read: " },
 	{ { "import", "a.wav" }, 4, "", "Conversion failed! [a.wav] (1/1)" },
 };
 // clang-format on
@@ -257,6 +262,50 @@ TEST(velmorctl, ctrl_c_ends_at_the_next_safe_point_and_the_wire_is_drained)
 	EXPECT_EQ(s.h.temporary_files(), 0);
 	EXPECT_EQ(the_outHandle, -1);
 	EXPECT_EQ(port_wire(s.port).leaving(), 0u);
+}
+
+TEST(velmorctl, a_recording_is_sent_again_and_the_first_other_byte_told)
+{
+	studio s;
+	const lines record = { "--sampler", "Rack", "ls", "--record", "VELMOR/fault.txt" };
+	const ran r = ctl(record);
+	EXPECT_EQ(r.status, 0);
+	EXPECT_EQ(r.results, "KICK\nSNARE\n");
+	EXPECT_NE(r.words.find("The transcript is "), r.words.npos) << r.words;
+	const ran again = ctl(record);
+	EXPECT_EQ(again.status, 4) << "it is there already";
+	EXPECT_EQ(again.results, "");
+	s.take();
+	lines replay = { "replay", "VELMOR/fault.txt" };
+	EXPECT_EQ(ctl(replay).status, 1) << "nobody said yes";
+	EXPECT_EQ(s.take(), traffic());
+	replay.push_back("--yes");
+	const ran same = ctl(replay);
+	EXPECT_EQ(same.status, 0) << same.words;
+	EXPECT_NE(same.words.find("answers are what they were."), same.words.npos);
+	s.s3000.add_sample("TOM", 44100, { 1, 2, 3 });
+	const ran other = ctl(replay);
+	EXPECT_EQ(other.status, 1);
+	EXPECT_NE(other.results.find("was 02 and is 03.\n"), other.results.npos) << other.results;
+	replay.push_back("--json");
+	EXPECT_NE(ctl(replay).results.find(",\"at\":5,\"was\":2,\"is\":3}\n"), std::string::npos);
+}
+
+TEST(velmorctl, the_pace_of_an_interface_is_kept_when_it_is_told_to)
+{
+	studio s;
+	unplug_all_midi();
+	port_wire(plug_midi(s.h.time, loop_cable(), "Loop")).set_interface({ .room = 1024 });
+	const ran r = ctl({ "selftest", "--json" });
+	EXPECT_EQ(r.status, 0) << r.words;
+	EXPECT_NE(r.results.find("{\"sent\":4096,\"came\":1024,\"result\":\"loss\",\"at\":1024,"),
+		r.results.npos)
+		<< r.results;
+	EXPECT_FALSE(s.h.settings.contains("midi_run Loop"));
+	EXPECT_EQ(ctl({ "selftest", "--keep" }).status, 0);
+	EXPECT_TRUE(s.h.settings["midi_run Loop"].starts_with("1024 "));
+	EXPECT_EQ(ctl({ "selftest", "--forget" }).status, 0);
+	EXPECT_EQ(s.h.settings["midi_run Loop"], "0 0");
 }
 
 TEST(velmorctl, names_of_any_bytes_make_no_broken_line)

@@ -2318,10 +2318,6 @@ Das Log nennt die Parameter, die nicht mitkönnen, und die, die keine AKP-Datei 
         <translation>kein MIDI-Port</translation>
     </message>
     <message>
-        <source>no answer </source>
-        <translation>keine Antwort </translation>
-    </message>
-    <message>
         <source>no keygroup chosen</source>
         <translation>keine Keygroup gewählt</translation>
     </message>
@@ -2906,252 +2902,244 @@ noch nicht gemessen</translation>
         <translation>was feiner als 24 Bit ist</translation>
     </message>
     <message>
-        <source>with exact length </source>
-        <translation>mit genauer Länge </translation>
-    </message>
-    <message>
-        <source>without exact length </source>
-        <translation>ohne genaue Länge </translation>
-    </message>
-    <message>
         <source>6 is twice as loud, -6 half as loud</source>
-        <translation type="unfinished"></translation>
+        <translation>6 ist doppelt so laut, -6 halb so laut</translation>
     </message>
     <message>
         <source>Ask the sampler about the chosen sample</source>
-        <translation type="unfinished"></translation>
+        <translation>Fragt den Sampler nach dem gewählten Sample</translation>
     </message>
     <message>
         <source>Choose sound files and convert them into the spool</source>
-        <translation type="unfinished"></translation>
+        <translation>Wählt Klangdateien und konvertiert sie in den Spool</translation>
     </message>
     <message>
         <source>Copy every sample of the sampler to this computer</source>
-        <translation type="unfinished"></translation>
+        <translation>Kopiert jedes Sample des Samplers auf diesen Computer</translation>
     </message>
     <message>
         <source>Copy every sample of the spool to a folder of your choice</source>
-        <translation type="unfinished"></translation>
+        <translation>Kopiert jedes Sample des Spools in einen Ordner Ihrer Wahl</translation>
     </message>
     <message>
         <source>Copy the chosen sample from the sampler to this computer</source>
-        <translation type="unfinished"></translation>
+        <translation>Kopiert das gewählte Sample vom Sampler auf diesen Computer</translation>
     </message>
     <message>
         <source>Cut the chosen sample of this computer to what lies between start and end</source>
-        <translation type="unfinished"></translation>
+        <translation>Schneidet das gewählte Sample dieses Computers auf das zu, was zwischen Anfang und Ende liegt</translation>
     </message>
     <message>
         <source>Decibels</source>
-        <translation type="unfinished"></translation>
+        <translation>Dezibel</translation>
     </message>
     <message>
         <source>Delete every sample of the spool from this computer</source>
-        <translation type="unfinished"></translation>
+        <translation>Löscht jedes Sample des Spools von diesem Computer</translation>
     </message>
     <message>
         <source>Delete the chosen sample from this computer</source>
-        <translation type="unfinished"></translation>
+        <translation>Löscht das gewählte Sample von diesem Computer</translation>
     </message>
     <message>
         <source>Download all Samples</source>
-        <translation type="unfinished"></translation>
+        <translation>Alle Samples holen</translation>
     </message>
     <message>
         <source>Fade Seam</source>
-        <translation type="unfinished"></translation>
+        <translation>Naht blenden</translation>
     </message>
     <message>
         <source>For the S900/950</source>
-        <translation type="unfinished"></translation>
+        <translation>Für den S900/950</translation>
     </message>
     <message>
         <source>From a stereo file take the average of both channels</source>
-        <translation type="unfinished"></translation>
+        <translation>Nimmt von einer Stereodatei das Mittel beider Kanäle</translation>
     </message>
     <message>
         <source>From a stereo file take the left channel; put a mono file on the left</source>
-        <translation type="unfinished"></translation>
+        <translation>Nimmt von einer Stereodatei den linken Kanal; legt eine Monodatei nach links</translation>
     </message>
     <message>
         <source>From a stereo file take the right channel; put a mono file on the right</source>
-        <translation type="unfinished"></translation>
+        <translation>Nimmt von einer Stereodatei den rechten Kanal; legt eine Monodatei nach rechts</translation>
     </message>
     <message>
         <source>Give the chosen sample on the sampler the name in the field</source>
-        <translation type="unfinished"></translation>
+        <translation>Gibt dem gewählten Sample auf dem Sampler den Namen im Feld</translation>
     </message>
     <message>
         <source>Give the chosen sample on this computer the name in the field</source>
-        <translation type="unfinished"></translation>
+        <translation>Gibt dem gewählten Sample auf diesem Computer den Namen im Feld</translation>
     </message>
     <message>
         <source>How long the fade of the seam is</source>
-        <translation type="unfinished"></translation>
+        <translation>Wie lang die Überblendung der Naht ist</translation>
     </message>
     <message>
         <source>How many samples there are on this computer</source>
-        <translation type="unfinished"></translation>
+        <translation>Wie viele Samples auf diesem Computer sind</translation>
     </message>
     <message>
         <source>How many samples, and when they were read</source>
-        <translation type="unfinished"></translation>
+        <translation>Wie viele Samples, und wann sie gelesen wurden</translation>
     </message>
     <message>
         <source>Leave mono mono and stereo stereo</source>
-        <translation type="unfinished"></translation>
+        <translation>Lässt Mono mono und Stereo stereo</translation>
     </message>
     <message>
         <source>Leave the bits of a value as they are</source>
-        <translation type="unfinished"></translation>
+        <translation>Lässt die Bits eines Werts, wie sie sind</translation>
     </message>
     <message>
         <source>Leave the sampling rate as it is</source>
-        <translation type="unfinished"></translation>
+        <translation>Lässt die Abtastrate, wie sie ist</translation>
     </message>
     <message>
         <source>Length (s):</source>
-        <translation type="unfinished"></translation>
+        <translation>Länge (s):</translation>
     </message>
     <message>
         <source>Loop from start to end, which can be dragged in the picture</source>
-        <translation type="unfinished"></translation>
+        <translation>Setzt den Loop von Anfang bis Ende, die sich im Bild ziehen lassen</translation>
     </message>
     <message>
         <source>Loop here</source>
-        <translation type="unfinished"></translation>
+        <translation>Loop hier</translation>
     </message>
     <message>
         <source>Make every sample mono</source>
-        <translation type="unfinished"></translation>
+        <translation>Macht jedes Sample mono</translation>
     </message>
     <message>
         <source>Make every sample stereo</source>
-        <translation type="unfinished"></translation>
+        <translation>Macht jedes Sample stereo</translation>
     </message>
     <message>
         <source>Make the sample louder or softer by the decibels in the field</source>
-        <translation type="unfinished"></translation>
+        <translation>Macht das Sample um die Dezibel im Feld lauter oder leiser</translation>
     </message>
     <message>
         <source>Make the sample so loud that its loudest value is full scale</source>
-        <translation type="unfinished"></translation>
+        <translation>Macht das Sample so laut, dass sein lautester Wert Vollaussteuerung ist</translation>
     </message>
     <message>
         <source>Make two mono samples of a stereo file, with -L and -R behind their names</source>
-        <translation type="unfinished"></translation>
+        <translation>Macht zwei Mono-Samples aus einer Stereodatei, mit -L und -R hinter dem Namen</translation>
     </message>
     <message>
         <source>Milliseconds of the fade</source>
-        <translation type="unfinished"></translation>
+        <translation>Millisekunden der Überblendung</translation>
     </message>
     <message>
         <source>No local sample chosen</source>
-        <translation type="unfinished"></translation>
+        <translation>Kein lokales Sample gewählt</translation>
     </message>
     <message>
         <source>Normalise</source>
-        <translation type="unfinished"></translation>
+        <translation>Normalisieren</translation>
     </message>
     <message>
         <source>Origin:</source>
-        <translation type="unfinished"></translation>
+        <translation>Herkunft:</translation>
     </message>
     <message>
         <source>Original pitch:</source>
-        <translation type="unfinished"></translation>
+        <translation>Grundton:</translation>
     </message>
     <message>
         <source>Play mode:</source>
-        <translation type="unfinished"></translation>
+        <translation>Spielart:</translation>
     </message>
     <message>
         <source>Put a mono file on both channels</source>
-        <translation type="unfinished"></translation>
+        <translation>Legt eine Monodatei auf beide Kanäle</translation>
     </message>
     <message>
         <source>Rate (Hz):</source>
-        <translation type="unfinished"></translation>
+        <translation>Rate (Hz):</translation>
     </message>
     <message>
         <source>Read the sampler and the spool anew</source>
-        <translation type="unfinished"></translation>
+        <translation>Liest Sampler und Spool neu</translation>
     </message>
     <message>
         <source>Remove the chosen sample from the sampler&apos;s memory</source>
-        <translation type="unfinished"></translation>
+        <translation>Entfernt das gewählte Sample aus dem Speicher des Samplers</translation>
     </message>
     <message>
         <source>Search samples on the sampler</source>
-        <translation type="unfinished"></translation>
+        <translation>Samples auf dem Sampler suchen</translation>
     </message>
     <message>
         <source>Search samples on this computer</source>
-        <translation type="unfinished"></translation>
+        <translation>Samples auf diesem Computer suchen</translation>
     </message>
     <message>
         <source>Send the chosen sample to the sampler</source>
-        <translation type="unfinished"></translation>
+        <translation>Sendet das gewählte Sample an den Sampler</translation>
     </message>
     <message>
         <source>Show what the file says about the chosen sample</source>
-        <translation type="unfinished"></translation>
+        <translation>Zeigt, was die Datei über das gewählte Sample sagt</translation>
     </message>
     <message>
         <source>State of the spool</source>
-        <translation type="unfinished"></translation>
+        <translation>Zustand des Spools</translation>
     </message>
     <message>
         <source>Take the loop away; the sound stays</source>
-        <translation type="unfinished"></translation>
+        <translation>Nimmt den Loop weg; der Klang bleibt</translation>
     </message>
     <message>
         <source>The chosen sample on this computer; its loop is shaded</source>
-        <translation type="unfinished"></translation>
+        <translation>Das gewählte Sample auf diesem Computer; sein Loop ist schattiert</translation>
     </message>
     <message>
         <source>The chosen sample, or the files that hover over the list</source>
-        <translation type="unfinished"></translation>
+        <translation>Das gewählte Sample, oder die Dateien, die über der Liste schweben</translation>
     </message>
     <message>
         <source>The name for Rename this Sample</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Name für Rename this Sample</translation>
     </message>
     <message>
         <source>The sampler holds no samples</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Sampler enthält keine Samples</translation>
     </message>
     <message>
         <source>The samples in the sampler&apos;s memory</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Samples im Speicher des Samplers</translation>
     </message>
     <message>
         <source>The samples in the spool; drop sound files here to import them</source>
-        <translation type="unfinished"></translation>
+        <translation>Die Samples im Spool; Klangdateien, die Sie hier ablegen, werden importiert</translation>
     </message>
     <message>
         <source>The spool is empty: download samples, or drop sound files here</source>
-        <translation type="unfinished"></translation>
+        <translation>Der Spool ist leer: Holen Sie Samples, oder legen Sie hier Klangdateien ab</translation>
     </message>
     <message>
         <source>Turn the end of the loop slowly into what stands in front of it, so that it comes round without a click</source>
-        <translation type="unfinished"></translation>
+        <translation>Blendet das Ende des Loops langsam in das über, was vor ihm steht, damit er ohne Knacken herumkommt</translation>
     </message>
     <message>
         <source>Waveform</source>
-        <translation type="unfinished"></translation>
+        <translation>Wellenform</translation>
     </message>
     <message>
         <source>What most samplers take</source>
-        <translation type="unfinished"></translation>
+        <translation>Was die meisten Sampler nehmen</translation>
     </message>
     <message>
         <source>dB</source>
-        <translation type="unfinished"></translation>
+        <translation>dB</translation>
     </message>
     <message>
         <source>ms</source>
-        <translation type="unfinished"></translation>
+        <translation>ms</translation>
     </message>
     <message>
         <source>, looped</source>
@@ -3714,6 +3702,1222 @@ noch nicht gemessen</translation>
     <message>
         <source>another one has the same name, and would be deleted</source>
         <translation>ein anderes heißt genauso und würde gelöscht</translation>
+    </message>
+    <message>
+        <source> %llu values were cut at full scale.</source>
+        <translation> %llu Werte wurden bei Vollaussteuerung abgeschnitten.</translation>
+    </message>
+    <message>
+        <source> In runs of %d bytes, %d ms apart, everything arrives.</source>
+        <translation> In Stücken von %d Bytes mit %d ms Abstand kommt alles an.</translation>
+    </message>
+    <message>
+        <source> No shorter run helps: the interface or the cable loses bytes at any length.</source>
+        <translation> Auch kürzere Stücke helfen nicht: Die Schnittstelle oder das Kabel verliert Bytes bei jeder Länge.</translation>
+    </message>
+    <message>
+        <source> compressed</source>
+        <translation> komprimiert</translation>
+    </message>
+    <message>
+        <source> float</source>
+        <translation> Gleitkomma</translation>
+    </message>
+    <message>
+        <source> · and %zu more</source>
+        <translation> · und %zu weitere</translation>
+    </message>
+    <message>
+        <source> · keeps its loop and its root note %s</source>
+        <translation> · behält seinen Loop und seinen Grundton %s</translation>
+    </message>
+    <message>
+        <source> · keeps its loop</source>
+        <translation> · behält seinen Loop</translation>
+    </message>
+    <message>
+        <source> · keeps its root note %s</source>
+        <translation> · behält seinen Grundton %s</translation>
+    </message>
+    <message>
+        <source>%.02f s of silence</source>
+        <translation>%.02f s Stille</translation>
+    </message>
+    <message>
+        <source>%.0f bytes/s</source>
+        <translation>%.0f Bytes/s</translation>
+    </message>
+    <message>
+        <source>%1 shown</source>
+        <translation>%1 gezeigt</translation>
+    </message>
+    <message>
+        <source>%1 to %2 of %3</source>
+        <translation>%1 bis %2 von %3</translation>
+    </message>
+    <message>
+        <source>%d bit, %u Hz</source>
+        <translation>%d Bit, %u Hz</translation>
+    </message>
+    <message>
+        <source>%d bit, %u Hz, both channels mixed to one</source>
+        <translation>%d Bit, %u Hz, beide Kanäle zu einem gemischt</translation>
+    </message>
+    <message>
+        <source>%d converted, %d fitted already, of %s.</source>
+        <translation>%d konvertiert, %d passten schon, von %s.</translation>
+    </message>
+    <message>
+        <source>%d messages were sent, and all %d answers are what they were.</source>
+        <translation>%d Meldungen wurden gesendet, und alle %d Antworten sind, was sie waren.</translation>
+    </message>
+    <message>
+        <source>%d of %d packets of [%s] came damaged, late or not at all. The file is saved, but it clicks or falls silent in these places. Another download may help.</source>
+        <translation>%d von %d Paketen von [%s] kamen beschädigt, zu spät oder gar nicht. Die Datei ist gesichert, aber an diesen Stellen knackt sie oder ist still. Noch ein Download hilft vielleicht.</translation>
+    </message>
+    <message>
+        <source>%d of %d refused: %s</source>
+        <translation>%d von %d abgelehnt: %s</translation>
+    </message>
+    <message>
+        <source>%d/%d samples downloaded!</source>
+        <translation>%d/%d Samples geholt!</translation>
+    </message>
+    <message>
+        <source>%g dB louder.</source>
+        <translation>%g dB lauter.</translation>
+    </message>
+    <message>
+        <source>%g dB softer.</source>
+        <translation>%g dB leiser.</translation>
+    </message>
+    <message>
+        <source>%s Nothing was put back.</source>
+        <translation>%s Nichts wurde zurückgeholt.</translation>
+    </message>
+    <message>
+        <source>%s and %s</source>
+        <translation>%s und %s</translation>
+    </message>
+    <message>
+        <source>%s at about %s, not measured yet on this connection</source>
+        <translation>%s bei etwa %s, auf dieser Verbindung noch nicht gemessen</translation>
+    </message>
+    <message>
+        <source>%s at the %s measured on this connection</source>
+        <translation>%s bei den auf dieser Verbindung gemessenen %s</translation>
+    </message>
+    <message>
+        <source>%s down
+on this connection</source>
+        <translation>Holen mit %s
+auf dieser Verbindung</translation>
+    </message>
+    <message>
+        <source>%s goes from the sampler. Keep a copy first? That takes %s.
+The answer holds until VELMOR is closed.</source>
+        <translation>%s geht vom Sampler. Zuerst eine Kopie sichern? Das dauert %s.
+Die Antwort gilt, bis VELMOR beendet wird.</translation>
+    </message>
+    <message>
+        <source>%s is damaged.</source>
+        <translation>%s ist beschädigt.</translation>
+    </message>
+    <message>
+        <source>%s is no number.</source>
+        <translation>%s ist keine Zahl.</translation>
+    </message>
+    <message>
+        <source>%s is not what it can be.</source>
+        <translation>%s ist kein möglicher Wert.</translation>
+    </message>
+    <message>
+        <source>%s is too large.</source>
+        <translation>%s ist zu groß.</translation>
+    </message>
+    <message>
+        <source>%s on the sampler</source>
+        <translation>%s auf dem Sampler</translation>
+    </message>
+    <message>
+        <source>%s on this connection</source>
+        <translation>%s auf dieser Verbindung</translation>
+    </message>
+    <message>
+        <source>%s takes samples at their own length.</source>
+        <translation>%s nimmt Samples in ihrer eigenen Länge.</translation>
+    </message>
+    <message>
+        <source>%s to %s</source>
+        <translation>%s in %s</translation>
+    </message>
+    <message>
+        <source>%s up, %s down
+on this connection</source>
+        <translation>Senden mit %s, Holen mit %s
+auf dieser Verbindung</translation>
+    </message>
+    <message>
+        <source>%s was left as it is on the sampler.</source>
+        <translation>%s wurde auf dem Sampler so gelassen, wie es ist.</translation>
+    </message>
+    <message>
+        <source>%s was put back</source>
+        <translation>%s zurückgeholt wurde</translation>
+    </message>
+    <message>
+        <source>%s
+Convert it now, and upload what it becomes?</source>
+        <translation>%s
+Jetzt konvertieren und senden, was daraus wird?</translation>
+    </message>
+    <message>
+        <source>%s
+Go on all the same?</source>
+        <translation>%s
+Trotzdem fortfahren?</translation>
+    </message>
+    <message>
+        <source>%s
+Upload them all the same?</source>
+        <translation>%s
+Trotzdem senden?</translation>
+    </message>
+    <message>
+        <source>%u Hz, %u bit%s, %u channel, %.02f s</source>
+        <translation>%u Hz, %u Bit%s, %u Kanal, %.02f s</translation>
+    </message>
+    <message>
+        <source>%u Hz, %u bit%s, %u channels, %.02f s</source>
+        <translation>%u Hz, %u Bit%s, %u Kanäle, %.02f s</translation>
+    </message>
+    <message>
+        <source>%zu bytes</source>
+        <translation>%zu Bytes</translation>
+    </message>
+    <message>
+        <source>%zu of %d answers are not what they were. %s</source>
+        <translation>%zu von %d Antworten sind nicht, was sie waren. %s</translation>
+    </message>
+    <message>
+        <source>%zu step · %s</source>
+        <translation>%zu Schritt · %s</translation>
+    </message>
+    <message>
+        <source>%zu steps · %s</source>
+        <translation>%zu Schritte · %s</translation>
+    </message>
+    <message>
+        <source>&amp;Close</source>
+        <translation>&amp;Schließen</translation>
+    </message>
+    <message>
+        <source>&amp;Delete from the history</source>
+        <translation>Aus dem Verlauf &amp;löschen</translation>
+    </message>
+    <message>
+        <source>&amp;Put back</source>
+        <translation>&amp;Zurückholen</translation>
+    </message>
+    <message>
+        <source>&apos;%s&apos; has %s now.</source>
+        <translation>&apos;%s&apos; hat jetzt %s.</translation>
+    </message>
+    <message>
+        <source>&apos;%s&apos; is as it was before.</source>
+        <translation>&apos;%s&apos; ist wieder wie zuvor.</translation>
+    </message>
+    <message>
+        <source>, %1 chosen</source>
+        <translation>, %1 gewählt</translation>
+    </message>
+    <message>
+        <source>, loop from %1 s to %2 s</source>
+        <translation>, Loop von %1 s bis %2 s</translation>
+    </message>
+    <message>
+        <source>, start at %1 s, end at %2 s</source>
+        <translation>, Anfang bei %1 s, Ende bei %2 s</translation>
+    </message>
+    <message>
+        <source>A file of %u bit%s and %u channel would arrive as %s. %s</source>
+        <translation>Eine Datei mit %u Bit%s und %u Kanal käme als %s an. %s</translation>
+    </message>
+    <message>
+        <source>A file of %u bit%s and %u channels would arrive as %s. %s</source>
+        <translation>Eine Datei mit %u Bit%s und %u Kanälen käme als %s an. %s</translation>
+    </message>
+    <message>
+        <source>A line is no section and has no value.</source>
+        <translation>Eine Zeile ist kein Abschnitt und hat keinen Wert.</translation>
+    </message>
+    <message>
+        <source>A program that is deleted: %s</source>
+        <translation>Ein Programm, das gelöscht wird: %s</translation>
+    </message>
+    <message>
+        <source>A section is not the next one.</source>
+        <translation>Ein Abschnitt ist nicht der nächste.</translation>
+    </message>
+    <message>
+        <source>A test over a loop cable finds what is kept here, where it is needed</source>
+        <translation>Ein Test über ein Schleifenkabel findet, was hier behalten wird, wo es nötig ist</translation>
+    </message>
+    <message>
+        <source>All %zu messages passed, up to %zu bytes.</source>
+        <translation>Alle %zu Meldungen kamen heil an, bis zu %zu Bytes.</translation>
+    </message>
+    <message>
+        <source>An %s takes no program that it does not hold, so undo cannot bring %s back. Its parameters are kept as a text.</source>
+        <translation>Ein %s nimmt kein Programm an, das er nicht enthält; darum lässt sich %s nicht zurückholen. Die Parameter sind als Text gesichert.</translation>
+    </message>
+    <message>
+        <source>An %s takes no request that deletes a keygroup, so undo cannot take the new ones off it.</source>
+        <translation>Ein %s kennt keine Anfrage, die eine Keygroup löscht; darum lassen sich die neuen nicht von ihm zurücknehmen.</translation>
+    </message>
+    <message>
+        <source>An %s takes no request that deletes a program, so undo cannot take a new one off it.</source>
+        <translation>Ein %s kennt keine Anfrage, die ein Programm löscht; darum lässt sich ein neues nicht von ihm zurücknehmen.</translation>
+    </message>
+    <message>
+        <source>An %s takes no request that deletes a sample, so undo cannot take a new one off it.</source>
+        <translation>Ein %s kennt keine Anfrage, die ein Sample löscht; darum lässt sich ein neues nicht von ihm zurücknehmen.</translation>
+    </message>
+    <message>
+        <source>At most, for each sampler</source>
+        <translation>Höchstens, für jeden Sampler</translation>
+    </message>
+    <message>
+        <source>Begin test</source>
+        <translation>Test beginnen</translation>
+    </message>
+    <message>
+        <source>Beyond it, the oldest steps are let go</source>
+        <translation>Darüber hinaus werden die ältesten Schritte verworfen</translation>
+    </message>
+    <message>
+        <source>Bits</source>
+        <translation>Bits</translation>
+    </message>
+    <message>
+        <source>Bits:</source>
+        <translation>Bits:</translation>
+    </message>
+    <message>
+        <source>Brand:</source>
+        <translation>Marke:</translation>
+    </message>
+    <message>
+        <source>Can be put back</source>
+        <translation>Lässt sich zurückholen</translation>
+    </message>
+    <message>
+        <source>Cannot be put back: %s</source>
+        <translation>Lässt sich nicht zurückholen: %s</translation>
+    </message>
+    <message>
+        <source>Ch</source>
+        <translation>Kan.</translation>
+    </message>
+    <message>
+        <source>Changed on the sampler</source>
+        <translation>Auf dem Sampler geändert</translation>
+    </message>
+    <message>
+        <source>Changed the program %s</source>
+        <translation>Programm geändert: %s</translation>
+    </message>
+    <message>
+        <source>Channels</source>
+        <translation>Kanäle</translation>
+    </message>
+    <message>
+        <source>Channels:</source>
+        <translation>Kanäle:</translation>
+    </message>
+    <message>
+        <source>Choose MIDI-Out and MIDI-In in Basic settings first.</source>
+        <translation>Wählen Sie zuerst MIDI-Out und MIDI-In in Basic settings.</translation>
+    </message>
+    <message>
+        <source>Choose a sample on the sampler first!</source>
+        <translation>Wählen Sie zuerst ein Sample auf dem Sampler!</translation>
+    </message>
+    <message>
+        <source>Choose a step first</source>
+        <translation>Wählen Sie zuerst einen Schritt</translation>
+    </message>
+    <message>
+        <source>Convert it to 16 bit mono with another program first.</source>
+        <translation>Konvertieren Sie sie zuerst mit einem anderen Programm in 16 Bit mono.</translation>
+    </message>
+    <message>
+        <source>Damaged: %s</source>
+        <translation>Beschädigt: %s</translation>
+    </message>
+    <message>
+        <source>Delete %d step from the history? What was kept in it is gone then.</source>
+        <translation>%d Schritt aus dem Verlauf löschen? Was darin gesichert war, ist dann weg.</translation>
+    </message>
+    <message>
+        <source>Delete %d steps from the history? What was kept in them is gone then.</source>
+        <translation>%d Schritte aus dem Verlauf löschen? Was darin gesichert war, ist dann weg.</translation>
+    </message>
+    <message>
+        <source>Deleted %d step from the history.</source>
+        <translation>%d Schritt aus dem Verlauf gelöscht.</translation>
+    </message>
+    <message>
+        <source>Deleted %d steps from the history.</source>
+        <translation>%d Schritte aus dem Verlauf gelöscht.</translation>
+    </message>
+    <message>
+        <source>Deleted the program %s</source>
+        <translation>Programm gelöscht: %s</translation>
+    </message>
+    <message>
+        <source>Deleted the sample %s</source>
+        <translation>Sample gelöscht: %s</translation>
+    </message>
+    <message>
+        <source>Deleting</source>
+        <translation>Löschen</translation>
+    </message>
+    <message>
+        <source>Device:</source>
+        <translation>Gerät:</translation>
+    </message>
+    <message>
+        <source>Done</source>
+        <translation>Fertig</translation>
+    </message>
+    <message>
+        <source>Download the other samples? (%d of %d)</source>
+        <translation>Die anderen Samples holen? (%d von %d)</translation>
+    </message>
+    <message>
+        <source>Downloading</source>
+        <translation>Holen</translation>
+    </message>
+    <message>
+        <source>End %1</source>
+        <translation>Ende %1</translation>
+    </message>
+    <message>
+        <source>Files</source>
+        <translation>Dateien</translation>
+    </message>
+    <message>
+        <source>First difference</source>
+        <translation>Erster Unterschied</translation>
+    </message>
+    <message>
+        <source>Folder</source>
+        <translation>Ordner</translation>
+    </message>
+    <message>
+        <source>Forget</source>
+        <translation>Vergessen</translation>
+    </message>
+    <message>
+        <source>Go on without a copy? %s cannot be put back then.</source>
+        <translation>Ohne Kopie fortfahren? %s lässt sich dann nicht zurückholen.</translation>
+    </message>
+    <message>
+        <source>How many steps there are, and how large they are together</source>
+        <translation>Wie viele Schritte es gibt, und wie groß sie zusammen sind</translation>
+    </message>
+    <message>
+        <source>Import it with %s%s1 Channel and Mix Channels, or Create L/R files for both.</source>
+        <translation>Importieren Sie sie mit %s%s1 Channel und Mix Channels, oder mit Create L/R files für beide.</translation>
+    </message>
+    <message>
+        <source>Import it with %s.</source>
+        <translation>Importieren Sie sie mit %s.</translation>
+    </message>
+    <message>
+        <source>Import it with 1 Channel and Create L/R files, as a conversion keeps only its left channel.</source>
+        <translation>Importieren Sie es mit 1 Channel und Create L/R files, da eine Konvertierung nur den linken Kanal behält.</translation>
+    </message>
+    <message>
+        <source>Import options</source>
+        <translation>Import-Optionen</translation>
+    </message>
+    <message>
+        <source>In view</source>
+        <translation>Zu sehen</translation>
+    </message>
+    <message>
+        <source>It cannot be read.</source>
+        <translation>Es lässt sich nicht lesen.</translation>
+    </message>
+    <message>
+        <source>It has grown too long.</source>
+        <translation>Sie ist zu lang geworden.</translation>
+    </message>
+    <message>
+        <source>It is %.02f s long, and a transfer to %s carries %.02f s at %u Hz.</source>
+        <translation>Es ist %.02f s lang, und eine Übertragung an %s fasst %.02f s bei %u Hz.</translation>
+    </message>
+    <message>
+        <source>It is not there any more</source>
+        <translation>Er ist nicht mehr da</translation>
+    </message>
+    <message>
+        <source>It is not whole.</source>
+        <translation>Er ist nicht vollständig.</translation>
+    </message>
+    <message>
+        <source>It was broken off before the sampler was changed.</source>
+        <translation>Er wurde abgebrochen, bevor der Sampler geändert wurde.</translation>
+    </message>
+    <message>
+        <source>It was not converted.</source>
+        <translation>Es wurde nicht konvertiert.</translation>
+    </message>
+    <message>
+        <source>It was stopped.</source>
+        <translation>Es wurde angehalten.</translation>
+    </message>
+    <message>
+        <source>Its text cannot be used</source>
+        <translation>Sein Text lässt sich nicht verwenden</translation>
+    </message>
+    <message>
+        <source>Its text is too large.</source>
+        <translation>Sein Text ist zu groß.</translation>
+    </message>
+    <message>
+        <source>Keep samples without asking, however long it takes</source>
+        <translation>Samples ohne Rückfrage sichern, so lange es auch dauert</translation>
+    </message>
+    <message>
+        <source>Keep what is on the sampler before it is changed</source>
+        <translation>Was auf dem Sampler ist, sichern, bevor es geändert wird</translation>
+    </message>
+    <message>
+        <source>Kept</source>
+        <translation>Gesichert</translation>
+    </message>
+    <message>
+        <source>Kind</source>
+        <translation>Art</translation>
+    </message>
+    <message>
+        <source>Length</source>
+        <translation>Länge</translation>
+    </message>
+    <message>
+        <source>Let go of what was kept in these steps</source>
+        <translation>Verwirft, was in diesen Schritten gesichert ist</translation>
+    </message>
+    <message>
+        <source>Line %d, after %.6f seconds: byte %zu of the answer was %s and is %s.</source>
+        <translation>Zeile %d, nach %.6f Sekunden: Byte %zu der Antwort war %s und ist %s.</translation>
+    </message>
+    <message>
+        <source>Long messages to &apos;%s&apos; leave at once again.</source>
+        <translation>Lange Meldungen an &apos;%s&apos; gehen wieder in einem Zug hinaus.</translation>
+    </message>
+    <message>
+        <source>Long messages to &apos;%s&apos; leave in runs of %d bytes, %d ms apart.</source>
+        <translation>Lange Meldungen an &apos;%s&apos; gehen in Stücken von %d Bytes mit %d ms Abstand hinaus.</translation>
+    </message>
+    <message>
+        <source>Loop %1 to %2</source>
+        <translation>Loop %1 bis %2</translation>
+    </message>
+    <message>
+        <source>Loop cable from MIDI-Out to MIDI-In</source>
+        <translation>Schleifenkabel von MIDI-Out nach MIDI-In</translation>
+    </message>
+    <message>
+        <source>Loop</source>
+        <translation>Loop</translation>
+    </message>
+    <message>
+        <source>Make the sampler hold again what it held before this step; what it holds now is kept first</source>
+        <translation>Gibt dem Sampler wieder, was er vor diesem Schritt enthielt; was er jetzt enthält, wird zuerst gesichert</translation>
+    </message>
+    <message>
+        <source>Message</source>
+        <translation>Meldung</translation>
+    </message>
+    <message>
+        <source>Messages</source>
+        <translation>Meldungen</translation>
+    </message>
+    <message>
+        <source>Name:</source>
+        <translation>Name:</translation>
+    </message>
+    <message>
+        <source>Names that would stand more than once on the sampler: %s</source>
+        <translation>Namen, die mehr als einmal auf dem Sampler stünden: %s</translation>
+    </message>
+    <message>
+        <source>No USB device %04X:%04X is plugged in.</source>
+        <translation>Kein USB-Gerät %04X:%04X ist angeschlossen.</translation>
+    </message>
+    <message>
+        <source>No answer came to what was sent.</source>
+        <translation>Auf das Gesendete kam keine Antwort.</translation>
+    </message>
+    <message>
+        <source>No name holds these letters</source>
+        <translation>Kein Name enthält diese Buchstaben</translation>
+    </message>
+    <message>
+        <source>No traffic is being recorded.</source>
+        <translation>Es wird kein Verkehr aufgezeichnet.</translation>
+    </message>
+    <message>
+        <source>Not everything could be removed from the history.</source>
+        <translation>Nicht alles ließ sich aus dem Verlauf entfernen.</translation>
+    </message>
+    <message>
+        <source>Not read yet</source>
+        <translation>Noch nicht gelesen</translation>
+    </message>
+    <message>
+        <source>Not tested yet. Plug a cable from MIDI-Out to MIDI-In of your interface, or load a sampler.</source>
+        <translation>Noch nicht getestet. Stecken Sie ein Kabel von MIDI-Out nach MIDI-In Ihrer Schnittstelle, oder laden Sie einen Sampler.</translation>
+    </message>
+    <message>
+        <source>Note:</source>
+        <translation>Note:</translation>
+    </message>
+    <message>
+        <source>Nothing comes back. Is a cable plugged from this output to this input, and are both chosen in Basic settings?</source>
+        <translation>Nichts kommt zurück. Steckt ein Kabel von diesem Ausgang zu diesem Eingang, und sind beide in Basic settings gewählt?</translation>
+    </message>
+    <message>
+        <source>Nothing is kept at all</source>
+        <translation>Es wird gar nichts gesichert</translation>
+    </message>
+    <message>
+        <source>Nothing is kept for this interface</source>
+        <translation>Für diese Schnittstelle ist nichts festgehalten</translation>
+    </message>
+    <message>
+        <source>Nothing is kept for this interface.</source>
+        <translation>Für diese Schnittstelle ist nichts festgehalten.</translation>
+    </message>
+    <message>
+        <source>Nothing was changed on this sampler yet, or nothing was kept.</source>
+        <translation>Auf diesem Sampler wurde noch nichts geändert, oder es wurde nichts gesichert.</translation>
+    </message>
+    <message>
+        <source>Nothing was downloaded.</source>
+        <translation>Nichts wurde geholt.</translation>
+    </message>
+    <message>
+        <source>Nothing was put back.</source>
+        <translation>Nichts wurde zurückgeholt.</translation>
+    </message>
+    <message>
+        <source>Nothing was put back: what was kept cannot be read.</source>
+        <translation>Nichts wurde zurückgeholt: Das Gesicherte lässt sich nicht lesen.</translation>
+    </message>
+    <message>
+        <source>Nothing was sent in this transcript.</source>
+        <translation>In dieser Aufzeichnung wurde nichts gesendet.</translation>
+    </message>
+    <message>
+        <source>Nothing would be left of the sample.</source>
+        <translation>Vom Sample bliebe nichts übrig.</translation>
+    </message>
+    <message>
+        <source>Of this step nothing was kept.</source>
+        <translation>Von diesem Schritt wurde nichts gesichert.</translation>
+    </message>
+    <message>
+        <source>One step at a time</source>
+        <translation>Nur ein Schritt auf einmal</translation>
+    </message>
+    <message>
+        <source>Only 16 bit mono files can be uploaded exactly.</source>
+        <translation>Nur Dateien mit 16 Bit mono lassen sich genau senden.</translation>
+    </message>
+    <message>
+        <source>Only WAV files of 12, 16 or 24 bits that a sampler can hold are changed here. Import the file first.</source>
+        <translation>Hier werden nur WAV-Dateien mit 12, 16 oder 24 Bit geändert, die ein Sampler fassen kann. Importieren Sie die Datei zuerst.</translation>
+    </message>
+    <message>
+        <source>Otherwise you are asked once where a sample takes more than five seconds</source>
+        <translation>Sonst werden Sie einmal gefragt, wo ein Sample mehr als fünf Sekunden dauert</translation>
+    </message>
+    <message>
+        <source>Outcome</source>
+        <translation>Ergebnis</translation>
+    </message>
+    <message>
+        <source>Overwrite existing samples? (%d of %d)</source>
+        <translation>Vorhandene Samples überschreiben? (%d von %d)</translation>
+    </message>
+    <message>
+        <source>Part of the sample in view</source>
+        <translation>Sichtbarer Teil des Samples</translation>
+    </message>
+    <message>
+        <source>Part</source>
+        <translation>Anteil</translation>
+    </message>
+    <message>
+        <source>Pitch</source>
+        <translation>Tonhöhe</translation>
+    </message>
+    <message>
+        <source>Programs always; samples where that is a matter of seconds, or after a question</source>
+        <translation>Programme immer; Samples, wo das eine Sache von Sekunden ist, oder nach einer Frage</translation>
+    </message>
+    <message>
+        <source>Put %s back as before.</source>
+        <translation>%s wieder wie zuvor zurückgeholt.</translation>
+    </message>
+    <message>
+        <source>Put back on the sampler: %s.</source>
+        <translation>Auf dem Sampler zurückgenommen: %s.</translation>
+    </message>
+    <message>
+        <source>Put back</source>
+        <translation>Zurückgeholt</translation>
+    </message>
+    <message>
+        <source>Read the folder anew</source>
+        <translation>Liest den Ordner neu</translation>
+    </message>
+    <message>
+        <source>Renamed the program %s</source>
+        <translation>Programm umbenannt: %s</translation>
+    </message>
+    <message>
+        <source>Renamed the sample %s</source>
+        <translation>Sample umbenannt: %s</translation>
+    </message>
+    <message>
+        <source>Replaced by an undo</source>
+        <translation>Durch ein Zurücknehmen ersetzt</translation>
+    </message>
+    <message>
+        <source>Replaying a transcript</source>
+        <translation>Aufzeichnung wird wiederholt</translation>
+    </message>
+    <message>
+        <source>Result</source>
+        <translation>Ergebnis</translation>
+    </message>
+    <message>
+        <source>Sample too long for a sample dump (%llu words at most)!</source>
+        <translation>Das Sample ist zu lang für einen Sample-Dump (höchstens %llu Wörter)!</translation>
+    </message>
+    <message>
+        <source>Sampler-Name:</source>
+        <translation>Sampler-Name:</translation>
+    </message>
+    <message>
+        <source>See whether the chosen ports pass on long messages</source>
+        <translation>Prüft, ob die gewählten Ports lange Meldungen weitergeben</translation>
+    </message>
+    <message>
+        <source>Self-test</source>
+        <translation>Selbsttest</translation>
+    </message>
+    <message>
+        <source>Send long messages to this interface at once again</source>
+        <translation>Sendet lange Meldungen an diese Schnittstelle wieder in einem Zug</translation>
+    </message>
+    <message>
+        <source>Send long messages to this interface in the runs that arrived</source>
+        <translation>Sendet lange Meldungen an diese Schnittstelle in den Stücken, die ankamen</translation>
+    </message>
+    <message>
+        <source>Send messages of 16 bytes to 64 KiB and compare what comes back</source>
+        <translation>Sendet Meldungen von 16 Bytes bis 64 KiB und vergleicht, was zurückkommt</translation>
+    </message>
+    <message>
+        <source>Show all</source>
+        <translation>Alles zeigen</translation>
+    </message>
+    <message>
+        <source>Show half as much of the sample (+)</source>
+        <translation>Zeigt halb so viel vom Sample (+)</translation>
+    </message>
+    <message>
+        <source>Show the whole sample (0)</source>
+        <translation>Zeigt das ganze Sample (0)</translation>
+    </message>
+    <message>
+        <source>Show twice as much of the sample (-)</source>
+        <translation>Zeigt doppelt so viel vom Sample (-)</translation>
+    </message>
+    <message>
+        <source>Sound files (*.wav *.WAV *.aif *.aiff *.aifc *.flac *.ogg *.opus *.mp3 *.au *.caf *.w64 *.rf64);;All files (*)</source>
+        <translation>Klangdateien (*.wav *.WAV *.aif *.aiff *.aifc *.flac *.ogg *.opus *.mp3 *.au *.caf *.w64 *.rf64);;Alle Dateien (*)</translation>
+    </message>
+    <message>
+        <source>Start %1</source>
+        <translation>Anfang %1</translation>
+    </message>
+    <message>
+        <source>Start and end are those of the sample. Drag them in the picture to where it is to be cut.</source>
+        <translation>Anfang und Ende sind die des Samples. Ziehen Sie sie im Bild dorthin, wo geschnitten werden soll.</translation>
+    </message>
+    <message>
+        <source>State</source>
+        <translation>Zustand</translation>
+    </message>
+    <message>
+        <source>Stopped.</source>
+        <translation>Angehalten.</translation>
+    </message>
+    <message>
+        <source>Test this interface ...</source>
+        <translation>Schnittstelle testen ...</translation>
+    </message>
+    <message>
+        <source>Testing ...</source>
+        <translation>Der Test läuft ...</translation>
+    </message>
+    <message>
+        <source>The file cannot be read.</source>
+        <translation>Die Datei lässt sich nicht lesen.</translation>
+    </message>
+    <message>
+        <source>The file holds no sound.</source>
+        <translation>Die Datei enthält keinen Klang.</translation>
+    </message>
+    <message>
+        <source>The header that was kept is not that of this sample.</source>
+        <translation>Der gesicherte Kopf ist nicht der dieses Samples.</translation>
+    </message>
+    <message>
+        <source>The list has %s already, and undo could not tell the two apart.</source>
+        <translation>Die Liste hat %s schon, und beim Zurücknehmen ließen sich die beiden nicht unterscheiden.</translation>
+    </message>
+    <message>
+        <source>The list has %s more than once, and undo could not tell which of them it was.</source>
+        <translation>Die Liste hat %s mehr als einmal, und beim Zurücknehmen wäre nicht bekannt, welches es war.</translation>
+    </message>
+    <message>
+        <source>The loaded sampler&apos;s answers</source>
+        <translation>Antworten des geladenen Samplers</translation>
+    </message>
+    <message>
+        <source>The loop begins with the sample, so there is nothing in front of it to fade into.</source>
+        <translation>Der Loop beginnt mit dem Sample; darum steht nichts davor, in das sich überblenden ließe.</translation>
+    </message>
+    <message>
+        <source>The loop stands there already.</source>
+        <translation>Der Loop steht schon dort.</translation>
+    </message>
+    <message>
+        <source>The loop would end behind the sample.</source>
+        <translation>Der Loop würde hinter dem Sample enden.</translation>
+    </message>
+    <message>
+        <source>The message of %s: %s, %s.%s</source>
+        <translation>Die Meldung mit %s: %s, %s.%s</translation>
+    </message>
+    <message>
+        <source>The message of %s: %s.%s</source>
+        <translation>Die Meldung mit %s: %s.%s</translation>
+    </message>
+    <message>
+        <source>The recording ended: %s What there is lies in %s.</source>
+        <translation>Die Aufzeichnung ist zu Ende: %s Was es gibt, liegt in %s.</translation>
+    </message>
+    <message>
+        <source>The sample fits %s as it is.</source>
+        <translation>Das Sample passt zu %s, wie es ist.</translation>
+    </message>
+    <message>
+        <source>The sample has no loop, so there is no seam to fade.</source>
+        <translation>Das Sample hat keinen Loop; darum gibt es keine Naht zum Überblenden.</translation>
+    </message>
+    <message>
+        <source>The sample has no loop.</source>
+        <translation>Das Sample hat keinen Loop.</translation>
+    </message>
+    <message>
+        <source>The sample is as loud as it can be already.</source>
+        <translation>Das Sample ist schon so laut, wie es sein kann.</translation>
+    </message>
+    <message>
+        <source>The sample is silent, so there is nothing to make louder.</source>
+        <translation>Das Sample ist still; darum gibt es nichts lauter zu machen.</translation>
+    </message>
+    <message>
+        <source>The sampler did not answer</source>
+        <translation>Der Sampler hat nicht geantwortet</translation>
+    </message>
+    <message>
+        <source>The sampler did not answer. %1</source>
+        <translation>Der Sampler hat nicht geantwortet. %1</translation>
+    </message>
+    <message>
+        <source>The sampler did not send all of it.</source>
+        <translation>Der Sampler hat nicht alles gesendet.</translation>
+    </message>
+    <message>
+        <source>The sampler did not take %s back.</source>
+        <translation>Der Sampler hat %s nicht wieder angenommen.</translation>
+    </message>
+    <message>
+        <source>The sampler does not list %s, so it did not take it back.</source>
+        <translation>Der Sampler führt %s nicht auf; er hat es also nicht wieder angenommen.</translation>
+    </message>
+    <message>
+        <source>The sampler has a %s again.</source>
+        <translation>Der Sampler hat wieder ein %s.</translation>
+    </message>
+    <message>
+        <source>The sampler has a sample called &apos;%s&apos; already, and would call &apos;%s&apos; the same: it would hold two of that name.
+Upload it all the same?</source>
+        <translation>Der Sampler hat schon ein Sample namens &apos;%s&apos; und würde &apos;%s&apos; ebenso nennen: Er enthielte zwei dieses Namens.
+Trotzdem senden?</translation>
+    </message>
+    <message>
+        <source>The self-test has found nothing to keep.</source>
+        <translation>Der Selbsttest hat nichts gefunden, das sich festhalten ließe.</translation>
+    </message>
+    <message>
+        <source>The self-test has found trouble.</source>
+        <translation>Der Selbsttest hat Fehler gefunden.</translation>
+    </message>
+    <message>
+        <source>The self-test is through.</source>
+        <translation>Der Selbsttest ist durchgelaufen.</translation>
+    </message>
+    <message>
+        <source>The self-test was stopped.</source>
+        <translation>Der Selbsttest wurde angehalten.</translation>
+    </message>
+    <message>
+        <source>The settings could not be written.</source>
+        <translation>Die Einstellungen ließen sich nicht schreiben.</translation>
+    </message>
+    <message>
+        <source>The sound of [%s] was uploaded, but the sampler did not take its pitch, loop, play mode and tuning.</source>
+        <translation>Der Klang von [%s] wurde gesendet, aber der Sampler hat Tonhöhe, Loop, Spielart und Stimmung nicht angenommen.</translation>
+    </message>
+    <message>
+        <source>The system names no folder for this user&apos;s data. Is HOME set?</source>
+        <translation>Das System nennt keinen Ordner für die Daten dieses Benutzers. Ist HOME gesetzt?</translation>
+    </message>
+    <message>
+        <source>The text of this step cannot be used. %s</source>
+        <translation>Der Text dieses Schritts lässt sich nicht verwenden. %s</translation>
+    </message>
+    <message>
+        <source>The transcript is %s.</source>
+        <translation>Die Aufzeichnung ist %s.</translation>
+    </message>
+    <message>
+        <source>The upload was stopped and the sampler told to forget it. The sample [%s] that the sampler had in this place is gone: upload it again, or delete what is left of it.</source>
+        <translation>Der Upload wurde angehalten, und der Sampler weiß, dass er ihn vergessen soll. Das Sample [%s], das der Sampler an dieser Stelle hatte, ist weg: Senden Sie es noch einmal, oder löschen Sie, was davon übrig ist.</translation>
+    </message>
+    <message>
+        <source>The upload was stopped and the sampler told to forget it.</source>
+        <translation>Der Upload wurde angehalten, und der Sampler weiß, dass er ihn vergessen soll.</translation>
+    </message>
+    <message>
+        <source>There is nothing to put back on the sampler.</source>
+        <translation>Auf dem Sampler gibt es nichts zurückzunehmen.</translation>
+    </message>
+    <message>
+        <source>These options do not convert it. Choose Keep original for the channels.</source>
+        <translation>Diese Optionen konvertieren es nicht. Wählen Sie bei den Kanälen Keep original.</translation>
+    </message>
+    <message>
+        <source>This file tells nothing to samplers, so there is no place for a loop. Import it first.</source>
+        <translation>Diese Datei sagt Samplern nichts; darum ist in ihr kein Platz für einen Loop. Importieren Sie sie zuerst.</translation>
+    </message>
+    <message>
+        <source>This was kept of &apos;%s&apos;, a %s, and another sampler is loaded.</source>
+        <translation>Dies wurde von &apos;%s&apos; gesichert, einem %s, und ein anderer Sampler ist geladen.</translation>
+    </message>
+    <message>
+        <source>Time left</source>
+        <translation>Restzeit</translation>
+    </message>
+    <message>
+        <source>Traffic is being recorded already.</source>
+        <translation>Der Verkehr wird schon aufgezeichnet.</translation>
+    </message>
+    <message>
+        <source>Traffic is being recorded.</source>
+        <translation>Der Verkehr wird aufgezeichnet.</translation>
+    </message>
+    <message>
+        <source>Trim</source>
+        <translation>Zuschneiden</translation>
+    </message>
+    <message>
+        <source>Type how many decibels louder (6) or softer (-6) it is to be, up to 60.</source>
+        <translation>Geben Sie ein, wie viele Dezibel lauter (6) oder leiser (-6) es werden soll, bis 60.</translation>
+    </message>
+    <message>
+        <source>Type how many milliseconds the fade is to take, from 0.1 to 10000.</source>
+        <translation>Geben Sie ein, wie viele Millisekunden die Überblendung dauern soll, von 0.1 bis 10000.</translation>
+    </message>
+    <message>
+        <source>Undo makes it anew from the parameters that this program reads; everything else in it comes back as the sampler presets it.</source>
+        <translation>Beim Zurückholen entsteht es neu aus den Parametern, die dieses Programm liest; alles andere darin kommt so zurück, wie es der Sampler voreinstellt.</translation>
+    </message>
+    <message>
+        <source>Uploaded the sample %s</source>
+        <translation>Sample gesendet: %s</translation>
+    </message>
+    <message>
+        <source>Uploading</source>
+        <translation>Senden</translation>
+    </message>
+    <message>
+        <source>Use from now on</source>
+        <translation>Ab jetzt so senden</translation>
+    </message>
+    <message>
+        <source>VELMOR History</source>
+        <translation>VELMOR Verlauf</translation>
+    </message>
+    <message>
+        <source>VELMOR Interface self-test</source>
+        <translation>VELMOR Selbsttest der Schnittstelle</translation>
+    </message>
+    <message>
+        <source>Velocity:</source>
+        <translation>Anschlagstärke:</translation>
+    </message>
+    <message>
+        <source>Waveform: %1</source>
+        <translation>Wellenform: %1</translation>
+    </message>
+    <message>
+        <source>Way:</source>
+        <translation>Weg:</translation>
+    </message>
+    <message>
+        <source>What became of each message</source>
+        <translation>Was aus jeder Meldung wurde</translation>
+    </message>
+    <message>
+        <source>What became of it</source>
+        <translation>Was daraus wurde</translation>
+    </message>
+    <message>
+        <source>What sends back what is sent</source>
+        <translation>Was zurücksendet, was gesendet wird</translation>
+    </message>
+    <message>
+        <source>What the sampler holds could not be kept first: %s
+Go on without a copy? It cannot be put back then.</source>
+        <translation>Was der Sampler enthält, ließ sich nicht zuerst sichern: %s
+Ohne Kopie fortfahren? Es lässt sich dann nicht zurückholen.</translation>
+    </message>
+    <message>
+        <source>What was changed, the newest first</source>
+        <translation>Was geändert wurde, das Neueste zuerst</translation>
+    </message>
+    <message>
+        <source>What</source>
+        <translation>Was</translation>
+    </message>
+    <message>
+        <source>When</source>
+        <translation>Wann</translation>
+    </message>
+    <message>
+        <source>Where the steps of this sampler lie</source>
+        <translation>Wo die Schritte dieses Samplers liegen</translation>
+    </message>
+    <message>
+        <source>Zoom in</source>
+        <translation>Vergrößern</translation>
+    </message>
+    <message>
+        <source>Zoom out</source>
+        <translation>Verkleinern</translation>
+    </message>
+    <message>
+        <source>[%s], line %d: %s</source>
+        <translation>[%s], Zeile %d: %s</translation>
+    </message>
+    <message>
+        <source>about %d min</source>
+        <translation>etwa %d min</translation>
+    </message>
+    <message>
+        <source>about %d s</source>
+        <translation>etwa %d s</translation>
+    </message>
+    <message>
+        <source>all but the left channel (choose 1 Channel and Create L/R files for both)</source>
+        <translation>alles außer dem linken Kanal (1 Channel und Create L/R files geben beide)</translation>
+    </message>
+    <message>
+        <source>answered %s</source>
+        <translation>Antwort %s</translation>
+    </message>
+    <message>
+        <source>arrives as %.02f s, the second half silent</source>
+        <translation>kommt als %.02f s an, die zweite Hälfte still</translation>
+    </message>
+    <message>
+        <source>arrives as long as it is</source>
+        <translation>kommt so lang an, wie es ist</translation>
+    </message>
+    <message>
+        <source>beginning of the loop</source>
+        <translation>Anfang des Loops</translation>
+    </message>
+    <message>
+        <source>byte %zu: %s, not %s</source>
+        <translation>Byte %zu: %s statt %s</translation>
+    </message>
+    <message>
+        <source>change</source>
+        <translation>verändert</translation>
+    </message>
+    <message>
+        <source>changed the program %s</source>
+        <translation>Programm geändert: %s</translation>
+    </message>
+    <message>
+        <source>delay</source>
+        <translation>verspätet</translation>
+    </message>
+    <message>
+        <source>deleted the program %s</source>
+        <translation>Programm gelöscht: %s</translation>
+    </message>
+    <message>
+        <source>deleted the sample %s</source>
+        <translation>Sample gelöscht: %s</translation>
+    </message>
+    <message>
+        <source>doubled</source>
+        <translation>doppelt</translation>
+    </message>
+    <message>
+        <source>end of the loop</source>
+        <translation>Ende des Loops</translation>
+    </message>
+    <message>
+        <source>end</source>
+        <translation>Ende</translation>
+    </message>
+    <message>
+        <source>it does not loop any more.</source>
+        <translation>der Loop ist weg.</translation>
+    </message>
+    <message>
+        <source>it loops from start to end.</source>
+        <translation>der Loop geht von Anfang bis Ende.</translation>
+    </message>
+    <message>
+        <source>its loudest value is full scale.</source>
+        <translation>der lauteste Wert ist Vollaussteuerung.</translation>
+    </message>
+    <message>
+        <source>kept as they are</source>
+        <translation>wie sie sind</translation>
+    </message>
+    <message>
+        <source>loaded</source>
+        <translation>geladen</translation>
+    </message>
+    <message>
+        <source>loss</source>
+        <translation>Verlust</translation>
+    </message>
+    <message>
+        <source>no answer %s</source>
+        <translation>keine Antwort %s</translation>
+    </message>
+    <message>
+        <source>no sampler loaded</source>
+        <translation>kein Sampler geladen</translation>
+    </message>
+    <message>
+        <source>no</source>
+        <translation>nein</translation>
+    </message>
+    <message>
+        <source>noise</source>
+        <translation>Rauschen</translation>
+    </message>
+    <message>
+        <source>nothing</source>
+        <translation>nichts</translation>
+    </message>
+    <message>
+        <source>pass</source>
+        <translation>heil</translation>
+    </message>
+    <message>
+        <source>refused: %s</source>
+        <translation>abgelehnt: %s</translation>
+    </message>
+    <message>
+        <source>renamed the program %s</source>
+        <translation>Programm umbenannt: %s</translation>
+    </message>
+    <message>
+        <source>renamed the sample %s</source>
+        <translation>Sample umbenannt: %s</translation>
+    </message>
+    <message>
+        <source>silence</source>
+        <translation>Stille</translation>
+    </message>
+    <message>
+        <source>start</source>
+        <translation>Anfang</translation>
+    </message>
+    <message>
+        <source>the MIDI output</source>
+        <translation>den MIDI-Ausgang</translation>
+    </message>
+    <message>
+        <source>the import options</source>
+        <translation>die Import-Optionen</translation>
+    </message>
+    <message>
+        <source>the last %.1f ms of its loop lead into its beginning.</source>
+        <translation>die letzten %.1f ms des Loops führen in seinen Anfang.</translation>
+    </message>
+    <message>
+        <source>the loop was moved.</source>
+        <translation>der Loop wurde verschoben.</translation>
+    </message>
+    <message>
+        <source>two files: %s</source>
+        <translation>zwei Dateien: %s</translation>
+    </message>
+    <message>
+        <source>uploaded the sample %s</source>
+        <translation>Sample gesendet: %s</translation>
+    </message>
+    <message>
+        <source>what is above %u Hz (%u Hz is chosen)</source>
+        <translation>was über %u Hz liegt (%u Hz ist gewählt)</translation>
+    </message>
+    <message>
+        <source>what was outside start and end was cut.</source>
+        <translation>was außerhalb von Anfang und Ende lag, wurde abgeschnitten.</translation>
+    </message>
+    <message>
+        <source>with exact length %s</source>
+        <translation>mit genauer Länge %s</translation>
+    </message>
+    <message>
+        <source>without exact length %s</source>
+        <translation>ohne genaue Länge %s</translation>
+    </message>
+    <message>
+        <source>yes</source>
+        <translation>ja</translation>
     </message>
 </context>
 </TS>

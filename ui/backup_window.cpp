@@ -5,6 +5,7 @@
 #include "ui/parts/parts.h"
 #include "ui/parts/told.h"
 #include "ui/parts/window.h"
+#include "ui/parts/words.h"
 #include <QBoxLayout>
 #include <QCheckBox>
 #include <QFormLayout>
@@ -36,8 +37,10 @@ void create_backup_window(QWidget *owner)
 	facts->setWordWrap(true);
 	column->addWidget(facts);
 	entry_list *list = make_list(window, backup_list);
-	list->set_columns({ "Name", "Kind", "Size", "What became of it" });
+	list->set_columns({ qtr("Name"), qtr("Kind"), qtr("Size"), qtr("What became of it") });
 	column->addWidget(list, 1);
+	list->set_words({ 1, 2 });
+	list->set_wide(3);
 	for (const int control : { backup_everything, backup_remove, backup_verify })
 		add_to(column, { make_check(window, control) });
 	auto *buttons = new QHBoxLayout;

@@ -4,6 +4,7 @@
 #include "ui/parts/parts.h"
 #include "ui/parts/told.h"
 #include "ui/parts/window.h"
+#include "ui/parts/words.h"
 #include <QBoxLayout>
 #include <QCheckBox>
 #include <QComboBox>
@@ -37,12 +38,14 @@ void create_history_window(QWidget *owner)
 {
 	auto *window = new top_window(window_history, control_cancel, owner);
 	entry_list *list = make_list(window, history_list);
-	list->set_columns({ "What", "When", "Kept", "Size", "State" });
+	list->set_columns({ qtr("What"), qtr("When"), qtr("Kept"), qtr("Size"), qtr("State") });
 	QPushButton *refresh = make_button(window, history_refresh);
 	refresh->setShortcut(QKeySequence::Refresh);
 	window->content->addLayout(
 		make_heading(window, history_list, history_size, icon::none, refresh));
 	window->content->addWidget(list, 1);
+	list->set_words({ 1, 2, 3 });
+	list->set_wide(4);
 	window->content->addLayout(make_settings(window));
 	auto *buttons = new QHBoxLayout;
 	QPushButton *restore = make_button(window, history_restore);
@@ -52,9 +55,10 @@ void create_history_window(QWidget *owner)
 	add_to(buttons, { make_button(window, control_cancel) });
 	window->content->addLayout(buttons);
 	window->enter_command = history_restore;
+	QWidget::setTabOrder(refresh, list);
 	list->setFocus();
 	window->finish();
-	window->open_at({ 860, 520 });
+	window->open_at({ 920, 520 });
 }
 
 } // namespace velmor

@@ -14,6 +14,7 @@
 #include "ui/parts/style.h"
 #include "ui/parts/told.h"
 #include "ui/parts/window.h"
+#include "ui/parts/words.h"
 #include "ui/qt_ui.h"
 #include <QApplication>
 #include <QBoxLayout>
@@ -41,6 +42,7 @@ struct side {
 	int open; // what double click and Enter do
 	int rename, new_name, remove;
 	std::initializer_list<int> others;
+	int compare;        // 0: none
 	int refresh, retry; // 0: none
 	icon picture;
 };
@@ -54,6 +56,7 @@ static const side sides[] = {
 		.new_name = programs_loaded_new_name,
 		.remove = programs_loaded_delete,
 		.others = { programs_information, programs_download },
+		.compare = 0,
 		.refresh = programs_refresh,
 		.retry = programs_retry,
 		.picture = icon::sampler },
@@ -64,7 +67,8 @@ static const side sides[] = {
 		.rename = programs_local_rename,
 		.new_name = programs_local_new_name,
 		.remove = programs_local_delete,
-		.others = { programs_upload, programs_import_akp, programs_compare },
+		.others = { programs_upload, programs_import_akp },
+		.compare = programs_compare,
 		.refresh = 0,
 		.retry = 0,
 		.picture = icon::computer },
@@ -98,7 +102,7 @@ static void show_menu(const side &s, entry_list *list, const QPoint &at)
 {
 	QMenu menu(list);
 	std::vector<int> controls = s.others;
-	controls.insert(controls.end(), { s.rename, s.remove });
+	controls.insert(controls.end(), { s.rename, s.remove, s.compare });
 	for (const int control : controls) {
 		QPushButton *button = button_of(control);
 		if (!button)
@@ -167,8 +171,8 @@ static QLayout *make_side_buttons(top_window *window, const side &s)
 	QObject::connect(name, &QLineEdit::returnPressed, name, [&s] { press(s.rename); });
 	grid->addWidget(name, place / 2, place % 2);
 	place++;
-	add(s.rename);
-	add(s.remove);
+	for (const int control : { s.rename, s.remove, s.compare })
+		add(control);
 	return grid;
 }
 
@@ -328,12 +332,10 @@ void show_unsent(const QString &words)
 	}
 }
 
-static constexpr QLatin1String not_loaded("(not loaded)");
-
 void mark_missing(QComboBox *box)
 {
 	for (int i = 0; i < box->count(); i++)
-		if (box->itemText(i).endsWith(not_loaded))
+		if (box->itemText(i).endsWith(qtr("(not loaded)")))
 			box->setItemData(i, role_color(box->palette(), text_role::failed),
 				Qt::ForegroundRole);
 }
@@ -387,7 +389,7 @@ static QBoxLayout *make_choices(top_window *window, QMenu *menu)
 	sample->setMinimumContentsLength(14);
 	QObject::connect(sample, &QComboBox::currentTextChanged, sample, [sample] {
 		QPalette colors = QApplication::palette();
-		if (sample->currentText().endsWith(not_loaded))
+		if (sample->currentText().endsWith(qtr("(not loaded)")))
 			colors.setColor(
 				QPalette::ButtonText, role_color(colors, text_role::failed));
 		sample->setPalette(colors);

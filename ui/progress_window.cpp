@@ -79,12 +79,12 @@ static void add_item(top_window *window)
 	item->set_cut();
 	told_label *percent = make_title({}, 1.3, true, window);
 	enroll(window->id, progress_info, percent);
-	percent->set_spoken("Done");
+	percent->set_spoken(qtr("Done"));
 	window->content->addLayout(make_row(item, percent));
 	make_bar(window, progress_bar, between_controls)->setAccessibleName("Progress");
 	window->content->addWidget(find_widget(window->id, progress_bar));
 	told_label *left = make_right(window, progress_time_left);
-	left->set_spoken("Time left");
+	left->set_spoken(qtr("Time left"));
 	window->content->addLayout(make_row(make_text(window, progress_rate), left));
 }
 

@@ -6,6 +6,7 @@
 #include "ui/parts/style.h"
 #include "ui/parts/told.h"
 #include "ui/parts/window.h"
+#include "ui/parts/words.h"
 #include "ui/qt_ui.h"
 #include "ui/wave_editor.h"
 #include <QBoxLayout>
@@ -43,7 +44,7 @@ static side loaded_side()
 		.refresh = samples_refresh,
 		.retry = samples_retry,
 		.picture = icon::sampler,
-		.columns = { "Name", "Length", "Rate", "Pitch", "Loop" } };
+		.columns = { qtr("Name"), qtr("Length"), qtr("Rate"), qtr("Pitch"), qtr("Loop") } };
 }
 
 static side local_side()
@@ -59,7 +60,8 @@ static side local_side()
 		.refresh = 0,
 		.retry = 0,
 		.picture = icon::computer,
-		.columns = { "Name", "Length", "Rate", "Ch", "Bits", "Loop" } };
+		.columns = { qtr("Name"), qtr("Length"), qtr("Rate"), qtr("Ch"), qtr("Bits"),
+			qtr("Loop") } };
 }
 
 // ---- The two sides ----------------------------------------------------------------------------
@@ -117,6 +119,7 @@ static QBoxLayout *make_side(top_window *window, const side &s)
 	QLineEdit *search = make_search(window, s.search, list);
 	auto *finding = new QHBoxLayout;
 	finding->addWidget(search, 1);
+	finding->addStrut(button_height);
 	if (s.refresh) {
 		QPushButton *refresh = make_button(window, s.refresh);
 		refresh->setShortcut(QKeySequence::Refresh);
@@ -141,7 +144,6 @@ static QBoxLayout *make_transfers(top_window *window)
 {
 	auto *column = new QVBoxLayout;
 	column->setSpacing(between_controls);
-	column->addSpacing(button_height + field_height);
 	for (const int control : { samples_download, samples_download_all, samples_upload }) {
 		QPushButton *button = make_button(window, control);
 		button->setProperty("icon_right", control != samples_upload);
@@ -212,13 +214,14 @@ struct option_group {
 };
 
 static const option_group groups[] = {
-	{ "Bits", { samples_bits_keep, samples_bits_16, samples_bits_12, samples_bits_24 }, 1,
+	{ own("Bits"), { samples_bits_keep, samples_bits_16, samples_bits_12, samples_bits_24 }, 1,
 		true },
-	{ "Rate",
+	{ own("Rate"),
 		{ samples_rate_keep, samples_rate_16000, samples_rate_22000, samples_rate_32000,
 			samples_rate_44100, samples_rate_48000, samples_rate_96000 },
 		2, true },
-	{ "Channels", { samples_channels_keep, samples_channels_1, samples_channels_2 }, 1, true },
+	{ own("Channels"), { samples_channels_keep, samples_channels_1, samples_channels_2 }, 1,
+		true },
 	{ "Source (if Stereo-Source), Target (if Mono-Source)",
 		{ samples_mix_left, samples_mix_right, samples_mix_both_to_one, samples_mix_files,
 			samples_mix_both },
@@ -231,15 +234,15 @@ static QString chosen_options()
 	QStringList all;
 	for (const option_group &group : groups)
 		for (const int control : group.controls) {
+			if (all.isEmpty() && !group.first_keeps)
+				break; // of what is converted
 			auto *option =
 				static_cast<QRadioButton *>(find_widget(window_samples, control));
 			const bool keeps = group.first_keeps && control == *group.controls.begin();
 			if (option->isChecked() && !keeps)
 				all += option->text().remove("Convert to ");
 		}
-	if (all.size() == 1)
-		all.prepend("kept as they are");
-	return all.join(", ");
+	return all.isEmpty() ? qtr("kept as they are") : all.join(", ");
 }
 
 static QWidget *make_import_options(top_window *window, told_label *line)
@@ -249,7 +252,8 @@ static QWidget *make_import_options(top_window *window, told_label *line)
 	row->setContentsMargins(28, 0, 0, 0);
 	row->setSpacing(between_panels);
 	for (const option_group &group : groups)
-		row->addWidget(make_options(window, group.title, group.controls, group.columns));
+		row->addWidget(
+			make_options(window, qtr(group.title), group.controls, group.columns));
 	row->addStretch();
 	for (QRadioButton *option : options->findChildren<QRadioButton *>())
 		QObject::connect(option, &QRadioButton::toggled, line,
@@ -263,12 +267,12 @@ static QBoxLayout *make_work_line(top_window *window)
 {
 	auto *row = new QHBoxLayout;
 	row->setContentsMargins(28, 0, 0, 0);
-	const std::pair<int, const char *> told[] = { { samples_work_count, "Files" },
-		{ samples_work_percent, "Part" }, { samples_work_outcome, "Outcome" },
-		{ samples_work_file, "File" } };
+	const std::pair<int, const char *> told[] = { { samples_work_count, own("Files") },
+		{ samples_work_percent, own("Part") }, { samples_work_outcome, own("Outcome") },
+		{ samples_work_file, own("File") } };
 	for (const auto &[control, spoken] : told) {
 		told_label *text = make_text(window, control);
-		text->set_spoken(spoken);
+		text->set_spoken(qtr(spoken));
 		text->set_role(text_role::quiet);
 		if (control == samples_work_file)
 			text->set_cut();
@@ -307,12 +311,12 @@ static QWidget *make_import(top_window *window)
 	auto *column = new QVBoxLayout(box);
 	column->setContentsMargins(12, 12, 12, 8);
 	auto *line = new told_label(box);
-	line->set_spoken("Import options");
+	line->set_spoken(qtr("Import options"));
 	line->set_cut();
 	QWidget *options = make_import_options(window, line);
 	auto *head = new QHBoxLayout;
-	head->addWidget(make_fold(options, "the import options", false, box));
-	head->addWidget(make_title("Import options", 1.1, true, box));
+	head->addWidget(make_fold(options, qtr("the import options"), false, box));
+	head->addWidget(make_title(qtr("Import options"), 1.1, true, box));
 	head->addWidget(line, 1);
 	for (int control : { samples_import, samples_export, samples_clear })
 		add_to(head, { make_button(window, control) });
@@ -354,7 +358,7 @@ void create_sample_manager(QWidget *owner)
 	tab(samples_loaded_list, samples_loaded_new_name);
 	tab(samples_local_search, samples_local_list);
 	find_widget(window_samples, samples_loaded_list)->setFocus();
-	window->open_at({ 976, 719 });
+	window->open_at({ 1000, 719 });
 }
 
 } // namespace velmor

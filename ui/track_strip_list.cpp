@@ -178,7 +178,7 @@ void track_row::paintEvent(QPaintEvent *)
 static QString empty_text_of(int window, int control)
 {
 	const caption_row *row = find_caption(window, control);
-	return row && row->empty ? QString::fromUtf8(row->empty) : QString();
+	return row && row->empty ? qtr(row->empty) : QString();
 }
 
 track_list::track_list(top_window *window, int control)

@@ -6,6 +6,7 @@
 #include "ui/parts/style.h"
 #include "ui/parts/told.h"
 #include "ui/parts/window.h"
+#include "ui/parts/words.h"
 #include "ui/qt_ui.h"
 #include "ui/waveform.h"
 #include <QBoxLayout>
@@ -22,13 +23,14 @@ namespace velmor
 static constexpr double one_press = 2;      // of a zoom button
 static constexpr int scroll_steps = 100000; // the bar counts parts of the whole
 
-static QToolButton *make_zoom(
-	const char *caption, const char *tooltip, waveform_widget *picture, double factor)
+static QToolButton *make_zoom(icon shown, const char *caption, const char *tooltip,
+	waveform_widget *picture, double factor)
 {
 	auto *button = new QToolButton(picture->parentWidget());
-	button->setText(caption);
-	button->setToolTip(tooltip);
-	button->setAccessibleDescription(tooltip);
+	button->setIcon(make_icon(shown));
+	button->setAccessibleName(qtr(caption));
+	button->setToolTip(qtr(tooltip));
+	button->setAccessibleDescription(qtr(tooltip));
 	button->setFocusPolicy(Qt::StrongFocus);
 	QObject::connect(button, &QToolButton::clicked, picture, [picture, factor] {
 		factor > 0 ? picture->zoom(factor, picture->middle()) : picture->zoom_all();
@@ -52,7 +54,7 @@ static void show_part_in(QScrollBar *bar, const waveform_widget *picture)
 static QScrollBar *make_scroll_bar(waveform_widget *picture)
 {
 	auto *bar = new QScrollBar(Qt::Horizontal, picture->parentWidget());
-	bar->setAccessibleName("Part of the sample in view");
+	bar->setAccessibleName(qtr("Part of the sample in view"));
 	QObject::connect(bar, &QScrollBar::valueChanged, picture, [picture](int value) {
 		picture->scroll_to(static_cast<double>(picture->length()) * value / scroll_steps);
 	});
@@ -94,6 +96,9 @@ static QToolButton *make_play(top_window *window, QWidget *picture)
 {
 	QToolButton *button = make_edit(window, samples_play);
 	button->setCheckable(true);
+	button->setIcon(make_icon(icon::play));
+	button->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+	button->setMinimumWidth(button->sizeHint().width() + between_controls);
 	for (QWidget *where : { picture, find_widget(window->id, samples_local_list) }) {
 		auto *space = new QShortcut(Qt::Key_Space, where);
 		space->setContext(Qt::WidgetShortcut);
@@ -126,19 +131,22 @@ QWidget *make_wave_editor(top_window *window, QWidget *parent)
 	auto *column = new QVBoxLayout(all);
 	column->setContentsMargins(0, 0, 0, 0);
 	column->setSpacing(4);
-	auto *picture = new waveform_widget("No local sample chosen", all);
+	auto *picture = new waveform_widget(qtr("No local sample chosen"), all);
 	enroll(window->id, samples_waveform, picture);
 	auto *part = new told_label(all);
-	part->set_spoken("In view");
+	part->set_spoken(qtr("In view"));
 	part->set_role(text_role::quiet);
 	part->set_cut();
 	QScrollBar *bar = make_scroll_bar(picture);
 	auto *head = new QHBoxLayout;
 	QToolButton *play = make_play(window, picture);
-	QToolButton *const zooms[] = { make_zoom("Zoom out", "Show twice as much of the sample (-)",
-					       picture, one_press),
-		make_zoom("Zoom in", "Show half as much of the sample (+)", picture, 1 / one_press),
-		make_zoom("Show all", "Show the whole sample (0)", picture, 0) };
+	QToolButton *const zooms[] = { make_zoom(icon::zoom_out, own("Zoom out"),
+					       own("Show twice as much of the sample (-)"), picture,
+					       one_press),
+		make_zoom(icon::zoom_in, own("Zoom in"), own("Show half as much of the sample (+)"),
+			picture, 1 / one_press),
+		make_zoom(icon::zoom_all, own("Show all"), own("Show the whole sample (0)"),
+			picture, 0) };
 	head->addWidget(play);
 	head->addWidget(part, 1);
 	add_to(head, { zooms[0], zooms[1], zooms[2] });

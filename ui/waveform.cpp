@@ -7,6 +7,7 @@
 #include "ui/waveform.h"
 #include "src/velmor_wave_edit.h"
 #include "ui/parts/style.h"
+#include "ui/parts/words.h"
 #include "ui/waveform_places.h"
 #include <QMouseEvent>
 #include <algorithm>
@@ -25,7 +26,7 @@ static constexpr std::uint64_t words_a_tick = 1 << 20;
 waveform_widget::waveform_widget(const QString &empty, QWidget *parent)
 	: QWidget(parent), empty_text(empty)
 {
-	setMinimumHeight(ruler_height + numbers_height + 64);
+	setMinimumHeight(ruler_height + numbers_height + 52);
 	setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
 	setFocusPolicy(Qt::StrongFocus);
 	setMouseTracking(true);
@@ -110,14 +111,13 @@ void waveform_widget::say_state()
 		return QString::number(seconds_of(static_cast<double>(word)), 'f', 3);
 	};
 	if (looped())
-		said += QString(", loop from %1 s to %2 s")
-				.arg(seconds(loop_start), seconds(loop_end));
+		said += qtr(", loop from %1 s to %2 s").arg(seconds(loop_start), seconds(loop_end));
 	if (range_end - range_start < words.size())
-		said += QString(", start at %1 s, end at %2 s")
+		said += qtr(", start at %1 s, end at %2 s")
 				.arg(seconds(range_start), seconds(range_end));
 	if (hasFocus() && !words.empty())
-		said += ", " + name_of(chosen) + " chosen";
-	setAccessibleName("Waveform: " + said);
+		said += qtr(", %1 chosen").arg(name_of(chosen));
+	setAccessibleName(qtr("Waveform: %1").arg(said));
 	update();
 }
 
@@ -184,8 +184,8 @@ QString waveform_widget::words_of_part() const
 		return QString::number(seconds_of(word), 'f', digits) + " s";
 	};
 	const auto all = static_cast<double>(words.size());
-	return count >= all ? seconds(all) + " shown"
-			    : QString("%1 to %2 of %3")
+	return count >= all ? qtr("%1 shown").arg(seconds(all))
+			    : qtr("%1 to %2 of %3")
 				      .arg(seconds(first), seconds(first + count), seconds(all));
 }
 
@@ -221,9 +221,9 @@ std::uint64_t waveform_widget::word_of(handle which) const
 
 QString waveform_widget::name_of(handle which) const
 {
-	static constexpr const char *names[] = { "", "start", "beginning of the loop",
-		"end of the loop", "end" };
-	return names[which];
+	static constexpr const char *names[] = { "", own("start"), own("beginning of the loop"),
+		own("end of the loop"), own("end") };
+	return qtr(names[which]);
 }
 
 bool waveform_widget::exists(handle which) const

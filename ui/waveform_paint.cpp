@@ -6,6 +6,7 @@
 // joined by lines, and dots when there is room. Colours come from the palette.
 
 #include "ui/parts/style.h"
+#include "ui/parts/words.h"
 #include "ui/waveform.h"
 #include "ui/waveform_places.h"
 #include <QPainter>
@@ -199,8 +200,8 @@ void waveform_widget::paint_numbers(QPainter *painter) const
 	const QRect strip(wave_place().left(), height() - numbers_height, wave_place().width(),
 		numbers_height);
 	painter->setPen(palette().color(QPalette::PlaceholderText));
-	const QString first_word = QString("Start %1").arg(range_start);
-	const QString last_word = QString("End %1").arg(range_end);
+	const QString first_word = qtr("Start %1").arg(range_start);
+	const QString last_word = qtr("End %1").arg(range_end);
 	painter->drawText(strip, Qt::AlignLeft | Qt::AlignVCenter, first_word);
 	painter->drawText(strip, Qt::AlignRight | Qt::AlignVCenter, last_word);
 	if (!looped())
@@ -209,7 +210,7 @@ void waveform_widget::paint_numbers(QPainter *painter) const
 	bold.setBold(true);
 	painter->setFont(bold);
 	painter->setPen(palette().color(QPalette::Link));
-	const QString loop = QString("Loop %1 to %2").arg(loop_start).arg(loop_end);
+	const QString loop = qtr("Loop %1 to %2").arg(loop_start).arg(loop_end);
 	// As near to the loop as the other numbers leave room.
 	const QFontMetrics metrics(bold);
 	const double wide = metrics.horizontalAdvance(loop);

@@ -22,7 +22,8 @@ struct replay_event {
 	int row = 0;
 };
 
-static constexpr std::size_t most_bytes = 256 << 20, most_in_event = 4 << 20;
+static constexpr std::size_t most_bytes = 256 << 20, most_in_event = 4 << 20, most_events = 1 << 20;
+static constexpr double longest_delay = 3600; // seconds, of an answer
 static constexpr double byte_time = 320e-6;
 
 // ---- Reading ---------------------------------------------------------------------------
@@ -129,7 +130,7 @@ private:
 			what = read_event(line, &events.back());
 			whole += events.back().count;
 		}
-		if (whole > most_bytes)
+		if (whole > most_bytes || events.size() > most_events)
 			what = "there is more in it than can be played";
 		if (!what.empty())
 			wrong = "Line " + std::to_string(row) + ": " + what + ".";
@@ -238,7 +239,8 @@ void replay_script::add_answer(const replay_event &e)
 	replay_step &step = steps.back();
 	if (!goes_on)
 		step.answers.push_back(
-			{ .delay = std::max(e.time - step.ends, 0.0), .message = {} });
+			{ .delay = std::clamp(e.time - step.ends, 0.0, longest_delay),
+				.message = {} });
 	usb_message &m = step.answers.back().message;
 	m.bytes.insert(m.bytes.end(), e.content.begin(), e.content.end());
 	const bool ended = e.content.size() < e.asked;
@@ -311,7 +313,8 @@ std::vector<const replay_answer *> replay_script::hear(byte_view all, bool ended
 		return answers;
 	if (strict && !parting && fed && usb)
 		part_at(-1);
-	if (lost && !strict) {
+	// On the USB a transfer that ends early is another one.
+	if (!strict && (lost || (usb && fed))) {
 		fed = 0;
 		if (find_message())
 			heard_all();

@@ -82,6 +82,11 @@ for program in $programs; do
 done
 echo "  their manuals name all of their options"
 
+# What plays samples is a module that no program is linked to, and finds its libraries here.
+module=$(dpkg -L velmor | grep '/velmor/velmor-audio\.so$') || fail "nothing plays samples"
+ldd "$module" | grep -q 'libQt6Multimedia\.so' || fail "$module plays nothing"
+! ldd "$module" | grep 'not found' || fail "$module lacks libraries"
+
 # What the desktop starts and shows is there.
 entry=/usr/share/applications/velmor.desktop
 for program in $(sed -n 's/^Exec=\([^ ]*\).*/\1/p' $entry); do

@@ -86,7 +86,7 @@ entry_list::entry_list(top_window *window, int control)
 {
 	const caption_row *row = find_caption(window_id, control);
 	if (row && row->empty)
-		empty_text = QString::fromUtf8(row->empty);
+		empty_text = qtr(row->empty);
 	setRootIsDecorated(false);
 	setItemsExpandable(false);
 	setUniformRowHeights(true);
@@ -105,7 +105,7 @@ entry_list::entry_list(top_window *window, int control)
 // Numbers stand at the right.
 Qt::Alignment entry_list::alignment_of(int column) const
 {
-	return (column && column != wide_column ? Qt::AlignRight : Qt::AlignLeft) |
+	return (column && !word_columns.contains(column) ? Qt::AlignRight : Qt::AlignLeft) |
 	       Qt::AlignVCenter;
 }
 
@@ -113,7 +113,14 @@ void entry_list::set_wide(int column)
 {
 	wide_column = column;
 	header()->setSectionResizeMode(column, QHeaderView::Stretch);
-	headerItem()->setTextAlignment(column, alignment_of(column));
+	set_words({ column });
+}
+
+void entry_list::set_words(const QList<int> &columns)
+{
+	word_columns += columns;
+	for (const int column : columns)
+		headerItem()->setTextAlignment(column, alignment_of(column));
 }
 
 void entry_list::set_columns(const QStringList &titles)
@@ -352,7 +359,7 @@ void entry_list::make_silence()
 	column->setContentsMargins(margin_side, between_controls, margin_side, between_controls);
 	auto *head = new QHBoxLayout;
 	head->addWidget(new icon_label(icon::unplugged, 28, text_role::careful, silence));
-	told_label *title = make_title("The sampler did not answer", 1.3, true, silence);
+	told_label *title = make_title(qtr("The sampler did not answer"), 1.3, true, silence);
 	title->setWordWrap(true);
 	head->addWidget(title, 1);
 	silent_words = new told_label(silence);
@@ -402,13 +409,12 @@ void entry_list::set_state(list_state state, const QString &words)
 QString entry_list::words_instead() const
 {
 	if (shown_state == list_state::silent)
-		return "The sampler did not answer. " + state_words;
+		return qtr("The sampler did not answer. %1").arg(state_words);
 	if (!state_words.isEmpty() && !has_entries())
 		return state_words;
 	if (shown_state == list_state::unread)
-		return QStringLiteral("Not read yet");
-	return has_entries() && count() ? QStringLiteral("No name holds these letters")
-					: empty_text;
+		return qtr("Not read yet");
+	return has_entries() && count() ? qtr("No name holds these letters") : empty_text;
 }
 
 void entry_list::paintEvent(QPaintEvent *event)

@@ -51,8 +51,10 @@ public:
 	// The titles of the columns; those that no entry has a text for are not shown.
 	void set_columns(const QStringList &titles);
 	void set_two_lines();
-	// A column that takes the room that is left, too, from the left.
+	// A column of words, that takes the room that is left, too.
 	void set_wide(int column);
+	// Columns of words, which stand at the left.
+	void set_words(const QList<int> &columns);
 	void take_files();
 	// Several entries can be chosen at once.
 	void take_several();
@@ -135,6 +137,7 @@ private:
 	list_state shown_state = list_state::fresh;
 	bool two_lines = false, takes_files = false, several = false, keeps_places = false;
 	int wide_column = 0;
+	QList<int> word_columns;
 	std::vector<int> told_choice; // the current entry, then all
 	std::vector<entry_command> commands;
 	entry_list *drag_target = nullptr;

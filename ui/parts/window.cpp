@@ -53,7 +53,7 @@ static told_label *make_told(top_window *window, int control, const char *spoken
 	return label;
 }
 
-// One line; two in a window that is too narrow for both sentences.
+// One line; two in a window that is too narrow for both sentences and what is to be put back.
 class status_foot : public QWidget
 {
 public:
@@ -78,7 +78,7 @@ protected:
 	}
 
 private:
-	static constexpr int letters_for_both = 100;
+	static constexpr int letters_for_both = 155;
 
 	void turn(bool narrow)
 	{

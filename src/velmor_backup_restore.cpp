@@ -164,7 +164,7 @@ static restore_item plan_removal(const listed_thing &thing)
 	const _sampler_type &model = row_of_loaded();
 	const bool can = thing.kind == backup_kind::sample ? model.renamesample != nullptr
 							   : model.deleteprogram != nullptr;
-	const bool hidden = thing.kind == backup_kind::sample && thing.number > 1;
+	const bool hidden = thing.number > 1;
 	if (!can || hidden) {
 		item.step = restore_step::cannot;
 		item.words = can ? tr("another one has the same name, and would be deleted")
@@ -213,10 +213,10 @@ outcome plan_restore(const std::string &folder, const restore_wish &wish, restor
 	*plan = {
 		.folder = folder, .way = way_key(), .complete = p.manifest.complete, .items = {}
 	};
-	if (wish.remove_others) // from the end, so that the others keep their places
-		for (auto thing = p.things.rbegin(); thing != p.things.rend(); ++thing)
-			if (thing->kind != backup_kind::multi && !is_in_folder(p, *thing))
-				plan->items.push_back(plan_removal(*thing));
+	if (wish.remove_others)
+		for (const listed_thing &thing : p.things)
+			if (thing.kind != backup_kind::multi && !is_in_folder(p, thing))
+				plan->items.push_back(plan_removal(thing));
 	for (const backup_kind kind :
 		{ backup_kind::sample, backup_kind::program, backup_kind::multi })
 		for (std::size_t i = 0; i < p.manifest.entries.size(); i++)

@@ -259,53 +259,6 @@ TEST_F(history, and_an_s5000_a_z8_and_an_mpc_4000)
 	}
 }
 
-TEST_F(history, an_undo_that_broke_off_anywhere_goes_on_and_its_step_stays)
-{
-	s1000_machine m(s1000_model::s3000, 0);
-	for (const char *name : { "KICK", "SNARE" })
-		m.add_sample(name, 44100, std::vector<std::int16_t>(100, 500));
-	for (const char *name : { "DRUMS", "BASS" })
-		m.add_program(name, 2);
-	plug_on_midi(m, model_s3000);
-	const auto grow = [&] {
-		(void)have_program_list();
-		const auto copy = std::make_unique<_program>(current_sampler->status->program[0]);
-		copy->keygroup[copy->keygroups++] = copy->keygroup[0];
-		return upload_program(*copy);
-	};
-	const std::function<outcome()> works[] = { grow, [] { return delete_sample("KICK"); },
-		[&] { return upload_sample(spool("KICK")); },
-		[] { return rename_program({ "DRUMS" }, "BEAT"); },
-		[] { return delete_program({ "DRUMS" }); } };
-	for (const auto &work : works) {
-		bool broken = true;
-		for (int exchange = 1; broken; exchange++) {
-			const auto before = held(m);
-			ASSERT_TRUE(work().done());
-			the_history.megabytes = 0; // the step in work stays all the same
-			port_wire(0).set_fault({ wire_fault_kind::silent, exchange, true });
-			broken = !undo_on_sampler().done();
-			port_wire(0).clear_faults();
-			the_history.megabytes = 500;
-			(void)read_program_list();
-			(void)read_sample_list();
-			const bool whole = !broken || undo_on_sampler().done();
-			EXPECT_TRUE(whole) << exchange;
-			ASSERT_TRUE(held(m) == before) << &work - works << " at " << exchange;
-			EXPECT_EQ(undoable_step(), nullptr);
-		}
-	}
-	// What stood behind a renamed program goes back from the same step.
-	(void)read_program_list();
-	const auto before = held(m);
-	ASSERT_TRUE(rename_program({ loaded_programs()[0] }, "BEAT").done());
-	m.programs.pop_back();
-	(void)read_program_list();
-	the_history.megabytes = 0;
-	EXPECT_TRUE(undo_on_sampler().done());
-	EXPECT_TRUE(held(m) == before);
-}
-
 namespace
 {
 

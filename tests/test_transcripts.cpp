@@ -199,6 +199,8 @@ TEST_P(transcripts, without_names_the_sampler_answers_under_others)
 		EXPECT_NE(std::string(dev.sample[0].name).substr(0, 4), "KICK");
 		EXPECT_NE(std::string(dev.program[0].name).substr(0, 5), "DRUMS");
 		EXPECT_TRUE(download_sample(dev.sample[0].name).done());
+		EXPECT_TRUE(read_program_list().done())
+			<< "further on, or from the beginning again";
 		EXPECT_EQ(script.unknown(), 0);
 	});
 	transcript t;
@@ -258,6 +260,7 @@ TEST_F(recordings, hold_every_byte_with_its_time)
 		> F0 7D F7
 		< nothing
 	)");
+	h.time.run_until(7); // times count from the beginning of the recording
 	ASSERT_TRUE(start_recording(false).done());
 	EXPECT_FALSE(start_recording(false).words.empty());
 	u8 answer[64];

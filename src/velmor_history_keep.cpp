@@ -333,7 +333,7 @@ bool machine_change::may_keep_samples()
 		return false;
 	const std::string name = quoted(before[static_cast<std::size_t>(places.front())]);
 	if (ask_box("INFO",
-		    tr("%s goes from the sampler. Keep a copy first? That takes %s.\n"
+		    tr("%s goes from the sampler. Keep a copy first? %s\n"
 		       "The answer holds until VELMOR is closed."),
 		    name.c_str(), about_seconds(seconds).c_str())) {
 		about_long_samples = answer::keep;

@@ -288,7 +288,7 @@ TEST_F(s3000_history, what_takes_long_is_asked_about_once_and_cancel_leaves_ever
 	EXPECT_EQ(delete_sample("KICK").line, "'KICK' was left as it is on the sampler.");
 	EXPECT_EQ(h.boxes,
 		(std::vector<shown_box>{
-			{ "'KICK' goes from the sampler. Keep a copy first? That takes about 10 s.\n"
+			{ "'KICK' goes from the sampler. Keep a copy first? about 10 s\n"
 			  "The answer holds until VELMOR is closed.",
 				"INFO" },
 			{ "Go on without a copy? 'KICK' cannot be put back then.", "WARNING" } }));

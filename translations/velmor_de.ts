@@ -3814,12 +3814,6 @@ on this connection</source>
 auf dieser Verbindung</translation>
     </message>
     <message>
-        <source>%s goes from the sampler. Keep a copy first? That takes %s.
-The answer holds until VELMOR is closed.</source>
-        <translation>%s geht vom Sampler. Zuerst eine Kopie sichern? Das dauert %s.
-Die Antwort gilt, bis VELMOR beendet wird.</translation>
-    </message>
-    <message>
         <source>%s is damaged.</source>
         <translation>%s ist beschädigt.</translation>
     </message>
@@ -4918,6 +4912,12 @@ Ohne Kopie fortfahren? Es lässt sich dann nicht zurückholen.</translation>
     <message>
         <source>yes</source>
         <translation>ja</translation>
+    </message>
+    <message>
+        <source>%s goes from the sampler. Keep a copy first? %s
+The answer holds until VELMOR is closed.</source>
+        <translation>%s geht vom Sampler. Zuerst eine Kopie sichern? %s
+Die Antwort gilt, bis VELMOR beendet wird.</translation>
     </message>
 </context>
 </TS>

@@ -444,6 +444,18 @@ static void list_items(backup_work *w, work_queue *items)
 	items->insert(items->end(), w->remarks.begin(), w->remarks.end());
 }
 
+// A driver tells the cause in one box and what came of it in another; an item has one line.
+static outcome in_one_line(outcome one)
+{
+	if (one.done() || one.how == ending::stopped || one.told.size() < 2)
+		return one;
+	one.words.clear();
+	for (const kept_box &box : one.told)
+		one.words += (one.words.empty() ? "" : " ") + box.text;
+	one.told.clear();
+	return one;
+}
+
 // A folder that takes no manifest takes nothing else: the same trouble once more ends the work
 // before anything is transferred in vain.
 static outcome bring_item(backup_work *w, const listed_thing &thing, work_item *item)
@@ -451,7 +463,7 @@ static outcome bring_item(backup_work *w, const listed_thing &thing, work_item *
 	const outcome kept = w->unkept ? write_manifest(w->folder, w->manifest) : outcome{};
 	if (!kept.done())
 		return kept;
-	const outcome came = bring(w, thing);
+	const outcome came = in_one_line(bring(w, thing));
 	const auto entry = find_entry(w->manifest, thing);
 	if (came.done() && thing.kind == backup_kind::sample)
 		item->bytes = entry->size;

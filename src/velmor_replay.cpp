@@ -221,7 +221,18 @@ static outcome verdict(const replay_report &r, int silent)
 		"WARNING" };
 }
 
-// Which events a line carries: those of the line on which something was sent first.
+// Which line it is about. A program that starts looks for samplers on the USB, whatever it is used
+// for then, so the sampler that was loaded last tells; without one, what was sent first.
+static bool is_about_usb(const transcript &t, const crossing &first)
+{
+	bool usb = first.line == wire_line::usb;
+	for (const crossing &c : t.crossings)
+		if (c.note.starts_with("sampler: ") && c.note != "sampler: none")
+			usb = c.note.find(", USB '") != c.note.npos;
+	return usb;
+}
+
+// Which events that line carries.
 static bool belongs(const crossing &c, bool usb)
 {
 	const bool here = c.line == wire_line::usb;
@@ -262,7 +273,7 @@ outcome replay_transcript(const transcript &t, replay_report *report)
 	if (first == t.crossings.end())
 		return { ending::local_failed, tr("Nothing was sent in this transcript."),
 			"FATAL" };
-	const bool usb = first->line == wire_line::usb;
+	const bool usb = is_about_usb(t, *first);
 	unsigned vendor = 0, product = 0;
 	for (const crossing &c : t.crossings)
 		if (const std::size_t at = c.note.find("usb: opened ");

@@ -285,7 +285,7 @@ TEST(velmorctl, a_recording_is_sent_again_and_the_first_other_byte_told)
 	EXPECT_NE(same.words.find("answers are what they were."), same.words.npos);
 	s.s3000.add_sample("TOM", 44100, { 1, 2, 3 });
 	const ran other = ctl(replay);
-	EXPECT_EQ(other.status, 1);
+	EXPECT_EQ(other.status, 1) << other.words << other.results;
 	EXPECT_NE(other.results.find("was 02 and is 03.\n"), other.results.npos) << other.results;
 	replay.push_back("--json");
 	EXPECT_NE(ctl(replay).results.find(",\"at\":5,\"was\":2,\"is\":3}\n"), std::string::npos);

@@ -142,9 +142,9 @@ int ctl_ls(const ctl_call &), ctl_get(const ctl_call &), ctl_put(const ctl_call 
 	ctl_import(const ctl_call &); // ctl_samples.cpp
 int ctl_program_ls(const ctl_call &), ctl_program_get(const ctl_call &),
 	ctl_program_put(const ctl_call &), ctl_program_rm(const ctl_call &),
-	ctl_program_mv(const ctl_call &);                      // ctl_programs.cpp
-int ctl_panel(const ctl_call &), ctl_key(const ctl_call &);    // ctl_panel.cpp
-int ctl_play(const ctl_call &), ctl_monitor(const ctl_call &); // ctl_midi.cpp
+	ctl_program_mv(const ctl_call &);                         // ctl_programs.cpp
+int ctl_panel(const ctl_call &), ctl_key(const ctl_call &);       // ctl_panel.cpp
+int ctl_play(const ctl_call &), ctl_monitor(const ctl_call &);    // ctl_midi.cpp
 int ctl_selftest(const ctl_call &), ctl_replay(const ctl_call &); // ctl_selftest.cpp
 int ctl_backup(const ctl_call &), ctl_restore(const ctl_call &),
 	ctl_undo(const ctl_call &); // ctl_machine.cpp

@@ -215,8 +215,10 @@ public:
 		}
 		bytes.insert(bytes.end(), { 0, 0xFF, 0x2F, 0 });
 		const u32 size = static_cast<u32>(bytes.size());
-		machine::bytes all = { 'M', 'T', 'r', 'k', 0, 0, static_cast<u8>(size >> 8),
-			static_cast<u8>(size) };
+		machine::bytes all;
+		all.reserve(8 + bytes.size());
+		all.insert(all.end(), { 'M', 'T', 'r', 'k', 0, 0, static_cast<u8>(size >> 8),
+					      static_cast<u8>(size) });
 		all.insert(all.end(), bytes.begin(), bytes.end());
 		return all;
 	}

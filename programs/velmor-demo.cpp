@@ -265,9 +265,9 @@ static void leave_out_platform_remarks(QtMsgType, const QMessageLogContext &, co
 		std::fprintf(stderr, "%s\n", words.toUtf8().constData());
 }
 
-static int travel(arguments *a)
+// What the journey takes along where the user names nothing.
+static void pack(arguments *a)
 {
-	qInstallMessageHandler(leave_out_platform_remarks);
 	if (a->out.empty()) {
 		std::string pattern =
 			std::filesystem::temp_directory_path() / "velmor-journey-XXXXXX";
@@ -281,6 +281,12 @@ static int travel(arguments *a)
 	if (a->song.empty())
 		a->song = make_song(a->out);
 	prepare_folder(a->out + "/data");
+}
+
+static int travel(arguments *a)
+{
+	qInstallMessageHandler(leave_out_platform_remarks);
+	pack(a);
 	static const ui_service ui = jumping_ui();
 	install(&ui, &jumping_clock);
 	create_windows();

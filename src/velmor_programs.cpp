@@ -366,6 +366,26 @@ static void give_edits_back(_program *copy, int place)
 	move_edits(*copy, to);
 }
 
+// What became of a renaming that the machine answered, if it is not there under the new name.
+static void judge_renaming(
+	const std::string &name, const outcome &read, bool gone, bool found, outcome *result)
+{
+	if (!result->done() || (gone && found))
+		return;
+	if (!can_look(read)) {
+		const auto told = result->told;
+		*result =
+			unknown_end(read, format_text(tr("%s was renamed"), quoted(name).c_str()));
+		result->told = told;
+		return;
+	}
+	result->how = ending::refused;
+	result->words = format_text(
+		gone ? tr("The sampler did not do it: %s is gone, and no program has the new name.")
+		     : tr("The sampler did not do it: %s is still in its list."),
+		quoted(name).c_str());
+}
+
 static outcome rename_kept(
 	const program_entry &which, const std::string &new_name, const machine_change &kept)
 {
@@ -393,17 +413,7 @@ static outcome rename_kept(
 	if (edited && place >= 0)
 		give_edits_back(copy.get(), place);
 	forget_edits(*copy);
-	if (!looked && result.done()) {
-		const auto told = result.told;
-		result = unknown_end(
-			read, format_text(tr("%s was renamed"), quoted(which.name).c_str()));
-		result.told = told;
-	} else if (result.done() && (!gone || now < 0)) {
-		result.how = ending::refused;
-		result.words = tr("The sampler did not do it: ") + quoted(which.name) +
-			       (gone ? tr(" is gone, and no program has the new name.")
-				     : tr(" is still in its list."));
-	}
+	judge_renaming(which.name, read, gone, now >= 0, &result);
 	result.line = result.done()
 			      ? format_text(tr("%s on the sampler is now %s."),
 					quoted(which.name).c_str(), quoted(new_name).c_str())

@@ -24,14 +24,6 @@
         <translation>, Überschrift</translation>
     </message>
     <message>
-        <source> is gone, and no program has the new name.</source>
-        <translation> ist weg, und kein Programm hat den neuen Namen.</translation>
-    </message>
-    <message>
-        <source> is still in its list.</source>
-        <translation> steht noch in der Liste.</translation>
-    </message>
-    <message>
         <source> key</source>
         <translation>, Taste</translation>
     </message>
@@ -1786,10 +1778,6 @@ Trotzdem senden?</translation>
     <message>
         <source>The sampler did not answer as it should. %s</source>
         <translation>Der Sampler hat nicht geantwortet, wie er sollte. %s</translation>
-    </message>
-    <message>
-        <source>The sampler did not do it: </source>
-        <translation>Der Sampler hat es nicht getan: </translation>
     </message>
     <message>
         <source>The sampler did not do it: %s is still in its list.</source>
@@ -4918,6 +4906,10 @@ Ohne Kopie fortfahren? Es lässt sich dann nicht zurückholen.</translation>
 The answer holds until VELMOR is closed.</source>
         <translation>%s geht vom Sampler. Zuerst eine Kopie sichern? %s
 Die Antwort gilt, bis VELMOR beendet wird.</translation>
+    </message>
+    <message>
+        <source>The sampler did not do it: %s is gone, and no program has the new name.</source>
+        <translation>Der Sampler hat es nicht getan: %s ist weg, und kein Programm hat den neuen Namen.</translation>
     </message>
 </context>
 </TS>

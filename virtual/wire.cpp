@@ -183,15 +183,14 @@ void midi_wire::line::left(double)
 		std::unique_lock held(lock);
 		if (pulled || outgoing.empty())
 			return;
+		const bytes came = std::move(outgoing.front().content);
+		outgoing.pop_front();
 		if (machine.loop) {
-			const bytes came = std::move(outgoing.front().content);
-			outgoing.pop_front();
 			held.unlock();
-			loop_back(came);
-			return;
+			return loop_back(came);
 		}
 		at = message.size();
-		for (const std::uint8_t b : outgoing.front().content) {
+		for (const std::uint8_t b : came) {
 			if (b >= 0xF8) {
 				played.push_back(b);
 				continue;
@@ -214,7 +213,6 @@ void midi_wire::line::left(double)
 		if (at < message.size())
 			fresh.assign(
 				message.begin() + static_cast<std::ptrdiff_t>(at), message.end());
-		outgoing.pop_front();
 	}
 	if (!played.empty() && machine.played)
 		machine.played(played);

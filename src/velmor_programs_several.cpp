@@ -76,7 +76,7 @@ bool download_several_programs()
 	return true;
 }
 
-// The machine has no way back, and one press for several is easily meant for one.
+// One press for several is easily meant for one, and putting them all back takes long.
 bool delete_several_programs()
 {
 	const entries all = all_chosen_on_sampler();

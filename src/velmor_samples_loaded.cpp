@@ -119,7 +119,7 @@ void show_change(const outcome &result, const chosen_entries &loaded, const chos
 	show_outcome(result);
 }
 
-// The machine has no way back, and one press for several is easily meant for one.
+// One press for several is easily meant for one, and putting them all back takes long.
 static void delete_several_loaded(const chosen_entries &all)
 {
 	if (!ask_box("WARNING", tr("Delete %d samples from the sampler's memory?"),

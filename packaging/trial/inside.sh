@@ -4,16 +4,18 @@
 # Run by root.sh in a root that is thrown away. Everything that is checked says so in a line.
 set -euo pipefail
 package=$1
+scratch=$(mktemp -d)
+chmod 755 "$scratch"
 export DEBIAN_FRONTEND=noninteractive
 fail() { echo "FAILED: $*" >&2; exit 1; }
 
 # What a command says is shown when it fails.
 quietly() {
-	"$@" >/tmp/said 2>&1 </dev/null || { cat /tmp/said >&2; fail "$*"; }
+	"$@" >"$scratch/said" 2>&1 </dev/null || { cat "$scratch/said" >&2; fail "$*"; }
 }
 
 fetched() {
-	apt-get "$@" >/tmp/said 2>&1 </dev/null && return
+	apt-get "$@" >"$scratch/said" 2>&1 </dev/null && return
 	quietly apt-get update # the lists have grown old
 	quietly apt-get "$@"
 }
@@ -28,7 +30,7 @@ everything() {
 # A program that ends up as the process that was started, so that it can be told to end.
 user=(setpriv --reuid=musician --regid=musician --init-groups env -i HOME=/home/musician
 	USER=musician LC_ALL=C.UTF-8 PATH=/usr/local/bin:/usr/bin:/bin
-	XDG_RUNTIME_DIR=/tmp/runtime QT_QPA_PLATFORM=offscreen sh -c 'cd && exec "$@"' sh)
+	XDG_RUNTIME_DIR="$scratch/runtime" QT_QPA_PLATFORM=offscreen sh -c 'cd && exec "$@"' sh)
 
 # Waits for a file to hold something that matches.
 await() {
@@ -36,7 +38,7 @@ await() {
 		grep -qs -e "$2" "$1" && return
 		sleep 0.1
 	done
-	cat /tmp/said >&2
+	cat "$scratch/said" >&2
 	fail "$3"
 }
 
@@ -50,20 +52,20 @@ fetched satisfy -y --no-install-recommends "$(dpkg-deb -f "$package" Depends)"
 # Who judges rules and services, and what the drive of the journey is mounted with.
 fetched install -y --no-install-recommends udev systemd fuse3
 useradd --create-home musician
-install -d -m 700 -o musician /tmp/runtime
+install -d -m 700 -o musician "$scratch/runtime"
 # A kernel's rules cannot be had here; what the package asks of udev is written down.
 mkdir -p /run/udev
-printf '#!/bin/sh\necho "$*" >>/tmp/udevadm.said\n' >/usr/local/bin/udevadm
+printf '#!/bin/sh\necho "$*" >>%s/udevadm.said\n' "$scratch" >/usr/local/bin/udevadm
 chmod 755 /usr/local/bin/udevadm
-everything | sort >/tmp/before
+everything | sort >"$scratch/before"
 
 # ---- Installing -----------------------------------------------------------------------------------
 
 echo "Installing"
 quietly apt-get install -y --no-install-recommends -o DPkg::Path="/usr/local/bin:$PATH" "$package"
-grep -q '^1 newly installed\|, 1 newly installed' /tmp/said || { cat /tmp/said; fail "apt wants more"; }
-everything | sort >/tmp/installed
-asked=$(grep -s '^trigger .*--attr-match=idVendor=09e8' /tmp/udevadm.said) ||
+grep -q '^1 newly installed\|, 1 newly installed' "$scratch/said" || { cat "$scratch/said"; fail "apt wants more"; }
+everything | sort >"$scratch/installed"
+asked=$(grep -s '^trigger .*--attr-match=idVendor=09e8' "$scratch/udevadm.said") ||
 	fail "samplers that are plugged in keep their old rights"
 # shellcheck disable=SC2086
 quietly udevadm $asked --dry-run
@@ -97,7 +99,7 @@ for size in 16x16 32x32 48x48 64x64 128x128 scalable; do
 	ls /usr/share/icons/hicolor/$size/apps/"$icon".* >/dev/null || fail "no icon of $size"
 done
 quietly "${user[@]}" systemd-analyze --user --man=no verify /usr/lib/systemd/user/velmorfs.service
-[ ! -s /tmp/said ] || { cat /tmp/said; fail "the service of velmorfs"; }
+[ ! -s "$scratch/said" ] || { cat "$scratch/said"; fail "the service of velmorfs"; }
 cd /usr/share/doc/velmor
 for page in README.md docs/*.md; do
 	for link in $(grep -o '](\([^)#:]*\)' $page | sed 's/^](//'); do
@@ -110,20 +112,20 @@ echo "  the desktop's entry, the service and the documents find what they name"
 # ---- Using ----------------------------------------------------------------------------------------
 
 echo "Making the journey as a plain user"
-"${user[@]}" velmor-demo --journey --out journey >/tmp/journey 2>&1 ||
-	{ cat /tmp/journey >&2; fail "the journey"; }
-tail -n 1 /tmp/journey | sed 's/^/  /'
-grep 'left out:' /tmp/journey || true
+"${user[@]}" velmor-demo --journey --out journey >"$scratch/journey" 2>&1 ||
+	{ cat "$scratch/journey" >&2; fail "the journey"; }
+tail -n 1 "$scratch/journey" | sed 's/^/  /'
+grep 'left out:' "$scratch/journey" || true
 
 # The program itself, on a system without a port: it opens, and ends when it is told to.
-"${user[@]}" velmor --from-menu >/tmp/said 2>&1 &
+"${user[@]}" velmor --from-menu >"$scratch/said" 2>&1 &
 await /home/musician/.local/share/VELMOR/velmor.log . "velmor does not start"
 kill $!
-wait $! || { cat /tmp/said >&2; fail "velmor does not end well: $?"; }
+wait $! || { cat "$scratch/said" >&2; fail "velmor does not end well: $?"; }
 echo "  velmor opens and ends"
 
-"${user[@]}" velmor-virtual --tcp 0 >/tmp/said 2>&1 &
-await /tmp/said '^listening on' "velmor-virtual does not listen"
+"${user[@]}" velmor-virtual --tcp 0 >"$scratch/said" 2>&1 &
+await "$scratch/said" '^listening on' "velmor-virtual does not listen"
 kill $!
 wait $! || fail "velmor-virtual does not end well: $?"
 echo "  velmor-virtual listens and ends"
@@ -131,16 +133,16 @@ echo "  velmor-virtual listens and ends"
 # The companion: what it lists, a picture, and what it answers to a word that it does not know.
 companion() {
 	local status=0
-	"${user[@]}" velmorctl --demo "$@" >/tmp/companion 2>/tmp/said || status=$?
-	[ $status -eq "${expected:-0}" ] || { cat /tmp/said >&2; fail "velmorctl --demo $*: $status"; }
+	"${user[@]}" velmorctl --demo "$@" >"$scratch/companion" 2>"$scratch/said" || status=$?
+	[ $status -eq "${expected:-0}" ] || { cat "$scratch/said" >&2; fail "velmorctl --demo $*: $status"; }
 }
 if [ -x /usr/bin/velmorctl ]; then
 	companion samplers
-	grep -q '^Demo S3000' /tmp/companion || fail "velmorctl lists no Demo S3000"
+	grep -q '^Demo S3000' "$scratch/companion" || fail "velmorctl lists no Demo S3000"
 	companion ls
-	[ -s /tmp/companion ] || fail "velmorctl lists no samples"
+	[ -s "$scratch/companion" ] || fail "velmorctl lists no samples"
 	companion --json program ls
-	grep -q '^{' /tmp/companion || fail "velmorctl lists no programs"
+	grep -q '^{' "$scratch/companion" || fail "velmorctl lists no programs"
 	companion --sampler 'Demo Z8' panel --png screen.png
 	[ -s /home/musician/screen.png ] || fail "velmorctl draws no picture"
 	expected=2 companion nonsense
@@ -153,11 +155,11 @@ fi
 
 echo "Removing"
 quietly apt-get remove -y velmor
-everything | sort >/tmp/after
-if ! diff /tmp/before /tmp/after >/tmp/left; then
-	cat /tmp/left
+everything | sort >"$scratch/after"
+if ! diff "$scratch/before" "$scratch/after" >"$scratch/left"; then
+	cat "$scratch/left"
 	fail "removing it leaves these behind"
 fi
 ! dpkg-query -W velmor >/dev/null 2>&1 || fail "dpkg still knows it"
-cmp -s /tmp/before /tmp/installed && fail "nothing was installed at all"
-echo "  nothing is left of $(comm -13 /tmp/before /tmp/installed | grep -vc ' bytes$') files and folders"
+cmp -s "$scratch/before" "$scratch/installed" && fail "nothing was installed at all"
+echo "  nothing is left of $(comm -13 "$scratch/before" "$scratch/installed" | grep -vc ' bytes$') files and folders"

@@ -28,18 +28,18 @@ if [ -z "$(find "$base" -type f -mtime -7 2>/dev/null)" ]; then
 fi
 
 export base package here cache
-root=$(mktemp -d /tmp/velmor-root-XXXXXX)
+root=$(mktemp -d --tmpdir velmor-root-XXXXXX)
 trap 'rmdir "$root"' EXIT
 # In memory: nothing of it outlives the name space, and dpkg waits for no disk.
 root=$root unshare --mount --pid --fork --kill-child bash -euc '
 	mount -t tmpfs -o mode=755,size=4g velmor-root "$root"
 	tar -xf "$base" -C "$root"
-	cp "$package" "$root/tmp/velmor.deb"
-	cp "$here/inside.sh" "$root/tmp"
+	cp "$package" "$root/srv/velmor.deb"
+	cp "$here/inside.sh" "$root/srv"
 	cp -L /etc/resolv.conf "$root/etc/resolv.conf"
 	mount --bind "$cache/archives" "$root/var/cache/apt/archives"
 	mount -t proc proc "$root/proc"
 	mount --rbind /dev "$root/dev"
 	mount --rbind -o ro /sys "$root/sys"
 	exec env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin HOME=/root LC_ALL=C.UTF-8 \
-		chroot "$root" /bin/bash /tmp/inside.sh /tmp/velmor.deb'
+		chroot "$root" /bin/bash /srv/inside.sh /srv/velmor.deb'
